@@ -1,0 +1,28 @@
+# Warnings and definitions that every target of the project is built with.
+add_library(kyrcore_options INTERFACE)
+
+# Assertions are part of the interface: they stay in every build type, so the -DNDEBUG of CMake's own types is
+# taken back.
+target_compile_options(kyrcore_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wvla -UNDEBUG
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi>
+  $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)
+if(KYRCORE_WERROR)
+  target_compile_options(kyrcore_options INTERFACE -Werror)
+endif()
+
+# Instrumentation is for the whole tree, plugins included: an instrumented library in a plain host does not start.
+if(KYRCORE_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+if(KYRCORE_COVERAGE)
+  add_compile_options(--coverage -fprofile-abs-path)
+  add_link_options(--coverage)
+endif()
+if(KYRCORE_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    message(FATAL_ERROR "KYRCORE_FUZZ needs clang; use the preset \"fuzz\".")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_link_options(-fsanitize=fuzzer-no-link)
+endif()

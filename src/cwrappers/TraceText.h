@@ -1,0 +1,41 @@
+#ifndef TRACETEXT_H
+#define TRACETEXT_H
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+/// A trace line's text, in one buffer that is used again and again. The buffer is away while the object lives: writing
+/// to the log asks the plugin for its name, and the plugin may call back.
+class TTraceText {
+public:
+    explicit TTraceText(std::initializer_list<std::string_view> parts) : TTraceText() {
+        size_t length = 0;
+        for (const std::string_view part : parts) length += part.size();
+        fText->resize(length);
+        char* target = fText->data();
+        for (const std::string_view part : parts) target = std::copy(part.begin(), part.end(), target);
+    }
+    ~TTraceText() {
+        if (fgSpare || fText->capacity() > kMaxKept)
+            delete fText;
+        else
+            fgSpare = fText;
+    }
+    TTraceText(const TTraceText&) = delete;
+    TTraceText& operator=(const TTraceText&) = delete;
+
+    const std::string& operator*() const { return *fText; }
+
+private:
+    TTraceText() : fText(fgSpare ? fgSpare : new std::string) { fgSpare = nullptr; }
+
+    static constexpr size_t kMaxKept = 64 * 1024;
+
+    static inline std::string* fgSpare = nullptr;  // a plain pointer: the log is written to until the very end
+
+    std::string* fText;
+};
+
+#endif

@@ -1,0 +1,17 @@
+#include "cwrappers/kyriIOHandle.h"
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TKYRException.h"
+#include "model/InstanceCloser.h"
+#include "platform/CoreLog.h"
+
+void kyriIOHandle::CloseCurrentInstance() {
+    if (!fCurrentInstance) return;
+    const TCIMClass* cls = fCurrentInstance->GetClass();  // the instance may not outlive the attempt
+    try {
+        CloseInstance(fCurrentInstance);
+    } catch (const TKYRException& e) {
+        LogAndThrow(e.fCode, "kyrAddClass: CIM class " + cls->GetName() + " threw exception " + e.what());
+    }
+}

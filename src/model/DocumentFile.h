@@ -1,0 +1,30 @@
+#ifndef DOCUMENTFILE_H
+#define DOCUMENTFILE_H
+
+#include <boost/scoped_array.hpp>
+#include <cstddef>
+#include <string>
+
+/// A document read whole into one buffer, plain or, when its path holds ".gz" anywhere, gzip-compressed. A readable
+/// NUL stands in front of the text as well as behind it, as the tokeniser wants.
+class TDocumentFile {
+public:
+    static constexpr unsigned int kMaxSize = 104857600;
+
+    /// kyrStatusFileNotFound (a directory too), kyrStatusFileSystemError, kyrStatusOutOfMemory,
+    /// kyrStatusInvalidSpecificationDocument (larger than kMaxSize), kyrStatusInvalidGzipFile,
+    /// kyrStatusCorruptGzipFile.
+    explicit TDocumentFile(const std::string& path);
+
+    char* GetText() const { return fBuffer.get() + 1; }
+
+private:
+    void ReadPlain(const std::string& path, unsigned long long size);
+    void ReadCompressed(const std::string& path);
+    void Allocate(unsigned long long size);
+    void Terminate(std::size_t length) { GetText()[length] = '\0'; }
+
+    boost::scoped_array<char> fBuffer;
+};
+
+#endif

@@ -1,0 +1,28 @@
+#ifndef TCIMARRAYVALUEIMPL_H
+#define TCIMARRAYVALUEIMPL_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "model/TCIMValueImpl.h"
+
+class TCIMArrayValueImpl final : public TCIMValueImpl {
+public:
+    explicit TCIMArrayValueImpl(std::vector<TCIMValue> elements) : fElements(std::move(elements)) {}
+
+    static std::vector<TCIMValue>& ElementsOf(const TCIMValue& value);
+
+    /// Raises kyrStatusInvalidProperty, with a line in the log, for the first element that is not of the type.
+    void RequireElementType(TCIMValue::TCIMType type) const;
+
+    operator std::vector<TCIMValue>&() const override { return fElements; }
+    std::string ToString(unsigned char base) const override;
+    bool operator==(const TCIMValue& other) const override { return fElements == ElementsOf(other); }
+    bool operator<(const TCIMValue& other) const override;
+
+private:
+    mutable std::vector<TCIMValue> fElements;  // sic: a constant value hands it out to be changed
+};
+
+#endif

@@ -1,0 +1,224 @@
+#include "model/TCIMClassImpl.h"
+
+#include <boost/make_shared.hpp>
+
+#include <algorithm>
+#include <cassert>
+
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TContainer.h"
+#include "kyr/TKYRException.h"
+#include "model/TCIMInstanceImpl.h"
+#include "model/TCIMPropertyDeclImpl.h"
+#include "model/TCIMQualifierImpl.h"
+#include "model/TNormalizedName.h"
+#include "platform/CoreLog.h"
+
+namespace {
+
+/// Of references to related classes the one to the most general class is enough: whoever looks for a class's
+/// associations climbs to the top of the tree.
+void KeepMostGeneral(std::vector<TCIMClass*>& classes) {
+    for (size_t a = 0; a < classes.size(); ++a) {
+        for (size_t b = 0; b < classes.size();) {
+            if (a == b || !classes[b]->IsSubclassOf(classes[a])) {
+                ++b;
+                continue;
+            }
+            classes.erase(classes.begin() + static_cast<std::ptrdiff_t>(b));
+            if (b < a) --a;
+        }
+    }
+}
+
+}  // namespace
+
+TCIMClassImpl::TCIMClassImpl(TCIMClass& handle, TContainer& container, std::string name, TCIMClass* superClass)
+    : fHandle(&handle), fContainer(&container), fName(std::move(name)), fSuperClass(superClass) {
+    if (fSuperClass == nullptr) {
+        fSuperClass = container.GetRootClass();  // null while the root class itself is being made
+        return;
+    }
+    const TCIMClassImpl& inherited = Of(*fSuperClass);
+    fPropertyDecls = inherited.fPropertyDecls;
+    fQualifiers.InheritFrom(inherited.fQualifiers);
+}
+
+TCIMClassImpl::~TCIMClassImpl() {
+    if (fAdded) Of(*fSuperClass).RemoveChildClass(*fHandle);
+}
+
+void TCIMClassImpl::Validate() const {
+    if (IsAbstract()) return;
+    for (const auto& entry : fPropertyDecls)
+        if (TCIMPropertyDeclImpl::Of(*entry.second).IsKey()) return;
+    LogAndThrow(kyrStatusInvalidClass, "Class " + fName + " has no keys");
+}
+
+void TCIMClassImpl::AddToContainer() {
+    fHandle->Validate();
+    fContainer->AddClass(*fHandle);
+    Of(*fSuperClass).AddChildClass(*fHandle);
+    fAdded = true;
+    if (IsAssociation()) RegisterWithReferencedClasses();
+}
+
+void TCIMClassImpl::RegisterWithReferencedClasses() {
+    std::vector<TCIMClass*> referenced;
+    for (const auto& entry : fPropertyDecls) {
+        const TCIMValue& value = entry.second->GetValue();
+        if (value.IsReference() && value.GetReferencedClass() != nullptr)
+            referenced.push_back(value.GetReferencedClass());
+    }
+    KeepMostGeneral(referenced);
+    for (TCIMClass* cls : referenced) Of(*cls).AddAssociationClass(*fHandle);
+}
+
+bool TCIMClassImpl::IsRootClass() const { return fSuperClass != nullptr && fSuperClass == fContainer->GetRootClass(); }
+
+// Pre-order, without recursion: a document can make a chain of classes that is deeper than the stack.
+std::vector<TCIMClass*> TCIMClassImpl::EnumerateSubClasses(bool deep) const {
+    if (!deep) return fChildClasses;
+    std::vector<TCIMClass*> subClasses;
+    std::vector<TCIMClass*> pending(fChildClasses.rbegin(), fChildClasses.rend());
+    while (!pending.empty()) {
+        TCIMClass* next = pending.back();
+        pending.pop_back();
+        subClasses.push_back(next);
+        const std::vector<TCIMClass*>& children = Of(*next).fChildClasses;
+        pending.insert(pending.end(), children.rbegin(), children.rend());
+    }
+    return subClasses;
+}
+
+bool TCIMClassImpl::IsAssociation() const { return TCIMQualifierImpl::ReadsTrue(fQualifiers.Find("ASSOCIATION")); }
+
+bool TCIMClassImpl::IsAbstract() const { return TCIMQualifierImpl::ReadsTrue(fQualifiers.Find("ABSTRACT")); }
+
+bool TCIMClassImpl::IsSubclassOf(const TCIMClass* other) const {
+    const TCIMClass* root = fContainer->GetRootClass();
+    const TCIMClass* current = fHandle;
+    while (current != root && Of(*current).fSuperClass != nullptr) {
+        if (current == other || *current == *other) return true;
+        current = Of(*current).fSuperClass;
+    }
+    return current == other || *current == *other;
+}
+
+void TCIMClassImpl::AddChildClass(TCIMClass& child) { fChildClasses.push_back(&child); }
+
+void TCIMClassImpl::RemoveChildClass(TCIMClass& child) {
+    const auto found = std::find(fChildClasses.begin(), fChildClasses.end(), &child);
+    if (found != fChildClasses.end()) fChildClasses.erase(found);
+}
+
+void TCIMClassImpl::AddAssociationClass(TCIMClass& association) { fAssociations.insert(&association); }
+
+void TCIMClassImpl::AddPropertyDecl(TCIMPropertyDecl& declaration) {
+    if (declaration.GetValue().IsReference() && !IsAssociation())
+        RefuseDecl(kyrStatusNotAssociation, "add reference property ", declaration, " to non-association class ", "");
+    const TNormalizedName name(declaration.GetName());
+    const auto existing = fPropertyDecls.find(name.View());
+    if (declaration.FindQualifier("OVERRIDE") != nullptr)
+        RemoveOverriddenDecl(existing, declaration);
+    else if (existing != fPropertyDecls.end())
+        RefuseDecl(kyrStatusAlreadyExists, "add property ", declaration, " to class ", ": already exists");
+    fPropertyDecls.emplace(name.View(), boost::shared_ptr<TCIMPropertyDecl>(&declaration));
+    fLayout.reset();
+}
+
+void TCIMClassImpl::RemoveOverriddenDecl(TPropertyDecls::iterator existing, const TCIMPropertyDecl& declaration) {
+    static const char kOverride[] = "override property ";
+    static const char kInClass[] = " in class ";
+    if (existing == fPropertyDecls.end())
+        RefuseDecl(kyrStatusNotFound, kOverride, declaration, kInClass, ": property doesn't exist in base class");
+    const TCIMPropertyDecl& inherited = *existing->second;
+    if (inherited.GetType() != declaration.GetType())
+        RefuseDecl(kyrStatusTypeMismatch, kOverride, declaration, kInClass, ": different types");
+    if (*inherited.GetClass() == *fHandle)
+        RefuseDecl(kyrStatusAlreadyExists, kOverride, declaration, kInClass, ": original was defined in this class");
+    fPropertyDecls.erase(existing);
+}
+
+void TCIMClassImpl::RefuseDecl(kyrStatusCode code, const std::string& attempt, const TCIMPropertyDecl& declaration,
+                               const std::string& relation, const std::string& reason) const {
+    LogAndThrow(code, "Attempt to " + attempt + declaration.GetName() + relation + fName + reason);
+}
+
+TCIMPropertyDecl* TCIMClassImpl::FindPropertyDecl(const std::string& name) const {
+    const auto found = fPropertyDecls.find(TNormalizedName(name).View());
+    return found == fPropertyDecls.end() ? nullptr : found->second.get();
+}
+
+TCIMPropertyDecl* TCIMClassImpl::GetPropertyDecl(const std::string& name) const {
+    if (TCIMPropertyDecl* found = FindPropertyDecl(name)) return found;
+    throw TKYRException(kyrStatusNotFound);
+}
+
+std::vector<const TCIMPropertyDecl*> TCIMClassImpl::EnumeratePropertyDecls() const {
+    std::vector<const TCIMPropertyDecl*> declarations;
+    declarations.reserve(fPropertyDecls.size());
+    for (const auto& entry : fPropertyDecls) declarations.push_back(entry.second.get());
+    return declarations;
+}
+
+void TCIMClassImpl::RemovePropertyDecl(TCIMPropertyDecl& declaration) {
+    const auto found = fPropertyDecls.find(TNormalizedName(declaration.GetName()).View());
+    if (found == fPropertyDecls.end()) throw TKYRException(kyrStatusNotFound);
+    fPropertyDecls.erase(found);
+    fLayout.reset();
+}
+
+std::vector<const TCIMPropertyDecl*> TCIMClassImpl::EnumerateKeyDecls() const {
+    std::vector<const TCIMPropertyDecl*> keys;
+    for (const auto& entry : fPropertyDecls)
+        if (TCIMPropertyDeclImpl::Of(*entry.second).IsKey()) keys.push_back(entry.second.get());
+    return keys;
+}
+
+std::vector<std::string> TCIMClassImpl::EnumerateKeyNames() const {
+    std::vector<std::string> names;
+    for (const TCIMPropertyDecl* key : EnumerateKeyDecls()) names.push_back(key->GetName());
+    return names;
+}
+
+boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
+    const unsigned long renameCount = TCIMPropertyDeclImpl::GetRenameCount();
+    if (!fLayout || fLayoutRenameCount != renameCount) {
+        fLayout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
+        fLayoutRenameCount = renameCount;
+    }
+    return fLayout;
+}
+
+void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
+    // Owned before the path is built: an instance whose path cannot be built is destroyed.
+    const boost::shared_ptr<TCIMInstance> owner = TCIMInstanceImpl::Of(instance).Adopt();
+    fInstances.emplace(TCIMInstanceImpl::Of(instance).BuildPathText(), owner);
+}
+
+void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
+    fInstances.erase(TCIMInstanceImpl::Of(instance).BuildPathText());
+}
+
+TCIMInstance* TCIMClassImpl::FindInstance(const TCIMReference& reference) const {
+    const std::string path = reference.GetPath();
+    const auto found = fInstances.lower_bound(path);  // the first that was inserted under the path
+    return found == fInstances.end() || found->first != path ? nullptr : found->second.get();
+}
+
+TCIMInstance* TCIMClassImpl::GetInstance(const TCIMReference& reference) const {
+    if (TCIMInstance* found = FindInstance(reference)) return found;
+    throw TKYRException(kyrStatusNotFound);
+}
+
+std::vector<TCIMInstance*> TCIMClassImpl::EnumerateInstances(bool deep) const {
+    std::vector<TCIMInstance*> instances;
+    instances.reserve(fInstances.size());
+    for (const auto& entry : fInstances) instances.push_back(entry.second.get());
+    if (!deep) return instances;
+    for (const TCIMClass* subClass : EnumerateSubClasses(true))
+        for (const auto& entry : Of(*subClass).fInstances) instances.push_back(entry.second.get());
+    return instances;
+}

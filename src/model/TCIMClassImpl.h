@@ -1,0 +1,92 @@
+#ifndef TCIMCLASSIMPL_H
+#define TCIMCLASSIMPL_H
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/kyrStatus.h"
+#include "model/TCIMElementImpl.h"
+#include "model/TPropertyLayout.h"
+#include "model/TQualifierMap.h"
+
+class TCIMClassImpl : public TCIMElementImpl {
+public:
+    TCIMClassImpl(TCIMClass& handle, TContainer& container, std::string name, TCIMClass* superClass);
+    TCIMClassImpl(const TCIMClassImpl&) = delete;
+    TCIMClassImpl& operator=(const TCIMClassImpl&) = delete;
+    ~TCIMClassImpl() override;
+
+    static TCIMClassImpl& Of(const TCIMClass& handle) { return *handle.fBody; }
+
+    void Validate() const override;
+    TContainer* GetContainer() const override { return fContainer; }
+    void AddToContainer();
+    /// True once the class has joined its container, which owns it from then on.
+    bool IsAdded() const { return fAdded; }
+    /// For a container's tear-down: the class does not take itself off its superclass's list.
+    void ForgetSuperClassList() { fAdded = false; }
+
+    const std::string& GetName() const { return fName; }
+    TCIMClass* GetSuperClass() const { return fSuperClass; }
+    bool IsRootClass() const;
+    std::vector<TCIMClass*> EnumerateSubClasses(bool deep) const;
+    bool IsAssociation() const;
+    bool IsAbstract() const;
+    bool IsSubclassOf(const TCIMClass* other) const;
+    TQualifierMap& Qualifiers() { return fQualifiers; }
+
+    void AddChildClass(TCIMClass& child);
+    void RemoveChildClass(TCIMClass& child);
+    void AddAssociationClass(TCIMClass& association);
+
+    void AddPropertyDecl(TCIMPropertyDecl& declaration);
+    TCIMPropertyDecl* GetPropertyDecl(const std::string& name) const;
+    TCIMPropertyDecl* FindPropertyDecl(const std::string& name) const;
+    std::vector<const TCIMPropertyDecl*> EnumeratePropertyDecls() const;
+    void RemovePropertyDecl(TCIMPropertyDecl& declaration);
+    std::vector<std::string> EnumerateKeyNames() const;
+    /// The declarations behind EnumerateKeyNames, in its order.
+    std::vector<const TCIMPropertyDecl*> EnumerateKeyDecls() const;
+    /// The layout of instances that are made now.
+    boost::shared_ptr<const TPropertyLayout> GetPropertyLayout();
+
+    void AddInstance(TCIMInstance& instance);
+    void RemoveInstance(TCIMInstance& instance);
+    TCIMInstance* GetInstance(const TCIMReference& reference) const;
+    TCIMInstance* FindInstance(const TCIMReference& reference) const;
+    std::vector<TCIMInstance*> EnumerateInstances(bool deep) const;
+
+    std::vector<TCIMClass*> References(const std::string& assocClass, const std::string& role) const;
+    std::vector<TCIMClass*> Associators(const std::string& assocClass, const std::string& resultClass,
+                                        const std::string& role, const std::string& resultRole) const;
+
+private:
+    using TPropertyDecls = std::map<std::string, boost::shared_ptr<TCIMPropertyDecl>, std::less<>>;
+
+    void RegisterWithReferencedClasses();
+    void RemoveOverriddenDecl(TPropertyDecls::iterator existing, const TCIMPropertyDecl& declaration);
+    [[noreturn]] void RefuseDecl(kyrStatusCode code, const std::string& attempt, const TCIMPropertyDecl& declaration,
+                                 const std::string& relation, const std::string& reason) const;
+    std::vector<TCIMClass*> FindAssociations(const TCIMClass& assocClass, const std::string& role) const;
+    bool PointsHere(const TCIMClass& association, const std::string& role) const;
+    void AddOtherEnds(const TCIMClass& association, const TCIMClass& resultClass, const std::string& role,
+                      std::vector<TCIMClass*>& result) const;
+
+    TCIMClass* fHandle;
+    TContainer* fContainer;  // not owned
+    std::string fName;       // as written
+    TCIMClass* fSuperClass;  // not owned; null for the root class alone
+    TQualifierMap fQualifiers;
+    TPropertyDecls fPropertyDecls;          // by normalised name; shared with the classes inherited from
+    std::vector<TCIMClass*> fChildClasses;  // not owned, in the order of joining
+    std::set<TCIMClass*> fAssociations;     // not owned: the associations that reference this class
+    std::multimap<std::string, boost::shared_ptr<TCIMInstance>> fInstances;  // by object path
+    boost::shared_ptr<const TPropertyLayout> fLayout;                        // null when the declarations changed since
+    unsigned long fLayoutRenameCount = 0;  // the count of renamings that fLayout was made at
+    bool fAdded = false;
+};
+
+#endif

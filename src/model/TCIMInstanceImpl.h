@@ -1,0 +1,68 @@
+#ifndef TCIMINSTANCEIMPL_H
+#define TCIMINSTANCEIMPL_H
+
+#include <boost/weak_ptr.hpp>
+#include <string>
+#include <vector>
+
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "model/TCIMElementImpl.h"
+#include "model/TPropertyLayout.h"
+
+class TCIMPropertyDecl;
+
+class TCIMInstanceImpl : public TCIMElementImpl {
+public:
+    TCIMInstanceImpl(TCIMInstance& handle, TCIMClass* cls);
+    TCIMInstanceImpl(const TCIMInstanceImpl&) = delete;
+    TCIMInstanceImpl& operator=(const TCIMInstanceImpl&) = delete;
+
+    static TCIMInstanceImpl& Of(const TCIMInstance& handle) { return *handle.fBody; }
+
+    void Validate() const override;
+    TContainer* GetContainer() const override;
+    /// Validates the instance and hands it to its class. Once validated, a failure destroys the handle.
+    void AddToContainer();
+    TCIMClass* GetClass() const { return fClass; }
+
+    TCIMProperty* GetProperty(const std::string& name) const;
+    TCIMProperty* FindProperty(const std::string& name) const;
+    void SetProperty(const TCIMProperty& property);
+    void SetPropertyValue(const std::string& name, const TCIMValue& value);
+    /// SetPropertyValue, which may use the value up.
+    void TakePropertyValue(const std::string& name, TCIMValue& value);
+    void SetPrevPropertyValue(const std::string& name, const TCIMValue& value);
+    void SetPrevPropertyValue(const std::string& name);
+    std::vector<const TCIMProperty*> EnumerateProperties() const;
+    TCIMReference BuildPath() const;
+    /// The text of that reference, without making it where there is nothing about the keys out of the ordinary.
+    std::string BuildPathText() const;
+    /// The owner of the handle: a new one, or that which has it already when the handle is added a second time.
+    boost::shared_ptr<TCIMInstance> Adopt();
+    bool IsAdopted() const { return !fOwner.expired(); }
+
+    std::vector<TCIMInstance*> References(const std::string& assocClass, const std::string& role) const;
+    std::vector<TCIMInstance*> Associators(const std::string& assocClass, const std::string& resultClass,
+                                           const std::string& role, const std::string& resultRole) const;
+
+    bool operator==(const TCIMInstanceImpl& other) const;
+
+private:
+    using TKeyValues = std::vector<std::pair<const std::string*, const TCIMValue*>>;
+
+    TCIMProperty& PropertyAt(size_t index) const { return fProperties[index]; }
+    bool CollectKeyValues(TKeyValues& keys) const;
+    bool IsNamedBy(const TCIMInstance& association, const std::string& role) const;
+    bool IsNamedBy(const TCIMProperty& property) const;
+    void AddOtherEnds(const TCIMInstance& association, const TCIMClass& resultClass, const std::string& role,
+                      std::vector<TCIMInstance*>& result) const;
+
+    TCIMInstance* fHandle;
+    TCIMClass* fClass;  // not owned
+    boost::shared_ptr<const TPropertyLayout> fLayout;
+    mutable std::vector<TCIMProperty> fProperties;  // in the layout's order; never grows, so addresses stay
+    boost::weak_ptr<TCIMInstance> fOwner;
+};
+
+#endif

@@ -1,0 +1,18 @@
+#include "model/TCIMPropertyDeclImpl.h"
+
+#include "kyr/TCIMClass.h"
+#include "model/TCIMQualifierImpl.h"
+
+unsigned long TCIMPropertyDeclImpl::fgRenameCount = 0;
+
+void TCIMPropertyDeclImpl::AddToContainer() const {
+    fHandle->Validate();
+    fClass->AddPropertyDecl(*fHandle);
+}
+
+void TCIMPropertyDeclImpl::SetName(const std::string& name) {
+    fName = name;
+    ++fgRenameCount;
+}
+
+bool TCIMPropertyDeclImpl::IsKey() const { return TCIMQualifierImpl::ReadsTrue(fQualifiers.GetKey()); }

@@ -1,0 +1,38 @@
+#ifndef TCIMPROPERTYDECLIMPL_H
+#define TCIMPROPERTYDECLIMPL_H
+
+#include <string>
+
+#include "kyr/TCIMPropertyDecl.h"
+#include "model/TQualifierMap.h"
+
+class TCIMPropertyDeclImpl {
+public:
+    TCIMPropertyDeclImpl(TCIMPropertyDecl& handle, const std::string& name, TCIMClass& cls, const TCIMValue& value)
+        : fHandle(&handle), fName(name), fClass(&cls), fValue(value) {}
+
+    static TCIMPropertyDeclImpl& Of(const TCIMPropertyDecl& handle) { return *handle.fBody; }
+    /// How often any declaration was renamed: what has been built from names before is stale afterwards.
+    static unsigned long GetRenameCount() { return fgRenameCount; }
+
+    void AddToContainer() const;
+    const std::string& GetName() const { return fName; }
+    void SetName(const std::string& name);
+    const TCIMValue& GetValue() const { return fValue; }
+    void SetValue(const TCIMValue& value) { fValue = value; }
+    TCIMClass* GetClass() const { return fClass; }
+    TQualifierMap& Qualifiers() { return fQualifiers; }
+    /// Raises kyrStatusTypeMismatch if the qualifier KEY is not boolean.
+    bool IsKey() const;
+
+private:
+    static unsigned long fgRenameCount;
+
+    TCIMPropertyDecl* fHandle;
+    std::string fName;  // as written
+    TCIMClass* fClass;  // not owned
+    TCIMValue fValue;   // type, default and referenced class
+    TQualifierMap fQualifiers;
+};
+
+#endif

@@ -1,0 +1,85 @@
+#include "model/TCIMPropertyImpl.h"
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "model/TCIMValueTransfer.h"
+#include "model/TypeName.h"
+#include "platform/CoreLog.h"
+
+namespace {
+
+std::string NameOf(const TCIMClass* cls) { return cls == nullptr ? std::string() : cls->GetName(); }
+
+}  // namespace
+
+TCIMPropertyImpl::TCIMPropertyImpl(const TCIMPropertyImpl& other, TCIMProperty& owner)
+    : TCIMPropertyImpl(owner, *other.fDeclaration) {
+    if (other.fValue) SetValue(*other.fValue);
+    if (other.fIsPrevSet) SetPrevValue(other.PrevValue());
+}
+
+const TCIMValue& TCIMPropertyImpl::Value() const { return fValue ? *fValue : fDeclaration->GetValue(); }
+
+const TCIMValue& TCIMPropertyImpl::PrevValue() const {
+    if (!fIsPrevSet) return Value();
+    return fPrevValue ? *fPrevValue : fDeclaration->GetValue();
+}
+
+void TCIMPropertyImpl::SetValue(const TCIMValue& value) {
+    CheckValue(value, "SetValue");
+    TCIMValue copy(value);
+    Store(copy);
+}
+
+void TCIMPropertyImpl::TakeValue(TCIMValue& value) {
+    CheckValue(value, "SetValue");
+    Store(value);
+}
+
+void TCIMPropertyImpl::Store(TCIMValue& value) {
+    if (value.GetType() == TCIMValue::TCIMType::eCIMNone || value.GetType() == TCIMValue::TCIMType::eCIMChar) {
+        fValue.emplace(value);
+        return;
+    }
+    fValue.emplace();
+    TCIMValueTransfer::TakeOver(*fValue, value);
+}
+
+void TCIMPropertyImpl::SetPrevValue(const TCIMValue& value) {
+    if (!value.IsNull()) CheckValue(value, "SetPrevValue");
+    fPrevValue = std::make_unique<TCIMValue>(value);
+    fIsPrevSet = true;
+}
+
+void TCIMPropertyImpl::SetPrevValue() {
+    fPrevValue = std::make_unique<TCIMValue>();
+    fIsPrevSet = true;
+}
+
+void TCIMPropertyImpl::CheckValue(const TCIMValue& value, const char* operation) const {
+    const TCIMValue& declared = fDeclaration->GetValue();
+    if (declared.GetType() != value.GetType())
+        LogAndThrow(kyrStatusTypeMismatch, std::string(operation) + ": decl is type " +
+                                               TypeNameForLog(declared.GetType()) + " but value is type " +
+                                               TypeNameForLog(value.GetType()));
+    if (!declared.IsReference()) return;
+    const TCIMClass* expected = declared.GetReferencedClass();
+    const TCIMClass* actual = value.GetReferencedClass();
+    if (expected != nullptr && actual != nullptr && actual->IsSubclassOf(expected)) return;
+    LogAndThrow(kyrStatusTypeMismatch, std::string(operation) + ": decl references type " + NameOf(expected) +
+                                           " but value references " + NameOf(actual));
+}
+
+// Two properties without a value of their own are equal, and one without sorts before one with.
+bool TCIMPropertyImpl::operator==(const TCIMPropertyImpl& other) const {
+    if (!(*fDeclaration == *other.fDeclaration)) return false;
+    if (!fValue || !other.fValue) return fValue.has_value() == other.fValue.has_value();
+    return *fValue == *other.fValue;
+}
+
+bool TCIMPropertyImpl::operator<(const TCIMPropertyImpl& other) const {
+    if (*fDeclaration < *other.fDeclaration) return true;
+    if (!(*fDeclaration == *other.fDeclaration)) return false;
+    if (!fValue || !other.fValue) return !fValue && other.fValue;
+    return *fValue < *other.fValue;
+}

@@ -1,0 +1,29 @@
+#include "kyr/TCIMQualifier.h"
+
+#include <boost/make_shared.hpp>
+
+#include "model/TCIMQualifierImpl.h"
+#include "model/TContainerImpl.h"
+
+TCIMQualifier::TCIMQualifier(const TCIMQualifierDecl& declaration, const TCIMValue& value)
+    : TCIMQualifier(declaration, value, declaration.GetFlavor()) {}
+TCIMQualifier::TCIMQualifier(const TCIMQualifierDecl& declaration, const TCIMValue& value,
+                             TCIMQualifierDecl::EFlavor flavor)
+    : fBody(boost::make_shared<TCIMQualifierImpl>(declaration, value, flavor)) {}
+TCIMQualifier::TCIMQualifier(const TCIMQualifier& other) : fBody(boost::make_shared<TCIMQualifierImpl>(*other.fBody)) {}
+TCIMQualifier::~TCIMQualifier() = default;
+
+const std::string& TCIMQualifier::GetName() const { return GetDeclaration().GetName(); }
+TCIMValue::TCIMType TCIMQualifier::GetType() const { return fBody->Value().GetType(); }
+bool TCIMQualifier::IsArray() const { return fBody->Value().IsArray(); }
+const TCIMQualifierDecl& TCIMQualifier::GetDeclaration() const { return fBody->GetDeclaration(); }
+TCIMValue TCIMQualifier::GetValue() const { return fBody->Value(); }
+TCIMQualifierDecl::EFlavor TCIMQualifier::GetFlavor() const { return fBody->GetFlavor(); }
+bool TCIMQualifier::GetPropagated() const { return fBody->GetPropagated(); }
+void TCIMQualifier::SetPropagated(bool propagated) { fBody->SetPropagated(propagated); }
+void TCIMQualifier::SetValue(const TCIMValue& value) { fBody->SetValue(value); }
+void TCIMQualifier::SetFlavor(TCIMQualifierDecl::EFlavor flavor) { fBody->SetFlavor(flavor); }
+void TCIMQualifier::UnsetFlavor(TCIMQualifierDecl::EFlavor flavor) { fBody->UnsetFlavor(flavor); }
+bool TCIMQualifier::operator==(const TCIMQualifier& other) const { return GetDeclaration() == other.GetDeclaration(); }
+bool TCIMQualifier::operator<(const TCIMQualifier& other) const { return GetDeclaration() < other.GetDeclaration(); }
+boost::shared_ptr<TCIMQualifierImpl> TCIMQualifier::GetBody() const { return fBody; }

@@ -1,0 +1,34 @@
+#ifndef TCIMQUALIFIERIMPL_H
+#define TCIMQUALIFIERIMPL_H
+
+#include "kyr/TCIMQualifier.h"
+
+class TCIMQualifierImpl {
+public:
+    TCIMQualifierImpl(const TCIMQualifierDecl& declaration, const TCIMValue& value, TCIMQualifierDecl::EFlavor flavor)
+        : fDeclaration(&declaration), fValue(value), fFlavor(flavor) {}
+
+    static TCIMQualifierImpl& Of(const TCIMQualifier& handle) { return *handle.fBody; }
+    /// The qualifier's value itself, where GetValue gives a copy.
+    static const TCIMValue& ValueOf(const TCIMQualifier& handle) { return handle.fBody->fValue; }
+    /// True if there is a qualifier, and it is neither NULL nor false. One that is not boolean raises
+    /// kyrStatusTypeMismatch.
+    static bool ReadsTrue(const TCIMQualifier* qualifier);
+
+    const TCIMQualifierDecl& GetDeclaration() const { return *fDeclaration; }
+    const TCIMValue& Value() const { return fValue; }
+    TCIMQualifierDecl::EFlavor GetFlavor() const { return fFlavor; }
+    bool GetPropagated() const { return fPropagated; }
+    void SetPropagated(bool propagated) { fPropagated = propagated; }
+    void SetValue(const TCIMValue& value);
+    void SetFlavor(TCIMQualifierDecl::EFlavor flavor);
+    void UnsetFlavor(TCIMQualifierDecl::EFlavor flavor);
+
+private:
+    const TCIMQualifierDecl* fDeclaration;  // the container's; must outlive the qualifier
+    TCIMValue fValue;
+    TCIMQualifierDecl::EFlavor fFlavor;
+    bool fPropagated = false;
+};
+
+#endif

@@ -1,0 +1,110 @@
+#include "model/TCIMReferenceImpl.h"
+
+#include <functional>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TContainer.h"
+#include "kyr/TKYRException.h"
+#include "model/TCIMPropertyDeclImpl.h"
+#include "model/TCIMQualifierImpl.h"
+#include "platform/CoreLog.h"
+
+namespace {
+
+/// A KEY that is not boolean is no key here, where a class's own check raises.
+bool IsPlainKey(const TCIMPropertyDecl& declaration) {
+    const TCIMQualifier* key = TCIMPropertyDeclImpl::Of(declaration).Qualifiers().GetKey();
+    if (key == nullptr || TCIMQualifierImpl::ValueOf(*key).GetType() != TCIMValue::TCIMType::eCIMBoolean) return false;
+    return TCIMQualifierImpl::ReadsTrue(key);
+}
+
+}  // namespace
+
+TCIMReferenceImpl::TCIMReferenceImpl(TCIMReference& handle, const TCIMReferenceImpl& other)
+    : fHandle(&handle),
+      fContainer(other.fContainer),
+      fClass(other.fClass),
+      fBindings(other.fBindings),
+      fElement(other.fElement) {}
+
+void TCIMReferenceImpl::Clear() {
+    fContainer = nullptr;
+    fClass = nullptr;
+    fElement = nullptr;
+    fBindings.clear();
+}
+
+void TCIMReferenceImpl::SetPath(const std::string&) const {
+    if (fContainer == nullptr) LogAndThrow(kyrStatusInvalidOpSequence, "SetPath() called before container set");
+    throw TKYRException(kyrStatusNotImplemented);
+}
+
+TCIMClass* TCIMReferenceImpl::GetClass() const {
+    if (fClass != nullptr) return fClass;
+    LogAndThrow(kyrStatusInvalidReference, "GetClass() called before container set");  // sic: a class is what lacks
+}
+
+void TCIMReferenceImpl::SetClassName(const std::string& name) {
+    if (fContainer == nullptr) LogAndThrow(kyrStatusInvalidOpSequence, "SetClassName() called before container set");
+    if (!fBindings.empty()) LogAndThrow(kyrStatusInvalidOpSequence, "SetClassName() called with keybindings filled in");
+    fClass = fContainer->GetClass(name);
+}
+
+void TCIMReferenceImpl::SetClass(TCIMClass& cls) {
+    if (!fBindings.empty()) LogAndThrow(kyrStatusInvalidOpSequence, "SetClass() called with keybindings filled in");
+    fClass = &cls;
+}
+
+void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& value) {
+    if (fClass == nullptr) LogAndThrow(kyrStatusInvalidOpSequence, "AddKeyValue() called before class set");
+    const TCIMPropertyDecl& declaration = *fClass->GetPropertyDecl(name);
+    if (declaration.GetType() != value.GetType())
+        LogAndThrow(kyrStatusTypeMismatch, "Declaration type: " + declaration.GetType().ToString() +
+                                               " Value type: " + value.GetType().ToString());
+    if (!IsPlainKey(declaration))
+        LogAndThrow(kyrStatusInvalidOpSequence, "AddKeyValue() called with a non-key property " + name);
+    fBindings.emplace(name, value);
+}
+
+void TCIMReferenceImpl::AppendBinding(std::string& path, const std::string& name, const TCIMValue& value) {
+    if (value.IsNull()) return;
+    std::string text;
+    try {
+        text = value.ToString(10);
+    } catch (const TKYRException&) {
+        return;
+    }
+    path.append(name).append("=\"").append(text).append("\",");
+}
+
+std::string TCIMReferenceImpl::GetPath() const {
+    std::string path = GetClass()->GetName();
+    if (fBindings.empty()) return path;
+    path += '.';
+    for (const auto& [name, value] : fBindings) AppendBinding(path, name, value);
+    path.pop_back();  // the last comma; or the dot, where no binding has a text
+    return path;
+}
+
+ICIMElement* TCIMReferenceImpl::FindCIMElement() const {
+    if (fBindings.empty()) return fClass;
+    if (fElement == nullptr) fElement = GetClass()->FindInstance(*fHandle);
+    return fElement;
+}
+
+ICIMElement* TCIMReferenceImpl::GetCIMElement() const {
+    if (fBindings.empty()) return fClass;
+    if (ICIMElement* found = FindCIMElement()) return found;
+    throw TKYRException(kyrStatusNotFound);
+}
+
+bool TCIMReferenceImpl::operator==(const TCIMReferenceImpl& other) const {
+    return fClass == other.fClass && fBindings == other.fBindings;
+}
+
+bool TCIMReferenceImpl::operator<(const TCIMReferenceImpl& other) const {
+    if (fClass != other.fClass) return std::less<const TCIMClass*>()(fClass, other.fClass);
+    return fBindings < other.fBindings;
+}

@@ -1,0 +1,25 @@
+#ifndef TCIMREFERENCEVALUEIMPL_H
+#define TCIMREFERENCEVALUEIMPL_H
+
+#include <string>
+
+#include "model/TCIMValueImpl.h"
+
+class TCIMReferenceValueImpl final : public TCIMValueImpl {
+public:
+    /// Looks for the reference's target, so that the element is filled in early where there is one.
+    explicit TCIMReferenceValueImpl(const TCIMReference& reference);
+    TCIMReferenceValueImpl(const TCIMReferenceValueImpl& other) : TCIMReferenceValueImpl(other.fReference) {}
+
+    static const TCIMReference& ReferenceOf(const TCIMValue& value);
+
+    operator TCIMReference() const override { return fReference; }
+    std::string ToString(unsigned char) const override { return fReference.GetPath(); }
+    bool operator==(const TCIMValue& other) const override { return fReference == ReferenceOf(other); }
+    bool operator<(const TCIMValue& other) const override { return fReference < ReferenceOf(other); }
+
+private:
+    TCIMReference fReference;
+};
+
+#endif

@@ -1,0 +1,7 @@
+#include "model/TCIMStringValueImpl.h"
+
+#include "model/TCIMValueTransfer.h"
+
+const std::string& TCIMStringValueImpl::TextOf(const TCIMValue& value) {
+    return TCIMValueTransfer::BodyOf<TCIMStringValueImpl>(value).fText;
+}

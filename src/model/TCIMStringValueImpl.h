@@ -1,0 +1,25 @@
+#ifndef TCIMSTRINGVALUEIMPL_H
+#define TCIMSTRINGVALUEIMPL_H
+
+#include <string>
+#include <utility>
+
+#include "model/TCIMValueImpl.h"
+
+class TCIMStringValueImpl final : public TCIMValueImpl {
+public:
+    explicit TCIMStringValueImpl(std::string text) : fText(std::move(text)) {}
+
+    /// The text of a value that is a string and not NULL, without a copy.
+    static const std::string& TextOf(const TCIMValue& value);
+
+    operator std::string() const override { return fText; }
+    std::string ToString(unsigned char) const override { return fText; }
+    bool operator==(const TCIMValue& other) const override { return fText == TextOf(other); }
+    bool operator<(const TCIMValue& other) const override { return fText < TextOf(other); }
+
+private:
+    std::string fText;
+};
+
+#endif

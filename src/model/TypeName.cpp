@@ -1,0 +1,53 @@
+#include "model/TypeName.h"
+
+#include <cctype>
+#include <ostream>
+#include <string_view>
+
+#include "kyr/TKYRException.h"
+
+namespace {
+using TType = TCIMValue::TCIMType;
+
+struct TTypeName {
+    std::string_view name;  // empty: the number has none
+    bool taken;             // when a type is made from text
+};
+
+// Indexed by ECIMType.
+constexpr TTypeName kTypeNames[] = {
+    {"", false},      {"boolean", true}, {"uint8", true},    {"sint8", true},      {"uint16", true}, {"sint16", true},
+    {"uint32", true}, {"sint32", true},  {"uint64", true},   {"sint64", true},     {"real32", true}, {"real64", true},
+    {"char", false},  {"string", true},  {"datetime", true}, {"reference", false},
+};
+static_assert(sizeof kTypeNames / sizeof *kTypeNames == TType::eCIMArrayFlag, "one name for each type");
+
+std::string_view FindTypeName(TType type) {
+    const auto number = static_cast<unsigned int>(type) & ~static_cast<unsigned int>(TType::eCIMArrayFlag);
+    return number < TType::eCIMArrayFlag ? kTypeNames[number].name : std::string_view();
+}
+
+TType::ECIMType TypeOf(const std::string& name) {
+    int number = 0;
+    for (const TTypeName& type : kTypeNames) {
+        if (type.taken && name == type.name) return static_cast<TType::ECIMType>(number);
+        ++number;
+    }
+    throw TKYRException(kyrStatusTypeMismatch);
+}
+}  // namespace
+
+TCIMValue::TCIMType::TCIMType(std::string name) : fType(eCIMNone) {
+    for (char& c : name) c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
+    fType = TypeOf(name);
+}
+
+std::string TCIMValue::TCIMType::ToString() const {
+    const std::string_view name = FindTypeName(fType);
+    if (name.empty()) throw TKYRException(kyrStatusTypeMismatch);
+    return std::string(name);
+}
+
+std::ostream& operator<<(std::ostream& stream, const TCIMValue::TCIMType& type) { return stream << type.ToString(); }
+
+std::string TypeNameForLog(TCIMValue::TCIMType type) { return std::string(FindTypeName(type)); }

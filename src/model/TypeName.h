@@ -1,0 +1,11 @@
+#ifndef TYPENAME_H
+#define TYPENAME_H
+
+#include <string>
+
+#include "kyr/TCIMValue.h"
+
+/// The type's name for a line of the log: empty where TCIMType::ToString raises.
+std::string TypeNameForLog(TCIMValue::TCIMType type);
+
+#endif

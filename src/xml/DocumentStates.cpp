@@ -1,0 +1,132 @@
+#include "xml/DocumentStates.h"
+
+#include "kyr/TContainer.h"
+#include "xml/MessageStates.h"
+#include "xml/PathStates.h"
+#include "xml/ValueStates.h"
+#include "xml/WrapperStates.h"
+
+// cim
+void TCIMXMLParser::TStateStart::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "cim")) return parser.Enter<TStateCIM>(attributes);
+    parser.Unexpected(name);
+}
+
+// (declaration | message)*
+void TCIMXMLParser::TStateCIM::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "declaration")) return parser.Enter<TStateDeclaration>(attributes);
+    if (Is(name, "message")) return parser.Enter<TStateMessage>(attributes);
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateCIM::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (const auto& [name, value] : attributes) {
+        if (name == "cimversion" && value != "2.8" && value != "2.0") parser.FatalError("Unknown CIM version");
+        if (name == "dtdversion" && value != "2.1" && value != "2.0") parser.FatalError("Unknown DTD version");
+    }
+}
+
+// (declgroup | declgroup.withname | declgroup.withpath)*
+void TCIMXMLParser::TStateDeclaration::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "declgroup")) return parser.Enter<TStateDeclGroup>(attributes);
+    if (Is(name, "declgroup.withname")) return parser.Enter<TStateDeclGroupWithName>(attributes);
+    if (Is(name, "declgroup.withpath")) return parser.Enter<TStateDeclGroupWithPath>(attributes);
+    parser.Unexpected(name);
+}
+
+// (namespacepath | localnamespacepath)?, qualifier.declaration*, object*
+void TCIMXMLParser::TStateDeclGroup::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            fPhase = 1;
+            if (Is(name, "namespacepath")) return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
+            if (Is(name, "localnamespacepath")) return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+            [[fallthrough]];
+        case 1:
+            if (Is(name, "qualifier.declaration")) return parser.Enter<TStateQualifierDeclaration>(attributes);
+            fPhase = 2;
+            [[fallthrough]];
+        case 2:
+            if (EnterObject(parser, name, attributes)) return;
+            parser.Unexpected(name);
+        default:
+            parser.Corrupt();
+    }
+}
+
+bool TCIMXMLParser::TStateDeclGroup::EnterObject(TCIMXMLParser& parser, const std::string& name,
+                                                 TAttributes& attributes) {
+    if (!Is(name, "value.object")) return false;
+    parser.Enter<TStateValueObject>(attributes);
+    return true;
+}
+
+bool TCIMXMLParser::TStateDeclGroupWithName::EnterObject(TCIMXMLParser& parser, const std::string& name,
+                                                         TAttributes& attributes) {
+    if (!Is(name, "value.namedobject")) return false;
+    parser.Enter<TStateValueNamedObject>(attributes);
+    return true;
+}
+
+// (value.objectwithpath | value.objectwithlocalpath)*
+void TCIMXMLParser::TStateDeclGroupWithPath::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                          TAttributes& attributes) {
+    if (Is(name, "value.objectwithpath")) return parser.Enter<TStateValueObjectWithPath>(attributes);
+    if (Is(name, "value.objectwithlocalpath")) return parser.Enter<TStateValueObjectWithLocalPath>(attributes);
+    parser.Unexpected(name);
+}
+
+// nothing | scope, (value | value.array)*
+void TCIMXMLParser::TStateQualifierDeclaration::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                             TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "scope")) parser.FatalError("Expected SCOPE element");
+            fPhase = 1;
+            return parser.Enter<TStateScope>(attributes, *this);
+        case 1:
+            fHasValue = true;
+            if (Is(name, "value")) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
+            if (Is(name, "value.array")) return parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+            parser.Unexpected(name);
+        default:
+            parser.Corrupt();
+    }
+}
+
+void TCIMXMLParser::TStateQualifierDeclaration::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute) {
+        if (HandleCIMName(attribute, &fName) || HandleCIMType(attribute, &fType)) continue;
+        if (Is(attribute->first, "isarray")) {
+            fIsArray = ConvertBool(attribute->second);
+            fIsArraySet = true;
+            continue;
+        }
+        HandleArraySize(attribute, &fArraySize) || HandleQualifierFlavor(attribute, &fFlavor);
+    }
+    if (fIsArray) fType = ArrayOf(fType);
+}
+
+void TCIMXMLParser::TStateQualifierDeclaration::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (!IsConsistent()) parser.FatalError("Incompatible attributes");
+    if (!fHasValue) fValue = TCIMValue(fType, fArraySize);
+    AddUnlessPresent(
+        [&] { parser.fContainer->AllocateQualifierDecl(fName, fValue, fScope, fFlavor)->AddToContainer(); });
+    TParseState::EndElement(parser, name);
+}
+
+bool TCIMXMLParser::TStateQualifierDeclaration::IsConsistent() const {
+    if (fIsArraySet && fArraySize != 0 && !fIsArray) return false;
+    if (!fHasValue) return true;
+    if (fIsArraySet && fValue.IsArray() != fIsArray) return false;
+    return fValue.IsArray() == (fArraySize != 0);  // sic: an array's default needs a size, unlike in the DTD
+}
+
+void TCIMXMLParser::TStateScope::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (const auto& [name, value] : attributes) {  // sic: the name alone counts, also with the value "false"
+        if (name == "class") fDeclaration.AddScope(TCIMQualifierDecl::eScopeClass);
+        if (name == "association") fDeclaration.AddScope(TCIMQualifierDecl::eScopeAssociation);
+        if (name == "reference") fDeclaration.AddScope(TCIMQualifierDecl::eScopeReference);
+        if (name == "property") fDeclaration.AddScope(TCIMQualifierDecl::eScopeProperty);
+    }
+}

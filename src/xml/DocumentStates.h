@@ -1,0 +1,77 @@
+#ifndef DOCUMENTSTATES_H
+#define DOCUMENTSTATES_H
+
+#include "xml/TCIMXMLParser.h"
+
+class TCIMXMLParser::TStateStart : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateCIM : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateDeclaration : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateDeclGroup : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+
+protected:
+    /// False for a child that is no object of this group.
+    virtual bool EnterObject(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes);
+
+private:
+    // Read for their form: everything goes into the one container.
+    std::string fHost;
+    std::string fNamespace;
+};
+
+class TCIMXMLParser::TStateDeclGroupWithName : public TCIMXMLParser::TStateDeclGroup {
+protected:
+    bool EnterObject(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateDeclGroupWithPath : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateQualifierDeclaration : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+    void AddScope(TCIMQualifierDecl::EScope scope) { fScope = fScope | scope; }
+
+private:
+    bool IsConsistent() const;
+
+    TCIMQualifierDecl::EScope fScope = {};
+    std::string fName;
+    TCIMValue::TCIMType fType = TCIMValue::TCIMType::eCIMNone;
+    bool fIsArray = false;
+    bool fIsArraySet = false;
+    unsigned int fArraySize = 0;
+    TCIMQualifierDecl::EFlavor fFlavor = TCIMQualifierDecl::eFlavorOverridable | TCIMQualifierDecl::eFlavorToSubclass;
+    TCIMValue fValue;
+    bool fHasValue = false;
+};
+
+class TCIMXMLParser::TStateScope : public TCIMXMLParser::TParseState {
+public:
+    explicit TStateScope(TStateQualifierDeclaration& declaration) : fDeclaration(declaration) {}
+    void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
+
+private:
+    TStateQualifierDeclaration& fDeclaration;
+};
+
+#endif

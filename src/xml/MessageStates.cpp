@@ -1,0 +1,83 @@
+#include "xml/MessageStates.h"
+
+#include "xml/PathStates.h"
+
+// (simplereq | multireq)*
+void TCIMXMLParser::TStateMessage::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "simplereq")) return parser.Enter<TStateSimpleReq>(attributes);
+    if (Is(name, "multireq")) return parser.Enter<TStateMultiReq>(attributes);
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateMessage::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    const auto version = attributes.find("protocolversion");
+    if (version != attributes.end() && version->second != "1.0") parser.FatalError("Unknown protocol version");
+}
+
+// simplereq, simplereq+
+void TCIMXMLParser::TStateMultiReq::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (fPhase < 0 || fPhase > 2) parser.Corrupt();
+    if (!Is(name, "simplereq")) parser.Unexpected(name);
+    if (fPhase != 2) ++fPhase;
+    parser.Enter<TStateSimpleReq>(attributes);
+}
+
+void TCIMXMLParser::TStateMultiReq::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (fPhase != 2) parser.FatalError("Invalid MULTIREQ");
+    TParseState::EndElement(parser, name);
+}
+
+// imethodcall*
+void TCIMXMLParser::TStateSimpleReq::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "imethodcall")) return parser.Enter<TStateIMethodCall>(attributes);
+    parser.Unexpected(name);
+}
+
+// nothing | localnamespacepath, iparamvalue*
+void TCIMXMLParser::TStateIMethodCall::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "localnamespacepath")) break;
+            fPhase = 1;
+            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+        case 1:
+            if (Is(name, "iparamvalue")) return parser.Enter<TStateIParamValue>(attributes);
+            break;
+        default:
+            parser.Corrupt();
+    }
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateIMethodCall::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMName(attribute, &fName);
+    if (fName != "CreateClass" && fName != "CreateInstance")
+        parser.FatalError("Unexpected IMethodCall method " + fName);
+}
+
+// class | instance
+void TCIMXMLParser::TStateIParamValue::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (Is(name, "class")) return EnterClass(parser, attributes, 1);
+            if (Is(name, "instance")) return EnterInstance(parser, attributes, 1);
+            break;
+        case 1:
+            break;
+        default:
+            parser.Corrupt();
+    }
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateIParamValue::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMName(attribute, &fName);
+    if (fName != "NewClass" && fName != "NewInstance") parser.FatalError("Unexpected IParamValue parameter name");
+}
+
+void TCIMXMLParser::TStateIParamValue::EndElement(TCIMXMLParser& parser, std::string& name) {
+    AddToContainer(parser, 1);  // sic: unlike below a declaration, the class is not collected
+    TParseState::EndElement(parser, name);
+}

@@ -1,0 +1,43 @@
+#ifndef MESSAGESTATES_H
+#define MESSAGESTATES_H
+
+#include "xml/WrapperStates.h"
+
+class TCIMXMLParser::TStateMessage : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateMultiReq : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+};
+
+class TCIMXMLParser::TStateSimpleReq : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+};
+
+class TCIMXMLParser::TStateIMethodCall : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
+
+private:
+    std::string fName;
+    std::string fNamespace;
+};
+
+class TCIMXMLParser::TStateIParamValue : public TCIMXMLParser::TStateAnyWrapper {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+private:
+    std::string fName;
+};
+
+#endif

@@ -1,0 +1,285 @@
+#include "xml/ObjectStates.h"
+
+#include "kyr/ICIMAllowQualifiers.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMQualifier.h"
+#include "kyr/TContainer.h"
+#include "model/TCIMInstanceImpl.h"
+#include "model/TCIMPropertyImpl.h"
+#include "platform/CoreLog.h"
+#include "xml/ValueStates.h"
+
+namespace {
+
+/// Runs an action and says in the log what was missing if it fails with kyrStatusNotFound.
+template <typename TAction>
+void LogMissing(const char* text, const std::string& name, TAction&& action) {
+    try {
+        action();
+    } catch (const TKYRException& e) {
+        if (e.fCode == kyrStatusNotFound) LogCoreError(text + name);
+        throw TKYRException(e.fCode);
+    }
+}
+
+}  // namespace
+
+// qualifier*, (property | property.array | property.reference)*, method*
+void TCIMXMLParser::TStateClass::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (Is(name, "qualifier")) return parser.Enter<TStateQualifier>(attributes, **fOut);
+            fPhase = 1;
+            [[fallthrough]];
+        case 1:
+            if (Is(name, "property")) return parser.Enter<TStatePropertyDecl>(attributes, **fOut);
+            if (Is(name, "property.array")) return parser.Enter<TStatePropertyArrayDecl>(attributes, **fOut);
+            if (Is(name, "property.reference")) return parser.Enter<TStatePropertyReferenceDecl>(attributes, **fOut);
+            fPhase = 2;
+            [[fallthrough]];
+        case 2:
+            // sic: methods are neither read nor skipped; one replaces the class by an empty one of its own name.
+            if (Is(name, "method")) return parser.HandleAttrsOnTop(attributes);
+            parser.Unexpected(name);
+        default:
+            parser.Corrupt();
+    }
+}
+
+void TCIMXMLParser::TStateClass::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMName(attribute, &fName) || HandleSuperClass(attribute, &fSuperClass);
+    TCIMClass* const superclass = parser.fContainer->GetClass(fSuperClass);
+    TCIMClass* const cls = parser.fContainer->AllocateClass(fName, superclass);
+    delete *fOut;
+    *fOut = cls;
+}
+
+// qualifier*, (property | property.array | property.reference)*
+void TCIMXMLParser::TStateInstance::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            // sic: instances have no qualifiers; one makes the instance anew.
+            if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
+            fPhase = 1;
+            [[fallthrough]];
+        case 1:
+            if (Is(name, "property")) return parser.Enter<TStateProperty>(attributes, **fOut);
+            if (Is(name, "property.array")) return parser.Enter<TStatePropertyArray>(attributes, **fOut);
+            if (Is(name, "property.reference")) return parser.Enter<TStatePropertyReference>(attributes, **fOut);
+            parser.Unexpected(name);
+        default:
+            parser.Corrupt();
+    }
+}
+
+void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleClassName(attribute, &fClassName);
+    LogMissing("TCIMXMLParser: Couldn't find class ", fClassName, [&] {
+        TCIMClass* const cls = parser.fContainer->GetClass(fClassName);
+        TCIMInstance* const instance = parser.fContainer->AllocateInstance(cls);
+        delete *fOut;
+        *fOut = instance;
+    });
+}
+
+// (value | value.array)*
+void TCIMXMLParser::TStateQualifier::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    fHasValue = true;
+    if (Is(name, "value")) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
+    if (Is(name, "value.array")) return parser.Enter<TStateValueArray>(attributes, fValue, fType, 0u);
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        if (HandleCIMName(attribute, &fName)) break;
+    LogMissing("TCIMXMLParser: Couldn't find qualifier ", fName, [&] {
+        fDeclaration = parser.fContainer->GetQualifierDecl(fName);
+        fFlavor = fDeclaration->GetFlavor();
+    });
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMType(attribute, &fType) || HandlePropagated(attribute, &fPropagated) ||
+            HandleQualifierFlavor(attribute, &fFlavor);
+}
+
+void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser, std::string& name) {
+    // What a document marks as propagated, the class has inherited by its own rules.
+    if (!fPropagated) LogMissing("TCIMXMLParser: Couldn't find qualifier ", fName, [this] { AddQualifier(); });
+    TParseState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateQualifier::AddQualifier() {
+    if (!fHasValue) fValue = TCIMValue(fDeclaration->GetType(), 0);
+    std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(*fDeclaration, fValue, fFlavor));
+    fTarget.AddQualifier(*qualifier);
+    // An equal one that was there may have stayed in its place.
+    if (fTarget.GetQualifier(qualifier->GetName()) == qualifier.get()) qualifier.release();
+}
+
+bool TCIMXMLParser::TStateAnyPropertyDecl::HandleCommonAttr(TAttribute attribute) {
+    return HandleCIMName(attribute, &fName) || HandleClassOrigin(attribute, &fClassOrigin) ||
+           HandlePropagated(attribute, &fPropagated);
+}
+
+/// The declaration exists from its start tag on, so that qualifiers can be attached to it.
+void TCIMXMLParser::TStateAnyPropertyDecl::MakeDeclaration() {
+    fDeclaration.reset(new TCIMPropertyDecl(fName, fClass, TCIMValue()));
+}
+
+bool TCIMXMLParser::TStateAnyPropertyDecl::EnterQualifier(TCIMXMLParser& parser, const std::string& name,
+                                                          TAttributes& attributes) {
+    if (!Is(name, "qualifier")) return false;
+    parser.Enter<TStateQualifier>(attributes, *fDeclaration);
+    return true;
+}
+
+void TCIMXMLParser::TStateAnyPropertyDecl::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (!fHasValue) SetNullValue(parser);
+    fDeclaration->SetValue(fValue);
+    if (AddUnlessPresent([this] { fDeclaration->AddToContainer(); })) fDeclaration.release();
+    TParseState::EndElement(parser, name);
+}
+
+// (qualifier | value)*
+void TCIMXMLParser::TStatePropertyDecl::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                     TAttributes& attributes) {
+    if (EnterQualifier(parser, name, attributes)) return;
+    if (!Is(name, "value")) parser.Unexpected(name);
+    fHasValue = true;
+    parser.Enter<TStateValue>(attributes, parser, fValue, fType);
+}
+
+void TCIMXMLParser::TStatePropertyDecl::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCommonAttr(attribute) || HandleCIMType(attribute, &fType);
+    MakeDeclaration();
+}
+
+void TCIMXMLParser::TStatePropertyDecl::SetNullValue(TCIMXMLParser&) { fValue = TCIMValue(fType, 0); }
+
+// (qualifier | value.array)*
+void TCIMXMLParser::TStatePropertyArrayDecl::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                          TAttributes& attributes) {
+    if (EnterQualifier(parser, name, attributes)) return;
+    if (!Is(name, "value.array")) parser.Unexpected(name);
+    fHasValue = true;
+    parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+}
+
+void TCIMXMLParser::TStatePropertyArrayDecl::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCommonAttr(attribute) || HandleCIMType(attribute, &fType) || HandleArraySize(attribute, &fArraySize);
+    MakeDeclaration();
+}
+
+void TCIMXMLParser::TStatePropertyArrayDecl::SetNullValue(TCIMXMLParser&) {
+    fValue = TCIMValue(ArrayOf(fType), fArraySize);
+}
+
+// (qualifier | value.reference)*
+void TCIMXMLParser::TStatePropertyReferenceDecl::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                              TAttributes& attributes) {
+    if (EnterQualifier(parser, name, attributes)) return;
+    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    fHasValue = true;
+    parser.Enter<TStateValueReference>(attributes, fValue);
+}
+
+void TCIMXMLParser::TStatePropertyReferenceDecl::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCommonAttr(attribute) || HandleReferenceClass(attribute, &fReferenceClass);
+    MakeDeclaration();
+}
+
+void TCIMXMLParser::TStatePropertyReferenceDecl::SetNullValue(TCIMXMLParser& parser) {
+    fValue = TCIMValue(TCIMValue::TCIMType::eCIMReference, 0);
+    fValue.SetReferencedClass(*parser.fContainer->GetClass(fReferenceClass));
+}
+
+bool TCIMXMLParser::TStateAnyProperty::HandleCommonAttr(TAttribute attribute) {
+    return HandleCIMName(attribute, &fName) || HandleClassOrigin(attribute, &fClassOrigin) ||
+           HandlePropagated(attribute, &fPropagated);
+}
+
+void TCIMXMLParser::TStateAnyProperty::SetPropertyValue() {
+    TCIMInstanceImpl::Of(fInstance).TakePropertyValue(fName, fValue);
+}
+
+TCIMProperty& TCIMXMLParser::TStateProperty::GetProperty() {
+    if (fProperty == nullptr) fProperty = fInstance.GetProperty(fName);
+    return *fProperty;
+}
+
+// (qualifier | value)*
+// sic: no state reads a qualifier here. Its attributes are taken for the property's, and its end tag ends the property.
+void TCIMXMLParser::TStateProperty::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
+    if (!Is(name, "value")) parser.Unexpected(name);
+    fHasValue = true;
+    parser.Enter<TStateValue>(attributes, parser, fValue, GetProperty().GetType());
+}
+
+void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    TCIMValue::TCIMType type = TCIMValue::TCIMType::eCIMNone;
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCommonAttr(attribute) || HandleCIMType(attribute, &type);
+    fProperty = nullptr;
+    if (parser.fTR907Mode) return;
+    LogMissing("TCIMXMLParser: Couldn't find property ", fName, [&] {
+        if (type != GetProperty().GetType()) parser.FatalError("Property type != property declaration type");
+    });
+}
+
+void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (!fHasValue) fValue = TCIMValue(GetProperty().GetType(), 0);
+    if (!parser.fTR907Mode || fValue.GetType() == GetProperty().GetType()) GetProperty().GetBody()->TakeValue(fValue);
+    TParseState::EndElement(parser, name);
+}
+
+// (qualifier | value.array)*
+void TCIMXMLParser::TStatePropertyArray::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                      TAttributes& attributes) {
+    if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
+    if (!Is(name, "value.array")) parser.Unexpected(name);
+    fHasValue = true;
+    parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+}
+
+void TCIMXMLParser::TStatePropertyArray::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCommonAttr(attribute) || HandleCIMType(attribute, &fType) || HandleArraySize(attribute, &fArraySize);
+}
+
+void TCIMXMLParser::TStatePropertyArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (!fHasValue) fValue = TCIMValue(ArrayOf(fType), fArraySize);
+    SetPropertyValue();
+    TParseState::EndElement(parser, name);
+}
+
+// (qualifier | value.reference)*
+void TCIMXMLParser::TStatePropertyReference::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                          TAttributes& attributes) {
+    if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
+    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    fHasValue = true;
+    parser.Enter<TStateValueReference>(attributes, fValue);
+}
+
+void TCIMXMLParser::TStatePropertyReference::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCommonAttr(attribute) || HandleReferenceClass(attribute, &fReferenceClass);
+    fInstance.GetClass()->GetPropertyDecl(fName);  // must exist
+}
+
+void TCIMXMLParser::TStatePropertyReference::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (!fHasValue) {
+        fValue = TCIMValue(TCIMValue::TCIMType::eCIMReference, 0);
+        fValue.SetReferencedClass(*parser.fContainer->GetClass(fReferenceClass));
+    }
+    SetPropertyValue();
+    TParseState::EndElement(parser, name);
+}

@@ -1,0 +1,245 @@
+#include "xml/PathStates.h"
+
+#include <algorithm>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TContainer.h"
+#include "model/TCIMPropertyDeclImpl.h"
+#include "xml/ValueStates.h"
+
+namespace {
+
+bool IsKey(const TCIMPropertyDecl& declaration) { return TCIMPropertyDeclImpl::Of(declaration).IsKey(); }
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+
+}  // namespace
+
+// host, localnamespacepath
+void TCIMXMLParser::TStateNamespacePath::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                      TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "host")) break;
+            fPhase = 1;
+            return parser.Enter<TStateHost>(attributes, parser, fHost);
+        case 1:
+            if (!Is(name, "localnamespacepath")) break;
+            fPhase = 2;
+            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+        default:
+            parser.Corrupt();  // sic: a third child is answered with this, too
+    }
+    parser.Unexpected(name);
+}
+
+// namespace+
+void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                           TAttributes& attributes) {
+    if (!Is(name, "namespace")) parser.Unexpected(name);
+    fSeen = true;
+    fNamespace += fCurrent;
+    parser.Enter<TStateNamespace>(attributes, fCurrent);
+}
+
+void TCIMXMLParser::TStateLocalNamespacePath::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (!fSeen) parser.FatalError("Unexpected at least 1 NAMESPACE element");
+    fNamespace += fCurrent;
+    TParseState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateHost::EndElement(TCIMXMLParser& parser, std::string& name) {
+    const std::string& text = parser.fText;
+    std::size_t length = text.size();
+    while (length > 1 && IsBlank(text[length - 1])) --length;  // sic: the first byte stays, blank or not
+    fHost.assign(text, 0, length);
+    TParseState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateNamespace::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMName(attribute, &fName);
+}
+
+// namespacepath, classname
+void TCIMXMLParser::TStateClassPath::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "namespacepath")) break;
+            fPhase = 1;
+            return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
+        case 1:
+            if (!Is(name, "classname")) break;
+            fPhase = 2;
+            return parser.Enter<TStateClassName>(attributes, fClassName);
+        case 2:
+            break;
+        default:
+            parser.Corrupt();
+    }
+    parser.Unexpected(name);
+}
+
+// localnamespacepath, classname
+void TCIMXMLParser::TStateLocalClassPath::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                       TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "localnamespacepath")) break;
+            fPhase = 1;
+            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+        case 1:
+            if (!Is(name, "classname")) break;
+            fPhase = 2;
+            return parser.Enter<TStateClassName>(attributes, fClassName);
+        case 2:
+            break;
+        default:
+            parser.Corrupt();
+    }
+    parser.Unexpected(name);
+}
+
+// nothing
+void TCIMXMLParser::TStateClassName::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes&) {
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMName(attribute, &fName);
+}
+
+// namespacepath, instancename
+void TCIMXMLParser::TStateInstancePath::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                     TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "namespacepath")) break;
+            fPhase = 1;
+            return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
+        case 1:
+            if (!Is(name, "instancename")) break;
+            fPhase = 2;
+            return parser.Enter<TStateInstanceName>(attributes, fReference);
+        case 2:
+            break;
+        default:
+            parser.Corrupt();
+    }
+    parser.Unexpected(name);
+}
+
+// localnamespacepath, instancename
+void TCIMXMLParser::TStateLocalInstancePath::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                          TAttributes& attributes) {
+    switch (fPhase) {
+        case 0:
+            if (!Is(name, "localnamespacepath")) break;
+            fPhase = 1;
+            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+        case 1:
+            if (!Is(name, "instancename")) break;
+            fPhase = 2;
+            return parser.Enter<TStateInstanceName>(attributes, fReference);
+        case 2:
+            break;
+        default:
+            parser.Corrupt();
+    }
+    parser.Unexpected(name);
+}
+
+// keybinding* | keyvalue | value.reference
+void TCIMXMLParser::TStateInstanceName::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                     TAttributes& attributes) {
+    if (fPhase < 0 || fPhase > 2) parser.Corrupt();
+    if (fPhase != 2 && Is(name, "keybinding")) {
+        fPhase = 1;
+        return parser.Enter<TStateKeyBinding>(attributes, fClass, fReference);
+    }
+    if (fPhase == 0 && Is(name, "keyvalue")) {
+        fPhase = 2;
+        fHasKeyValue = true;
+        return parser.Enter<TStateKeyValue>(attributes, parser, fKeyText);
+    }
+    if (fPhase == 0 && Is(name, "value.reference")) {
+        fPhase = 2;
+        fHasReference = true;
+        return parser.Enter<TStateValueReference>(attributes, fValue);
+    }
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute) {
+        if (!HandleClassName(attribute, &fClassName)) continue;
+        fReference.SetClassName(fClassName);
+        fClass = parser.fContainer->FindClass(fClassName);
+        if (fClass == nullptr) parser.FatalError("Couldn't find class name " + fClassName);
+    }
+}
+
+void TCIMXMLParser::TStateInstanceName::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (fHasReference)
+        fReference = fValue.operator TCIMReference();
+    else if (fHasKeyValue)
+        BindFirstKey(parser);
+    TParseState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateInstanceName::BindFirstKey(TCIMXMLParser& parser) {
+    if (fClass == nullptr) parser.FatalError("Couldn't find class name " + fClassName);
+    const std::vector<const TCIMPropertyDecl*> declarations = fClass->EnumeratePropertyDecls();
+    const auto key = std::find_if(declarations.begin(), declarations.end(),
+                                  [](const TCIMPropertyDecl* declaration) { return IsKey(*declaration); });
+    if (key != declarations.end())
+        fReference.AddKeyValue((*key)->GetName(), parser.ParseValue((*key)->GetType(), fKeyText));
+    else if (!parser.fContainer->isDiffContainer())
+        parser.FatalError("Class " + fClassName + " doesn't have any key properties");
+}
+
+// (keyvalue | value.reference)*
+void TCIMXMLParser::TStateKeyBinding::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "keyvalue")) return parser.Enter<TStateKeyValue>(attributes, parser, fKeyText);
+    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    fIsReference = true;
+    parser.Enter<TStateValueReference>(attributes, fValue);
+}
+
+void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
+    for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
+        HandleCIMName(attribute, &fName);
+}
+
+void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (fIsReference)
+        fReference.AddKeyValue(fName, fValue);
+    else
+        BindText(parser);
+    TParseState::EndElement(parser, name);
+}
+
+void TCIMXMLParser::TStateKeyBinding::BindText(TCIMXMLParser& parser) {
+    if (fClass == nullptr) parser.FatalError("Couldn't find class name ");  // none was named
+    const TCIMPropertyDecl* const declaration = fClass->FindPropertyDecl(fName);
+    if (declaration == nullptr)
+        parser.FatalError("Couldn't find property name " + fName + " in class " + fClass->GetName());
+    if (IsKey(*declaration))
+        fReference.AddKeyValue(fName, parser.ParseValue(declaration->GetType(), fKeyText));
+    else if (!parser.fContainer->isDiffContainer())
+        parser.FatalError("Class " + fClass->GetName() + " doesn't have any key properties");  // sic: it may have
+}
+
+void TCIMXMLParser::TStateKeyValue::EndElement(TCIMXMLParser& parser, std::string& name) {
+    fText = parser.fText;
+    TParseState::EndElement(parser, name);
+}
+
+// (instancepath | classpath)*
+void TCIMXMLParser::TStateObjectPath::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (Is(name, "instancepath")) return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
+    if (Is(name, "classpath")) return parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
+    parser.Unexpected(name);
+}

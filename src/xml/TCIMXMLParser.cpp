@@ -1,0 +1,155 @@
+#include "xml/TCIMXMLParser.h"
+
+#include "kyr/TCIMDateTime.h"
+#include "kyr/TKYRException.h"
+#include "model/NumberText.h"
+#include "platform/CoreLog.h"
+#include "xml/DocumentStates.h"
+
+TCIMXMLParser::TCIMXMLParser(TContainer* container) : fContainer(container) {
+    fStates.push(boost::make_shared<TStateStart>());
+}
+
+TCIMXMLParser::~TCIMXMLParser() {
+    while (!fStates.empty()) fStates.pop();  // children first: they hold references into their parents
+}
+
+std::string& TCIMXMLParser::LowerCase(const char* name) {
+    fName.resize(strlen(name));
+    for (char& c : fName) c = ToLower(*name++);
+    return fName;
+}
+
+// After a child element that has no state of its own, the end tags outnumber the states; what is left over does
+// nothing.
+void TCIMXMLParser::StartElement(const char* name, TAttributes& attributes) {
+    if (fStates.empty()) return;
+    try {
+        fStates.top()->StartElement(*this, LowerCase(name), attributes);
+    } catch (const TKYRException& e) {
+        ReportAndThrow(e);
+    }
+}
+
+void TCIMXMLParser::EndElement(const char* name) {
+    if (fStates.empty()) return;
+    try {
+        fStates.top()->EndElement(*this, LowerCase(name));
+    } catch (const TKYRException& e) {
+        ReportAndThrow(e);
+    }
+}
+
+void TCIMXMLParser::processingInstruction(const char*, const char*) {}
+
+void TCIMXMLParser::characters(const char* text, unsigned int) {
+    if (fTextReaders != 0) fText.append(text);
+}
+
+void TCIMXMLParser::notationDecl(const char*, const char*, const char*) {}
+
+void TCIMXMLParser::HandleAttrsOnTop(TAttributes& attributes) { fStates.top()->HandleAttrs(*this, attributes); }
+
+void TCIMXMLParser::FatalError(const char* message) {
+    LogAndThrow(kyrStatusInvalidSpecificationDocument,
+                "CIM-XML Parser line " + std::to_string(GetCurLine()) + ":" + message);
+}
+
+void TCIMXMLParser::FatalError(const std::string& message) { FatalError(message.c_str()); }
+
+void TCIMXMLParser::Unexpected(const std::string& name) { FatalError("Unexpected element " + name); }
+
+void TCIMXMLParser::Corrupt() { FatalError("Parser state corrupt"); }
+
+void TCIMXMLParser::ReportAndThrow(const TKYRException& e) {
+    LogAndThrow(e.fCode,
+                std::string("TCIMXMLParser: Threw exception ") + e.what() + " on line " + std::to_string(GetCurLine()));
+}
+
+TCIMValue TCIMXMLParser::ParseValue(TCIMValue::TCIMType type, std::string& text) {
+    try {
+        return TCIMValue(type, text, *fContainer);
+    } catch (const TKYRException& e) {
+        if (e.fCode != kyrStatusInvalidDateTime) return TCIMValue();
+    }
+    const TCIMDateTime epoch(1970, 1, 1, 0, 0, 0, 0, 0);
+    LogCoreError("Invalid datetime found on line " + std::to_string(GetCurLine()) + ".  Defaulting the datetime to " +
+                 epoch.ToUIString() + ".");
+    return TCIMValue(epoch);
+}
+
+bool TCIMXMLParser::ConvertBool(std::string& text) { return ReadNumber<bool>(text); }
+
+unsigned int TCIMXMLParser::ConvertUnsignedInt(std::string& text) { return ReadNumber<unsigned int>(text); }
+
+bool TCIMXMLParser::HandleCIMName(TAttribute attribute, std::string* target) {
+    if (!Is(attribute->first, "name")) return false;
+    *target = attribute->second;
+    return true;
+}
+
+bool TCIMXMLParser::HandleCIMType(TAttribute attribute, TCIMValue::TCIMType* target) {
+    if (!Is(attribute->first, "type")) return false;
+    *target = TCIMValue::TCIMType(attribute->second);
+    return true;
+}
+
+bool TCIMXMLParser::HandleClassOrigin(TAttribute attribute, std::string* target) {
+    if (!Is(attribute->first, "classorigin")) return false;
+    *target = attribute->second;
+    return true;
+}
+
+bool TCIMXMLParser::HandlePropagated(TAttribute attribute, bool* target) {
+    if (!Is(attribute->first, "propagated")) return false;
+    *target = ConvertBool(attribute->second);
+    return true;
+}
+
+bool TCIMXMLParser::HandleArraySize(TAttribute attribute, unsigned int* target) {
+    if (!Is(attribute->first, "arraysize")) return false;
+    *target = ConvertUnsignedInt(attribute->second);
+    return true;
+}
+
+bool TCIMXMLParser::HandleSuperClass(TAttribute attribute, std::string* target) {
+    if (!Is(attribute->first, "superclass")) return false;
+    *target = attribute->second;
+    return true;
+}
+
+bool TCIMXMLParser::HandleClassName(TAttribute attribute, std::string* target) {
+    if (!Is(attribute->first, "classname")) return false;
+    *target = attribute->second;
+    return true;
+}
+
+bool TCIMXMLParser::HandleReferenceClass(TAttribute attribute, std::string* target) {
+    if (!Is(attribute->first, "referenceclass")) return false;
+    *target = attribute->second;
+    return true;
+}
+
+bool TCIMXMLParser::HandleQualifierFlavor(TAttribute attribute, TCIMQualifierDecl::EFlavor* target) {
+    TCIMQualifierDecl::EFlavor flavor;
+    if (Is(attribute->first, "overridable"))
+        flavor = TCIMQualifierDecl::eFlavorOverridable;
+    else if (Is(attribute->first, "tosubclass"))
+        flavor = TCIMQualifierDecl::eFlavorToSubclass;
+    else if (Is(attribute->first, "translatable"))
+        flavor = TCIMQualifierDecl::eFlavorTranslatable;
+    else
+        return false;
+    *target = ConvertBool(attribute->second) ? *target | flavor : *target & ~flavor;
+    return true;
+}
+
+TCIMXMLParser::TParseState::~TParseState() = default;
+
+void TCIMXMLParser::TParseState::StartElement(TCIMXMLParser&, std::string&, TAttributes&) {}
+
+void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser, std::string&) {
+    if (!parser.fStates.empty()) parser.fStates.pop();
+}
+
+void TCIMXMLParser::TParseState::HandleAttrs(TCIMXMLParser&, TAttributes&) {}

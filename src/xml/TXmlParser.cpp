@@ -1,0 +1,405 @@
+#include "xml/TXmlParser.h"
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+enum EByteClass : unsigned char { eNameStart = 1, eName = 2, eBlank = 4, eValue = 8, eText = 16 };
+
+struct TByteClasses {
+    unsigned char table[256] = {};
+
+    constexpr TByteClasses() {
+        for (int c = 1; c < 256; ++c) table[c] = eValue | eText;
+        for (const char c : {'<', '&'}) table[static_cast<unsigned char>(c)] = 0;
+        for (const char c : {'"', '\''}) table[static_cast<unsigned char>(c)] = eText;
+        Mark("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_:", eNameStart | eName);
+        Mark("0123456789.-", eName);
+        Mark(" \t\r\n", eBlank);
+    }
+    constexpr void Mark(std::string_view bytes, int kinds) {
+        for (const char c : bytes) table[static_cast<unsigned char>(c)] |= static_cast<unsigned char>(kinds);
+    }
+    constexpr bool Is(char c, EByteClass kind) const { return (table[static_cast<unsigned char>(c)] & kind) != 0; }
+};
+
+constexpr TByteClasses kBytes;
+
+char* SkipAll(char* next, EByteClass kind) {
+    while (kBytes.Is(*next, kind)) ++next;
+    return next;
+}
+
+/// As std::string_view does; names mostly differ in their first character.
+int Compare(std::string_view a, std::string_view b) {
+    if (!a.empty() && a[0] != b[0]) return static_cast<unsigned char>(a[0]) - static_cast<unsigned char>(b[0]);
+    return a.compare(b);
+}
+
+/// The next '<', '&' or NUL, sixteen bytes at a time where the text is long enough.
+char* FindMarkup(char* next, const char* end) {
+    for (; end - next >= 16; next += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(next));
+        const __m128i found = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('<')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('&'))),
+            _mm_cmpeq_epi8(bytes, _mm_setzero_si128()));
+        const int mask = _mm_movemask_epi8(found);
+        if (mask != 0) return next + __builtin_ctz(static_cast<unsigned int>(mask));
+    }
+    return SkipAll(next, eText);
+}
+
+struct TEntity {
+    std::string_view name;  // with the semicolon
+    const char* text;
+};
+
+constexpr TEntity kEntities[] = {{"amp;", "&"}, {"lt;", "<"}, {"gt;", ">"}, {"apos;", "'"}, {"quot;", "\""}};
+
+bool BeginsAnEntity(std::string_view read) {
+    return std::any_of(std::begin(kEntities), std::end(kEntities),
+                       [&](const TEntity& entity) { return entity.name.substr(0, read.size()) == read; });
+}
+
+const char* FindEntity(std::string_view read) {
+    for (const TEntity& entity : kEntities)
+        if (entity.name == read) return entity.text;
+    return nullptr;
+}
+
+int DigitOf(char c, int base) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (base == 16 && c >= 'a' && c <= 'f') return c - 'a' + 10;
+    return -1;
+}
+
+}  // namespace
+
+TXmlParser::TXmlParser() {
+    for (int c = 0; c < 256; ++c) fLower[c] = static_cast<char>(tolower(c));
+}
+
+TXmlParser::~TXmlParser() = default;
+
+void TXmlParser::Parse(char* text) {
+    fStart = fNext = text;
+    fEnd = text + strlen(text);
+    fCountedTo = text;
+    fCountedLineEnds = fHiddenLineEnds = fHiddenWhenCounted = 0;
+    fDepth = 0;
+    ParseProlog();
+    ParseElement();
+    while (ParseMisc()) {
+    }
+}
+
+unsigned int TXmlParser::GetCurLine() {
+    if (fCountedTo < fStart || fCountedTo > fNext) {
+        fCountedTo = fStart;
+        fCountedLineEnds = 0;
+    }
+    for (; fCountedTo < fNext; ++fCountedTo) fCountedLineEnds += *fCountedTo == '\n';
+    fCountedTo = fNext;
+    fHiddenWhenCounted = fHiddenLineEnds;
+    return fCountedLineEnds + 1;
+}
+
+bool TXmlParser::Refuse(const char* message) {
+    FatalError(message);
+    return false;
+}
+
+bool TXmlParser::SkipBehind(const char* mark) {
+    char* const found = strstr(fNext, mark);
+    if (found == nullptr) return false;
+    fNext = found + strlen(mark);
+    return true;
+}
+
+bool TXmlParser::ParseProlog() {
+    if (GetChar() != '<') return Refuse("Unexpected character before prolog");
+    const int second = GetChar();
+    Unget(2);
+    if (second != '?') return false;
+    ParseXMLDecl();
+    while (ParseMisc()) {
+    }
+    int read = 1;
+    bool isDocType = GetChar() == '<';
+    if (isDocType) {
+        ++read;
+        isDocType = GetChar() == '!';
+    }
+    Unget(read);
+    if (!isDocType) return true;
+    ParseDocTypeDecl();
+    while (ParseMisc()) {
+    }
+    return true;
+}
+
+bool TXmlParser::ParseMisc() {
+    if (GetChar() != '<') return SkipWhitespace();  // sic: eats any character, so one blank alone ends the loop
+    const int second = GetChar();
+    if (second == '?') {
+        Unget(2);
+        return ParseProcessingInstruction();
+    }
+    if (second != '!') {
+        Unget(2);
+        return false;
+    }
+    const int third = GetChar();
+    Unget(3);
+    return third == '-' && SkipComment();
+}
+
+bool TXmlParser::ParseXMLDecl() { return SkipBehind("?>"); }
+
+bool TXmlParser::ParseDocTypeDecl() {
+    for (const char* expected = "<!DOCTYPE"; *expected != '\0'; ++expected)
+        if (GetChar() != *expected) return Refuse("Unexpected character in doctypedecl");
+    if (!SkipBehind(">")) return false;
+    SkipWhitespace();
+    return true;
+}
+
+bool TXmlParser::ParseProcessingInstruction() {
+    if (!SkipBehind("?>")) return false;
+    processingInstruction("TBD", "TBD");
+    return true;
+}
+
+bool TXmlParser::ParseNotationDecl() {
+    if (!SkipBehind(">")) return false;
+    notationDecl("TBD", "TBD", "TBD");
+    return true;
+}
+
+bool TXmlParser::SkipComment() {
+    for (const char* expected = "<!--"; *expected != '\0'; ++expected) {
+        if (GetChar() == *expected) continue;
+        Unget(4);  // sic: however many were read
+        return false;
+    }
+    return SkipBehind("-->");
+}
+
+bool TXmlParser::SkipWhitespace() {
+    char* const begin = fNext;
+    fNext = SkipAll(begin, eBlank);
+    return fNext != begin;
+}
+
+bool TXmlParser::ValidateName() {
+    if (!kBytes.Is(static_cast<char>(GetChar()), eNameStart)) return Refuse("Invalid element/attribute name");
+    fNext = SkipAll(fNext, eName);
+    if (*fNext == '\0') UngetChar();  // sic: at the end of the text, the last character of the name is left over
+    return true;
+}
+
+bool TXmlParser::ParseElement() {
+    if (GetChar() != '<') return Refuse("Unexpected character before element");
+    char* const name = fNext;
+    if (!ValidateName()) return false;
+    char* const nameEnd = fNext;
+    TAttributes& attributes = AttributesOfLevel();
+    if (!ParseAttributes(attributes)) return false;
+
+    const bool isEmpty = *fNext == '/';
+    if (isEmpty) ++fNext;
+    if (GetChar() != '>') return Refuse("Unexpected character before end of element");
+
+    const char hidden = HideByte(nameEnd);
+    ++fDepth;
+    StartElement(name, attributes);
+    const bool isClosed =
+        isEmpty || (ParseContent() && ParseElementEnd(name, static_cast<std::size_t>(nameEnd - name)));
+    if (isClosed) EndElement(name);
+    --fDepth;
+    ShowByte(nameEnd, hidden);
+    return isClosed;
+}
+
+bool TXmlParser::ParseContent() {
+    for (;;) {
+        ParseCharData();
+        if (*fNext != '<') return Refuse("Unexpected character where element expected");
+        const char kind = fNext[1];
+        if (kind == '/') break;
+        if (kind == '\0') UngetChar();  // sic: two characters are put back, and only one was there
+        const bool good = kind == '?' ? ParseProcessingInstruction() : kind == '!' ? SkipComment() : ParseElement();
+        if (!good) return false;
+    }
+    fNext += 2;
+    return true;
+}
+
+bool TXmlParser::ParseElementEnd(const char* name, std::size_t length) {
+    const char* const endName = fNext;
+    const bool isSame = strncmp(endName, name, length) == 0;
+    if (isSame && endName[length] == '>') {
+        fNext += length + 1;
+        return true;
+    }
+    if (!ValidateName()) return false;
+    if (!isSame) return Refuse("Start and end element names don't match");
+    SkipWhitespace();
+    return GetChar() == '>' || Refuse("Unexpected character before end of element");
+}
+
+TXmlParser::TAttributes& TXmlParser::AttributesOfLevel() {
+    if (fDepth == fLevels.size()) fLevels.push_back(std::make_unique<TAttributes>());
+    return *fLevels[fDepth];
+}
+
+bool TXmlParser::ParseAttributes(TAttributes& attributes) {
+    fAttributeCount = 0;
+    while (SkipWhitespace() && *fNext != '/' && *fNext != '>')
+        if (!ParseAttribute(attributes)) return false;
+    if (fAttributeCount <= kFewAttributes) FillAttributes(attributes);
+    return true;
+}
+
+bool TXmlParser::ParseAttribute(TAttributes& attributes) {
+    char* const name = fNext;
+    if (!ValidateName()) return false;
+    char* const nameEnd = fNext;
+    fNext = SkipAll(fNext, eBlank);
+    if (GetChar() != '=') return Refuse("Unexpected character between attribute name and value");
+    fNext = SkipAll(fNext, eBlank);
+    const int quote = GetChar();
+    if (quote != '"' && quote != '\'') return Refuse("Unexpected character after equals of attribute name");
+    char* const value = fNext;
+    if (!SkipToQuote(static_cast<char>(quote))) return false;
+    char* const valueEnd = fNext - 1;
+
+    for (char* c = name; c != nameEnd; ++c) *c = ToLower(*c);
+    const TAttribute attribute = {{name, static_cast<std::size_t>(nameEnd - name)},
+                                  {value, static_cast<std::size_t>(valueEnd - value)}};
+    if (TakeAttribute(attributes, attribute)) return true;
+    *nameEnd = *valueEnd = '\0';  // sic: a line end behind the name is not counted in this report
+    return Refuse("Attribute appears twice");
+}
+
+bool TXmlParser::SkipToQuote(char quote) {
+    for (;;) {
+        fNext = SkipAll(fNext, eValue);
+        // Volatile, since a loop without an effect need not be kept, and this one has no other way out at the NUL.
+        const char end = *const_cast<const volatile char*>(fNext);
+        if (end == '\0') continue;
+        ++fNext;
+        if (end == quote) return true;
+        if (end == '<' || end == '&') return Refuse("Unexpected character in attribute value");
+    }
+}
+
+/// False if the element has an attribute of that name already.
+bool TXmlParser::TakeAttribute(TAttributes& attributes, const TAttribute& attribute) {
+    if (fAttributeCount > kFewAttributes) return attributes.emplace(attribute.name, attribute.value).second;
+    TAttribute* place = fAttributes + fAttributeCount;
+    for (; place != fAttributes; --place) {
+        const int order = Compare(place[-1].name, attribute.name);
+        if (order == 0) return false;
+        if (order < 0) break;
+        *place = place[-1];
+    }
+    *place = attribute;
+    if (++fAttributeCount > kFewAttributes) FillAttributes(attributes);
+    return true;
+}
+
+/// Makes the map hold fAttributes, whatever it holds, and takes what it can of its nodes over.
+void TXmlParser::FillAttributes(TAttributes& attributes) {
+    auto old = attributes.begin();
+    for (const TAttribute* attribute = fAttributes; attribute != fAttributes + fAttributeCount; ++attribute) {
+        int order = 1;
+        while (old != attributes.end() && (order = Compare(old->first, attribute->name)) < 0)
+            fSpareNodes.push_back(attributes.extract(old++));
+        if (old == attributes.end() || order != 0)
+            InsertAttribute(attributes, old, *attribute);
+        else
+            (old++)->second.assign(attribute->value);
+    }
+    while (old != attributes.end()) fSpareNodes.push_back(attributes.extract(old++));
+}
+
+void TXmlParser::InsertAttribute(TAttributes& attributes, TAttributes::iterator hint, const TAttribute& attribute) {
+    if (fSpareNodes.empty()) {
+        attributes.emplace_hint(hint, attribute.name, attribute.value);
+        return;
+    }
+    TAttributes::node_type node = std::move(fSpareNodes.back());
+    fSpareNodes.pop_back();
+    node.key().assign(attribute.name);
+    node.mapped().assign(attribute.value);
+    attributes.insert(hint, std::move(node));
+}
+
+bool TXmlParser::ParseCharData() {
+    const char* const begin = fNext;
+    while (ParseText()) {
+        ++fNext;
+        ParseReference();
+    }
+    return fNext != begin;
+}
+
+/// A run up to the next markup; true if that is a reference.
+bool TXmlParser::ParseText() {
+    char* const run = fNext;
+    fNext = FindMarkup(run, fEnd);
+    const char markup = *fNext;
+    if (fNext == run) return markup == '&';
+    *fNext = '\0';
+    characters(run, static_cast<unsigned int>(fNext - run));
+    *fNext = markup;
+    return markup == '&';
+}
+
+void TXmlParser::ParseReference() {
+    char read[8];
+    for (std::size_t length = 0;;) {
+        read[length++] = ToLower(GetChar());
+        const std::string_view name(read, length);
+        if (name == "#") return ParseNumericReference();
+        if (const char* text = FindEntity(name)) return characters(text, 1);
+        if (!BeginsAnEntity(name)) return FatalError("Unknown entity reference");
+    }
+}
+
+void TXmlParser::ParseNumericReference() {
+    char c = ToLower(GetChar());
+    const int base = c == 'x' ? 16 : 10;
+    if (base == 16) c = ToLower(GetChar());
+    char text[2] = {};
+    for (bool isFirst = true; isFirst || c != ';'; isFirst = false) {
+        const int digit = DigitOf(c, base);
+        // One byte and no more: the number is taken modulo 256.
+        if (digit >= 0) text[0] = static_cast<char>(static_cast<unsigned char>(text[0]) * base + digit);
+        if (digit < 0) FatalError(c == ';' ? "Invalid hex character" : "Unknown entity reference");
+        if (c == '\0') return;
+        c = ToLower(GetChar());
+    }
+    characters(text, 1);
+}
+
+/// Puts a NUL behind the name of an element, and back what was there.
+char TXmlParser::HideByte(char* position) {
+    if (*position == '\n') ++fHiddenLineEnds;
+    return std::exchange(*position, '\0');
+}
+
+void TXmlParser::ShowByte(char* position, char byte) {
+    *position = byte;
+    if (byte != '\n') return;
+    --fHiddenLineEnds;
+    if (fHiddenLineEnds >= fHiddenWhenCounted) return;
+    fHiddenWhenCounted = fHiddenLineEnds;
+    ++fCountedLineEnds;
+}

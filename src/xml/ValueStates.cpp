@@ -1,0 +1,84 @@
+#include "xml/ValueStates.h"
+
+#include "model/TCIMValueTransfer.h"
+#include "xml/PathStates.h"
+
+namespace {
+
+/// The vector's own growth would copy each value.
+void MakeRoom(std::vector<TCIMValue>& values) {
+    std::vector<TCIMValue> larger;
+    larger.reserve(2 * values.size() + 4);
+    for (TCIMValue& value : values) {
+        larger.emplace_back();
+        if (value.GetType() != TCIMValue::TCIMType::eCIMNone) TCIMValueTransfer::TakeOver(larger.back(), value);
+    }
+    values.swap(larger);
+}
+
+}  // namespace
+
+void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser, std::string& name) {
+    TCIMValue value = parser.ParseValue(fType, parser.fText);
+    TCIMValueTransfer::Assign(*fTarget, value);
+    TParseState::EndElement(parser, name);
+}
+
+// value*
+void TCIMXMLParser::TStateValueArray::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    if (!Is(name, "value")) parser.Unexpected(name);
+    if (fElements.size() == fElements.capacity()) MakeRoom(fElements);
+    fElements.emplace_back(fType, 0);
+    parser.Enter<TStateValue>(attributes, parser, fElements.back(), fType);
+}
+
+void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+    TCIMValueTransfer::SetArray(*fTarget, fType, fArraySize, fElements);
+    TParseState::EndElement(parser, name);
+}
+
+// (classpath | localclasspath | classname | instancepath | localinstancepath | instancename)*
+// sic: below a path the reference has no container, so that only the two plain names can be read to the end.
+void TCIMXMLParser::TStateValueReference::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                       TAttributes& attributes) {
+    if (Is(name, "instancename")) {
+        fReference.SetContainer(parser.fContainer);
+        fIsInstanceName = true;
+        return parser.Enter<TStateInstanceName>(attributes, fReference);
+    }
+    if (Is(name, "instancepath")) return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
+    if (Is(name, "localinstancepath")) return parser.Enter<TStateLocalInstancePath>(attributes, fNamespace, fReference);
+    if (Is(name, "classname")) {
+        fReference.SetContainer(parser.fContainer);
+        fIsClassRef = true;
+        return parser.Enter<TStateClassName>(attributes, fClassName);
+    }
+    if (Is(name, "classpath")) {
+        fIsClassRef = true;
+        return parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
+    }
+    if (Is(name, "localclasspath")) {
+        fIsClassRef = true;
+        return parser.Enter<TStateLocalClassPath>(attributes, fNamespace, fClassName);
+    }
+    parser.Unexpected(name);
+}
+
+void TCIMXMLParser::TStateValueReference::EndElement(TCIMXMLParser& parser, std::string& name) {
+    if (fIsClassRef && !fIsInstanceName) fReference.SetClassName(fClassName);
+    fTarget->Set(fReference);
+    TParseState::EndElement(parser, name);
+}
+
+// value.reference*
+void TCIMXMLParser::TStateValueRefArray::StartElement(TCIMXMLParser& parser, std::string& name,
+                                                      TAttributes& attributes) {
+    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    fElements.emplace_back(TCIMValue::TCIMType(TCIMValue::TCIMType::eCIMReference), 0);
+    parser.Enter<TStateValueReference>(attributes, fElements.back());
+}
+
+void TCIMXMLParser::TStateValueRefArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+    TCIMValueTransfer::SetArray(*fTarget, TCIMValue::TCIMType::eCIMReference, 0, fElements);
+    TParseState::EndElement(parser, name);
+}

@@ -1,0 +1,60 @@
+#ifndef VALUESTATES_H
+#define VALUESTATES_H
+
+#include "kyr/TCIMReference.h"
+#include "xml/TCIMXMLParser.h"
+
+class TCIMXMLParser::TStateValue : public TCIMXMLParser::TParseState {
+public:
+    TStateValue(TCIMXMLParser& parser, TCIMValue& target, TCIMValue::TCIMType type)
+        : fReader(parser), fTarget(&target), fType(type) {}
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+private:
+    TTextReader fReader;
+    TCIMValue* fTarget;
+    TCIMValue::TCIMType fType;
+};
+
+class TCIMXMLParser::TStateValueArray : public TCIMXMLParser::TParseState {
+public:
+    TStateValueArray(TCIMValue& target, TCIMValue::TCIMType type, unsigned int arraySize)
+        : fTarget(&target), fType(type), fArraySize(arraySize) {}
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+private:
+    TCIMValue* fTarget;
+    TCIMValue::TCIMType fType;
+    unsigned int fArraySize;
+    std::vector<TCIMValue> fElements;  // grows only between elements: a TStateValue points to the last one
+};
+
+class TCIMXMLParser::TStateValueReference : public TCIMXMLParser::TParseState {
+public:
+    explicit TStateValueReference(TCIMValue& target) : fTarget(&target) {}
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+private:
+    TCIMValue* fTarget;
+    bool fIsInstanceName = false;
+    bool fIsClassRef = false;
+    std::string fHost;
+    std::string fNamespace;
+    TCIMReference fReference = nullptr;
+    std::string fClassName;
+};
+
+class TCIMXMLParser::TStateValueRefArray : public TCIMXMLParser::TParseState {
+public:
+    explicit TStateValueRefArray(TCIMValue& target) : fTarget(&target) {}
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+
+private:
+    TCIMValue* fTarget;
+    std::vector<TCIMValue> fElements;
+};
+
+#endif
