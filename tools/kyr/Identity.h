@@ -1,0 +1,12 @@
+#ifndef IDENTITY_H
+#define IDENTITY_H
+
+#include "Exit.h"
+#include "Failures.h"
+#include "Options.h"
+#include "Output.h"
+
+/// Prints what a report asks about the machine.
+EExit RunIdentity(const TOptions& options, TOutput& output, TFailures& failures);
+
+#endif

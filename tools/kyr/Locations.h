@@ -1,0 +1,11 @@
+#ifndef LOCATIONS_H
+#define LOCATIONS_H
+
+#include <string>
+
+/// Where the plugins and the base document stand beside this executable, in the build tree or as installed; empty if
+/// they do not.
+std::string FindDefaultPlugins();
+std::string FindDefaultSchema();
+
+#endif

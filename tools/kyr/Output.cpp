@@ -1,0 +1,51 @@
+#include "Output.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "Exit.h"
+#include "VisibleText.h"
+
+namespace {
+
+bool IsSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+bool MayColour() {
+    const char* const terminal = std::getenv("TERM");
+    if (terminal == nullptr || std::strcmp(terminal, "dumb") == 0 || IsSet("NO_COLOR")) return false;
+    return isatty(STDOUT_FILENO) != 0;
+}
+
+[[noreturn]] void FailToWrite() {
+    throw TCommandError(eExitOutput, std::string("cannot write standard output: ") + std::strerror(errno));
+}
+
+}  // namespace
+
+TOutput::TOutput() : fColour(MayColour()) {}
+
+void TOutput::Write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailToWrite();
+}
+
+void TOutput::Flush() {
+    if (std::fflush(stdout) != 0) FailToWrite();
+}
+
+std::string TOutput::Bold(const std::string& text) const { return fColour ? "\033[1m" + text + "\033[0m" : text; }
+
+void Complain(const std::string& text) { std::fprintf(stderr, "kyr: %s\n", VisibleText(text).c_str()); }
+
+void KeepStandardStreams() {
+    constexpr int kModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};  // sic: writing to descriptor 1 is to fail
+    for (int descriptor = 0; descriptor < 3; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) < 0) (void)open("/dev/null", kModes[descriptor]);
+}

@@ -1,0 +1,29 @@
+#ifndef OUTPUT_H
+#define OUTPUT_H
+
+#include <string>
+#include <string_view>
+
+/// Standard output. What cannot be written ends the command with eExitOutput.
+class TOutput {
+public:
+    TOutput();
+
+    void Write(std::string_view text);
+    /// To be called once at the end: only then is all that was written known to have arrived.
+    void Flush();
+    /// The text in bold if standard output is a terminal that may be coloured.
+    std::string Bold(const std::string& text) const;
+
+private:
+    bool fColour;
+};
+
+/// One line on standard error, "kyr: " in front.
+void Complain(const std::string& text);
+
+/// Opens descriptors 0 to 2 where our caller closed them, so that no file of ours lands there. A closed standard
+/// output stays one that cannot be written.
+void KeepStandardStreams();
+
+#endif
