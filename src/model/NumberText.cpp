@@ -1,10 +1,23 @@
 #include "model/NumberText.h"
 
+#include <algorithm>
 #include <locale>
 #include <sstream>
 #include <type_traits>
 
 namespace {
+/// Digits with at most one point among them, and too few of them to leave the range of a float: what the library
+/// reads faster than a stream does, and to the same number.
+bool IsPlainReal(std::string_view text) {
+    if (!text.empty() && text[0] == '-') text.remove_prefix(1);
+    const size_t whole = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (whole == 0 || text.size() > 30) return false;
+    if (whole == text.size()) return true;
+    if (text[whole] != '.') return false;
+    text.remove_prefix(whole + 1);
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 std::istringstream BaselessStream(const std::string& text) {
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());
@@ -21,7 +34,7 @@ bool ReadQuickly(const std::string& text, T& number) {
     } else if constexpr (std::is_integral_v<T>) {
         return ReadPlainNumber(text, number);
     } else {
-        return false;
+        return IsPlainReal(text) && std::from_chars(text.data(), text.data() + text.size(), number).ec == std::errc();
     }
 }
 }  // namespace

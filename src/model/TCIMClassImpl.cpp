@@ -138,6 +138,8 @@ void TCIMClassImpl::RemoveOverriddenDecl(TPropertyDecls::iterator existing, cons
         RefuseDecl(kyrStatusTypeMismatch, kOverride, declaration, kInClass, ": different types");
     if (*inherited.GetClass() == *fHandle)
         RefuseDecl(kyrStatusAlreadyExists, kOverride, declaration, kInClass, ": original was defined in this class");
+    if (&inherited == &declaration)  // a second owner would destroy it twice
+        RefuseDecl(kyrStatusAlreadyExists, "add property ", declaration, " to class ", ": already exists");
     fPropertyDecls.erase(existing);
 }
 

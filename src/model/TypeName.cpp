@@ -27,19 +27,22 @@ std::string_view FindTypeName(TType type) {
     return number < TType::eCIMArrayFlag ? kTypeNames[number].name : std::string_view();
 }
 
-TType::ECIMType TypeOf(const std::string& name) {
+/// eCIMNone for a word that names no type.
+TType::ECIMType FindType(const std::string& name) {
     int number = 0;
     for (const TTypeName& type : kTypeNames) {
         if (type.taken && name == type.name) return static_cast<TType::ECIMType>(number);
         ++number;
     }
-    throw TKYRException(kyrStatusTypeMismatch);
+    return TType::eCIMNone;
 }
 }  // namespace
 
-TCIMValue::TCIMType::TCIMType(std::string name) : fType(eCIMNone) {
+TCIMValue::TCIMType::TCIMType(std::string name) : fType(FindType(name)) {
+    if (fType != eCIMNone) return;
     for (char& c : name) c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
-    fType = TypeOf(name);
+    fType = FindType(name);
+    if (fType == eCIMNone) throw TKYRException(kyrStatusTypeMismatch);
 }
 
 std::string TCIMValue::TCIMType::ToString() const {

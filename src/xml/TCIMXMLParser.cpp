@@ -6,6 +6,17 @@
 #include "platform/CoreLog.h"
 #include "xml/DocumentStates.h"
 
+namespace {
+
+template <std::size_t kSize>
+bool TakeText(TCIMXMLParser::TAttribute attribute, const char (&name)[kSize], std::string* target) {
+    if (!Is(attribute->first, name)) return false;
+    *target = attribute->second;
+    return true;
+}
+
+}  // namespace
+
 TCIMXMLParser::TCIMXMLParser(TContainer* container) : fContainer(container) {
     fStates.push(boost::make_shared<TStateStart>());
 }
@@ -83,9 +94,7 @@ bool TCIMXMLParser::ConvertBool(std::string& text) { return ReadNumber<bool>(tex
 unsigned int TCIMXMLParser::ConvertUnsignedInt(std::string& text) { return ReadNumber<unsigned int>(text); }
 
 bool TCIMXMLParser::HandleCIMName(TAttribute attribute, std::string* target) {
-    if (!Is(attribute->first, "name")) return false;
-    *target = attribute->second;
-    return true;
+    return TakeText(attribute, "name", target);
 }
 
 bool TCIMXMLParser::HandleCIMType(TAttribute attribute, TCIMValue::TCIMType* target) {
@@ -95,9 +104,7 @@ bool TCIMXMLParser::HandleCIMType(TAttribute attribute, TCIMValue::TCIMType* tar
 }
 
 bool TCIMXMLParser::HandleClassOrigin(TAttribute attribute, std::string* target) {
-    if (!Is(attribute->first, "classorigin")) return false;
-    *target = attribute->second;
-    return true;
+    return TakeText(attribute, "classorigin", target);
 }
 
 bool TCIMXMLParser::HandlePropagated(TAttribute attribute, bool* target) {
@@ -113,21 +120,15 @@ bool TCIMXMLParser::HandleArraySize(TAttribute attribute, unsigned int* target) 
 }
 
 bool TCIMXMLParser::HandleSuperClass(TAttribute attribute, std::string* target) {
-    if (!Is(attribute->first, "superclass")) return false;
-    *target = attribute->second;
-    return true;
+    return TakeText(attribute, "superclass", target);
 }
 
 bool TCIMXMLParser::HandleClassName(TAttribute attribute, std::string* target) {
-    if (!Is(attribute->first, "classname")) return false;
-    *target = attribute->second;
-    return true;
+    return TakeText(attribute, "classname", target);
 }
 
 bool TCIMXMLParser::HandleReferenceClass(TAttribute attribute, std::string* target) {
-    if (!Is(attribute->first, "referenceclass")) return false;
-    *target = attribute->second;
-    return true;
+    return TakeText(attribute, "referenceclass", target);
 }
 
 bool TCIMXMLParser::HandleQualifierFlavor(TAttribute attribute, TCIMQualifierDecl::EFlavor* target) {

@@ -76,7 +76,8 @@ private:
     void ParseNumericReference();
     void InsertAttribute(TAttributes& attributes, TAttributes::iterator hint, const TAttribute& attribute);
 
-    // The road of every element, and therefore one piece of code.
+    // Called for every element, and from the source file alone: inline, so that the compiler melts them into one piece
+    // of code there.
     inline TAttributes& AttributesOfLevel();
     inline bool ParseAttributes(TAttributes& attributes);
     inline bool ParseAttribute(TAttributes& attributes);
