@@ -1,0 +1,111 @@
+#include <gmock/gmock.h>
+#include <sys/utsname.h>
+
+#include <sstream>
+
+#include "KyrRun.h"
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+// Without the lines that tell the time of the run.
+std::string WithoutPresentTime(const std::string& text) {
+    std::istringstream lines(text);
+    std::string result, line;
+    while (std::getline(lines, line))
+        if (line.find("DateTimeOfCollection") == std::string::npos && line.find("LocalDateTime") == std::string::npos)
+            result += line + "\n";
+    return result;
+}
+
+const std::string kShown = "collect --class TEST_Shown";
+
+}  // namespace
+
+class CollectOnMachine : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(CollectOnMachine, PrintsWhatTheSystemPluginFoundThere) {
+    const std::string machine = GetParam();
+    const TRunResult run = RunKyrOn(machine, "collect --references");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(WithoutPresentTime(run.out), ReadFile(EXPECTED "/" + machine + ".txt"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, CollectOnMachine, ::testing::Values("server", "virtual", "container"));
+
+TEST(CollectTest, NamesHostAndKernelOfTheRunningMachine) {
+    utsname name{};
+    ASSERT_EQ(uname(&name), 0);
+    const TRunResult run = RunKyr("collect --class MOLTA_OperatingSystem");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr(std::string("  CSName               ") + name.nodename + "\n"));
+    EXPECT_THAT(run.out, HasSubstr(std::string("  KernelRelease        ") + name.release + "\n"));
+}
+
+TEST(CollectTest, MachineOfWhichNothingCanBeReadStillHasItsKeys) {
+    const TempFolder nothing;
+    const TRunResult run = RunKyr("collect", "KYR_SYSTEM_ROOT=" + nothing.Path());
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem\n"
+                                   "  CreationClassName  MOLTA_ComputerSystem\n"
+                                   "  Name               localhost\n\n"));
+}
+
+TEST(CollectTest, HostileTextIsMadeVisible) {
+    TempFolder machine;
+    machine.Write("sys/class/dmi/id/product_name", "a\x1b[31m\"<b>\"\t\xff\xc3\xa4\xe2\x80\xaez\n");
+    machine.Write("sys/class/dmi/id/product_family", std::string(65536, 'x'));
+    machine.Write("proc/sys/kernel/hostname", "\xc0\x80\r\n");
+    const TRunResult run = RunKyr("collect", "KYR_SYSTEM_ROOT=" + machine.Path());
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("  ProductName        a\\x1B[31m\"<b>\"\\t\\xFF\xc3\xa4\\u202Ez\n"));
+    EXPECT_THAT(run.out, HasSubstr("  ProductFamily      " + std::string(65536, 'x') + "\n"));
+    EXPECT_THAT(run.out, HasSubstr("  Name               \\xC0\\x80\n"));
+}
+
+TEST(CollectTest, DisplaysValuesByTheirQualifiers) {
+    const TPluginRoot root({"shown"});
+    const TRunResult run = RunKyr(kShown + root.Option());
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "TEST_Shown (2)\n"
+              "  Id      1\n"
+              "  Mask    00AB\n"
+              "  Modes   Fast, Slow, 7\n"
+              "  Moment  2024-12-31 23:59:58 -03:30\n"
+              "  Odd     -5\n"
+              "  Size    1.5 Kilobytes\n"
+              "  Span    1 day 2 hours 3 minutes 4 seconds\n"
+              "\n"
+              "  Id  2\n");
+}
+
+TEST(CollectTest, RawGivesPlainValues) {
+    const TPluginRoot root({"shown"});
+    const TRunResult run = RunKyr(kShown + " --raw" + root.Option());
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("  Mask    171\n"
+                                   "  Modes   { 2, 1, 7 }\n"
+                                   "  Moment  20241231235958.000000-210\n"
+                                   "  Odd     -5\n"
+                                   "  Size    1536\n"
+                                   "  Span    00000001020304.000000:000\n"));
+}
+
+TEST(CollectTest, ClassStandsForItsSubclassesToo) {
+    const TRunResult run = RunKyr("collect --class cim_system --class CIM_Product");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem\n"));
+    EXPECT_THAT(run.out, HasSubstr("MOLTA_ORQProduct\n"));
+    EXPECT_THAT(run.out, Not(HasSubstr("MOLTA_OperatingSystem")));
+}
+
+TEST(CollectTest, ReferenceToWhatWasNotCollectedIsStillPrinted) {
+    const TRunResult run = RunKyrOn("virtual", "collect --references --class MOLTA_InstalledOS");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("  GroupComponent  MOLTA_ComputerSystem.CreationClassName="
+                                   "\"MOLTA_ComputerSystem\",Name=\"builder\"\n"));
+}

@@ -1,0 +1,75 @@
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "KyrRun.h"
+
+using ::testing::HasSubstr;
+
+TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
+    const TPluginRoot root({"noinit", "baddocument", "givesup", "keyless", "unregistered"});
+    root.Write("broken/libbroken.pi.so", "no library");
+    const TRunResult run = RunKyr("collect" + root.Option());
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem\n"));
+    EXPECT_THAT(run.out, HasSubstr("MOLTA_InstalledOS\n"));
+    EXPECT_THAT(run.out, HasSubstr("TEST_Kept\n  Id  1\n"));
+    for (const char* line : {
+             "kyr: plugin ./broken/libbroken.pi.so: ERROR: Failed to load plugin.  Reason: ",
+             "kyr: plugin noinit: its init entry failed\n",
+             "kyr: plugin baddocument: cannot read its document ./baddocument/baddocument.properties.xml: "
+             "kyrStatusInvalidSpecificationDocument\n",
+             "kyr: plugin baddocument: Previous error was while parsing file "
+             "'./baddocument/baddocument.properties.xml'\n",
+             "kyr: plugin givesup, class TEST_Lost: not collected: the plugin ended with "
+             "kyrStatusErrorCollectingClass\n",
+             "kyr: plugin keyless, class TEST_Keyless: Instance TEST_Keyless: key property Id is NULL\n",
+             "kyr: plugin ./unregistered/libunregistered.pi.so: the library registers no plugin\n",
+         })
+        EXPECT_THAT(run.err, HasSubstr(line));
+}
+
+TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
+    const TPluginRoot root({});
+    std::filesystem::create_directory(root.Path() + "/alone");
+    std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/alone/libalone.pi.so");
+    const TRunResult run = RunKyr("identity" + root.Option());
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err,
+              "kyr: plugin shown: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n");
+}
+
+TEST(FailuresTest, NothingButFailuresIsNoResult) {
+    const TempFolder root;
+    root.Write("broken/libbroken.pi.so", "no library");
+    const TRunResult run = RunKyr("collect --plugins " + root.Path());
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr("kyr: nothing was collected\n"));
+}
+
+TEST(FailuresTest, EmptyPluginFolderIsNoResult) {
+    const TempFolder root;
+    const TRunResult run = RunKyr("collect --plugins " + root.Path());
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, "kyr: no plugins in '" + root.Path() + "'\nkyr: nothing was collected\n");
+}
+
+TEST(FailuresTest, PipeInPlaceOfALibraryHoldsNothingUp) {
+    const TPluginRoot root({});
+    std::filesystem::create_directory(root.Path() + "/pipe");
+    ASSERT_EQ(mkfifo((root.Path() + "/pipe/libpipe.pi.so").c_str(), 0600), 0);
+    EXPECT_EQ(RunKyr("identity" + root.Option()).status, 0);
+}
+
+TEST(FailuresTest, BaseDocumentThatCannotBeReadEndsTheCommand) {
+    const TempFolder folder;
+    const std::string missing = folder.Path() + "/none.xml", bad = folder.Write("bad.xml", "<CIM><NO/></CIM>");
+    TRunResult run = RunKyr("schema --schema " + missing);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, "kyr: cannot read the base document '" + missing + "': kyrStatusFileNotFound\n");
+    run = RunKyr("schema --schema " + bad);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err, HasSubstr("kyr: base document: CIM-XML Parser line 1:Unexpected element no\n"));
+}

@@ -1,0 +1,38 @@
+#include "KyrRun.h"
+
+TEST(IdentityTest, PrintsWhatTheServerIs) {
+    const TRunResult run = RunKyrOn("server", "identity");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "System name             db01.example.net\n"
+              "Product                 ES Rack 2200 -[4185C2X]-\n"
+              "Machine type and model  4185C2X\n"
+              "Machine type            4185\n"
+              "Model                   C2X\n"
+              "Serial number           KQ12345\n"
+              "Operating system        Debian GNU/Linux\n"
+              "Version                 12\n"
+              "Data source version     1.0.0\n");
+}
+
+TEST(IdentityTest, WhatCannotBeToldHasItsReason) {
+    const TRunResult run = RunKyrOn("virtual", "identity");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "System name             builder\n"
+              "Product                 not available (this machine does not tell it)\n"
+              "Machine type and model  not available (ProductName is NULL)\n"
+              "Machine type            not available (ProductName is NULL)\n"
+              "Model                   not available (ProductName is NULL)\n"
+              "Serial number           not available (SerialNumber is NULL)\n"
+              "Operating system        Ubuntu\n"
+              "Version                 24.04\n"
+              "Data source version     1.0.0\n");
+}
+
+TEST(IdentityTest, NothingAtAllIsNoResult) {
+    const TempFolder root;
+    const TRunResult run = RunKyr("identity --plugins " + root.Path());
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(CountIn(run.out, "not available"), 9u);
+}

@@ -1,0 +1,35 @@
+#include "KyrRun.h"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+TRunResult RunShell(const std::string& command) {
+    const TempFolder folder;
+    const std::string out = folder.Write("out", ""), err = folder.Write("err", "");
+    const int status = std::system(("{ " + command + "\n} >" + out + " 2>" + err).c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(out), ReadFile(err)};
+}
+
+TRunResult RunKyr(const std::string& arguments, const std::string& environment) {
+    return RunShell("env " + environment + " " KYR_PROGRAM " " + arguments);
+}
+
+TRunResult RunKyrOn(const std::string& machine, const std::string& arguments) {
+    return RunKyr(arguments, "TZ=UTC KYR_SYSTEM_ROOT=" MACHINES "/" + machine);
+}
+
+TPluginRoot::TPluginRoot(std::initializer_list<const char*> fixtures) {
+    fs::create_directory_symlink(SYSTEM_PLUGINS "/system", Path() + "/system");
+    for (const std::string name : fixtures)
+        fs::create_directory_symlink(FIXTURE_PLUGINS "/" + name, Path() + "/" + name);
+}
+
+size_t CountIn(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++count;
+    return count;
+}

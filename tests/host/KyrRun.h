@@ -1,0 +1,37 @@
+#ifndef KYRRUN_H
+#define KYRRUN_H
+
+#include <initializer_list>
+#include <string>
+
+#include "support/TestSupport.h"
+
+/// What a run of kyr left.
+struct TRunResult {
+    int status;  ///< exit status; -1: it ended otherwise
+    std::string out;
+    std::string err;
+};
+
+/// Runs a shell command.
+TRunResult RunShell(const std::string& command);
+
+/// Runs kyr by the shell, which takes redirections among the arguments, and words such as "NAME=value" in front.
+TRunResult RunKyr(const std::string& arguments, const std::string& environment = "");
+
+/// The same on one of the machines of the system plugin's fixtures, in UTC.
+TRunResult RunKyrOn(const std::string& machine, const std::string& arguments);
+
+/// A plugin root with the system plugin and those of the fixture plugins that are named.
+class TPluginRoot : public TempFolder {
+public:
+    explicit TPluginRoot(std::initializer_list<const char*> fixtures);
+
+    /// The option that makes kyr use it.
+    std::string Option() const { return " --plugins " + Path() + " "; }
+};
+
+/// How many times a text stands in another.
+size_t CountIn(const std::string& text, const std::string& part);
+
+#endif

@@ -1,0 +1,46 @@
+#include <gmock/gmock.h>
+
+#include "KyrRun.h"
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+TEST(SchemaTest, TreeShowsEachClassBelowItsSuperclassWithItsPlugin) {
+    const TRunResult run = RunKyr("schema");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, StartsWith("CIM_Component (abstract) (association)\n"
+                                    "  CIM_SystemComponent (abstract) (association)\n"
+                                    "    CIM_InstalledOS (abstract) (association)\n"
+                                    "      MOLTA_InstalledOS (association)  [system 1.0.0]\n"
+                                    "CIM_ManagedElement (abstract)\n"));
+    EXPECT_THAT(run.out, HasSubstr("          CIM_ComputerSystem (abstract)\n"
+                                   "            MOLTA_ComputerSystem  [system 1.0.0]\n"));
+}
+
+TEST(SchemaTest, ClassIsDescribedInFull) {
+    const TRunResult run = RunKyr("schema molta_operatingsystem");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.out, StartsWith("MOLTA_OperatingSystem\n"
+                                    "  The operating system that runs on the computer.\n"
+                                    "\n"
+                                    "Superclass  CIM_OperatingSystem\n"
+                                    "Plugin      system 1.0.0\n"
+                                    "Qualifiers  none\n"
+                                    "\n"
+                                    "Properties\n"));
+    EXPECT_THAT(run.out, HasSubstr("  CSName  string, key, from CIM_OperatingSystem\n"
+                                   "      Name of that computer system.\n"));
+    EXPECT_THAT(run.out, HasSubstr("  SystemUpTime  uint64, in Seconds\n"));
+}
+
+TEST(SchemaTest, ReferencesAndQualifiersAreShown) {
+    const TRunResult run = RunKyr("schema CIM_InstalledOS");
+    EXPECT_THAT(run.out, HasSubstr("Plugin      none\nQualifiers  Abstract=true, Association=true\n"));
+    EXPECT_THAT(run.out, HasSubstr("  GroupComponent  reference to CIM_ComputerSystem, key\n"));
+}
+
+TEST(SchemaTest, ArrayTypesAreShown) {
+    const TPluginRoot root({"shown"});
+    const TRunResult run = RunKyr("schema TEST_Shown" + root.Option());
+    EXPECT_THAT(run.out, HasSubstr("  Modes  uint16[]\n"));
+}

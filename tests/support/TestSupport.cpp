@@ -1,0 +1,68 @@
+#include "support/TestSupport.h"
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "kyr/TLogger.h"
+#include "kyr/TRootObject.h"
+
+LogCapture::LogCapture() {
+    delete TRootObject::GetCoreLogger();
+    TLogger::Initialize();
+    Logger().SetLogThreshold(kyrLogDebug);
+}
+
+LogCapture::~LogCapture() { Logger().ClearLog(); }
+
+ILogger& LogCapture::Logger() const { return *TRootObject::GetCoreLogger(); }
+
+std::vector<std::string> LogCapture::TakeTexts() {
+    std::vector<std::string> texts;
+    for (const ILogger::TLogEntry& entry : Logger().GetLog()) texts.push_back(entry.text);
+    Logger().ClearLog();
+    return texts;
+}
+
+std::vector<std::string> LogCapture::TakeLines() {
+    std::vector<std::string> lines;
+    for (const ILogger::TLogEntry& entry : Logger().GetLog())
+        lines.push_back(std::to_string(entry.severity) + ":" + entry.text);
+    Logger().ClearLog();
+    return lines;
+}
+
+TempFolder::TempFolder() {
+    char name[] = "/tmp/kyr-test-XXXXXX";
+    if (mkdtemp(name) == nullptr) ADD_FAILURE() << "cannot make a folder below /tmp";
+    fPath = name;
+    // mkdtemp's random letters could spell it, and a plugin's document would not be found below.
+    if (fPath.find("lib") != std::string::npos) {
+        std::filesystem::remove(fPath);
+        fPath += "-";
+        fPath.replace(fPath.find("lib"), 3, "bil");
+        std::filesystem::create_directory(fPath);
+    }
+}
+
+TempFolder::~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(fPath, ignored);
+}
+
+std::string TempFolder::Write(const std::string& name, const std::string& content) const {
+    const std::filesystem::path path = std::filesystem::path(fPath) / name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
+    return path.string();
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    EXPECT_TRUE(stream.is_open()) << path;
+    std::ostringstream content;
+    content << stream.rdbuf();
+    return content.str();
+}

@@ -1,0 +1,74 @@
+#ifndef TESTSUPPORT_H
+#define TESTSUPPORT_H
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "kyr/ILogger.h"
+#include "kyr/TKYRException.h"
+
+/// Runs an expression and gives the status that it raised, kyrStatusOK for none, so that a table can hold it.
+template <typename TAction>
+kyrStatusCode StatusOf(TAction&& action) {
+    try {
+        action();
+    } catch (const TKYRException& e) {
+        return e.fCode;
+    }
+    return kyrStatusOK;
+}
+
+/// A fresh logger for the length of a test, with everything down to kyrLogDebug kept in memory.
+class LogCapture {
+public:
+    LogCapture();
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    ILogger& Logger() const;
+    /// The texts logged since the last call, oldest first; the log is empty afterwards.
+    std::vector<std::string> TakeTexts();
+    /// The same as lines "severity:text".
+    std::vector<std::string> TakeLines();
+};
+
+/// The fixture of most tests: a log of its own.
+class LoggedTest : public ::testing::Test {
+protected:
+    /// What an action comes to in one text: the name of the status that it raised, if any, and the lines that it
+    /// logged.
+    template <typename TAction>
+    std::string Outcome(TAction&& action) {
+        fLog.TakeLines();
+        const kyrStatusCode status = StatusOf(action);
+        std::string outcome = status == kyrStatusOK ? "" : kyrTranslateStatusCode(status);
+        for (const std::string& line : fLog.TakeLines()) outcome += " " + line;
+        return outcome;
+    }
+
+    LogCapture fLog;
+};
+
+/// A folder of its own, gone with everything in it when the object goes. Its path never holds "lib".
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::string& Path() const { return fPath; }
+    /// Writes a file below the folder, making the folders on its way, and returns its path.
+    std::string Write(const std::string& name, const std::string& content) const;
+
+private:
+    std::string fPath;
+};
+
+/// The whole content of a file; fails the test if it cannot be read.
+std::string ReadFile(const std::string& path);
+
+#endif

@@ -1,0 +1,218 @@
+#include "kyr/TCIMInstance.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <type_traits>
+
+#include "kyr/TCIMDateTime.h"
+#include "support/SchemaBuilder.h"
+
+using testing::ElementsAre;
+
+static_assert(!std::is_copy_constructible_v<TCIMInstance> && !std::is_copy_assignable_v<TCIMInstance>);
+
+namespace {
+
+/// Disk has the key ID, Size with a default and Model without one; NVMe stands below it.
+class TCIMInstanceTest : public SchemaTest {
+protected:
+    TCIMInstance& Add(TCIMClass& cls, const char* id) { return fSchema.AddInstance(cls, {{"ID", TCIMValue(id)}}); }
+    std::unique_ptr<TCIMInstance> New(TCIMClass& cls, const char* id) const {
+        return fSchema.NewInstance(cls, {{"ID", TCIMValue(id)}});
+    }
+
+    TCIMClass& fDisk = fSchema.AddClass("Disk", {Key("ID"), {"Size", TCIMValue(5u)}, {"model", Null(CIM::eCIMString)}});
+    TCIMClass& fNVMe = fSchema.AddClass("NVMe", {}, &fDisk);
+};
+
+TEST_F(TCIMInstanceTest, HasAPropertyForEachDeclarationOfItsClass) {
+    const std::unique_ptr<TCIMInstance> disk = fSchema.NewInstance(fDisk);
+    EXPECT_TRUE(disk->GetClass() == &fDisk && disk->GetContainer() == &fContainer);
+    EXPECT_THAT(NamesOf(disk->EnumerateProperties()), ElementsAre("ID", "model", "Size"));
+    EXPECT_TRUE(fDisk.EnumerateInstances(true).empty() && disk->GetProperty("Size")->GetPropagated());
+    fDisk.GetPropertyDecl("Size")->SetValue(TCIMValue(6u));
+    EXPECT_EQ(disk->GetProperty("Size")->GetValue(), TCIMValue(6u)) << "the default is not copied";
+    fSchema.AddProperty(fDisk, {"Late", TCIMValue(1u)});
+    EXPECT_EQ(disk->FindProperty("Late"), nullptr);
+    EXPECT_EQ(fSchema.NewInstance(fDisk)->EnumerateProperties().size(), 4u);
+    EXPECT_EQ(Outcome([&] { TCIMInstance copy(*disk, fDisk); }), "kyrStatusNotImplemented");
+}
+
+TEST_F(TCIMInstanceTest, IsStampedWithTheTimeOfItsMaking) {
+    TCIMClass& cls = fSchema.AddClass("Stamped", {Key("ID"), {"dateTimeOfCollection", Null(CIM::eCIMDateTime)}});
+    const TCIMDateTime stamp = fSchema.NewInstance(cls)->GetProperty("DateTimeOfCollection")->GetValue();
+    EXPECT_FALSE(stamp.IsNull() || stamp.IsInterval());
+    TCIMClass& text = fSchema.AddClass("Wrong", {Key("DateTimeOfCollection")});
+    EXPECT_EQ(Outcome([&] { fSchema.NewInstance(text); }),
+              "kyrStatusTypeMismatch 0:SetValue: decl is type string but value is type datetime");
+}
+
+TEST_F(TCIMInstanceTest, ReachesPropertiesInAnyCaseAndNeverAddsOne) {
+    const std::unique_ptr<TCIMInstance> disk = fSchema.NewInstance(fDisk);
+    const TCIMProperty* size = disk->GetProperty("Size");
+    disk->SetPropertyValue("sIZE", TCIMValue(7u));
+    disk->SetPrevPropertyValue("SIZE", TCIMValue(3u));
+    EXPECT_EQ(disk->FindProperty("SIZE"), size);
+    EXPECT_TRUE(size->GetValue() == TCIMValue(7u) && size->GetPrevValue() == TCIMValue(3u));
+    disk->SetPrevPropertyValue("size");
+    EXPECT_EQ(TypeOf(size->GetPrevValue()), CIM::eCIMNone);
+
+    const TCIMPropertyDecl none("None", fDisk, TCIMValue(1u)), bad("a b", fDisk, TCIMValue(1u));
+    const std::function<void(const TCIMPropertyDecl&)> kActions[] = {
+        [&](const TCIMPropertyDecl& d) { disk->GetProperty(d.GetName()); },
+        [&](const TCIMPropertyDecl& d) { disk->SetProperty(TCIMProperty(d)); },
+        [&](const TCIMPropertyDecl& d) { disk->SetPropertyValue(d.GetName(), TCIMValue(1u)); },
+        [&](const TCIMPropertyDecl& d) { disk->SetPrevPropertyValue(d.GetName(), TCIMValue(1u)); },
+        [&](const TCIMPropertyDecl& d) { disk->SetPrevPropertyValue(d.GetName()); },
+    };
+    for (const auto& act : kActions) {
+        EXPECT_EQ(Outcome([&] { act(none); }), "kyrStatusNotFound") << "action " << (&act - kActions);
+        EXPECT_EQ(StatusOf([&] { act(bad); }), kyrStatusInvalidCIMName) << "action " << (&act - kActions);
+    }
+    EXPECT_EQ(StatusOf([&] { disk->FindProperty("a b"); }), kyrStatusInvalidCIMName);
+    EXPECT_TRUE(disk->FindProperty("None") == nullptr && disk->EnumerateProperties().size() == 3);
+}
+
+TEST_F(TCIMInstanceTest, SetPropertyReplacesTheWholeProperty) {
+    const std::unique_ptr<TCIMInstance> disk = fSchema.NewInstance(fDisk);
+    const TCIMProperty* entry = disk->GetProperty("Size");
+    const TCIMPropertyDecl other("SIZE", fNVMe, Null(CIM::eCIMString));
+    TCIMProperty property(other, TCIMValue("big"));
+    property.SetPrevValue(TCIMValue("small"));
+    disk->SetProperty(property);
+    property.SetValue(TCIMValue("later"));
+    EXPECT_TRUE(disk->GetProperty("size") == entry && &entry->GetDeclaration() == &other);
+    EXPECT_TRUE(entry->GetValue() == TCIMValue("big") && entry->GetPrevValue() == TCIMValue("small"));
+}
+
+TEST_F(TCIMInstanceTest, NeedsItsKeysAndNamesTheFirstThatIsNull) {
+    TCIMClass& cls = fSchema.AddClass("Pair", {Key("beta"), Key("Alpha"), Key("Def", TCIMValue("set"))});
+    std::unique_ptr<TCIMInstance> pair = fSchema.NewInstance(cls);
+    const auto watch = Watch(*pair);
+    const std::string lacks = "kyrStatusInvalidInstance 0:Instance Pair: key property ";
+    EXPECT_EQ(Outcome([&] { pair->AddToContainer(); }), lacks + "Alpha is NULL");
+    EXPECT_FALSE(watch.expired());
+    pair->SetPropertyValue("ALPHA", TCIMValue("a"));
+    EXPECT_EQ(Outcome([&] { pair->Validate(); }), lacks + "beta is NULL");
+    pair->SetPropertyValue("beta", TCIMValue(""));
+    const TCIMInstance* added = pair.release();
+    added->AddToContainer();
+    EXPECT_EQ(added->BuildPath().GetPath(), "Pair.Alpha=\"a\",Def=\"set\",beta=\"\"");
+    EXPECT_EQ(cls.FindInstance(added->BuildPath()), added);
+    EXPECT_NO_THROW(fSchema.AddInstance(fSchema.AddClass("Keyless", {}, nullptr, {"ABSTRACT"})));
+}
+
+TEST_F(TCIMInstanceTest, MayLackKeysInADifferenceContainer) {
+    fContainer.hackhack_TurnIntoADiffContainer();
+    EXPECT_EQ(fSchema.AddInstance(fDisk).BuildPath().GetPath(), "Disk");
+    EXPECT_EQ(fDisk.EnumerateInstances(false).size(), 1u);
+}
+
+TEST_F(TCIMInstanceTest, IsDestroyedWhenItsPathCannotBeBuilt) {
+    TCIMInstance &direct = *New(fDisk, "a").release(), &added = *New(fNVMe, "a").release();
+    const auto directWatch = Watch(direct), addedWatch = Watch(added);
+    fDisk.GetPropertyDecl("ID")->SetName("Serial");  // the instances keep the property under its old name
+    EXPECT_EQ(Outcome([&] { fDisk.AddInstance(direct); }), "kyrStatusNotFound");
+    EXPECT_TRUE(directWatch.expired());
+    EXPECT_EQ(Outcome([&] { added.AddToContainer(); }), "kyrStatusNotFound");
+    EXPECT_FALSE(addedWatch.expired()) << "Validate has failed";
+    fContainer.hackhack_TurnIntoADiffContainer();  // lets it past Validate
+    EXPECT_EQ(Outcome([&] { added.AddToContainer(); }), "kyrStatusNotFound");
+    EXPECT_TRUE(addedWatch.expired() && fDisk.EnumerateInstances(true).empty());
+}
+
+TEST_F(TCIMInstanceTest, ValidatesAndDiesThroughTheVirtualSlots) {
+    struct THosts : TCIMInstance {
+        THosts(TCIMClass* cls, kyrStatusCode status, int& deaths)
+            : TCIMInstance(cls), fStatus(status), fDeaths(deaths) {}
+        ~THosts() override { ++fDeaths; }
+        void Validate() const override {
+            if (fStatus != kyrStatusOK) throw TKYRException(fStatus);
+        }
+        kyrStatusCode fStatus;
+        int& fDeaths;
+    };
+    int deaths = 0;
+    (new THosts(&fNVMe, kyrStatusOK, deaths))->AddToContainer();  // its key is NULL
+    const THosts refused(&fNVMe, kyrStatusNotSupported, deaths);
+    EXPECT_EQ(Outcome([&] { refused.AddToContainer(); }), "kyrStatusNotSupported");
+    EXPECT_EQ(fNVMe.EnumerateInstances(false).size(), 1u);
+    fContainer.RemoveClass(fNVMe);
+    EXPECT_EQ(deaths, 1);
+}
+
+TEST_F(TCIMInstanceTest, IsFiledUnderItsPathBesideOthersOfThatPath) {
+    TCIMClass &fast = fSchema.AddClass("Fast", {}, &fNVMe), &sas = fSchema.AddClass("SAS", {}, &fDisk);
+    TCIMInstance& nine = Add(fDisk, "9");
+    std::vector<TCIMInstance*> all;  // in the order of their paths
+    for (int i = 0; i < 20; ++i) all.push_back(&Add(fDisk, "10"));
+    all.push_back(&nine);
+    EXPECT_EQ(fDisk.FindInstance(To(fDisk, "10")), all.front());
+    EXPECT_EQ(fDisk.GetInstance(To(fDisk, "9")), &nine);
+    EXPECT_EQ(fDisk.EnumerateInstances(false), all);
+    TCIMInstance &s = Add(sas, "0"), &f = Add(fast, "0"), &n = Add(fNVMe, "0");
+    all.insert(all.end(), {&n, &f, &s});  // the tree in pre-order
+    EXPECT_EQ(fDisk.EnumerateInstances(true), all);
+
+    EXPECT_EQ(fDisk.FindInstance(To(fDisk, "0")), nullptr) << "a subclass's instance";
+    EXPECT_EQ(fDisk.FindInstance(To(fNVMe, "0")), nullptr);
+    EXPECT_EQ(fNVMe.FindInstance(To(fNVMe, "0")), &n);
+    EXPECT_EQ(fDisk.FindInstance(To(fDisk, "9", "id")), nullptr) << "spelled in another way than declared";
+    EXPECT_EQ(Outcome([&] { fDisk.GetInstance(To(fDisk, "8")); }), "kyrStatusNotFound");
+}
+
+TEST_F(TCIMInstanceTest, RemovalTakesAllOfThePresentPath) {
+    TCIMInstance &first = Add(fDisk, "a"), &second = Add(fDisk, "a"), &moved = Add(fDisk, "c");
+    const auto firstWatch = Watch(first), secondWatch = Watch(second), movedWatch = Watch(moved);
+    fDisk.RemoveInstance(*New(fDisk, "none"));
+    EXPECT_EQ(fDisk.EnumerateInstances(false).size(), 3u);
+    fDisk.RemoveInstance(second);
+    EXPECT_TRUE(firstWatch.expired() && secondWatch.expired());
+    moved.SetPropertyValue("ID", TCIMValue("d"));
+    fDisk.RemoveInstance(moved);
+    EXPECT_FALSE(movedWatch.expired()) << "it is filed under the path it went in with";
+    fDisk.RemoveInstance(*New(fDisk, "c"));
+    EXPECT_TRUE(movedWatch.expired());
+}
+
+TEST_F(TCIMInstanceTest, AddedTwiceHasTwoEntriesAndOneLife) {
+    TCIMInstance& disk = Add(fDisk, "a");
+    const auto watch = Watch(disk);
+    disk.AddToContainer();
+    disk.SetPropertyValue("ID", TCIMValue("b"));
+    disk.AddToContainer();
+    EXPECT_THAT(fDisk.EnumerateInstances(false), ElementsAre(&disk, &disk, &disk));
+    fDisk.RemoveInstance(disk);
+    EXPECT_THAT(fDisk.EnumerateInstances(false), ElementsAre(&disk, &disk));
+    fContainer.hackhack_TurnIntoADiffContainer();
+    fDisk.GetPropertyDecl("ID")->SetName("Serial");
+    EXPECT_EQ(Outcome([&] { disk.AddToContainer(); }), "kyrStatusNotFound");
+    EXPECT_FALSE(watch.expired()) << "its first owner keeps it";
+    fDisk.GetPropertyDecl("ID")->SetName("ID");
+    fDisk.RemoveInstance(*New(fDisk, "a"));
+    EXPECT_TRUE(watch.expired());
+}
+
+TEST_F(TCIMInstanceTest, PathHasNoContainerAndFindsTheInstance) {
+    const TCIMInstance& disk = Add(fDisk, "a");
+    TCIMReference path = disk.BuildPath();
+    EXPECT_EQ(path.GetCIMElement(), &disk);
+    EXPECT_EQ(Outcome([&] { path.SetClassName("Disk"); }),
+              "kyrStatusInvalidOpSequence 0:SetClassName() called before container set");
+}
+
+TEST_F(TCIMInstanceTest, ComparesClassAndOwnValues) {
+    const std::unique_ptr<TCIMInstance> a = New(fDisk, "1"), b = New(fDisk, "1"), other = New(fNVMe, "1");
+    EXPECT_FALSE(*a == *other);
+    EXPECT_TRUE((*a < *other) == (&fDisk < &fNVMe) && (*other < *a) == (&fNVMe < &fDisk));
+    b->SetPrevPropertyValue("Size", TCIMValue(1u));
+    EXPECT_TRUE(*a == *b);
+    b->SetPropertyValue("Size", TCIMValue(5u));
+    EXPECT_FALSE(*a == *b) << "a value that equals the default is a value of its own";
+    EXPECT_FALSE(*a < *b || *b < *a);
+    a->SetPropertyValue("Size", TCIMValue(5u));
+    EXPECT_TRUE(*a == *b);
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+#include "kyr/TCIMPropertyDecl.h"
+
+#include <gmock/gmock.h>
+
+#include <type_traits>
+
+#include "support/SchemaBuilder.h"
+
+using testing::ElementsAre;
+
+static_assert(!std::is_copy_constructible_v<TCIMPropertyDecl> && !std::is_copy_assignable_v<TCIMPropertyDecl>);
+
+namespace {
+
+class TCIMPropertyDeclTest : public SchemaTest {
+protected:
+    TCIMClass fClass{fContainer, "C", nullptr};
+};
+
+TEST_F(TCIMPropertyDeclTest, HasTypeAndDefaultFromItsValueAndIsNotCopied) {
+    TCIMPropertyDecl decl("Size", fClass, TCIMValue(7u));
+    EXPECT_NO_THROW(decl.Validate());
+    EXPECT_TRUE(decl.GetClass() == &fClass && fClass.FindPropertyDecl("Size") == nullptr);
+    const TCIMValue& value = decl.GetValue();
+    decl.SetValue(Null(CIM::eCIMString, 2));
+    EXPECT_TRUE(&value == &decl.GetValue() && value == Null(CIM::eCIMString, 2) && decl.IsArray());
+    EXPECT_EQ(TypeOf(decl), CIM::eCIMString | CIM::eCIMArrayFlag);
+    EXPECT_EQ(Outcome([&] { TCIMPropertyDecl copy(decl, fClass); }), "kyrStatusNotImplemented");
+}
+
+TEST_F(TCIMPropertyDeclTest, ComparesByNameAlone) {
+    const TCIMPropertyDecl lower("size", fClass, TCIMValue(1u)), upper("SIZE", fClass, TCIMValue("text"));
+    const TCIMPropertyDecl first("Name", fClass, TCIMValue(1u)), bad("a.b", fClass, TCIMValue(1u));
+    EXPECT_TRUE(lower == upper && !(lower < upper) && !(upper < lower) && first < lower && first < upper);
+    EXPECT_EQ(StatusOf([&] { (void)(bad == lower); }), kyrStatusInvalidCIMName);
+    EXPECT_EQ(StatusOf([&] { (void)(lower < bad); }), kyrStatusInvalidCIMName);
+}
+
+TEST_F(TCIMPropertyDeclTest, StaysUnderTheNameItWasAddedWithInEveryClassThatSharesIt) {
+    TCIMPropertyDecl& decl = fSchema.AddProperty(fClass, {"Old", TCIMValue(1u)});
+    const TCIMClass sub(fContainer, "Sub", &fClass);
+    EXPECT_EQ(sub.GetPropertyDecl("old")->GetClass(), &fClass);
+    decl.SetName("New");
+    fSchema.Qualify(decl, "KEY");
+    EXPECT_THAT(sub.EnumerateKeyNames(), ElementsAre("New"));
+    EXPECT_TRUE(fClass.FindPropertyDecl("old") == &decl && fClass.FindPropertyDecl("New") == nullptr);
+    decl.RemoveQualifier(*decl.GetQualifier("KEY"));
+    EXPECT_TRUE(sub.EnumerateKeyNames().empty());
+}
+
+}  // namespace

@@ -1,0 +1,193 @@
+#include "kyr/TCIMReference.h"
+
+#include <gmock/gmock.h>
+
+#include "kyr/TCIMDateTime.h"
+#include "support/SchemaBuilder.h"
+
+namespace {
+
+/// X has the keys a (string), B (uint32) and Link (a reference to Y), and Plain, no key; Y has the key ID.
+class TCIMReferenceTest : public SchemaTest {
+protected:
+    using TBindings = std::map<const std::string, const TCIMValue>;
+
+    TCIMClass& fY = fSchema.AddClass("Y", {Key("ID")});
+    TCIMClass& fX = fSchema.AddClass(
+        "X", {Key("a"), Key("B", Null(CIM::eCIMUint32)), {"Plain", Null(CIM::eCIMString)}, KeyReference("Link", fY)},
+        nullptr, {"ASSOCIATION"});
+};
+
+TEST_F(TCIMReferenceTest, NeverReadsAPath) {
+    const std::string tooEarly = "kyrStatusInvalidOpSequence 0:SetPath() called before container set";
+    EXPECT_EQ(Outcome([&] { TCIMReference(nullptr).SetPath("Y"); }), tooEarly);
+    EXPECT_EQ(Outcome([&] { TCIMReference made(nullptr, "Y"); }), tooEarly);
+    EXPECT_EQ(Outcome([&] { TCIMReference(&fContainer).SetPath("Y"); }), "kyrStatusNotImplemented");
+    EXPECT_EQ(Outcome([&] { TCIMReference made(&fContainer, "Y"); }), "kyrStatusNotImplemented");
+}
+
+TEST_F(TCIMReferenceTest, WithoutAClassHasNoClassNameOrPath) {
+    TCIMReference reference(&fContainer);
+    EXPECT_EQ(reference.GetCIMElement(), nullptr);
+    reference.SetKeyBindings({{"ID", TCIMValue("a")}});
+    const std::string noClass = "kyrStatusInvalidReference 0:GetClass() called before container set";
+    EXPECT_EQ(Outcome([&] { reference.GetClass(); }), noClass);
+    EXPECT_EQ(Outcome([&] { reference.GetClassName(); }), noClass);
+    EXPECT_EQ(Outcome([&] { reference.GetPath(); }), noClass);
+    EXPECT_EQ(Outcome([&] { reference.GetCIMElement(); }), noClass);
+}
+
+TEST_F(TCIMReferenceTest, FindsItsClassByNameInAContainer) {
+    TCIMReference reference(&fContainer);
+    EXPECT_EQ(Outcome([&] { reference.SetClassName("None"); }), "kyrStatusNotFound");
+    EXPECT_EQ(StatusOf([&] { reference.SetClassName("<root>"); }), kyrStatusInvalidCIMName);
+    reference.SetClassName("");
+    EXPECT_EQ(reference.GetClass(), fContainer.GetRootClass());
+    reference.SetClassName("y");
+    EXPECT_EQ(reference.GetClassName() + reference.GetPath(), "YY");
+}
+
+TEST_F(TCIMReferenceTest, KeepsItsClassFromTheFirstKeyUntilCleared) {
+    TCIMReference reference = To(fY, "a");
+    const std::string refused = "kyrStatusInvalidOpSequence 0:";
+    EXPECT_EQ(Outcome([&] { reference.SetClass(fX); }), refused + "SetClass() called with keybindings filled in");
+    EXPECT_EQ(Outcome([&] { reference.SetClassName("X"); }), refused + "SetClassName() called before container set");
+    reference.SetContainer(&fContainer);
+    EXPECT_EQ(Outcome([&] { reference.SetClassName("None"); }),
+              refused + "SetClassName() called with keybindings filled in");
+    reference.Clear();
+    EXPECT_TRUE(reference.EnumerateKeyBindings().empty());
+    EXPECT_EQ(StatusOf([&] { reference.GetClass(); }), kyrStatusInvalidReference);
+    EXPECT_EQ(StatusOf([&] { reference.SetClassName("X"); }), kyrStatusInvalidOpSequence);
+    reference.SetClass(fX);
+    EXPECT_EQ(reference.GetClass(), &fX);
+}
+
+TEST_F(TCIMReferenceTest, BindsOnlyKeysOfTheDeclaredType) {
+    const std::pair<const char*, TCIMValue> kNoKeys[] = {
+        {"KeyFalse", TCIMValue(false)}, {"KeyNull", Null(CIM::eCIMBoolean)}, {"KeyText", TCIMValue("true")}};
+    for (const auto& [name, key] : kNoKeys)
+        fSchema.Qualify(fSchema.AddProperty(fX, {name, Null(CIM::eCIMString)}), "KEY", key);
+    const TCIMValue text("t"), number(1u);
+    const std::string noKey = "kyrStatusInvalidOpSequence 0:AddKeyValue() called with a non-key property ";
+    const std::string type = "kyrStatusTypeMismatch 0:Declaration type: string Value type: ";
+    const std::tuple<const char*, TCIMValue, std::string> kCases[] = {
+        {"None", text, "kyrStatusNotFound"},
+        {"a b", text, "kyrStatusInvalidCIMName 0:CIM name 'a b' is invalid"},
+        {"Plain", number, type + "uint32"},
+        {"a", Null(CIM::eCIMString, 1), type + "string"},
+        {"a", TCIMValue(), "kyrStatusTypeMismatch"},  // the type has no name for the line
+        {"pLAIN", text, noKey + "pLAIN"},
+        {"KeyFalse", text, noKey + "KeyFalse"},
+        {"KeyNull", text, noKey + "KeyNull"},
+        {"KeyText", text, noKey + "KeyText"},
+    };
+    TCIMReference reference = To(fX);
+    for (const auto& [name, value, outcome] : kCases)
+        EXPECT_EQ(Outcome([&, n = name, &v = value] { reference.AddKeyValue(n, v); }), outcome);
+    EXPECT_TRUE(reference.EnumerateKeyBindings().empty());
+    EXPECT_EQ(Outcome([&] { TCIMReference(nullptr).AddKeyValue("a", text); }),
+              "kyrStatusInvalidOpSequence 0:AddKeyValue() called before class set");
+}
+
+TEST_F(TCIMReferenceTest, FirstBindingOfAnExactNameStays) {
+    TCIMReference reference = To(fX, "first", "a");
+    reference.AddKeyValue("a", TCIMValue("second"));
+    reference.AddKeyValue("A", TCIMValue("other"));
+    reference.EnumerateKeyBindings().clear();  // a copy
+    EXPECT_EQ(reference.GetPath(), "X.A=\"other\",a=\"first\"");
+    reference.SetKeyBindings({{"not a name", TCIMValue(true)}});
+    EXPECT_EQ(reference.GetPath(), "X.not a name=\"true\"");
+}
+
+TEST_F(TCIMReferenceTest, PrintsItsPathWithoutEscapingAndLeavesOutWhatHasNoText) {
+    const TCIMValue text("t"), five(5u), null = Null(CIM::eCIMUint32);
+    const std::pair<TBindings, const char*> kCases[] = {
+        {{{"a", text}, {"B", five}}, "X.B=\"5\",a=\"t\""},
+        {{{"a", TCIMValue("say \"no\", \\")}}, "X.a=\"say \"no\", \\\""},
+        {{{"Link", To(fY, "1")}, {"a", TCIMValue("")}}, "X.Link=\"Y.ID=\"1\"\",a=\"\""},
+        {{{"B", null}}, "X"},
+        {{{"B", null}, {"a", text}}, "X.a=\"t\""},
+        {{{"B", five}, {"a", null}}, "X.B=\"5\""},
+        {{{"a", TCIMValue(TCIMDateTime())}}, "X"},
+    };
+    TCIMReference reference = To(fX);
+    for (const auto& [bindings, path] : kCases) {
+        reference.SetKeyBindings(bindings);
+        EXPECT_EQ(reference.GetPath(), path);
+    }
+}
+
+TEST_F(TCIMReferenceTest, WithoutKeysIsItsClassAndWithThemItsInstance) {
+    EXPECT_EQ(To(fY).GetCIMElement(), &fY);
+    TCIMReference early = To(fY, "a"), below = To(fSchema.AddClass("Below", {}, &fY), "a");
+    EXPECT_EQ(Outcome([&] { early.GetCIMElement(); }), "kyrStatusNotFound");
+    const ICIMElement* a = &fSchema.AddInstance(fY, {{"ID", "a"}});
+    EXPECT_EQ(early.GetCIMElement(), a);
+    for (const TCIMReference& other : {To(fY, "a", "id"), below})
+        EXPECT_EQ(Outcome([&] { other.GetCIMElement(); }), "kyrStatusNotFound");
+}
+
+TEST_F(TCIMReferenceTest, KeepsTheFirstFoundElementUntilCleared) {
+    const ICIMElement* a = &fSchema.AddInstance(fY, {{"ID", "a"}});
+    TCIMReference reference = To(fY, "a");
+    const TCIMValue value(reference), valueCopy(value);
+    for (TCIMReference resolved :
+         {reference, static_cast<TCIMReference>(value), static_cast<TCIMReference>(valueCopy)}) {
+        resolved.SetKeyBindings({{"ID", TCIMValue("none")}});
+        EXPECT_EQ(resolved.GetCIMElement(), a) << "a value looks for it when it is made";
+    }
+    EXPECT_EQ(reference.GetCIMElement(), a);
+    reference.SetKeyBindings({});
+    EXPECT_EQ(reference.GetCIMElement(), &fY);
+    reference.SetClass(fX);
+    reference.AddKeyValue("a", TCIMValue("none"));
+    TCIMReference copy(reference), assigned(nullptr);
+    assigned = reference;
+    EXPECT_TRUE(reference.GetCIMElement() == a && copy.GetCIMElement() == a && assigned.GetCIMElement() == a);
+    reference.Clear();
+    reference.SetClass(fY);
+    reference.AddKeyValue("ID", TCIMValue("none"));
+    EXPECT_EQ(Outcome([&] { reference.GetCIMElement(); }), "kyrStatusNotFound");
+}
+
+TEST_F(TCIMReferenceTest, CopiesAreApart) {
+    TCIMReference original(&fContainer);
+    original.SetClass(fY);
+    TCIMReference copy(original);
+    copy.SetClassName("X");  // the container came along
+    copy.AddKeyValue("a", TCIMValue("t"));
+    EXPECT_EQ(original.GetPath(), "Y");
+    original = copy;
+    copy.Clear();
+    TCIMReference& same = original;
+    original = same;
+    EXPECT_EQ(original.GetPath(), "X.a=\"t\"");
+}
+
+TEST_F(TCIMReferenceTest, ComparesClassPointersAndBindings) {
+    TCIMReference a = To(fY, "a"), b = To(fY, "b"), found = To(fY, "a");
+    TCIMClass namesake(fContainer, "Y", nullptr);
+    fSchema.AddInstance(fY, {{"ID", "a"}});
+    found.GetCIMElement();
+    found.SetContainer(&fContainer);
+    EXPECT_TRUE(a == found && !(a == b) && !(a == To(fY)) && !(To(fY) == To(namesake)));
+    EXPECT_TRUE(a < b && To(fY) < a && !(b < a) && !(a < found) && !(found < a));
+    EXPECT_TRUE((a < To(fX)) == (&fY < &fX) && (To(fX) < a) == (&fX < &fY));
+}
+
+TEST_F(TCIMReferenceTest, IsCarriedByValues) {
+    const TCIMValue a(To(fY, "a")), b(To(fY, "b")), array(CIM::eCIMReference, 1, {a}), null = NullReferenceTo(fY),
+                                                                                       copy(null);
+    EXPECT_TRUE(a.IsReference() && !array.IsReference() && copy.IsNull());
+    EXPECT_TRUE(a.GetReferencedClass() == &fY && copy.GetReferencedClass() == &fY);
+    EXPECT_TRUE(static_cast<TCIMReference>(a) == To(fY, "a") && a == TCIMValue(To(fY, "a")));
+    EXPECT_TRUE(a != b && a < b && !(b < a) && null != NullReferenceTo(fX));
+    for (const unsigned char base : {2, 8, 10, 16}) EXPECT_EQ(array.ToString(base), "{ Y.ID=\"a\" }");
+    EXPECT_EQ(StatusOf([&] { (void)static_cast<TCIMReference>(null); }), kyrStatusValueIsNULL);
+    EXPECT_EQ(StatusOf([&] { (void)static_cast<TCIMReference>(array); }), kyrStatusTypeMismatch);
+    EXPECT_EQ(StatusOf([&] { (void)static_cast<TCIMReference>(TCIMValue("Y")); }), kyrStatusTypeMismatch);
+    EXPECT_EQ(StatusOf([&] { TCIMValue(a).SetReferencedClass(fX); }), kyrStatusInvalidOpSequence);
+}
+
+}  // namespace
