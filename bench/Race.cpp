@@ -1,0 +1,112 @@
+#include "Race.h"
+
+#include <time.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "Memory.h"
+
+namespace {
+
+struct TFigures {
+    std::vector<double> nanoseconds;
+    double peak = 0;
+    double allocations = 0;
+
+    double Median() const {
+        std::vector<double> sorted = nanoseconds;
+        std::nth_element(sorted.begin(), sorted.begin() + sorted.size() / 2, sorted.end());
+        return sorted[sorted.size() / 2];
+    }
+};
+
+// The processor's time, so that other work on the machine does not count.
+double Now() {
+    timespec now;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec);
+}
+
+void MeasureMemory(const TContender& contender, TFigures& figures) {
+    contender.prepare();
+    TMemoryMeter meter;
+    contender.run();
+    meter.Stop();
+    figures.peak = static_cast<double>(meter.Peak());
+    figures.allocations = static_cast<double>(meter.Allocations());
+    contender.finish();
+}
+
+void MeasureTime(const TContender& contender, TFigures& figures) {
+    contender.prepare();
+    const double start = Now();
+    contender.run();
+    figures.nanoseconds.push_back(Now() - start);
+    contender.finish();
+}
+
+std::string Speed(const TRace& race, double nanoseconds) {
+    char text[64];
+    if (race.unit == "byte") {
+        std::snprintf(text, sizeof text, "%.0f MB/s", race.amount / nanoseconds * 1000);
+    } else {
+        std::snprintf(text, sizeof text, "%.*f ns a %s", nanoseconds < race.amount * 10 ? 1 : 0,
+                      nanoseconds / race.amount, race.unit.c_str());
+    }
+    return text;
+}
+
+void PrintLine(const TRace& race, std::size_t i, const std::vector<TFigures>& figures) {
+    const double median = figures[i].Median();
+    std::printf("%-22s %-26s %10.2f %22s %8.2f %10.2f %12.0f\n", race.name.c_str(), race.contenders[i].name.c_str(),
+                median / 1e6, Speed(race, median).c_str(), median / figures.front().Median(), figures[i].peak / 1e6,
+                figures[i].allocations);
+}
+
+std::string Met(const TBar& bar, double ratio, double limit) {
+    if (limit == 0) return "-";
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f %s", limit,
+                  (bar.measure == TBar::eGrowth ? ratio <= limit : ratio >= limit) ? "met" : "missed");
+    return text;
+}
+
+std::string Judge(const TRace& race, const TBar& bar, const TFigures& peer, const TFigures& ours) {
+    static const char* const kMeasures[] = {"time", "memory", "growth"};
+    const double ratio = bar.measure == TBar::eMemory ? peer.peak / ours.peak : peer.Median() / ours.Median();
+    char text[160];
+    std::snprintf(text, sizeof text, "%-22s %-26s %-8s %6.2f  %-14s %-14s", race.name.c_str(), bar.peer.c_str(),
+                  kMeasures[bar.measure], ratio, Met(bar, ratio, bar.asked).c_str(),
+                  Met(bar, ratio, bar.hoped).c_str());
+    return text;
+}
+
+}  // namespace
+
+TTable::TTable(int rounds, std::string filter) : fRounds(rounds), fFilter(std::move(filter)) {
+    std::printf("%-22s %-26s %10s %22s %8s %10s %12s\n", "race", "contender", "CPU ms", "speed", "x ours", "peak MB",
+                "allocations");
+}
+
+void TTable::Run(const TRace& race) {
+    std::vector<TFigures> figures(race.contenders.size());
+    for (std::size_t i = 0; i < figures.size(); ++i) MeasureMemory(race.contenders[i], figures[i]);
+    for (int round = 0; round < fRounds; ++round) {
+        for (std::size_t i = 0; i < figures.size(); ++i) MeasureTime(race.contenders[i], figures[i]);
+    }
+
+    for (std::size_t i = 0; i < figures.size(); ++i) PrintLine(race, i, figures);
+    for (const TBar& bar : race.bars) {
+        for (std::size_t i = 0; i < figures.size(); ++i) {
+            if (race.contenders[i].name == bar.peer) fBars.push_back(Judge(race, bar, figures[i], figures.front()));
+        }
+    }
+    std::fflush(stdout);
+}
+
+void TTable::PrintBars() const {
+    std::printf("\n%-22s %-26s %-8s %6s  %-14s %-14s\n", "race", "beside", "in", "x ours", "asked", "hoped");
+    for (const std::string& bar : fBars) std::printf("%s\n", bar.c_str());
+}

@@ -1,0 +1,17 @@
+#ifndef RACES_H
+#define RACES_H
+
+#include "Race.h"
+
+void RaceTokenisers(TTable& table);
+void RacePopulating(TTable& table, unsigned instances);
+void RaceProperties(TTable& table, unsigned records);
+/// With large, up to 1,000,000 instances, which takes some gigabytes.
+void RaceScale(TTable& table, bool large);
+void RaceAssociations(TTable& table);
+
+/// Does each counted piece of work once for instructions, which callgrind dumps under the case's name, and once for
+/// memory; prints a line "case|unit|units|allocations|peak bytes" for each.
+void PrintCounted();
+
+#endif

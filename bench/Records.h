@@ -1,0 +1,37 @@
+#ifndef RECORDS_H
+#define RECORDS_H
+
+#include <cstddef>
+
+#include "cwrappers/kyriIOHandle.h"
+#include "kyr/TContainer.h"
+#include "kyr/kyrPlugin.h"
+
+constexpr unsigned kPropertiesInRecord = 20;
+
+/// A container with one class of 20 properties of all types, filled through the calls that plugins use.
+class TRecords {
+public:
+    TRecords();
+    ~TRecords();
+    TRecords(const TRecords&) = delete;
+    TRecords& operator=(const TRecords&) = delete;
+
+    /// Adds instances, each with all its properties. The last one stays open until the next call.
+    void Add(unsigned count);
+    /// Sets one number of the open instance that often.
+    void SetOneProperty(unsigned times);
+    /// Makes the display text of every property of every closed instance; gives their length together.
+    std::size_t DisplayAll() const;
+
+private:
+    void AddOne(unsigned number);
+
+    TContainer fContainer;
+    kyriIOHandle fHandle;
+    kyrCIMDateTime fDate = nullptr;
+    kyrCIMValueArray fArray = nullptr;
+    unsigned fCount = 0;
+};
+
+#endif
