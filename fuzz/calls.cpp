@@ -1,0 +1,293 @@
+// The C calls, as a plugin makes them in one data callback. Each byte picks a call, and what follows are its
+// parameters: a byte picks a name or one of three arrays, references and date-times, numbers are of eight bytes, and
+// texts have their length in front. What has not been made is a null. Calls that test a parameter get it left out,
+// too; others do not.
+#include <algorithm>
+#include <cstdint>
+
+#include "cwrappers/kyriIOHandle.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMValue.h"
+#include "kyr/TContainer.h"
+#include "kyr/kyrPlugin.h"
+#include "support/CallsSchema.h"
+#include "support/ContainerWalk.h"
+#include "support/FuzzSupport.h"
+
+namespace {
+
+/// References are copied deep, by design: a reference in two keys of the next one, and so on, doubles each time.
+constexpr int kMaxNestings = 16;
+
+/// One data callback with what the plugin holds in it.
+class TSession {
+public:
+    TSession() = default;
+    TSession(const TSession&) = delete;
+    TSession& operator=(const TSession&) = delete;
+    ~TSession();
+
+    TContainer& fContainer = CallsContainer();
+    kyriIOHandle fHandle{&fContainer, nullptr};
+    kyrCIMValueArray fArrays[3] = {};
+    kyrCIMReference fReferences[3] = {};
+    kyrCIMDateTime fDateTimes[3] = {};
+    int fNestings = 0;
+};
+
+template <typename TObject, std::size_t kSize>
+void DeleteAll(TObject* (&objects)[kSize], kyrStatusCode (*remove)(TObject*)) {
+    for (TObject* object : objects)
+        Require(remove(object) == (object != nullptr ? kyrStatusOK : kyrStatusFail), "what is there can be deleted");
+}
+
+TSession::~TSession() {
+    DeleteAll(fArrays, kyrDeleteCIMValueArray);
+    DeleteAll(fReferences, kyrDeleteCIMReference);
+    DeleteAll(fDateTimes, kyrDeleteCIMDateTime);
+    EmptyCallsContainer();
+}
+
+/// A call that lets no exception pass.
+template <typename TCall>
+kyrStatusCode Call(TCall&& call) {
+    const kyrStatusCode status = call();
+    Require(status >= kyrStatusOK && status < kyrStatusEnd, "a call returns a status");
+    return status;
+}
+
+/// A call that may let exceptions of the core pass.
+template <typename TCall>
+kyrStatusCode CallThatRaises(TCall&& call) {
+    kyrStatusCode status = kyrStatusOK;
+    const kyrStatusCode raised = StatusOf([&] { status = Call(call); });
+    return raised != kyrStatusOK ? raised : status;
+}
+
+/// Replaces what is in the place.
+template <typename TObject, typename TMake>
+void Renew(TObject*& place, kyrStatusCode (*remove)(TObject*), TMake&& make) {
+    if (place != nullptr) remove(place);
+    place = nullptr;
+    Require(Call([&] { return make(&place); }) == kyrStatusOK && place != nullptr, "what is made is there");
+}
+
+/// The calls that set a property; set gets its name.
+template <typename TSet>
+void Add(TSession& session, TByteReader& input, TSet&& set) {
+    const char* const name = input.Pick(kPropertyNames);
+    if (CallThatRaises([&] { return set(name); }) != kyrStatusOK) return;
+    const TCIMProperty& property = *session.fHandle.fCurrentInstance->GetProperty(name);
+    Require(!property.GetPropagated() && !property.GetValue().IsNull(), "a property that was set has a value");
+    Require(property.GetValue().GetType() == property.GetType(), "a value has the type that is declared for it");
+}
+
+template <typename TNumber>
+using TAddNumber = kyrStatusCode (*)(kyrIOHandle, const char*, TNumber);
+template <typename TNumber>
+using TAppendNumber = kyrStatusCode (*)(kyrCIMValueArray, TNumber);
+template <typename TNumber>
+using TBindNumber = kyrStatusCode (*)(kyrCIMReference, const char*, TNumber);
+
+template <typename TNumber, TAddNumber<TNumber> kCall>
+void AddNumber(TSession& session, TByteReader& input) {
+    const auto number = static_cast<TNumber>(input.Number());
+    Add(session, input, [&](const char* name) { return kCall(&session.fHandle, name, number); });
+}
+
+template <typename TNumber, TAppendNumber<TNumber> kCall>
+void AppendNumber(TSession& session, TByteReader& input) {
+    kyrCIMValueArray const array = input.Pick(session.fArrays);
+    const auto number = static_cast<TNumber>(input.Number());
+    const kyrStatusCode status = Call([&] { return kCall(array, number); });
+    Require(status == (array != nullptr ? kyrStatusOK : kyrStatusFail), "any array takes any number");
+}
+
+template <typename TNumber, TBindNumber<TNumber> kCall>
+void BindNumber(TSession& session, TByteReader& input) {
+    kyrCIMReference const reference = input.Pick(session.fReferences);
+    const char* const key = input.Pick(kPropertyNames);
+    Call([&] { return kCall(reference, key, static_cast<TNumber>(input.Number())); });
+}
+
+using TOperation = void (*)(TSession&, TByteReader&);
+
+// In the order of the header.
+constexpr TOperation kOperations[] = {
+    [](TSession&, TByteReader& input) {
+        const auto severity = static_cast<kyrLogSeverity>(input.Byte());
+        const std::string text = input.Text();
+        StatusOf([&] { kyrWriteLog(nullptr, severity, text.c_str()); });
+    },
+    [](TSession& session, TByteReader& input) {
+        const char* const name = input.Pick(kClassNames);
+        Call([&] { return kyrAddClass(&session.fHandle, name); });
+    },
+    [](TSession& session, TByteReader& input) {
+        const std::string text = input.Text();
+        Add(session, input, [&](const char* name) { return kyrAddProperty(&session.fHandle, name, text.c_str()); });
+    },
+    AddNumber<std::int32_t, kyrAddBooleanProperty>,
+    AddNumber<std::uint32_t, kyrAddUint8Property>,
+    AddNumber<std::int32_t, kyrAddSint8Property>,
+    AddNumber<std::uint32_t, kyrAddUint16Property>,
+    AddNumber<std::int32_t, kyrAddSint16Property>,
+    AddNumber<std::uint32_t, kyrAddUint32Property>,
+    AddNumber<std::int32_t, kyrAddSint32Property>,
+    AddNumber<std::uint64_t, kyrAddUint64Property>,
+    AddNumber<std::int64_t, kyrAddSint64Property>,
+    [](TSession& session, TByteReader& input) {
+        const std::string text = input.Text();
+        Add(session, input,
+            [&](const char* name) { return kyrAddStringProperty(&session.fHandle, name, text.c_str()); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        Add(session, input,
+            [&](const char* name) { return kyrAddReferenceProperty(&session.fHandle, name, reference); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        Add(session, input, [&](const char* name) { return kyrAddDateTimeProperty(&session.fHandle, name, time); });
+    },
+    [](TSession& session, TByteReader& input) {
+        const std::string line = input.Text();
+        StatusOf([&] {
+            TCIMValue value = ReadValueLine(line, session.fContainer);
+            Add(session, input,
+                [&](const char* name) { return kyrAddCIMValueProperty(&session.fHandle, name, &value); });
+        });
+    },
+    [](TSession& session, TByteReader& input) {
+        if (session.fHandle.fCurrentInstance == nullptr) return;  // which this call does not test
+        kyrCIMValueArray const array = input.Pick(session.fArrays);
+        Add(session, input, [&](const char* name) { return kyrAddArrayProperty(&session.fHandle, name, array); });
+    },
+
+    [](TSession& session, TByteReader& input) {
+        Renew(input.Pick(session.fArrays), kyrDeleteCIMValueArray, kyrNewCIMValueArray);
+    },
+    AppendNumber<std::int32_t, kyrArrayAddBoolean>,
+    AppendNumber<std::uint32_t, kyrArrayAddUint8>,
+    AppendNumber<std::int32_t, kyrArrayAddSint8>,
+    AppendNumber<std::uint32_t, kyrArrayAddUint16>,
+    AppendNumber<std::int32_t, kyrArrayAddSint16>,
+    AppendNumber<std::uint32_t, kyrArrayAddUint32>,
+    AppendNumber<std::int32_t, kyrArrayAddSint32>,
+    AppendNumber<std::uint64_t, kyrArrayAddUint64>,
+    AppendNumber<std::int64_t, kyrArrayAddSint64>,
+    [](TSession& session, TByteReader& input) {
+        kyrCIMValueArray const array = input.Pick(session.fArrays);
+        const std::string text = input.Text();
+        Call([&] { return kyrArrayAddString(array, text.c_str()); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMValueArray const array = input.Pick(session.fArrays);
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        CallThatRaises([&] { return kyrArrayAddReference(array, reference); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMValueArray const array = input.Pick(session.fArrays);
+        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        Call([&] { return kyrArrayAddDateTime(array, time); });
+    },
+
+    [](TSession& session, TByteReader& input) {
+        Renew(input.Pick(session.fReferences), kyrDeleteCIMReference,
+              [&](kyrCIMReference* place) { return kyrNewCIMReference(place, &session.fHandle); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        const char* const name = input.Pick(kClassNames);
+        Call([&] { return kyrSetReferenceClassName(reference, name); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        const std::string path = input.Text();
+        const kyrStatusCode status = Call([&] { return kyrSetReferencePath(reference, path.c_str()); });
+        Require(status == (reference != nullptr ? kyrStatusNotImplemented : kyrStatusFail), "no path is ever set");
+    },
+    BindNumber<std::int32_t, kyrReferenceAddBoolean>,
+    BindNumber<std::uint32_t, kyrReferenceAddUint8>,
+    BindNumber<std::int32_t, kyrReferenceAddSint8>,
+    BindNumber<std::uint32_t, kyrReferenceAddUint16>,
+    BindNumber<std::int32_t, kyrReferenceAddSint16>,
+    BindNumber<std::uint32_t, kyrReferenceAddUint32>,
+    BindNumber<std::int32_t, kyrReferenceAddSint32>,
+    BindNumber<std::uint64_t, kyrReferenceAddUint64>,
+    BindNumber<std::int64_t, kyrReferenceAddSint64>,
+    [](TSession& session, TByteReader& input) {
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        const char* const key = input.Pick(kPropertyNames);
+        const std::string text = input.Text();
+        Call([&] { return kyrReferenceAddString(reference, key, text.c_str()); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        const char* const key = input.Pick(kPropertyNames);
+        kyrCIMReference const value = input.Pick(session.fReferences);
+        if (++session.fNestings > kMaxNestings) return;
+        Call([&] { return kyrReferenceAddReference(reference, key, value); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMReference const reference = input.Pick(session.fReferences);
+        const char* const key = input.Pick(kPropertyNames);
+        kyrCIMDateTime const value = input.Pick(session.fDateTimes);
+        Call([&] { return kyrReferenceAddDateTime(reference, key, value); });
+    },
+
+    [](TSession& session, TByteReader& input) {
+        Renew(input.Pick(session.fDateTimes), kyrDeleteCIMDateTime, kyrNewCIMDateTime);
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        Call([&] { return kyrGetLocalTime(time); });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        const std::uint64_t date = input.Number();
+        const std::uint64_t clock = input.Number();
+        Call([&] {
+            return kyrSetDateTime(time, date & 0xFFFF, date >> 16 & 0xFFFF, static_cast<std::uint32_t>(date >> 32),
+                                  clock & 0xFF, clock >> 8 & 0xFF, clock >> 16 & 0xFF,
+                                  static_cast<std::uint32_t>(clock >> 32), static_cast<std::int32_t>(input.Number()));
+        });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        const std::uint64_t days = input.Number();
+        const std::uint64_t clock = input.Number();
+        Call([&] {
+            return kyrSetDateTimeInterval(time, static_cast<std::uint32_t>(days), clock & 0xFF, clock >> 8 & 0xFF,
+                                          clock >> 16 & 0xFF, static_cast<std::uint32_t>(clock >> 32));
+        });
+    },
+    [](TSession& session, TByteReader& input) {
+        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        const std::string text = input.Text();
+        Call([&] { return kyrSetDateTimeString(time, text.c_str()); });
+    },
+};
+
+/// As the core does behind a data entry. An instance that cannot be closed is nobody's, unless it was stored before.
+void EndCallback(kyriIOHandle& handle) {
+    if (StatusOf([&] { handle.CloseCurrentInstance(); }) == kyrStatusOK) return;
+    const TCIMInstance* const open = handle.fCurrentInstance;
+    if (open == nullptr) return;
+    const std::vector<TCIMInstance*> stored = open->GetClass()->EnumerateInstances(false);
+    if (std::find(stored.begin(), stored.end(), open) == stored.end()) delete open;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const TRunLog log;
+    TSession session;
+    TByteReader input(data, size);
+    while (!input.IsAtEnd()) input.Pick(kOperations)(session, input);
+    EndCallback(session.fHandle);
+    WalkContainer(session.fContainer, false);
+    return 0;
+}

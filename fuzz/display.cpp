@@ -1,0 +1,106 @@
+// The display of a property. The first line is its value, as ReadValueLine has it, and gives its type; each further
+// line is a qualifier of its declaration: a digit that picks the name, then the qualifier's value in the same form.
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TCIMQualifier.h"
+#include "kyr/TContainer.h"
+#include "support/FuzzSupport.h"
+
+namespace {
+
+constexpr const char* kQualifiers[] = {
+    "NULLDISPLAY", "UNITS", "DISPLAYFIXEDUNITS", "DISPLAYCPUTIME", "ABBREVIATEUNITS", "BASE", "Values", "ValueMap"};
+constexpr unsigned char kFirstQualifier = '0';
+
+/// A property declaration of its own and the qualifiers on it.
+class TDeclared {
+public:
+    TDeclared(const TCIMValue& value, TByteReader& input) : fDeclaration("Shown", fClass, value) {
+        while (!input.IsAtEnd()) {
+            const std::string line = input.Line();
+            if (!line.empty()) StatusOf([&] { Qualify(line); });
+        }
+    }
+
+    const TCIMPropertyDecl& Declaration() const { return fDeclaration; }
+
+private:
+    void Qualify(const std::string& line) {
+        const char* const name = kQualifiers[static_cast<unsigned char>(line.front() - kFirstQualifier) % 8];
+        const TCIMValue value = ReadValueLine(line.substr(1), fContainer);
+        if (fDeclaration.FindQualifier(name) != nullptr) return;
+        fQualifierDecls.push_back(std::make_unique<TCIMQualifierDecl>(
+            fContainer, name, value, TCIMQualifierDecl::eScopeProperty, TCIMQualifierDecl::eFlavorOverridable));
+        auto qualifier = std::make_unique<TCIMQualifier>(*fQualifierDecls.back(), value);
+        fDeclaration.AddQualifier(*qualifier);
+        qualifier.release();
+    }
+
+    TContainer fContainer;
+    TCIMClass fClass{fContainer, "K", nullptr};
+    std::vector<std::unique_ptr<TCIMQualifierDecl>> fQualifierDecls;
+    TCIMPropertyDecl fDeclaration;
+};
+
+std::string NullText(const TCIMPropertyDecl& declaration) {
+    const TCIMQualifier* const qualifier = declaration.FindQualifier("NULLDISPLAY");
+    if (qualifier == nullptr || qualifier->GetType() != TCIMValue::TCIMType::eCIMString) return "";
+    const TCIMValue text = qualifier->GetValue();
+    return text.IsNull() ? "" : static_cast<std::string>(text);
+}
+
+/// Runs one form of the display and tells whether there is one.
+template <typename TForm>
+bool Shows(TForm&& form) {
+    const kyrStatusCode status = StatusOf(form);
+    Require(std::set<kyrStatusCode>{kyrStatusOK, kyrStatusNotSupported, kyrStatusInvalidDateTime, kyrStatusValueIsNULL}
+                    .count(status) != 0,
+            "a display fails for a base, a time unit or a NULL");
+    return status == kyrStatusOK;
+}
+
+void CheckTexts(const TCIMProperty& property, const std::vector<std::string>& texts) {
+    const TCIMValue value = property.GetValue();
+    const bool hasElements = property.IsArray() && !value.IsNull();
+    Require(texts.size() == (hasElements ? static_cast<std::vector<TCIMValue>&>(value).size() : 1),
+            "each element has a text");
+    if (value.IsNull()) Require(texts.front() == NullText(property.GetDeclaration()), "a NULL has the text for it");
+}
+
+void CheckDisplay(const TCIMProperty& property) {
+    std::string text;
+    std::string earlierText;
+    std::vector<std::string> texts;
+    const bool isShown = Shows([&] { text = property.ToString(); });
+    Require(isShown == Shows([&] { earlierText = property.PrevToString(); }), "the earlier value is the present one");
+    Require(text == earlierText, "the earlier value is shown as the present one");
+    if (Shows([&] { texts = property.ToStringVector(); })) CheckTexts(property, texts);
+    Shows([&] { property.PrevToStringVector(); });
+    if (!property.GetValue().IsNull()) return;
+    Require(isShown && text == NullText(property.GetDeclaration()), "a NULL is shown as the text for it");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const TRunLog log;
+    TContainer container;
+    TByteReader input(data, size);
+    StatusOf([&] {
+        const TCIMValue value = ReadValueLine(input.Line(), container);
+        TRootObject::GetCoreLogger()->ClearLog();
+        const TDeclared declared(value, input);
+        const TCIMProperty property(declared.Declaration(), value);
+        TRootObject::GetCoreLogger()->ClearLog();
+        CheckDisplay(property);
+        for (const ILogger::TLogEntry& entry : log.Entries())
+            Require(entry.severity == kyrLogDebug, "a display complains to developers alone");
+    });
+    return 0;
+}
