@@ -44,7 +44,7 @@ public:
     }
 
     void Free(void* object, std::size_t block) {
-        auto* slab = reinterpret_cast<TSlab*>(reinterpret_cast<std::uintptr_t>(object) & ~(kSlabSize - 1));
+        TSlab* slab = SlabOf(object);
         if (IsFull(*slab, block)) Push(slab);
         slab->free = new (object) TFreeBlock{slab->free};
         if (--slab->used != 0 || (slab == fFirst && slab->next == nullptr)) return;  // one slab is kept for the next
@@ -57,6 +57,11 @@ private:
         void* memory = std::aligned_alloc(kSlabSize, kSlabSize);
         if (memory == nullptr) throw std::bad_alloc();
         return new (memory) TSlab{nullptr, static_cast<char*>(memory) + kHeader, 0, nullptr, nullptr};
+    }
+
+    static TSlab* SlabOf(void* object) {
+        const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(object) & (kSlabSize - 1);
+        return reinterpret_cast<TSlab*>(static_cast<char*>(object) - offset);
     }
 
     static bool IsFull(const TSlab& slab, std::size_t block) {

@@ -24,7 +24,7 @@ void TCIMXMLParser::TStateAnyWrapper::EnterInstance(TCIMXMLParser& parser, TAttr
 }
 
 TCIMClass* TCIMXMLParser::TStateAnyWrapper::AddToContainer(TCIMXMLParser& parser, int completePhase) {
-    if (fPhase != completePhase || (fClass == nullptr && fInstance == nullptr))
+    if (fPhase != completePhase || (fIsClass ? fClass == nullptr : fInstance == nullptr))
         parser.FatalError("CIM element syntax error");
     if (!fIsClass) {
         CloseInstance(fInstance);

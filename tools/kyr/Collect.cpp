@@ -34,6 +34,7 @@ std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vecto
 
 std::vector<std::string> NamesOf(const std::vector<TCIMClass*>& classes) {
     std::vector<std::string> names;
+    names.reserve(classes.size());
     for (const TCIMClass* cls : classes) names.push_back(cls->GetName());
     return names;
 }
