@@ -1,6 +1,8 @@
 #ifndef SCHEMABUILDER_H
 #define SCHEMABUILDER_H
 
+#include <gmock/gmock.h>
+
 #include <boost/weak_ptr.hpp>
 #include <memory>
 #include <string>
@@ -18,6 +20,7 @@
 #include "support/TestSupport.h"
 
 using CIM = TCIMValue::TCIMType;
+using testing::ElementsAre;
 
 inline TCIMValue Null(CIM::ECIMType type, unsigned int maxArraySize = 0) { return TCIMValue(type, maxArraySize); }
 inline TCIMValue NullReferenceTo(TCIMClass& cls) {

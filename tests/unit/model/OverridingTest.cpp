@@ -1,8 +1,4 @@
-#include <gmock/gmock.h>
-
 #include "support/SchemaBuilder.h"
-
-using testing::ElementsAre;
 
 namespace {
 
@@ -19,21 +15,23 @@ TEST_F(OverridingTest, RefusesWithTheStatusOfTheFirstTestThatFails) {
     const TCIMValue number(5u), array = Null(CIM::eCIMUint32, 1), link = NullReferenceTo(fBase);
     const std::string reference = "kyrStatusNotAssociation 0:Attempt to add reference property ",
                       badName = "kyrStatusInvalidCIMName 0:CIM name 'a b' is invalid",
-                      override = "0:Attempt to override property ", exists = "kyrStatusAlreadyExists ";
+                      override = "0:Attempt to override property ", exists = "kyrStatusAlreadyExists ",
+                      notFound = "kyrStatusNotFound ", mismatch = "kyrStatusTypeMismatch ";
+    // clang-format off
     const std::pair<PropertySketch, std::string> kCases[] = {
-        {{"End", link}, reference + "End to non-association class Sub"},
-        {{"a b", link}, reference + "a b to non-association class Sub"},
+        {{"End", link}, reference + "End to non-association class Sub"}, {{"a b", number}, badName},
+        {{"a b", link}, reference + "a b to non-association class Sub"}, {{"a b", number, kOverride}, badName},
         {{"ID", link, kOverride}, reference + "ID to non-association class Sub"},
-        {{"a b", number}, badName},
-        {{"a b", number, kOverride}, badName},
-        {{"None", number, kOverride},
-         "kyrStatusNotFound " + override + "None in class Sub: property doesn't exist in base class"},
-        {{"SIZE", array, kOverride}, "kyrStatusTypeMismatch " + override + "SIZE in class Sub: different types"},
-        {{"Mine", array, kOverride}, "kyrStatusTypeMismatch " + override + "Mine in class Sub: different types"},
+        {{"None", number, kOverride}, notFound + override + "None in class Sub: property doesn't exist in base class"},
+        {{"SIZE", array, kOverride}, mismatch + override + "SIZE in class Sub: different types"},
+        {{"Mine", array, kOverride}, mismatch + override + "Mine in class Sub: different types"},
         {{"mine", number, kOverride}, exists + override + "mine in class Sub: original was defined in this class"},
         {{"sIZE", number}, exists + "0:Attempt to add property sIZE to class Sub: already exists"},
         {{"Mine", array}, exists + "0:Attempt to add property Mine to class Sub: already exists"},
     };
+    // clang-format on
+    EXPECT_NO_THROW(fSchema.AddProperty(fSub, {"Ends", Null(CIM::eCIMReference, 1)}))
+        << "an array wants no association";
     const std::vector<const TCIMPropertyDecl*> before = fSub.EnumeratePropertyDecls();
     for (const auto& [sketch, outcome] : kCases) {
         const std::unique_ptr<TCIMPropertyDecl> decl = fSchema.NewProperty(fSub, sketch);
@@ -51,8 +49,6 @@ TEST_F(OverridingTest, ReplacesInThisClassAlone) {
     EXPECT_TRUE(fBase.GetPropertyDecl("Size") == old && earlier.GetPropertyDecl("Size") == old);
     EXPECT_EQ(TCIMClass(fContainer, "Later", &fSub).GetPropertyDecl("Size"), decl);
     EXPECT_THAT(NamesOf(fSub.EnumeratePropertyDecls()), ElementsAre("ID", "Mine", "SIZE"));
-    const PropertySketch again = {"Size", TCIMValue(8u), kOverride};
-    EXPECT_EQ(StatusOf([&] { fSchema.AddProperty(fSub, again); }), kyrStatusAlreadyExists);
 }
 
 TEST_F(OverridingTest, GoesByThePresenceOfTheQualifier) {
@@ -69,10 +65,6 @@ TEST_F(OverridingTest, TakesOverNothingNotEvenTheKey) {
     std::unique_ptr<TCIMClass> cls = fSchema.NewClass("Keyless", {{"ID", TCIMValue("x"), kOverride}}, &fBase);
     EXPECT_EQ(Outcome([&] { cls->AddToContainer(); }), "kyrStatusInvalidClass 0:Class Keyless has no keys");
     EXPECT_THAT(fBase.EnumerateKeyNames(), ElementsAre("ID"));
-    TCIMClass narrower(fContainer, "Narrower", &fLink);
-    fSchema.AddProperty(narrower, {"End", NullReferenceTo(fSub), kOverride});
-    EXPECT_EQ(narrower.GetPropertyDecl("End")->GetValue().GetReferencedClass(), &fSub);
-    EXPECT_EQ(fLink.GetPropertyDecl("End")->GetValue().GetReferencedClass(), &fBase);
 }
 
 TEST_F(OverridingTest, ClassOfTheOriginalCountsByName) {
@@ -82,10 +74,6 @@ TEST_F(OverridingTest, ClassOfTheOriginalCountsByName) {
     TCIMClass sameName(fContainer, "Base", &fBase);
     const PropertySketch size = {"Size", TCIMValue(2u), kOverride};
     EXPECT_EQ(StatusOf([&] { fSchema.AddProperty(sameName, size); }), kyrStatusAlreadyExists);
-}
-
-TEST_F(OverridingTest, ArrayOfReferencesWantsNoAssociation) {
-    EXPECT_NO_THROW(fSchema.AddProperty(fSub, {"Ends", Null(CIM::eCIMReference, 1)}));
 }
 
 TEST_F(OverridingTest, RefusesTheDeclarationThatIsTheOriginalItself) {

@@ -44,10 +44,11 @@ TEST_F(TCIMPropertyDisplayTest, ScalesUnits) {
         {5, "MegaBytes", "Kilo", "5 Megabytes", "5 MB"}, {1536, "KiloBytes", "Mega", "1.5 Megabytes", "1.5 MB"},
         {1000000, "KiloBytes", "Kilo", "1,000,000 Kilobytes", "1,000,000 KB"},
         {2048, "KiloBytes", "Peta", "2 Megabytes", "2 MB"}, {1, "Bytes", "Tera", "0 Terabytes", "0 TB"},
-        {2048, "NanoBytes", "", "2 Microbytes", "2 uB"}, {3, "Bytes per Second", "", "3 Bytes per second", "3 B/s"},
+        {2048, "NanoBytes", "", "2 Microbytes", "2 uB"}, {300, "Bytes per Second", "", "300 Bytes per second", "300 B/s"},
         {1500000, "Bits per Second", "", "1.5 Megabits per second", "1.5 Mbps"},
-        {1000, "Bits per Second", "", "1,000 Bits per second", "1,000 bps"}, {2048, "Bits", "", "2 Kilobits", "2 KBits"},
-        {2048, "bytes", "", "2048", "2048"}, {2048, "MegaHertz", "", "2048", "2048"},
+        {1000, "Bits per Second", "", "1,000 Bits per second", "1,000 bps"},
+        {2048, "Bits", "", "2 Kilobits", "2 KBits"}, {2048, "bytes", "", "2048", "2048"},
+        {2048, "MegaHertz", "", "2048", "2048"},
     };
     // clang-format on
     for (const auto& [number, units, fixed, words, abbreviated] : cases) {
@@ -121,7 +122,7 @@ TEST_F(TCIMPropertyDisplayTest, FindsWords) {
         {{"a", "b", "c"}, {"..2", "0x4", "010"}, {"a", "a", "a", "3", "b", "5", "6", "7", "c", "9"}},
         {{"a", "b"}, {"2..3", "5"}, {"0", "1", "a", "a", "a", "b", "b"}},  // the 3 is not read, and the dots stay
         {{"a", "b"}, {"3 . .", "5"}, {"0", "1", "2", "a", "a", "b", "b"}},
-        {{"a", "b"}, {"..", "1"}, {"a", "b", "a"}}, {{"a", "b"}, {"1", "1"}, {"0", "a"}},
+        {{"a", "b"}, {"..", "1"}, {"a", "b", "a"}}, {{"a", "b"}, {"1", "1"}, {"0", "a"}}, {{"a", "b"}, {"2", "..3"}, {"0", "1", "a", "b"}},
     };
     // clang-format on
     for (const auto& [words, map, shown] : cases)
@@ -138,7 +139,8 @@ TEST_F(TCIMPropertyDisplayTest, FallsBackToTheNumberWhenATableIsBroken) {
     const std::pair<TQualifiers, std::string> cases[] = {
         {{{"Values", "a"}}, has + "a VALUE qualifier that isn't a string!"},
         {{{"Values", words}, {"ValueMap", "1"}}, has + "a VALUEMAP qualifier that isn't a string!"},
-        {{{"Values", words}, {"ValueMap", Words({"1"})}}, has + "VALUE and VALUEMAP qualifiers that aren't the same size!"},
+        {{{"Values", words}, {"ValueMap", Words({"1"})}},
+         has + "VALUE and VALUEMAP qualifiers that aren't the same size!"},
         {{{"Values", words}, {"ValueMap", Words({"1..", ".."})}}, has + "a .." + open},
         {{{"Values", words}, {"ValueMap", Words({"1..", "..5"})}}, has + "a ..<value>" + open},
         {{{"Values", Words({"a", "b", "c", "d"})}, {"ValueMap", Words({"1", "3..", "7", ".."})}}, has + "a .." + open},

@@ -1,7 +1,5 @@
 #include "kyr/TCIMProperty.h"
 
-#include <gmock/gmock.h>
-
 #include "support/SchemaBuilder.h"
 
 namespace {
@@ -48,23 +46,20 @@ TEST_F(TCIMPropertyTest, TakesOnlyTheDeclaredTypeAndClass) {
     const TCIMPropertyDecl array("Sizes", fBase, Null(CIM::eCIMUint16, 1)),
         open("Open", fBase, Null(CIM::eCIMReference));
     const TCIMPropertyDecl links("Links", fBase, Null(CIM::eCIMReference, 1));
+    const std::string type = ": decl is type uint16 but value is type ",
+                      cls = ": decl references type Base but value references ";
     // The complaint is what follows the operation's name; empty: taken.
+    // clang-format off
     const std::tuple<const TCIMPropertyDecl&, TCIMValue, std::string> kCases[] = {
-        {fSize, Uint16(1), ""},
-        {fSize, Null(CIM::eCIMUint16), ""},
-        {fSize, TCIMValue(5u), ": decl is type uint16 but value is type uint32"},
-        {fSize, Null(CIM::eCIMUint16, 1), ": decl is type uint16 but value is type uint16"},
-        {fSize, TCIMValue(), ": decl is type uint16 but value is type "},
-        {array, Uint16(1), ": decl is type uint16 but value is type uint16"},
-        {fLink, To(fBase), ""},
-        {fLink, To(fSub), ""},
-        {fLink, NullReferenceTo(fSub), ""},
-        {fLink, To(fOther), ": decl references type Base but value references Other"},
-        {fLink, NullReferenceTo(fOther), ": decl references type Base but value references Other"},
-        {fLink, Null(CIM::eCIMReference), ": decl references type Base but value references "},
+        {fSize, Uint16(1), ""}, {fSize, Null(CIM::eCIMUint16), ""}, {fSize, TCIMValue(5u), type + "uint32"},
+        {fSize, Null(CIM::eCIMUint16, 1), type + "uint16"}, {fSize, TCIMValue(), type},
+        {array, Uint16(1), type + "uint16"}, {fLink, To(fBase), ""}, {fLink, To(fSub), ""},
+        {fLink, NullReferenceTo(fSub), ""}, {fLink, To(fOther), cls + "Other"},
+        {fLink, NullReferenceTo(fOther), cls + "Other"}, {fLink, Null(CIM::eCIMReference), cls},
         {open, To(fBase), ": decl references type  but value references Base"},
         {links, TCIMValue(CIM::eCIMReference, 1, {To(fOther)}), ""},
     };
+    // clang-format on
     const std::string refused = "kyrStatusTypeMismatch 0:";
     for (const auto& [decl, value, complaint] : kCases) {
         SCOPED_TRACE(decl.GetName() + complaint);

@@ -1,20 +1,15 @@
 #include "kyr/TCIMQualifier.h"
 
-#include <gmock/gmock.h>
-
-#include <type_traits>
+#include <functional>
 
 #include "model/TContainerImpl.h"
 #include "support/SchemaBuilder.h"
 
-using testing::ElementsAre;
 using Decl = TCIMQualifierDecl;
 
 static_assert(Decl::eFlavorOverridable == 1 && Decl::eFlavorToSubclass == 2 && Decl::eFlavorTranslatable == 4);
 static_assert(Decl::eScopeClass == 1 && Decl::eScopeAssociation == 2 && Decl::eScopeProperty == 4 &&
               Decl::eScopeReference == 8);
-static_assert(!std::is_copy_constructible_v<Decl> && !std::is_copy_assignable_v<Decl>);
-static_assert(std::is_copy_constructible_v<TCIMQualifier> && !std::is_copy_assignable_v<TCIMQualifier>);
 
 namespace {
 
@@ -22,6 +17,7 @@ constexpr Decl::EFlavor kNone{}, kOverridable = Decl::eFlavorOverridable, kToSub
                                  kTranslatable = Decl::eFlavorTranslatable;
 
 using CIMNameTest = SchemaTest;
+using TActions = std::vector<std::function<void()>>;
 
 TEST_F(CIMNameTest, IsLowerCasedAndChecked) {
     for (const std::string name : {"", "_", "molta_disk2", "_9"}) EXPECT_EQ(TContainerImpl::NormalizeName(name), name);
@@ -31,31 +27,49 @@ TEST_F(CIMNameTest, IsLowerCasedAndChecked) {
                   "kyrStatusInvalidCIMName 0:CIM name '" + name + "' is invalid");
 }
 
+TEST_F(CIMNameTest, IsRefusedByEveryLookUp) {
+    const std::string bad = "a b";
+    const TCIMValue value(1u);
+    TCIMClass cls(fContainer, bad, nullptr);
+    Decl decl(fContainer, bad, value, {}, kNone);
+    TCIMPropertyDecl property(bad, cls, value);
+    TCIMQualifier qualifier(decl, value);
+    TCIMInstance instance(&cls);
+    // clang-format off
+    const TActions kActions = {
+        [&] { fContainer.FindClass(bad); }, [&] { fContainer.FindClass("<root>"); },
+        [&] { fContainer.RemoveClass(cls); }, [&] { fContainer.AddClass(cls); },
+        [&] { fContainer.FindQualifierDecl(bad); }, [&] { fContainer.GetRootClass()->References(bad, ""); },
+        [&] { fContainer.RemoveQualifierDecl(decl); }, [&] { cls.FindPropertyDecl(bad); },
+        [&] { cls.RemovePropertyDecl(property); }, [&] { cls.FindQualifier(bad); },
+        [&] { property.AddQualifier(qualifier); }, [&] { property.RemoveQualifier(qualifier); },
+        [&] { instance.FindProperty(bad); }, [&] { instance.SetProperty(TCIMProperty(property)); },
+        [&] { (void)(decl == decl); }, [&] { (void)(decl < decl); }, [&] { (void)(property == property); },
+        [&] { (void)(property < property); }, [&] { To(cls).AddKeyValue(bad, value); },
+    };
+    // clang-format on
+    for (const auto& act : kActions) EXPECT_EQ(StatusOf(act), kyrStatusInvalidCIMName) << (&act - kActions.data());
+}
+
 using TCIMQualifierTest = SchemaTest;
 
 TEST_F(TCIMQualifierTest, DeclarationStartsEmptyAndTakesWhatIsSet) {
     Decl decl(fContainer);
     EXPECT_TRUE(decl.GetName().empty() && TypeOf(decl) == CIM::eCIMNone && decl.GetContainer() == &fContainer);
     EXPECT_EQ(decl.GetScope() + decl.GetFlavor(), 0u);
-    EXPECT_NO_THROW(decl.Validate());
-    decl.SetName("Units");
     decl.SetValue(Null(CIM::eCIMString, 3));
-    EXPECT_TRUE(decl.GetName() == "Units" && decl.IsArray() && decl.GetValue() == Null(CIM::eCIMString, 3));
     decl.SetFlavor(kToSubclass);
     decl.SetFlavor(kTranslatable);
-    EXPECT_EQ(decl.GetFlavor(), 6u);
     decl.UnsetFlavor(kToSubclass | kOverridable);
-    EXPECT_EQ(decl.GetFlavor(), 4u);
+    EXPECT_TRUE(decl.IsArray() && decl.GetValue() == Null(CIM::eCIMString, 3) && decl.GetFlavor() == kTranslatable);
 }
 
 TEST_F(TCIMQualifierTest, IsComparedByTheNameOfItsDeclarationAlone) {
     const TCIMValue value(true);
     const Decl lower(fContainer, "key", value, Decl::eScopeClass, kOverridable),
         upper(fContainer, "KEY", "text", {}, kNone);
-    const Decl last(fContainer, "Max", value, {}, kNone), bad(fContainer, "a b", value, {}, kNone);
+    const Decl last(fContainer, "Max", value, {}, kNone);
     EXPECT_TRUE(lower == upper && !(lower < upper) && !(upper < lower) && upper < last && !(last < lower));
-    EXPECT_EQ(StatusOf([&] { (void)(lower == bad); }), kyrStatusInvalidCIMName);
-    EXPECT_EQ(StatusOf([&] { (void)(bad < lower); }), kyrStatusInvalidCIMName);
     const TCIMQualifier yes(lower, value), no(upper, TCIMValue(false)), later(last, value);
     EXPECT_TRUE(yes == no && no < later && !(later < no));
 }
@@ -64,8 +78,6 @@ TEST_F(TCIMQualifierTest, TakesAfterItsDeclarationAndAnyChangeEndsItsPropagation
     const Decl decl(fContainer, "MaxLen", Null(CIM::eCIMUint32), {}, kToSubclass);
     TCIMQualifier original(decl, TCIMValue("text"));
     EXPECT_TRUE(original.GetName() == "MaxLen" && &original.GetDeclaration() == &decl && !original.GetPropagated());
-    EXPECT_EQ(TypeOf(original), CIM::eCIMString);
-    EXPECT_EQ(TCIMQualifier(decl, TCIMValue(1u), kOverridable).GetFlavor(), kOverridable);
     original.SetPropagated(true);
     const std::pair<void (*)(TCIMQualifier&), unsigned int> kChanges[] = {
         {[](TCIMQualifier& q) { q.SetValue(TCIMValue(2u)); }, 2},
@@ -77,8 +89,7 @@ TEST_F(TCIMQualifierTest, TakesAfterItsDeclarationAndAnyChangeEndsItsPropagation
         TCIMQualifier copy(original);
         EXPECT_TRUE(copy.GetPropagated());
         change(copy);
-        EXPECT_EQ(copy.GetFlavor(), flavor);
-        EXPECT_FALSE(copy.GetPropagated()) << flavor;
+        EXPECT_TRUE(copy.GetFlavor() == flavor && !copy.GetPropagated()) << flavor;
     }
     EXPECT_TRUE(original.GetValue() == TCIMValue("text") && original.GetPropagated());
 }
@@ -147,19 +158,14 @@ TEST_P(QualifierCarrierTest, FindsByNameInAnyCaseAndListsInOrder) {
         EXPECT_EQ(Find(name), nullptr);
         EXPECT_EQ(Outcome([&] { Carrier().GetQualifier(name); }), "kyrStatusNotFound");
     }
-    EXPECT_EQ(StatusOf([&] { Find("1st"); }), kyrStatusInvalidCIMName);
-    EXPECT_EQ(StatusOf([&] { Carrier().GetQualifier("1st"); }), kyrStatusInvalidCIMName);
 }
 
 TEST_P(QualifierCarrierTest, RemovesByNameNotByIdentity) {
     const auto watch = Watch(Attach(TCIMValue(1u), kNone));
-    const Decl badDecl{fContainer, "Max Len", Null(CIM::eCIMUint32), {}, kNone};
-    TCIMQualifier sameName(fOther, TCIMValue(2u)), bad(badDecl, TCIMValue(1u));
+    TCIMQualifier sameName(fOther, TCIMValue(2u));
     Carrier().RemoveQualifier(sameName);
     EXPECT_TRUE(watch.expired() && Carrier().EnumerateQualifiers().empty());
     EXPECT_EQ(Outcome([&] { Carrier().RemoveQualifier(sameName); }), "kyrStatusNotFound");
-    EXPECT_EQ(StatusOf([&] { Carrier().RemoveQualifier(bad); }), kyrStatusInvalidCIMName);
-    EXPECT_EQ(StatusOf([&] { Carrier().AddQualifier(bad); }), kyrStatusInvalidCIMName);
 }
 
 }  // namespace

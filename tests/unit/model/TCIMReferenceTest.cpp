@@ -1,7 +1,5 @@
 #include "kyr/TCIMReference.h"
 
-#include <gmock/gmock.h>
-
 #include "kyr/TCIMDateTime.h"
 #include "support/SchemaBuilder.h"
 
@@ -21,7 +19,6 @@ protected:
 TEST_F(TCIMReferenceTest, NeverReadsAPath) {
     const std::string tooEarly = "kyrStatusInvalidOpSequence 0:SetPath() called before container set";
     EXPECT_EQ(Outcome([&] { TCIMReference(nullptr).SetPath("Y"); }), tooEarly);
-    EXPECT_EQ(Outcome([&] { TCIMReference made(nullptr, "Y"); }), tooEarly);
     EXPECT_EQ(Outcome([&] { TCIMReference(&fContainer).SetPath("Y"); }), "kyrStatusNotImplemented");
     EXPECT_EQ(Outcome([&] { TCIMReference made(&fContainer, "Y"); }), "kyrStatusNotImplemented");
 }
@@ -31,24 +28,16 @@ TEST_F(TCIMReferenceTest, WithoutAClassHasNoClassNameOrPath) {
     EXPECT_EQ(reference.GetCIMElement(), nullptr);
     reference.SetKeyBindings({{"ID", TCIMValue("a")}});
     const std::string noClass = "kyrStatusInvalidReference 0:GetClass() called before container set";
-    EXPECT_EQ(Outcome([&] { reference.GetClass(); }), noClass);
     EXPECT_EQ(Outcome([&] { reference.GetClassName(); }), noClass);
     EXPECT_EQ(Outcome([&] { reference.GetPath(); }), noClass);
     EXPECT_EQ(Outcome([&] { reference.GetCIMElement(); }), noClass);
 }
 
-TEST_F(TCIMReferenceTest, FindsItsClassByNameInAContainer) {
-    TCIMReference reference(&fContainer);
-    EXPECT_EQ(Outcome([&] { reference.SetClassName("None"); }), "kyrStatusNotFound");
-    EXPECT_EQ(StatusOf([&] { reference.SetClassName("<root>"); }), kyrStatusInvalidCIMName);
-    reference.SetClassName("");
-    EXPECT_EQ(reference.GetClass(), fContainer.GetRootClass());
-    reference.SetClassName("y");
-    EXPECT_EQ(reference.GetClassName() + reference.GetPath(), "YY");
-}
-
-TEST_F(TCIMReferenceTest, KeepsItsClassFromTheFirstKeyUntilCleared) {
-    TCIMReference reference = To(fY, "a");
+TEST_F(TCIMReferenceTest, FindsItsClassByNameAndKeepsItFromTheFirstKeyUntilCleared) {
+    TCIMReference named(&fContainer), reference = To(fY, "a");
+    EXPECT_EQ(Outcome([&] { named.SetClassName("None"); }), "kyrStatusNotFound");
+    named.SetClassName("y");
+    EXPECT_EQ(named.GetClassName() + named.GetPath(), "YY");
     const std::string refused = "kyrStatusInvalidOpSequence 0:";
     EXPECT_EQ(Outcome([&] { reference.SetClass(fX); }), refused + "SetClass() called with keybindings filled in");
     EXPECT_EQ(Outcome([&] { reference.SetClassName("X"); }), refused + "SetClassName() called before container set");
@@ -58,9 +47,7 @@ TEST_F(TCIMReferenceTest, KeepsItsClassFromTheFirstKeyUntilCleared) {
     reference.Clear();
     EXPECT_TRUE(reference.EnumerateKeyBindings().empty());
     EXPECT_EQ(StatusOf([&] { reference.GetClass(); }), kyrStatusInvalidReference);
-    EXPECT_EQ(StatusOf([&] { reference.SetClassName("X"); }), kyrStatusInvalidOpSequence);
-    reference.SetClass(fX);
-    EXPECT_EQ(reference.GetClass(), &fX);
+    EXPECT_EQ(StatusOf([&] { reference.SetClassName("X"); }), kyrStatusInvalidOpSequence) << "no container either";
 }
 
 TEST_F(TCIMReferenceTest, BindsOnlyKeysOfTheDeclaredType) {
@@ -71,17 +58,14 @@ TEST_F(TCIMReferenceTest, BindsOnlyKeysOfTheDeclaredType) {
     const TCIMValue text("t"), number(1u);
     const std::string noKey = "kyrStatusInvalidOpSequence 0:AddKeyValue() called with a non-key property ";
     const std::string type = "kyrStatusTypeMismatch 0:Declaration type: string Value type: ";
+    // clang-format off
     const std::tuple<const char*, TCIMValue, std::string> kCases[] = {
-        {"None", text, "kyrStatusNotFound"},
-        {"a b", text, "kyrStatusInvalidCIMName 0:CIM name 'a b' is invalid"},
-        {"Plain", number, type + "uint32"},
-        {"a", Null(CIM::eCIMString, 1), type + "string"},
+        {"None", text, "kyrStatusNotFound"}, {"Plain", number, type + "uint32"}, {"pLAIN", text, noKey + "pLAIN"},
+        {"a", Null(CIM::eCIMString, 1), type + "string"}, {"KeyFalse", text, noKey + "KeyFalse"},
+        {"KeyNull", text, noKey + "KeyNull"}, {"KeyText", text, noKey + "KeyText"},
         {"a", TCIMValue(), "kyrStatusTypeMismatch"},  // the type has no name for the line
-        {"pLAIN", text, noKey + "pLAIN"},
-        {"KeyFalse", text, noKey + "KeyFalse"},
-        {"KeyNull", text, noKey + "KeyNull"},
-        {"KeyText", text, noKey + "KeyText"},
     };
+    // clang-format on
     TCIMReference reference = To(fX);
     for (const auto& [name, value, outcome] : kCases)
         EXPECT_EQ(Outcome([&, n = name, &v = value] { reference.AddKeyValue(n, v); }), outcome);
@@ -137,7 +121,6 @@ TEST_F(TCIMReferenceTest, KeepsTheFirstFoundElementUntilCleared) {
         resolved.SetKeyBindings({{"ID", TCIMValue("none")}});
         EXPECT_EQ(resolved.GetCIMElement(), a) << "a value looks for it when it is made";
     }
-    EXPECT_EQ(reference.GetCIMElement(), a);
     reference.SetKeyBindings({});
     EXPECT_EQ(reference.GetCIMElement(), &fY);
     reference.SetClass(fX);
@@ -154,15 +137,13 @@ TEST_F(TCIMReferenceTest, KeepsTheFirstFoundElementUntilCleared) {
 TEST_F(TCIMReferenceTest, CopiesAreApart) {
     TCIMReference original(&fContainer);
     original.SetClass(fY);
-    TCIMReference copy(original);
+    TCIMReference copy(original), &same = original;
     copy.SetClassName("X");  // the container came along
-    copy.AddKeyValue("a", TCIMValue("t"));
-    EXPECT_EQ(original.GetPath(), "Y");
+    EXPECT_EQ(original.GetPath() + copy.GetPath(), "YX");
     original = copy;
     copy.Clear();
-    TCIMReference& same = original;
     original = same;
-    EXPECT_EQ(original.GetPath(), "X.a=\"t\"");
+    EXPECT_EQ(original.GetPath(), "X");
 }
 
 TEST_F(TCIMReferenceTest, ComparesClassPointersAndBindings) {
@@ -184,9 +165,8 @@ TEST_F(TCIMReferenceTest, IsCarriedByValues) {
     EXPECT_TRUE(static_cast<TCIMReference>(a) == To(fY, "a") && a == TCIMValue(To(fY, "a")));
     EXPECT_TRUE(a != b && a < b && !(b < a) && null != NullReferenceTo(fX));
     for (const unsigned char base : {2, 8, 10, 16}) EXPECT_EQ(array.ToString(base), "{ Y.ID=\"a\" }");
-    EXPECT_EQ(StatusOf([&] { (void)static_cast<TCIMReference>(null); }), kyrStatusValueIsNULL);
-    EXPECT_EQ(StatusOf([&] { (void)static_cast<TCIMReference>(array); }), kyrStatusTypeMismatch);
-    EXPECT_EQ(StatusOf([&] { (void)static_cast<TCIMReference>(TCIMValue("Y")); }), kyrStatusTypeMismatch);
+    EXPECT_EQ(StatusOf([&] { null.operator TCIMReference(); }), kyrStatusValueIsNULL);
+    EXPECT_EQ(StatusOf([&] { array.operator TCIMReference(); }), kyrStatusTypeMismatch);
     EXPECT_EQ(StatusOf([&] { TCIMValue(a).SetReferencedClass(fX); }), kyrStatusInvalidOpSequence);
 }
 
