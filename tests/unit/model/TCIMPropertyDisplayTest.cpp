@@ -44,7 +44,8 @@ TEST_F(TCIMPropertyDisplayTest, ScalesUnits) {
         {5, "MegaBytes", "Kilo", "5 Megabytes", "5 MB"}, {1536, "KiloBytes", "Mega", "1.5 Megabytes", "1.5 MB"},
         {1000000, "KiloBytes", "Kilo", "1,000,000 Kilobytes", "1,000,000 KB"},
         {2048, "KiloBytes", "Peta", "2 Megabytes", "2 MB"}, {1, "Bytes", "Tera", "0 Terabytes", "0 TB"},
-        {2048, "NanoBytes", "", "2 Microbytes", "2 uB"}, {300, "Bytes per Second", "", "300 Bytes per second", "300 B/s"},
+        {2048, "NanoBytes", "", "2 Microbytes", "2 uB"},
+        {300, "Bytes per Second", "", "300 Bytes per second", "300 B/s"},
         {1500000, "Bits per Second", "", "1.5 Megabits per second", "1.5 Mbps"},
         {1000, "Bits per Second", "", "1,000 Bits per second", "1,000 bps"},
         {2048, "Bits", "", "2 Kilobits", "2 KBits"}, {2048, "bytes", "", "2048", "2048"},
@@ -122,7 +123,8 @@ TEST_F(TCIMPropertyDisplayTest, FindsWords) {
         {{"a", "b", "c"}, {"..2", "0x4", "010"}, {"a", "a", "a", "3", "b", "5", "6", "7", "c", "9"}},
         {{"a", "b"}, {"2..3", "5"}, {"0", "1", "a", "a", "a", "b", "b"}},  // the 3 is not read, and the dots stay
         {{"a", "b"}, {"3 . .", "5"}, {"0", "1", "2", "a", "a", "b", "b"}},
-        {{"a", "b"}, {"..", "1"}, {"a", "b", "a"}}, {{"a", "b"}, {"1", "1"}, {"0", "a"}}, {{"a", "b"}, {"2", "..3"}, {"0", "1", "a", "b"}},
+        {{"a", "b"}, {"..", "1"}, {"a", "b", "a"}}, {{"a", "b"}, {"1", "1"}, {"0", "a"}},
+        {{"a", "b"}, {"2", "..3"}, {"0", "1", "a", "b"}},
     };
     // clang-format on
     for (const auto& [words, map, shown] : cases)
