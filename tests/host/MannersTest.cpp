@@ -90,6 +90,8 @@ TEST(MannersTest, PathsAreThoseOfTheCallersFolder) {
 }
 
 TEST(MannersTest, TerminalGetsBoldNamesUnlessColourIsUnwanted) {
+    if (RunShell("script -qec true /dev/null </dev/null").status != 0)
+        GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
     const std::string onTerminal = " script -qec '" KYR_PROGRAM " collect' /dev/null </dev/null";
     const std::string bold = "\033[1mMOLTA_ComputerSystem\033[0m\r\n", plain = "MOLTA_ComputerSystem\r\n";
     EXPECT_THAT(RunShell("TERM=xterm NO_COLOR=" + onTerminal).out, HasSubstr(bold));
