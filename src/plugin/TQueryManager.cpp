@@ -7,10 +7,10 @@
 #include "kyr/IPluginCallbacks.h"
 #include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
-#include "kyr/TCIMQualifier.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
 #include "kyr/kyrPlugin.h"
+#include "model/TCIMQualifierImpl.h"
 #include "platform/CoreLog.h"
 
 namespace {
@@ -23,17 +23,10 @@ IPluginBasicQueryCallbacks* GetQueryCallbacks(IPluginCallbacks* callbacks) {
     return query;
 }
 
-bool IsLeftOut(const TCIMClass& cls) {
-    const TCIMQualifier* qualifier = cls.FindQualifier("DONTCOLLECT");
-    if (!qualifier) return false;
-    const TCIMValue value = qualifier->GetValue();
-    return !value.IsNull() && static_cast<bool>(value);
-}
-
 bool IsAskedFor(const TCIMClass& cls, const std::vector<std::string>& filter, bool associations) {
     if (!filter.empty() && std::find(filter.begin(), filter.end(), cls.GetName()) == filter.end()) return false;
-    return !cls.IsAbstract() && !IsLeftOut(cls) && cls.EnumerateInstances(false).empty() &&
-           cls.IsAssociation() == associations;
+    return !cls.IsAbstract() && !TCIMQualifierImpl::ReadsTrue(cls.FindQualifier("DONTCOLLECT")) &&
+           cls.EnumerateInstances(false).empty() && cls.IsAssociation() == associations;
 }
 
 void AskPlugin(const IPlugin& plugin, TContainer* container, const std::vector<std::string>& filter,
