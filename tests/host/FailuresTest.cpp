@@ -8,7 +8,7 @@
 using ::testing::HasSubstr;
 
 TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
-    const TPluginRoot root({"noinit", "baddocument", "givesup", "keyless", "unregistered"});
+    const TPluginRoot root({"noinit", "baddocument", "givesup", "denied", "keyless", "unregistered"});
     root.Write("broken/libbroken.pi.so", "no library");
     const TRunResult run = RunKyr("collect" + root.Option());
     EXPECT_EQ(run.status, 1);
@@ -16,16 +16,16 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
     EXPECT_THAT(run.out, HasSubstr("MOLTA_InstalledOS\n"));
     EXPECT_THAT(run.out, HasSubstr("TEST_Kept\n  Id  1\n"));
     for (const char* line : {
-             "kyr: plugin ./broken/libbroken.pi.so: ERROR: Failed to load plugin.  Reason: ",
-             "kyr: plugin noinit: its init entry failed\n",
-             "kyr: plugin baddocument: cannot read its document ./baddocument/baddocument.properties.xml: "
-             "kyrStatusInvalidSpecificationDocument\n",
-             "kyr: plugin baddocument: Previous error was while parsing file "
-             "'./baddocument/baddocument.properties.xml'\n",
-             "kyr: plugin givesup, class TEST_Lost: not collected: the plugin ended with "
-             "kyrStatusErrorCollectingClass\n",
-             "kyr: plugin keyless, class TEST_Keyless: Instance TEST_Keyless: key property Id is NULL\n",
-             "kyr: plugin ./unregistered/libunregistered.pi.so: the library registers no plugin\n",
+             "kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: ./broken/libbroken.pi.so: ",
+             "kyr: plugin noinit: refused: its init entry failed\n",
+             "kyr: plugin baddocument: refused: cannot read its document ./baddocument/baddocument.properties.xml: "
+             "kyrStatusInvalidSpecificationDocument: CIM-XML Parser line 10:Unexpected element no.such.element\n",
+             "kyr: plugin givesup: partial: its answer ended with kyrStatusErrorCollectingClass (class TEST_Kept)\n",
+             "kyr: plugin givesup, class TEST_Lost: failed: its answer ended with kyrStatusErrorCollectingClass\n",
+             "kyr: plugin denied: refused: its answer ended with kyrStatusAccessDenied (class TEST_Denied)\n",
+             "kyr: plugin keyless, class TEST_Keyless: failed: Instance TEST_Keyless: key property Id is NULL (and 1 "
+             "more)\n",
+             "kyr: plugin ./unregistered/libunregistered.pi.so: refused: it registers no plugin\n",
          })
         EXPECT_THAT(run.err, HasSubstr(line));
 }
@@ -36,8 +36,9 @@ TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/alone/libalone.pi.so");
     const TRunResult run = RunKyr("identity" + root.Option());
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err,
-              "kyr: plugin shown: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n");
+    EXPECT_EQ(
+        run.err,
+        "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n");
 }
 
 TEST(FailuresTest, NothingButFailuresIsNoResult) {

@@ -4,8 +4,21 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 
 namespace fs = std::filesystem;
+
+namespace {
+
+// A plugin that crashes is to do so by itself, and what its open instance leaves is meant: see host/leaks.supp.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr const char* kSanitizers =
+    "ASAN_OPTIONS=handle_segv=0 LSAN_OPTIONS=print_suppressions=0:suppressions=" LEAKS " ";
+#else
+constexpr const char* kSanitizers = "";
+#endif
+
+}  // namespace
 
 TRunResult RunShell(const std::string& command) {
     const TempFolder folder;
@@ -15,7 +28,7 @@ TRunResult RunShell(const std::string& command) {
 }
 
 TRunResult RunKyr(const std::string& arguments, const std::string& environment) {
-    return RunShell("env " + environment + " " KYR_PROGRAM " " + arguments);
+    return RunShell("env COLUMNS= " + std::string(kSanitizers) + environment + " " KYR_PROGRAM " " + arguments);
 }
 
 TRunResult RunKyrOn(const std::string& machine, const std::string& arguments) {
@@ -32,4 +45,11 @@ size_t CountIn(const std::string& text, const std::string& part) {
     size_t count = 0;
     for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size())) ++count;
     return count;
+}
+
+bool HasLineOver(size_t length, const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        if (line.size() > length) return true;
+    return false;
 }

@@ -31,6 +31,9 @@ public:
     std::string Option() const { return " --plugins " + Path() + " "; }
 };
 
+/// Whether a line has more bytes than that.
+bool HasLineOver(size_t length, const std::string& text);
+
 /// How many times a text stands in another.
 size_t CountIn(const std::string& text, const std::string& part);
 

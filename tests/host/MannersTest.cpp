@@ -45,7 +45,7 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
 }
 
 TEST(MannersTest, OutputThatCannotBeWrittenIsAnErrorOfOurs) {
-    for (const char* arguments : {"collect", "schema", "identity", "--help"}) {
+    for (const char* arguments : {"collect", "show --tree", "schema", "identity", "--help"}) {
         const TRunResult full = RunKyr(std::string(arguments) + " >/dev/full");
         EXPECT_EQ(full.status, 4) << arguments;
         EXPECT_EQ(full.err, "kyr: cannot write standard output: No space left on device\n") << arguments;
@@ -89,10 +89,29 @@ TEST(MannersTest, PathsAreThoseOfTheCallersFolder) {
     EXPECT_THAT(ReadFile(root.Path() + "/log"), HasSubstr("Asking plugin system for MOLTA_ORQProduct"));
 }
 
+TEST(MannersTest, LocaleMakesNoDifference) {
+    const TPluginRoot root({"machine"});
+    const std::string shown = RunKyr("show --class TEST_Disk" + root.Option()).out;
+    EXPECT_THAT(shown, HasSubstr("Example Disk 4000 \xc3\xa4"));
+    for (const char* locale : {"LC_ALL=C", "LC_ALL=de_DE.ISO-8859-1", "LANG= LC_ALL="})
+        EXPECT_EQ(RunKyr("show --class TEST_Disk" + root.Option(), locale).out, shown) << locale;
+}
+
+TEST(MannersTest, LinesAreNoWiderThanTheTerminal) {
+    if (RunShell("script -qec true /dev/null </dev/null").status != 0)
+        GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
+    for (const char* command : {"show --references", "show --tree", "collect --provenance --null"}) {
+        const std::string script = "stty cols 40; " KYR_PROGRAM " " + std::string(command);
+        const TRunResult run = RunShell("env -u COLUMNS TERM=dumb script -qec '" + script + "' /dev/null </dev/null");
+        EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem")) << command;
+        EXPECT_FALSE(HasLineOver(41, run.out)) << command << "\n" << run.out;  // with the carriage return
+    }
+}
+
 TEST(MannersTest, TerminalGetsBoldNamesUnlessColourIsUnwanted) {
     if (RunShell("script -qec true /dev/null </dev/null").status != 0)
         GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
-    const std::string onTerminal = " script -qec '" KYR_PROGRAM " collect' /dev/null </dev/null";
+    const std::string onTerminal = " script -qec '" KYR_PROGRAM " collect 2>/dev/null' /dev/null </dev/null";
     const std::string bold = "\033[1mMOLTA_ComputerSystem\033[0m\r\n", plain = "MOLTA_ComputerSystem\r\n";
     EXPECT_THAT(RunShell("TERM=xterm NO_COLOR=" + onTerminal).out, HasSubstr(bold));
     EXPECT_THAT(RunShell("TERM=xterm NO_COLOR=1" + onTerminal).out, StartsWith(plain));

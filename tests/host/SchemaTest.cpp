@@ -30,13 +30,27 @@ TEST(SchemaTest, ClassIsDescribedInFull) {
                                     "Properties\n"));
     EXPECT_THAT(run.out, HasSubstr("  CSName  string, key, from CIM_OperatingSystem\n"
                                    "      Name of that computer system.\n"));
-    EXPECT_THAT(run.out, HasSubstr("  SystemUpTime  uint64, in Seconds\n"));
+    EXPECT_THAT(run.out, HasSubstr("  SystemUpTime  uint64, in Seconds, volatile\n"));
 }
 
 TEST(SchemaTest, ReferencesAndQualifiersAreShown) {
     const TRunResult run = RunKyr("schema CIM_InstalledOS");
     EXPECT_THAT(run.out, HasSubstr("Plugin      none\nQualifiers  Abstract=true, Association=true\n"));
     EXPECT_THAT(run.out, HasSubstr("  GroupComponent  reference to CIM_ComputerSystem, key\n"));
+}
+
+TEST(SchemaTest, WordsAreShownWithTheirNumbers) {
+    EXPECT_THAT(RunKyr("schema CIM_OperatingSystem").out, HasSubstr("  OSType  uint16\n"
+                                                                    "      The kind of operating system.\n"
+                                                                    "      0 = Unknown, 1 = Other, 36 = LINUX\n"));
+}
+
+TEST(SchemaTest, NarrowTerminalGetsNarrowLines) {
+    const std::string out = RunKyr("schema CIM_OperatingSystem", "COLUMNS=40").out;
+    EXPECT_THAT(out, HasSubstr("  UnavailableValues\n"
+                               "      string[], from CIM_ManagedElement\n"
+                               "      The properties whose value could\n"));
+    EXPECT_FALSE(HasLineOver(40, out)) << out;
 }
 
 TEST(SchemaTest, ArrayTypesAreShown) {

@@ -2,11 +2,10 @@
 #define COLLECT_H
 
 #include "Exit.h"
-#include "Failures.h"
 #include "Options.h"
 #include "Output.h"
 
-/// Asks the plugins and prints all instances.
-EExit RunCollect(const TOptions& options, TOutput& output, TFailures& failures);
+/// Asks the plugins, and prints all instances or saves them.
+EExit RunCollect(const TOptions& options, TOutput& output);
 
 #endif

@@ -1,7 +1,10 @@
 #include "Identity.h"
 
-#include "PluginQuery.h"
-#include "Session.h"
+#include <algorithm>
+
+#include "Inventory.h"
+#include "Json.h"
+#include "Log.h"
 #include "VisibleText.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
@@ -10,19 +13,20 @@ namespace {
 
 struct TFact {
     const char* label;
+    const char* name;
     std::string (*get)(TContainer*);
 };
 
 constexpr TFact kFacts[] = {
-    {"System name", TCIMSchemaHelper::GetSystemName},
-    {"Product", TCIMSchemaHelper::GetSystemProductName},
-    {"Machine type and model", TCIMSchemaHelper::GetMTM},
-    {"Machine type", TCIMSchemaHelper::GetMachineType},
-    {"Model", TCIMSchemaHelper::GetModelNumber},
-    {"Serial number", TCIMSchemaHelper::GetSerialNumber},
-    {"Operating system", TCIMSchemaHelper::GetOperatingSystemName},
-    {"Version", TCIMSchemaHelper::GetOperatingSystemVersion},
-    {"Data source version", TCIMSchemaHelper::GetDataSourceVersion},
+    {"System name", "systemName", TCIMSchemaHelper::GetSystemName},
+    {"Product", "product", TCIMSchemaHelper::GetSystemProductName},
+    {"Machine type and model", "machineTypeModel", TCIMSchemaHelper::GetMTM},
+    {"Machine type", "machineType", TCIMSchemaHelper::GetMachineType},
+    {"Model", "model", TCIMSchemaHelper::GetModelNumber},
+    {"Serial number", "serialNumber", TCIMSchemaHelper::GetSerialNumber},
+    {"Operating system", "operatingSystem", TCIMSchemaHelper::GetOperatingSystemName},
+    {"Version", "version", TCIMSchemaHelper::GetOperatingSystemVersion},
+    {"Data source version", "dataSourceVersion", TCIMSchemaHelper::GetDataSourceVersion},
 };
 
 // The classes that those facts are read from.
@@ -30,10 +34,10 @@ const std::vector<std::string> kClasses = {"MOLTA_ComputerSystem", "MOLTA_Operat
                                            "MOLTA_ORQProduct"};
 
 // What the core logged about the last question, if it did, or else what the status means here.
-std::string ReasonOf(kyrStatusCode code, const TLog& log) {
+std::string ReasonOf(kyrStatusCode code) {
     const std::string mark = "TCIMSchemaHelper: ";
-    for (const ILogger::TLogEntry& entry : log.Take())
-        if (entry.text.compare(0, mark.size(), mark) == 0) return VisibleText(entry.text.substr(mark.size()));
+    for (const TLogLine& line : TLog::Take())
+        if (line.text.compare(0, mark.size(), mark) == 0) return line.text.substr(mark.size());
     switch (code) {
         case kyrStatusNotFound:
             return "nothing was collected that tells it";
@@ -46,26 +50,33 @@ std::string ReasonOf(kyrStatusCode code, const TLog& log) {
     }
 }
 
-// Gives whether the fact is known.
-bool PrintFact(const TFact& fact, const TSession& session, TOutput& output) {
+TIdentityFact Ask(const TFact& fact, TContainer& container) {
+    try {
+        return {fact.label, fact.name, fact.get(&container), ""};
+    } catch (const TKYRException& e) {
+        return {fact.label, fact.name, "", ReasonOf(e.fCode)};
+    }
+}
+
+void Print(const TIdentityFact& fact, TOutput& output) {
     std::string label = fact.label;
     label.resize(24, ' ');
-    try {
-        output.Write(label + VisibleText(fact.get(&session.Schema())) + "\n");
-        return true;
-    } catch (const TKYRException& e) {
-        output.Write(label + "not available (" + ReasonOf(e.fCode, session.Log()) + ")\n");
-        return false;
-    }
+    const std::string text = fact.reason.empty() ? fact.value : "not available (" + fact.reason + ")";
+    output.Write(label + VisibleText(text) + "\n");
 }
 
 }  // namespace
 
-EExit RunIdentity(const TOptions& options, TOutput& output, TFailures& failures) {
-    const TSession session(options.session, failures);
-    TPluginQuery(session).RunQuery(&session.Schema(), kClasses);
-    bool any = false;
-    for (const TFact& fact : kFacts) any |= PrintFact(fact, session, output);
-    if (!any) return eExitNothing;
-    return failures.IsEmpty() ? eExitComplete : eExitPartial;
+EExit RunIdentity(const TOptions& options, TOutput& output) {
+    TInventory inventory(options.session);
+    inventory.Collect(kClasses);
+    std::vector<TIdentityFact> facts;
+    for (const TFact& fact : kFacts) facts.push_back(Ask(fact, inventory.Container()));
+    if (options.json)
+        WriteIdentityJson(facts, output);
+    else
+        for (const TIdentityFact& fact : facts) Print(fact, output);
+    const EExit status = inventory.Conclude();
+    const bool any = std::any_of(facts.begin(), facts.end(), [](const auto& fact) { return fact.reason.empty(); });
+    return any ? status : eExitNothing;
 }

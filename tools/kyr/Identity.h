@@ -2,11 +2,10 @@
 #define IDENTITY_H
 
 #include "Exit.h"
-#include "Failures.h"
 #include "Options.h"
 #include "Output.h"
 
 /// Prints what a report asks about the machine.
-EExit RunIdentity(const TOptions& options, TOutput& output, TFailures& failures);
+EExit RunIdentity(const TOptions& options, TOutput& output);
 
 #endif

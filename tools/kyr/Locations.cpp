@@ -24,3 +24,7 @@ std::string FindDefaultPlugins() { return FindBesideExecutable({"../plugins", ".
 std::string FindDefaultSchema() {
     return FindBesideExecutable({"../schema/kyrcore.xml", "../share/kyrcore/kyrcore.xml"});
 }
+
+std::string FindStateDocument() {
+    return FindBesideExecutable({"../schema/collection.xml", "../share/kyrcore/collection.xml"});
+}

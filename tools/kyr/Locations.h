@@ -7,5 +7,7 @@
 /// they do not.
 std::string FindDefaultPlugins();
 std::string FindDefaultSchema();
+/// The document that stands beside the base document, and says how a collection tells how complete it is.
+std::string FindStateDocument();
 
 #endif

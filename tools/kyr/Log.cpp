@@ -1,8 +1,9 @@
 #include "Log.h"
 
+#include <list>
+
 #include "Exit.h"
 #include "Output.h"
-#include "Session.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TLogger.h"
 #include "kyr/TRootObject.h"
@@ -11,19 +12,13 @@ namespace {
 
 constexpr const char* kSeverityNames[] = {"error", "warning", "status", "debug"};
 
-void TellEntry(const ILogger::TLogEntry& entry) {
-    const std::string source = entry.plugin == nullptr ? "core" : TSession::NameOf(*entry.plugin);
-    const bool named = entry.severity >= kyrLogError && entry.severity <= kyrLogDebug;
-    Complain("[" + source + "] " + (named ? kSeverityNames[entry.severity] : "note") + ": " + entry.text);
-}
-
 }  // namespace
 
-TLog::TLog(const TSessionOptions& options) : fVerbose(options.verbose) {
+TLog::TLog(const TSessionOptions& options) : fVerbose(options.verbose), fIsInFile(!options.log.empty()) {
     TLogger::Initialize();
     ILogger& logger = *TRootObject::GetCoreLogger();
     logger.SetLogThreshold(fVerbose ? kyrLogVerbose : kyrLogDebug);
-    if (options.log.empty()) return;
+    if (!fIsInFile) return;
     try {
         logger.SetLogFilename(options.log);
     } catch (const TKYRException& e) {
@@ -36,10 +31,18 @@ TLog::~TLog() {
     TLogger::Initialize();  // plugins may log from destructors of their own
 }
 
-std::list<ILogger::TLogEntry> TLog::Take() const {
+std::vector<TLogLine> TLog::Take() {
     std::list<ILogger::TLogEntry> entries;
     entries.swap(TRootObject::GetCoreLogger()->GetLog());
-    if (fVerbose)
-        for (const ILogger::TLogEntry& entry : entries) TellEntry(entry);
-    return entries;
+    std::vector<TLogLine> lines;
+    for (const ILogger::TLogEntry& entry : entries)
+        lines.push_back({entry.plugin == nullptr, entry.severity, entry.text});
+    return lines;
+}
+
+void TLog::Tell(const TLogLine& line, const std::string& plugin) const {
+    if (!fVerbose) return;
+    const bool named = line.severity >= kyrLogError && line.severity <= kyrLogDebug;
+    const std::string source = line.core ? "core" : plugin;
+    Complain("[" + source + "] " + (named ? kSeverityNames[line.severity] : "note") + ": " + line.text);
 }

@@ -1,10 +1,10 @@
 #ifndef LOG_H
 #define LOG_H
 
-#include <list>
+#include <vector>
 
 #include "Options.h"
-#include "kyr/ILogger.h"
+#include "State.h"
 
 /// The core's log for the length of a command. It must be there before anything else of the core is used.
 class TLog {
@@ -16,11 +16,16 @@ public:
     TLog(const TLog&) = delete;
     TLog& operator=(const TLog&) = delete;
 
-    /// What was logged since the last call. With --verbose it is told on standard error.
-    std::list<ILogger::TLogEntry> Take() const;
+    /// What was logged since the last call.
+    static std::vector<TLogLine> Take();
+    /// With --verbose, tells the line on standard error, under the plugin's name if it is not the core's.
+    void Tell(const TLogLine& line, const std::string& plugin = "") const;
+    /// Somebody reads more of it than errors and warnings.
+    bool IsWatched() const { return fVerbose || fIsInFile; }
 
 private:
     bool fVerbose;
+    bool fIsInFile;
 };
 
 #endif

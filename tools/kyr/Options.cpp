@@ -4,6 +4,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <filesystem>
+#include <utility>
 
 #include "Exit.h"
 #include "Locations.h"
@@ -22,9 +23,12 @@ constexpr const char* kFooter =
 }
 
 // Anything that is left over is refused here and not by the parser, which would not name the nearest right word.
-CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description, TSessionOptions& session) {
+CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& description, TOptions& options) {
+    TSessionOptions& session = options.session;
     CLI::App* const command = app.add_subcommand(name, description);
     command->allow_extras();
+    command->add_option("--from", session.from, "A saved collection in place of this machine")->type_name("FILE");
+    command->add_flag("--json", options.json, "Print JSON");
     command->add_option("--plugins", session.plugins, "Folder with a folder for each plugin")->type_name("DIR");
     command->add_option("--schema", session.schema, "The base document")->type_name("FILE");
     command->add_option("--log", session.log, "Write a log to this file")->type_name("FILE");
@@ -32,18 +36,67 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
     return command;
 }
 
-void AddCommands(CLI::App& app, TOptions& options) {
-    CLI::App* const collect = AddCommand(app, "collect", "Ask the plugins and print what they report", options.session);
-    collect->add_option("--class", options.classes, "Only this class and its subclasses; may be repeated")
+void AddCollecting(CLI::App& command, TSessionOptions& session) {
+    command.add_option("--timeout", session.timeout, "Time for each plugin")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    command.add_option("--deadline", session.deadline, "Time for all plugins together")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
+    command.add_flag("--in-process", session.inProcess, "Run the plugins in this process, one after another");
+}
+
+void AddPrinting(CLI::App& command, TOptions& options) {
+    command.add_option("--class", options.classes, "Only this class and its subclasses; may be repeated")
         ->type_name("NAME")
         ->allow_extra_args(false);
-    collect->add_flag("--raw", options.raw, "Plain values in place of display text");
-    collect->add_flag("--references", options.references, "Show for each instance what it is tied to");
+    command.add_flag("--raw", options.raw, "Plain values in place of display text");
+    command.add_flag("--null", options.null, "Properties without a value too");
+    command.add_flag("--references", options.references, "Show for each instance what it is tied to");
+    command.add_flag("--provenance", options.provenance, "Show where values came from, and why others are missing");
+    command.add_flag("--stable", options.stable, "Leave out what changes by itself, such as times and counters");
+}
 
-    CLI::App* const schema = AddCommand(app, "schema", "Print the tree of classes, or one class", options.session);
+void AddCollect(CLI::App& app, TOptions& options) {
+    CLI::App* const collect = AddCommand(app, "collect", "Ask the plugins and print or save what they report", options);
+    collect->add_option("FILE", options.session.from, "A saved collection, as --from");
+    collect->add_option("-o,--output", options.output, "Save the collection: FILE.xml or FILE.xml.gz")
+        ->type_name("FILE");
+    AddPrinting(*collect, options);
+    AddCollecting(*collect, options.session);
+}
+
+void AddShow(CLI::App& app, TOptions& options) {
+    CLI::App* const show = AddCommand(app, "show", "Print a saved collection, or this machine's", options);
+    show->add_option("FILE", options.session.from, "A saved collection, as --from");
+    AddPrinting(*show, options);
+    show->add_flag("--tree", options.tree, "Each instance below the one that it belongs to");
+    AddCollecting(*show, options.session);
+}
+
+void AddAssoc(CLI::App& app, TOptions& options) {
+    CLI::App* const assoc = AddCommand(app, "assoc", "Print what an instance is tied to", options);
+    assoc->add_option("PATH", options.path, "The instance: Class.Key=\"value\",Other=\"value\"")->required();
+    assoc->add_option("--assoc-class", options.assocClass, "Only ties of this class")->type_name("NAME");
+    assoc->add_option("--result-class", options.resultClass, "Only results of this class")->type_name("NAME");
+    assoc->add_option("--role", options.role, "Only ties in which the instance has this role")->type_name("NAME");
+    assoc->add_option("--result-role", options.resultRole, "Only results in this role")->type_name("NAME");
+    AddCollecting(*assoc, options.session);
+}
+
+void AddCommands(CLI::App& app, TOptions& options) {
+    AddCollect(app, options);
+    AddShow(app, options);
+    AddAssoc(app, options);
+
+    CLI::App* const schema = AddCommand(app, "schema", "Print the tree of classes, or one class", options);
     schema->add_option("CLASS", options.className, "The class to describe");
+    schema->add_flag("--json-schema", options.jsonSchema, "Print a JSON Schema of all that --json prints");
 
-    AddCommand(app, "identity", "Print what machine this is", options.session);
+    CLI::App* const identity = AddCommand(app, "identity", "Print what machine this is", options);
+    identity->add_option("FILE", options.session.from, "A saved collection, as --from");
+    AddCollecting(*identity, options.session);
 }
 
 std::vector<std::string> OptionNames(const CLI::App& app) {
@@ -80,18 +133,32 @@ std::string MakeAbsolute(const std::string& path, const std::string& option) {
     return std::filesystem::absolute(path).string();
 }
 
+void MakeAbsoluteIfGiven(std::string& path) {
+    if (!path.empty()) path = std::filesystem::absolute(path).string();
+}
+
 // Before anything changes the current folder.
-void ResolvePaths(TSessionOptions& session) {
+void ResolvePaths(TOptions& options) {
+    TSessionOptions& session = options.session;
+    MakeAbsoluteIfGiven(session.from);
+    MakeAbsoluteIfGiven(session.log);
+    MakeAbsoluteIfGiven(options.output);
+    if (!session.from.empty()) return;
     if (session.plugins.empty()) session.plugins = FindDefaultPlugins();
     if (session.schema.empty()) session.schema = FindDefaultSchema();
     session.plugins = MakeAbsolute(session.plugins, "--plugins");
     session.schema = MakeAbsolute(session.schema, "--schema");
-    if (!session.log.empty()) session.log = MakeAbsolute(session.log, "--log");
 }
 
+constexpr std::pair<const char*, TOptions::ECommand> kCommands[] = {
+    {"collect", TOptions::eCollect}, {"show", TOptions::eShow},         {"assoc", TOptions::eAssoc},
+    {"schema", TOptions::eSchema},   {"identity", TOptions::eIdentity},
+};
+
 TOptions::ECommand CommandNamed(const std::string& name) {
-    if (name == "collect") return TOptions::eCollect;
-    return name == "schema" ? TOptions::eSchema : TOptions::eIdentity;
+    for (const auto& [word, command] : kCommands)
+        if (name == word) return command;
+    return TOptions::eShowText;
 }
 
 TOptions ShowText(const std::string& text) {
@@ -125,6 +192,6 @@ TOptions ParseOptions(int argc, char** argv) {
     if (commands.size() > 1) RefuseUse(app, "more than one command given");
     RefuseLeftOvers(*commands.front());
     options.command = CommandNamed(commands.front()->get_name());
-    ResolvePaths(options.session);
+    ResolvePaths(options);
     return options;
 }

@@ -1,8 +1,10 @@
 #include "Output.h"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -24,13 +26,30 @@ bool MayColour() {
     return isatty(STDOUT_FILENO) != 0;
 }
 
+// 0: nobody says.
+size_t ColumnsGiven() {
+    const char* const columns = std::getenv("COLUMNS");
+    const long given = columns == nullptr ? 0 : std::strtol(columns, nullptr, 10);
+    return given > 0 ? static_cast<size_t>(given) : 0;
+}
+
+size_t ColumnsOfTerminal() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+size_t FindWidth() {
+    if (const size_t given = ColumnsGiven()) return std::min(given, TOutput::kUnlimited);
+    return isatty(STDOUT_FILENO) == 0 ? TOutput::kUnlimited : ColumnsOfTerminal();
+}
+
 [[noreturn]] void FailToWrite() {
     throw TCommandError(eExitOutput, std::string("cannot write standard output: ") + std::strerror(errno));
 }
 
 }  // namespace
 
-TOutput::TOutput() : fColour(MayColour()) {}
+TOutput::TOutput() : fColour(MayColour()), fWidth(FindWidth()) {}
 
 void TOutput::Write(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailToWrite();
@@ -41,6 +60,8 @@ void TOutput::Flush() {
 }
 
 std::string TOutput::Bold(const std::string& text) const { return fColour ? "\033[1m" + text + "\033[0m" : text; }
+
+std::string TOutput::Dim(const std::string& text) const { return fColour ? "\033[2m" + text + "\033[0m" : text; }
 
 void Complain(const std::string& text) { std::fprintf(stderr, "kyr: %s\n", VisibleText(text).c_str()); }
 

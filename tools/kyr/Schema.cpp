@@ -1,11 +1,14 @@
 #include "Schema.h"
 
-#include <sstream>
+#include <algorithm>
 
 #include "ClassNames.h"
-#include "Session.h"
+#include "Descriptions.h"
+#include "Inventory.h"
+#include "Json.h"
+#include "PropertyMarks.h"
 #include "Values.h"
-#include "VisibleText.h"
+#include "WrapText.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMQualifier.h"
@@ -14,33 +17,14 @@
 
 namespace {
 
-constexpr size_t kTextWidth = 78;
+constexpr size_t kTextWidth = 78;  // at most
+constexpr const char* kBelowName = "      ";
 
-// The text of a string qualifier; empty if it has none.
-template <typename TCarrier>
-std::string QualifierText(const TCarrier& carrier, const char* name) {
-    const TCIMQualifier* const qualifier = carrier.FindQualifier(name);
-    if (qualifier == nullptr || qualifier->GetValue().GetType() != TCIMValue::TCIMType::eCIMString) return "";
-    const TCIMValue value = qualifier->GetValue();
-    return value.IsNull() ? "" : VisibleText(static_cast<std::string>(value));
-}
-
-// Descriptions come with the line ends and blanks of their documents.
-template <typename TCarrier>
-std::string DescriptionOf(const TCarrier& carrier, const std::string& indent) {
-    const TCIMQualifier* const qualifier = carrier.FindQualifier("Description");
-    if (qualifier == nullptr || qualifier->GetValue().IsNull() || qualifier->IsArray()) return "";
-    std::istringstream words(qualifier->GetValue().ToString(10));
-    std::string text, line, word;
-    while (words >> word) {
-        word = VisibleText(word);
-        if (!line.empty() && indent.size() + line.size() + 1 + word.size() > kTextWidth) {
-            text += indent + line + "\n";
-            line.clear();
-        }
-        line += (line.empty() ? "" : " ") + word;
-    }
-    return line.empty() ? text : text + indent + line + "\n";
+void PrintWrapped(const std::string& text, const std::string& indent, TOutput& output) {
+    if (text.empty()) return;
+    const size_t width = std::min(kTextWidth, output.Width());
+    for (const std::string& line : WrapText(text, width > indent.size() ? width - indent.size() : 1))
+        output.Write(indent + line + "\n");
 }
 
 std::string PluginOf(const TCIMClass& cls) {
@@ -75,17 +59,35 @@ std::string TypeText(const TCIMPropertyDecl& declaration) {
     }
 }
 
-bool IsKey(const TCIMPropertyDecl& declaration) {
-    const TCIMQualifier* const key = declaration.FindQualifier("Key");
-    return key != nullptr && !key->GetValue().IsNull() && key->GetValue() == TCIMValue(true);
+// The numbers with the words that they stand for.
+std::string WordsOf(const TCIMPropertyDecl& declaration) {
+    const std::vector<std::string> words = QualifierTexts(declaration, "Values");
+    std::vector<std::string> numbers = QualifierTexts(declaration, "ValueMap");
+    if (numbers.empty())
+        for (size_t i = 0; i < words.size(); ++i) numbers.push_back(std::to_string(i));
+    if (numbers.size() != words.size()) return "Values and ValueMap do not fit together.";
+    std::string text;
+    for (size_t i = 0; i < words.size(); ++i) text += (i == 0 ? "" : ", ") + numbers[i] + " = " + words[i];
+    return text;
+}
+
+std::string FactsOf(const TCIMPropertyDecl& declaration, const TCIMClass& cls) {
+    std::string text = TypeText(declaration);
+    if (IsKey(declaration)) text += ", key";
+    if (const std::string units = QualifierText(declaration, "Units"); !units.empty()) text += ", in " + units;
+    if (IsVolatile(declaration)) text += ", volatile";
+    if (declaration.GetClass() != &cls) text += ", from " + declaration.GetClass()->GetName();
+    return text;
 }
 
 void PrintProperty(const TCIMPropertyDecl& declaration, const TCIMClass& cls, TOutput& output) {
-    std::string line = "  " + output.Bold(declaration.GetName()) + "  " + TypeText(declaration);
-    if (IsKey(declaration)) line += ", key";
-    if (const std::string units = QualifierText(declaration, "Units"); !units.empty()) line += ", in " + units;
-    if (declaration.GetClass() != &cls) line += ", from " + declaration.GetClass()->GetName();
-    output.Write(line + "\n" + DescriptionOf(declaration, "      "));
+    const std::string& name = declaration.GetName();
+    const std::string facts = FactsOf(declaration, cls);
+    const bool fits = name.size() + facts.size() + 4 <= output.Width();
+    output.Write("  " + output.Bold(name) + (fits ? "  " + facts : "") + "\n");
+    if (!fits) PrintWrapped(facts, kBelowName, output);
+    PrintWrapped(DescriptionOf(declaration), kBelowName, output);
+    PrintWrapped(WordsOf(declaration), kBelowName, output);
 }
 
 // Those that have no line of their own.
@@ -102,8 +104,9 @@ std::string QualifiersOf(const TCIMClass& cls) {
 void PrintClass(const TCIMClass& cls, TOutput& output) {
     const std::string superclass = cls.IsRootClass() ? "none" : cls.GetSuperClass()->GetName();
     const std::string plugin = PluginOf(cls);
-    output.Write(output.Bold(cls.GetName()) + "\n" + DescriptionOf(cls, "  ") + "\n");
-    output.Write("Superclass  " + superclass + "\n");
+    output.Write(output.Bold(cls.GetName()) + "\n");
+    PrintWrapped(DescriptionOf(cls), "  ", output);
+    output.Write("\nSuperclass  " + superclass + "\n");
     output.Write("Plugin      " + (plugin.empty() ? "none" : plugin) + "\n");
     output.Write("Qualifiers  " + QualifiersOf(cls) + "\n\nProperties\n");
     for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls()) PrintProperty(*declaration, cls, output);
@@ -111,12 +114,18 @@ void PrintClass(const TCIMClass& cls, TOutput& output) {
 
 }  // namespace
 
-EExit RunSchema(const TOptions& options, TOutput& output, TFailures& failures) {
-    const TSession session(options.session, failures);
-    const TContainer& schema = session.Schema();
-    if (options.className.empty())
-        PrintTree(*schema.GetRootClass(), "", output);
+EExit RunSchema(const TOptions& options, TOutput& output) {
+    TInventory inventory(options.session);
+    inventory.LoadPlugins();
+    const TContainer& schema = inventory.Container();
+    const TCIMClass* const only = options.className.empty() ? nullptr : &GetClassNamed(schema, options.className);
+    if (options.jsonSchema)
+        WriteJsonSchema(schema, output);
+    else if (options.json)
+        WriteSchemaJson(schema, only, output);
+    else if (only != nullptr)
+        PrintClass(*only, output);
     else
-        PrintClass(GetClassNamed(schema, options.className), output);
-    return failures.IsEmpty() ? eExitComplete : eExitPartial;
+        PrintTree(*schema.GetRootClass(), "", output);
+    return inventory.Conclude();
 }

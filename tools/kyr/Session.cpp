@@ -5,145 +5,123 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <vector>
+#include <utility>
 
 #include "Exit.h"
+#include "InProcess.h"
+#include "Libraries.h"
+#include "Locations.h"
 #include "Output.h"
-#include "kyr/IPlugin.h"
-#include "kyr/IPluginCallbacks.h"
+#include "PluginMarks.h"
+#include "PluginProcesses.h"
+#include "StateWriter.h"
+#include "SystemMirror.h"
+#include "TapeReport.h"
 #include "kyr/IPluginManager.h"
-#include "kyr/TContainer.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
-#include "kyr/TOSSpecific.h"
 #include "kyr/TPluginManager.h"
 #include "kyr/TRootObject.h"
-#include "kyr/kyrPlugin.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
-bool IsLibraryName(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
-
-// A pipe in place of a library must not hold us up.
-std::error_code AddLibraries(const fs::path& folder, std::vector<std::string>& libraries) {
-    std::error_code error, ignored;
-    for (const fs::directory_entry& file : fs::directory_iterator(folder, error))
-        if (IsLibraryName(file.path().filename().string()) && file.is_regular_file(ignored))
-            libraries.push_back(file.path().string());
-    return error;
-}
-
-// The plugin libraries one folder below the current one, in the order of their names: where two plugins declare a
-// class, it is the same one each time that brings it. A folder that cannot be read costs its own plugins only.
-std::vector<std::string> FindLibraries(TFailures& failures) {
-    std::vector<std::string> libraries;
-    std::error_code error, ignored;
-    for (const fs::directory_entry& folder : fs::directory_iterator(".", error)) {
-        if (!folder.is_directory(ignored)) continue;
-        if (const std::error_code unreadable = AddLibraries(folder, libraries))
-            failures.Add({folder.path().string(), "", "cannot read its folder: " + unreadable.message()});
-    }
-    if (error) throw TCommandError(eExitNothing, "cannot read the plugin folder: " + error.message());
-    std::sort(libraries.begin(), libraries.end());
-    return libraries;
-}
-
-std::string DocumentOf(const IPlugin& plugin) {
-    try {
-        return plugin.GetSpecificationPath();
-    } catch (const TKYRException&) {
-        return "of " + plugin.GetPath();
-    }
-}
-
-bool BringsClasses(const IPlugin& plugin) {
-    try {
-        return !plugin.GetClassesCollected().empty();
-    } catch (const TKYRException&) {
-        return false;
-    }
-}
-
-}  // namespace
-
-TSession::TSession(const TSessionOptions& options, TFailures& failures) : fLog(options), fFailures(failures) {
-    TPluginManager::Initialize(".");
-    ReadBaseDocument(options.schema);
-    EnterPluginFolder(options.plugins);
-    const std::vector<std::string> libraries = FindLibraries(fFailures);
-    if (libraries.empty()) Complain("no plugins in '" + options.plugins + "'");
-    for (const std::string& path : libraries) LoadLibrary(path);
-}
-
-TContainer& TSession::Schema() const { return *TRootObject::GetPluginManager()->GetSchema(); }
-
-std::string TSession::NameOf(const IPlugin& plugin) {
-    try {
-        return plugin.GetCallbacks()->GetName();
-    } catch (const std::exception&) {
-        return plugin.GetPath();
-    }
-}
-
-void TSession::ReadBaseDocument(const std::string& path) {
-    try {
-        Schema().PopulateContainerFromFile(path);
-    } catch (const TKYRException& e) {
-        NoteErrors("");
-        throw TCommandError(eExitNothing, "cannot read the base document '" + path + "': " + e.what());
-    }
-    NoteErrors("");
-}
+TContainer& PluginSchema() { return *TRootObject::GetPluginManager()->GetSchema(); }
 
 // Libraries are named from inside the plugin folder: the first "lib" of a library's path is taken away to name its
 // document, and must be the one in the file's own name.
-void TSession::EnterPluginFolder(const std::string& path) {
+void EnterPluginFolder(const std::string& path) {
     if (chdir(path.c_str()) == 0) return;
     throw TCommandError(eExitNothing, "cannot enter the plugin folder '" + path + "': " + std::strerror(errno));
 }
 
-void TSession::LoadLibrary(const std::string& path) {
-    IPluginManager& manager = *TRootObject::GetPluginManager();
-    const auto& plugins = manager.GetPluginsContainer();
-    const size_t before = plugins.size();
-    std::string refusal;
+bool BringsSystem(const TLibrary& library) {
+    const auto isSystem = [](const TCIMClass* cls) {
+        return cls->GetName() == TCIMSchemaHelper::kSystemCreationClassName;
+    };
+    return std::any_of(library.classes.begin(), library.classes.end(), isSystem);
+}
+
+}  // namespace
+
+TSession::TSession(const TSessionOptions& options, const TLog& log) : fOptions(options), fLog(log) {
+    TPluginManager::Initialize(".");
+    ReadBaseDocument(options.schema);
+    ReadBaseDocument(FindStateDocument());
+    EnterPluginFolder(options.plugins);
+    fLibraries = FindLibraries();
+    if (fLibraries.empty()) Complain("no plugins in '" + options.plugins + "'");
+    ReadDocuments(fLibraries, fContainer, PluginSchema(), options.timeout);
+}
+
+void TSession::ReadBaseDocument(const std::string& path) {
+    std::string failure;
     try {
-        manager.LoadPlugin(path);
-    } catch (const std::exception& e) {
-        refusal = e.what();
+        fContainer.PopulateContainerFromFile(path);
+        PluginSchema().PopulateContainerFromFile(path);
+    } catch (const TKYRException& e) {
+        failure = e.what();
     }
-    if (plugins.size() == before) {
-        if (!NoteErrors(path)) fFailures.Add({path, "", "the library registers no plugin"});
-        return;
+    for (const TLogLine& line : TLog::Take()) {
+        fLog.Tell(line);
+        if (line.severity == kyrLogError) Complain("base document: " + line.text);
     }
-    for (auto added = std::next(plugins.begin(), static_cast<long>(before)); added != plugins.end(); ++added)
-        CheckPlugin(**added, *added == plugins.back() ? refusal : "");
-    NoteErrors(NameOf(*plugins.back()));
+    if (!failure.empty()) throw TCommandError(eExitNothing, "cannot read the base document '" + path + "': " + failure);
 }
 
-void TSession::CheckPlugin(const IPlugin& plugin, const std::string& refusal) {
-    std::string reason;
-    if (!plugin.IsInitialized())
-        reason = "its init entry failed";
-    else if (!refusal.empty())
-        reason = "cannot read its document " + DocumentOf(plugin) + ": " + refusal;
-    else if (plugin.GetCallbacks()->GetType() == kyrPluginDataCollector && !BringsClasses(plugin))
-        reason = "its document brings no class of its own";
-    if (reason.empty())
-        fUsable.insert(&plugin);
+// Whoever brings the computer system comes first, since others ask for its name. Whose document repeats classes of
+// another comes last: they may fall to it.
+TSession::TRounds TSession::FindRounds() {
+    TRounds rounds(2);
+    for (TLibrary& library : fLibraries) {
+        if (!library.hindrance.reason.empty())
+            library.report.end = library.hindrance;
+        else if (!library.repeated.empty())
+            rounds.push_back({&library});
+        else
+            rounds[BringsSystem(library) ? 0 : 1].push_back(&library);
+    }
+    return rounds;
+}
+
+void TSession::Run(const std::vector<std::string>* classNames) {
+    const TRounds rounds = FindRounds();
+    int interruption = 0;
+    if (fOptions.inProcess)
+        RunHere(rounds, classNames);
     else
-        fFailures.Add({NameOf(plugin), "", reason});
+        interruption = RunApart(rounds, classNames);
+    for (const TLibrary& library : fLibraries) MarkClasses(library, fContainer);
+    WriteStates(fLibraries, classNames, interruption, fContainer);
 }
 
-// Gives whether there were any.
-bool TSession::NoteErrors(const std::string& plugin) {
-    bool any = false;
-    for (const ILogger::TLogEntry& entry : fLog.Take()) {
-        if (entry.severity != kyrLogError) continue;
-        fFailures.Add({plugin, "", entry.text});
-        any = true;
+void TSession::TakeIn(const TPluginProcess& process, bool associations) {
+    TLibrary& library = process.Library();
+    MergeInstances(process.Tape(), associations, fContainer, library.report);
+    for (const TLogLine& line : std::exchange(library.report.log, {}))
+        fLog.Tell(line, library.report.NameIn(library.path));
+}
+
+void TSession::RunHere(const TRounds& rounds, const std::vector<std::string>* classNames) {
+    for (const std::vector<TLibrary*>& round : rounds) {
+        for (TLibrary* library : round) {
+            ClaimClasses(*library, fLibraries);
+            LoadHere(*library, fContainer, fLog);
+        }
     }
-    return any;
+    if (classNames != nullptr) QueryHere(fContainer, *classNames);
+}
+
+// Gives the signal that interrupted it, or 0.
+int TSession::RunApart(const TRounds& rounds, const std::vector<std::string>* classNames) {
+    const auto takeIn = [this](const TPluginProcess& process) { TakeIn(process, false); };
+    TPluginProcesses processes(fOptions, fLibraries.size(), takeIn);
+    const TPluginTask task{fContainer, classNames, fLog.IsWatched()};
+    for (const std::vector<TLibrary*>& round : rounds) {
+        for (TLibrary* library : round) ClaimClasses(*library, fLibraries);
+        processes.Run(round, task);
+        ShowSystemToPlugins(fContainer);
+    }
+    for (const auto& process : processes.Ended()) TakeIn(*process, true);
+    return processes.Interruption();
 }

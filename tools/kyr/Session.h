@@ -1,43 +1,46 @@
 #ifndef SESSION_H
 #define SESSION_H
 
-#include <set>
+#include <list>
 #include <string>
+#include <vector>
 
-#include "Failures.h"
+#include "Library.h"
 #include "Log.h"
 #include "Options.h"
+#include "StreamingContainer.h"
 
-class IPlugin;
-class TContainer;
+class TPluginProcess;
 
-/// The core set up as a host must: the log, the base document in the schema, and the plugins loaded, all that failed
-/// being noted. There is one in a process. It changes the current folder.
+/// This machine: the core set up as a host must, with the documents of the plugins found, and the plugins themselves
+/// once they are run. There is one in a process. It changes the current folder.
+///
+/// There are two containers. The plugin manager's schema is where plugins look for the computer system, and what
+/// their documents are read into when they are loaded. The instances are in ours.
 class TSession {
 public:
     /// Raises TCommandError.
-    TSession(const TSessionOptions& options, TFailures& failures);
+    TSession(const TSessionOptions& options, const TLog& log);
 
-    TContainer& Schema() const;
-    const TLog& Log() const { return fLog; }
-    /// Where failures are noted.
-    TFailures& Failures() const { return fFailures; }
-    /// False for a plugin that failed while it was loaded.
-    bool IsUsable(const IPlugin& plugin) const { return fUsable.count(&plugin) != 0; }
-
-    /// The plugin's name, or its library's path if it has none.
-    static std::string NameOf(const IPlugin& plugin);
+    TStreamingContainer& Container() { return fContainer; }
+    /// Loads the plugins, and asks them for the classes of those exact names; an empty list means all, null that they
+    /// are only loaded. In the end the container tells how complete it is.
+    void Run(const std::vector<std::string>* classNames);
 
 private:
-    void ReadBaseDocument(const std::string& path);
-    void EnterPluginFolder(const std::string& path);
-    void LoadLibrary(const std::string& path);
-    bool NoteErrors(const std::string& plugin);
-    void CheckPlugin(const IPlugin& plugin, const std::string& refusal);
+    /// Libraries that can run side by side, after those before them.
+    using TRounds = std::vector<std::vector<TLibrary*>>;
 
-    TLog fLog;
-    TFailures& fFailures;
-    std::set<const IPlugin*> fUsable;
+    void ReadBaseDocument(const std::string& path);
+    TRounds FindRounds();
+    void TakeIn(const TPluginProcess& process, bool associations);
+    void RunHere(const TRounds& rounds, const std::vector<std::string>* classNames);
+    int RunApart(const TRounds& rounds, const std::vector<std::string>* classNames);
+
+    const TSessionOptions& fOptions;
+    const TLog& fLog;
+    TStreamingContainer fContainer;
+    std::list<TLibrary> fLibraries;  // in the order of their paths
 };
 
 #endif

@@ -3,18 +3,14 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Descriptions.h"
 #include "VisibleText.h"
 #include "kyr/TCIMDateTime.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TKYRException.h"
 
 namespace {
-
-std::string JoinElements(const TCIMProperty& property) {
-    std::string text;
-    for (const std::string& element : property.ToStringVector()) text += (text.empty() ? "" : ", ") + element;
-    return text;
-}
 
 // Year first, and with the offset: the core's own form for people has neither.
 std::string TimestampText(const TCIMDateTime& moment) {
@@ -32,24 +28,43 @@ std::string DateTimeText(const TCIMDateTime& moment) {
 }
 
 std::string TextForPeople(const TCIMProperty& property) {
-    if (property.IsArray()) return JoinElements(property);
     if (property.GetType() == TCIMValue::TCIMType::eCIMDateTime)
         return DateTimeText(static_cast<TCIMDateTime>(property.GetValue()));
     return property.ToString();
 }
 
-std::string WithoutTrailingBlanks(std::string text) {
+std::string Tidy(std::string text) {
     text.erase(text.find_last_not_of(' ') + 1);
-    return text;
+    return VisibleText(text);
+}
+
+bool IsBareNumber(const std::string& text) { return text.find_first_not_of("-+.0123456789e") == std::string::npos; }
+
+// The core scales bytes, bits and seconds and names them; of other units it gives the number alone. That is all there
+// is to tell of an identifier, which counts nothing.
+std::string WithUnit(std::string text, const TCIMProperty& property) {
+    if (!IsBareNumber(text) || text.empty()) return text;
+    const std::string unit = QualifierText(property.GetDeclaration(), "Units");
+    return unit.empty() || unit == "Identifier" ? text : text + " " + unit;
 }
 
 }  // namespace
 
 std::string DisplayText(const TCIMProperty& property) {
     try {
-        return VisibleText(WithoutTrailingBlanks(TextForPeople(property)));
+        return WithUnit(Tidy(TextForPeople(property)), property);
     } catch (const TKYRException&) {
         return PlainText(property.GetValue());
+    }
+}
+
+std::vector<std::string> DisplayElements(const TCIMProperty& property) {
+    try {
+        std::vector<std::string> elements = property.ToStringVector();
+        for (std::string& element : elements) element = WithUnit(Tidy(element), property);
+        return elements;
+    } catch (const TKYRException&) {
+        return {PlainText(property.GetValue())};
     }
 }
 

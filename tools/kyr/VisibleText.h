@@ -8,4 +8,12 @@
 /// bytes that are no UTF-8 are written as escapes.
 std::string VisibleText(std::string_view text);
 
+/// The text with only those bytes as escapes that are no UTF-8.
+std::string ValidText(std::string_view text);
+
+/// Beyond ASCII: a control character, or one that reorders or hides text.
+bool IsHiddenCharacter(unsigned int point);
+/// As "\u202E".
+std::string EscapedCharacter(unsigned int point);
+
 #endif

@@ -1,24 +1,29 @@
 #include <csignal>
 #include <exception>
 
+#include "Assoc.h"
 #include "Collect.h"
 #include "Exit.h"
-#include "Failures.h"
 #include "Identity.h"
 #include "Options.h"
 #include "Output.h"
 #include "Schema.h"
+#include "Show.h"
 
 namespace {
 
-EExit RunCommand(const TOptions& options, TOutput& output, TFailures& failures) {
+EExit RunCommand(const TOptions& options, TOutput& output) {
     switch (options.command) {
         case TOptions::eCollect:
-            return RunCollect(options, output, failures);
+            return RunCollect(options, output);
+        case TOptions::eShow:
+            return RunShow(options, output);
+        case TOptions::eAssoc:
+            return RunAssoc(options, output);
         case TOptions::eSchema:
-            return RunSchema(options, output, failures);
+            return RunSchema(options, output);
         case TOptions::eIdentity:
-            return RunIdentity(options, output, failures);
+            return RunIdentity(options, output);
         case TOptions::eShowText:
             break;
     }
@@ -26,19 +31,16 @@ EExit RunCommand(const TOptions& options, TOutput& output, TFailures& failures) 
     return eExitComplete;
 }
 
-EExit Run(int argc, char** argv, TFailures& failures) {
+EExit Run(int argc, char** argv) {
     try {
         TOutput output;
-        const EExit status = RunCommand(ParseOptions(argc, argv), output, failures);
+        const EExit status = RunCommand(ParseOptions(argc, argv), output);
         output.Flush();
-        failures.Print();
         return status;
     } catch (const TCommandError& e) {
-        failures.Print();
         Complain(e.what());
         return e.fStatus;
     } catch (const std::exception& e) {
-        failures.Print();
         Complain(std::string("unexpected failure: ") + e.what());
         return eExitNothing;
     }
@@ -49,6 +51,5 @@ EExit Run(int argc, char** argv, TFailures& failures) {
 int main(int argc, char** argv) {
     KeepStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error like others
-    TFailures failures;
-    return Run(argc, argv, failures);
+    return Run(argc, argv);
 }

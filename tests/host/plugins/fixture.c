@@ -26,9 +26,10 @@ static kyrStatusCode Nothing(kyrPluginHandle plugin) {
     return kyrStatusOK;
 }
 
-/* One instance of each class. */
+/* One instance of each class; none without permission. */
 static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
     (void)plugin;
+    if (DATA_STATUS == kyrStatusAccessDenied) return DATA_STATUS;
     for (uint32_t i = 0; i < count; ++i) {
         kyrAddClass(handle, classNames[i]);
         kyrAddStringProperty(handle, "Id", KEY_VALUE);

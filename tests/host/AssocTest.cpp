@@ -1,0 +1,97 @@
+#include <gmock/gmock.h>
+
+#include "KyrRun.h"
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+namespace {
+
+TRunResult RunAssoc(const std::string& arguments) {
+    static const TPluginRoot root({"machine"});
+    return RunKyr("assoc " + arguments + root.Option());
+}
+
+}  // namespace
+
+TEST(AssocTest, TiesOfOneKindStandTogether) {
+    const TRunResult run = RunAssoc("'TEST_Disk.DeviceID=\"nvme0n1\"'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "nvme0n1\n"
+              "  TEST_Disk.DeviceID=\"nvme0n1\"\n"
+              "\n"
+              "TEST_BasedOn  Antecedent -> Dependent\n"
+              "  (not collected)\n"
+              "    TEST_Partition.DeviceID=\"gone\"\n"
+              "  sda2\n"
+              "    TEST_SwapPartition.DeviceID=\"sda2\"\n"
+              "\n"
+              "TEST_Contains  PartComponent -> GroupComponent\n"
+              "  alpha\n"
+              "    TEST_Computer.CreationClassName=\"TEST_Computer\",Name=\"alpha\"\n");
+}
+
+TEST(AssocTest, FiltersHoldBackOtherTies) {
+    const struct {
+        const char* filter;
+        size_t ties;
+    } cases[] = {
+        {"", 3},
+        {" --assoc-class cim_component", 0},
+        {" --assoc-class test_basedon", 2},
+        {" --result-class TEST_Partition", 2},
+        {" --result-class TEST_SwapPartition", 1},
+        {" --role partcomponent", 1},
+        {" --result-role dependent", 2},
+        {" --role PartComponent --result-role Dependent", 0},
+    };
+    for (const auto& c : cases) {
+        const TRunResult run = RunAssoc(std::string("TEST_Disk.DeviceID=nvme0n1") + c.filter);
+        EXPECT_EQ(run.status, 0) << c.filter;
+        EXPECT_EQ(CountIn(run.out, "\n    TEST_"), c.ties) << c.filter;
+        EXPECT_EQ(run.err, c.ties == 0 ? "kyr: no ties\n" : "") << c.filter;
+    }
+}
+
+TEST(AssocTest, PathsMayBeWrittenInManyWays) {
+    const std::string hostile = "\n  TEST_Mount.Point=\"/mnt\\n\",Source=\"//h/a \"b\", Point=c\"\n";
+    const std::string computer = "\n  TEST_Computer.CreationClassName=\"TEST_Computer\",Name=\"alpha\"\n";
+    const struct {
+        const char* path;
+        std::string found;
+    } cases[] = {
+        {"'TEST_Mount.Point=\"/mnt\\n\",Source=\"//h/a \"b\", Point=c\"'", hostile},
+        {"'test_mount.source=//h/a \"b\", Point=c,POINT=/mnt\\n'", hostile},
+        {"'TEST_Mount.Source=\"//h/a \\\"b\\\", Point=c\"'", hostile},
+        {"TEST_Computer", computer},
+        {"CIM_System.Name=alpha,CreationClassName=\"TEST_Computer\"", computer},
+        {"'TEST_Contains.partcomponent=\"TEST_Disk.DeviceID=\"sda\"\",GroupComponent=TEST_Computer.Name=alpha,"
+         "CreationClassName=TEST_Computer'",
+         ",PartComponent=\"TEST_Disk.DeviceID=\"sda\"\"\n"},
+    };
+    for (const auto& c : cases) EXPECT_THAT(RunAssoc(c.path).out, HasSubstr(c.found)) << c.path;
+}
+
+TEST(AssocTest, PathThatNamesNothingIsToldWithWhatThereIs) {
+    const struct {
+        const char* path;
+        const char* message;
+    } cases[] = {
+        {"TEST_Dsk.DeviceID=sda", "unknown class 'TEST_Dsk'; did you mean 'TEST_Disk'?"},
+        {"TEST_Disk", "'TEST_Disk' may be any of 2: TEST_Disk.DeviceID=\"nvme0n1\" or TEST_Disk.DeviceID=\"sda\""},
+        {"TEST_Disk.DeviceID=sdb",
+         "there is no 'TEST_Disk.DeviceID=sdb' among the 2 instances of class TEST_Disk; "
+         "did you mean 'TEST_Disk.DeviceID=\"sda\"'?"},
+        {"TEST_Disk.DevisID=x", "class TEST_Disk has no key 'DevisID'; did you mean 'DeviceID'? (its keys: DeviceID)"},
+        {"TEST_Disk.sda", "'sda' is no key: a path is Class.Key=\"value\""},
+        {"TEST_Computer --role x --assoc-class TEST_BasdOn",
+         "unknown class 'TEST_BasdOn'; did you mean 'TEST_BasedOn'?"},
+    };
+    for (const auto& c : cases) {
+        const TRunResult run = RunAssoc(c.path);
+        EXPECT_EQ(run.status, 2) << c.path;
+        EXPECT_EQ(run.out, "") << c.path;
+        EXPECT_THAT(run.err, StartsWith(std::string("kyr: ") + c.message + "\n")) << c.path;
+    }
+}

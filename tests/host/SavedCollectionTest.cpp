@@ -1,0 +1,203 @@
+#include "SavedCollection.h"
+
+#include <sys/stat.h>
+
+#include <cmath>
+#include <filesystem>
+
+#include "DocumentProbe.h"
+#include "Exit.h"
+#include "support/ContainerText.h"
+#include "support/RandomContainer.h"
+#include "support/SchemaBuilder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+template <typename TAction>
+std::string ErrorOf(EExit status, TAction action) {
+    try {
+        action();
+    } catch (const TCommandError& e) {
+        EXPECT_EQ(e.fStatus, status);
+        return e.what();
+    }
+    return "";
+}
+
+class SavedCollectionTest : public SchemaTest {
+protected:
+    std::string ErrorOfSaving(EExit status, const std::string& path) {
+        return ErrorOf(status, [&] { SaveCollection(fContainer, path, false); });
+    }
+    std::vector<std::string> FilesInFolder() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(fFolder.Path())) names.push_back(entry.path().filename());
+        return names;
+    }
+
+    TempFolder fFolder;
+    const std::string fPath = fFolder.Path() + "/a.xml";
+};
+
+TEST_F(SavedCollectionTest, RandomContainersComeBackAsTheyWere) {
+    for (unsigned int seed = 0; seed < 300; ++seed) {
+        SCOPED_TRACE(seed);
+        TContainer written, read;
+        FillAtRandom(written, seed);
+        const std::string path = seed % 2 == 0 ? fPath : fPath + ".gz";
+        fLog.TakeLines();
+        SaveCollection(written, path, false);
+        ReadCollection(path, read);
+        ASSERT_EQ(TextOf(read), TextOf(written));
+        ASSERT_EQ(fLog.TakeLines(), std::vector<std::string>());
+    }
+}
+
+TEST_F(SavedCollectionTest, StableLeavesOutWhatChangesByItself) {
+    TCIMClass& cls = fSchema.AddClass("A", {{"Id", TCIMValue("x"), {"Key", "Volatile"}},
+                                            {"Free", Null(CIM::eCIMUint64), {"Volatile"}},
+                                            {"DateTimeOfCollection", Null(CIM::eCIMDateTime), {"Volatile"}}});
+    fSchema.AddInstance(cls, {{"Id", TCIMValue("y")}, {"Free", TCIMValue(5ul)}});
+    SaveCollection(fContainer, fPath, true);
+    TContainer read;
+    ReadCollection(fPath, read);
+    const TCIMInstance& instance = *read.GetClass("A")->EnumerateInstances(false).at(0);
+    EXPECT_EQ(instance.BuildPath().GetPath(), "A.Id=\"y\"");
+    EXPECT_TRUE(instance.GetProperty("Free")->GetPropagated());
+    EXPECT_TRUE(instance.GetProperty("DateTimeOfCollection")->GetValue().IsNull());
+}
+
+// Values of a property that the format, or its reader, cannot carry.
+TEST_F(SavedCollectionTest, WhatCannotBeCarriedIsRefusedByClassAndPropertyAndLeavesNoFile) {
+    TCIMClass& target = fSchema.AddClass("Target", {Key("ID")});
+    TCIMReference nullKey = To(target);
+    nullKey.SetKeyBindings({{"ID", Null(CIM::eCIMString)}});
+    TCIMReference unknownKey = To(target);
+    unknownKey.SetKeyBindings({{"Id2", TCIMValue("x")}});
+    const std::pair<TCIMValue, const char*> cases[] = {
+        {TCIMValue(std::string("a\0b", 3)), "its text holds a NUL byte"},
+        {TCIMValue(HUGE_VAL), "the number inf cannot be read back"},
+        {TCIMValue(std::nanf("")), "the number nan cannot be read back"},
+        {TCIMValue(CIM(CIM::eCIMUint8), 0, {Null(CIM::eCIMUint8)}), "it is an array with a NULL among its elements"},
+        {TCIMValue(TCIMDateTime()), "it holds a date-time that was never set"},
+        {TCIMValue(TCIMDateTime(65536, 0, 0, 0, 0)),
+         "the date-time 00065536000000.000000:000 is out of the range that can be read back"},
+        {TCIMValue(nullKey), "it is a reference with 'ID', which cannot be read back as a key of Target"},
+        {TCIMValue(unknownKey), "it is a reference with 'Id2', which cannot be read back as a key of Target"},
+    };
+    int number = 0;
+    for (const auto& [value, reason] : cases) {
+        SCOPED_TRACE(reason);
+        const std::string name = "A" + std::to_string(number++);
+        const TCIMValue declared = value.IsReference() ? NullReferenceTo(target) : TCIMValue(value.GetType(), 0);
+        TCIMClass& cls = fSchema.AddClass(name, {Key("Id"), {"Value", declared}}, nullptr, {"Association"});
+        TCIMInstance& instance = fSchema.AddInstance(cls, {{"Id", TCIMValue("x")}, {"Value", value}});
+        EXPECT_EQ(ErrorOfSaving(eExitOutput, fPath), "cannot save property 'Value' of the instance " + name +
+                                                         ".Id=\"x\": " + reason +
+                                                         "; choose classes without it with --class");
+        cls.RemoveInstance(instance);
+    }
+    EXPECT_THAT(FilesInFolder(), ElementsAre());
+}
+
+TEST_F(SavedCollectionTest, SchemasThatNoDocumentCanHoldAreRefused) {
+    TCIMClass& a = fSchema.AddClass("A", {Key("Id")});
+    fSchema.AddClass("B", {}, &a);
+    fSchema.AddProperty(a, {"Late", Null(CIM::eCIMString)});
+    EXPECT_EQ(ErrorOfSaving(eExitOutput, fPath),
+              "cannot save the class 'B': it lacks the property 'Late' of its superclass");
+    a.RemovePropertyDecl(*a.GetPropertyDecl("Late"));
+    fSchema.AddProperty(a, {"Text", TCIMValue(std::string(1, '\0'))});
+    fContainer.RemoveClass(*fContainer.GetClass("B"));
+    EXPECT_EQ(ErrorOfSaving(eExitOutput, fPath),
+              "cannot save the class 'A': property 'Text': its text holds a NUL byte");
+    TCIMClass& self = fSchema.AddClass("Self", {Key("Id")}, nullptr, {"Association"});
+    fSchema.AddProperty(self, {"Other", NullReferenceTo(self)});
+    EXPECT_EQ(ErrorOfSaving(eExitOutput, fPath),
+              "cannot save the classes 'Self': they refer to each other, or to themselves, so that none of them could "
+              "be read back before the others");
+}
+
+TEST_F(SavedCollectionTest, WhatIsTooLargeToBeReadBackIsRefused) {
+    const TCIMValue text(std::string(104857600, 'x'));
+    TCIMClass& cls = fSchema.AddClass("A", {Key("Id"), {"Text", Null(CIM::eCIMString)}});
+    fSchema.AddInstance(cls, {{"Id", TCIMValue("x")}, {"Text", text}});
+    EXPECT_THAT(ErrorOfSaving(eExitOutput, fPath),
+                testing::MatchesRegex("cannot write '.*': the collection takes 104858[0-9]+ bytes, and no more than "
+                                      "104857600 can be read back; choose fewer classes with --class"));
+    EXPECT_THAT(FilesInFolder(), ElementsAre());
+}
+
+TEST_F(SavedCollectionTest, NamesThatCouldNotBeReadAreRefused) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"/x/a", "a saved collection is named .xml or .xml.gz; write '/x/a.xml'"},
+        {"/x/a.gz", "a saved collection is named .xml or .xml.gz; write '/x/a.xml.gz'"},
+        {"/x.gz/a.xml", "with '.gz' in its path the file would be read as a compressed one; write '/x.gz/a.xml.gz'"},
+    };
+    for (const auto& [path, reason] : cases)
+        EXPECT_EQ(ErrorOf(eExitUsage, [path = path] { RequireSavablePath(path); }),
+                  "cannot save to '" + std::string(path) + "': " + reason);
+}
+
+TEST_F(SavedCollectionTest, FilesThatCannotBeWrittenAreNamed) {
+    EXPECT_EQ(ErrorOfSaving(eExitOutput, "/dev/full"), "cannot write '/dev/full': No space left on device");
+    EXPECT_EQ(
+        ErrorOfSaving(eExitOutput, fFolder.Path() + "/no/a.xml"),
+        "cannot write '" + fFolder.Path() + "/no/a.xml': cannot make a file in its folder: No such file or directory");
+    RequireSavablePath(fPath);
+    EXPECT_THAT(FilesInFolder(), ElementsAre());
+    fs::create_directory(fPath);
+    EXPECT_EQ(ErrorOfSaving(eExitOutput, fPath), "cannot write '" + fPath + "': Is a directory");
+}
+
+TEST_F(SavedCollectionTest, TheNewFileTakesTheOldOnesPlaceAndMode) {
+    const std::string real = fFolder.Write("real.xml", "old");
+    chmod(real.c_str(), 0640);
+    fs::create_symlink("real.xml", fPath);
+    SaveCollection(fContainer, fPath, false);
+    struct stat status {};
+    stat(real.c_str(), &status);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+    EXPECT_EQ(ReadFile(real).substr(0, 5), "<?xml");
+    EXPECT_THAT(FilesInFolder(), testing::UnorderedElementsAre("a.xml", "real.xml"));
+}
+
+std::string DeeplyNested() {
+    std::string text = "<CIM><DECLARATION><DECLGROUP><QUALIFIER.DECLARATION><SCOPE/><VALUE>";
+    for (int i = 0; i < 1000000; ++i) text += "<a>";
+    return text;
+}
+
+TEST_F(SavedCollectionTest, WhatIsNoCollectionIsRefusedByFileAndCause) {
+    const std::string hint = "; it must be a CIM-XML document, as kyr collect -o writes it";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "CIM-XML Parser line 1:Unexpected character before prolog" + hint},
+        {"<CIM>\n<a/></CIM>", "CIM-XML Parser line 2:Unexpected element a.*" + hint},
+        {"<CIM></CIM>", "there is no class in it; it must be a file that kyr collect -o wrote"},
+        {DeeplyNested(),
+         "(crashed the reader .SIGSEGV.|ended the reader with status 1); it is damaged, or was made to do harm"},
+    };
+    for (const auto& [document, reason] : cases) {
+        const std::string path = fFolder.Write("a.xml", document);
+        TContainer read;
+        EXPECT_THAT(ErrorOf(eExitNothing, [&] { ReadCollection(path, read); }),
+                    testing::ContainsRegex("^cannot read the collection '" + path + "': " + reason));
+    }
+    EXPECT_EQ(ErrorOf(eExitNothing, [&] { ReadCollection("/no.xml", fContainer); }),
+              "cannot read the collection '/no.xml': No such file or directory");
+}
+
+TEST(DocumentProbeTest, NamesTheDocumentsThatWouldHarmItsReader) {
+    const TempFolder folder;
+    const std::vector<std::string> paths = {folder.Write("1", "<CIM></CIM>"), folder.Write("2", "<CIM a=\""),
+                                            folder.Write("3", "no XML"), folder.Write("4", "<CIM a='"),
+                                            folder.Write("5", "<CIM/>")};
+    TContainer container;
+    const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
+    EXPECT_THAT(ProbeDocuments(paths, read, 0.3),
+                ElementsAre("", "not read within 0.3 s", "", "not read within 0.3 s", ""));
+}
+
+}  // namespace

@@ -1,0 +1,110 @@
+/*
+ * A plugin that behaves in all but one place, where it does what its build tells: AT_LOAD, AT_INIT, AT_DATA (when two
+ * instances of the first class are closed and a third is open) or AT_EXIT.
+ */
+#define _DEFAULT_SOURCE
+
+#include <pthread.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include "kyr/kyrPlugin.h"
+
+#define BEHAVIOUR __attribute__((unused)) static void
+
+#ifndef AT_LOAD
+#define AT_LOAD Behave
+#endif
+#ifndef AT_INIT
+#define AT_INIT Behave
+#endif
+#ifndef AT_DATA
+#define AT_DATA Behave
+#endif
+#ifndef AT_EXIT
+#define AT_EXIT Behave
+#endif
+
+BEHAVIOUR Behave(void) {}
+__attribute__((unused)) static int* volatile gNowhere; /* so that no compiler can know where it points */
+/* The fault itself, not the sanitizer's word on it. */
+__attribute__((no_sanitize("undefined"))) BEHAVIOUR Crash(void) { *gNowhere = 1; }
+BEHAVIOUR Abort(void) { abort(); }
+BEHAVIOUR Exit(void) { exit(0); }
+BEHAVIOUR ExitAtOnce(void) { _exit(3); }
+BEHAVIOUR Loop(void) {
+    for (volatile unsigned long i = 0;; ++i) continue;
+}
+BEHAVIOUR Sleep(void) { sleep(60); }
+BEHAVIOUR Ignore(void) {
+    signal(SIGTERM, SIG_IGN);
+    Loop();
+}
+BEHAVIOUR Hoard(void) {
+    for (;;) memset(malloc(1 << 24), 1, 1 << 24);
+}
+BEHAVIOUR CloseAll(void) {
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) close(descriptor);
+}
+BEHAVIOUR Chatter(void) {
+    for (int i = 0; i < 20000; ++i) printf("chatter %d\n", i);
+    fflush(stdout);
+}
+
+static void* Spin(void* unused) {
+    Loop();
+    return unused;
+}
+BEHAVIOUR LeaveBehind(void) {
+    pthread_t thread;
+    pthread_create(&thread, NULL, Spin, NULL);
+    if (fork() != 0) return;
+    setsid();
+    if (fork() != 0) _exit(0);
+    for (;;) sleep(60);
+}
+
+static kyrPluginHandle gPlugin;
+
+static kyrStatusCode Init(kyrPluginHandle plugin) {
+    (void)plugin;
+    AT_INIT();
+    return kyrStatusOK;
+}
+
+static kyrStatusCode Nothing(kyrPluginHandle plugin) {
+    (void)plugin;
+    return kyrStatusOK;
+}
+
+static void Add(kyrIOHandle handle, const char* className, const char* id) {
+    kyrAddClass(handle, className);
+    kyrAddStringProperty(handle, "Id", id);
+}
+
+static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
+    Add(handle, classNames[0], "1");
+    Add(handle, classNames[0], "2");
+    kyrWriteLog(plugin, kyrLogWarning, "last words");
+    Add(handle, classNames[0], "3");
+    AT_DATA();
+    for (uint32_t i = 1; i < count; ++i) Add(handle, classNames[i], "1");
+    return kyrStatusOK;
+}
+
+static kyrPluginInfo GetInfo(kyrPluginHandle plugin) {
+    (void)plugin;
+    const kyrPluginInfo info = {PLUGIN_NAME, "1.0", "1.0", kyrPluginDataCollector, 0};
+    return info;
+}
+
+__attribute__((constructor)) static void Register(void) {
+    kyrPluginCallbacks callbacks = {0, Init, Nothing, GetData, GetInfo, Nothing};
+    kyrRegisterPlugin(&callbacks, &gPlugin);
+    AT_LOAD();
+}
+
+__attribute__((destructor)) static void Leave(void) { AT_EXIT(); }

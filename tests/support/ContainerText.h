@@ -1,0 +1,12 @@
+#ifndef CONTAINERTEXT_H
+#define CONTAINERTEXT_H
+
+#include <string>
+
+class TContainer;
+
+/// All that a container holds as text, exact to the bit and in its own order: two containers with the same text cannot
+/// be told apart.
+std::string TextOf(const TContainer& container);
+
+#endif

@@ -1,0 +1,105 @@
+#include "Conclusion.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Judgement.h"
+#include "Output.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TContainer.h"
+
+namespace {
+
+std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* className) {
+    const TCIMClass* const cls = container.FindClass(className);
+    return cls == nullptr ? std::vector<TCIMInstance*>() : cls->EnumerateInstances(false);
+}
+
+// A file may have been written by anybody.
+std::string TextOf(const TCIMInstance& instance, const char* name) {
+    const TCIMProperty* const property = instance.FindProperty(name);
+    if (property == nullptr || property->GetType() != TCIMValue::TCIMType::eCIMString) return "";
+    const TCIMValue value = property->GetValue();
+    return value.IsNull() ? "" : static_cast<std::string>(value);
+}
+
+TVerdict VerdictOf(const TCIMInstance& instance) {
+    const TCIMProperty* const property = instance.FindProperty("State");
+    if (property == nullptr || property->GetType() != TCIMValue::TCIMType::eCIMUint16) return {};
+    const TCIMValue value = property->GetValue();
+    const unsigned short state = value.IsNull() ? 0 : static_cast<unsigned short>(value);
+    if (state < eComplete || state > eNotAsked) return {};
+    return {static_cast<EState>(state), TextOf(instance, "Reason")};
+}
+
+void Tell(const std::string& what, const TVerdict& verdict) {
+    constexpr const char* kNames[] = {"", "complete", "partial", "failed", "timed out", "refused", "not asked"};
+    Complain(what + ": " + kNames[verdict.state] + ": " + verdict.reason);
+}
+
+constexpr size_t kMostNames = 5;
+
+// " (classes A, B)", or nothing.
+std::string NamesText(const std::vector<std::string>& names) {
+    std::string text;
+    for (size_t i = 0; i < names.size() && i < kMostNames; ++i) text += (i == 0 ? "" : ", ") + names[i];
+    if (names.empty()) return text;
+    if (names.size() > kMostNames) text += " and " + std::to_string(names.size() - kMostNames) + " more";
+    return (names.size() == 1 ? " (class " : " (classes ") + text + ")";
+}
+
+bool IsSame(const TVerdict& a, const TVerdict& b) { return a.state == b.state && a.reason == b.reason; }
+
+// Classes that share the plugin's fate stand in its own line, others have lines behind it.
+void TellPlugin(const TContainer& container, const std::string& plugin, const TVerdict& fate) {
+    std::vector<std::string> sharing;
+    std::vector<std::pair<std::string, TVerdict>> others;
+    for (const TCIMInstance* instance : InstancesOf(container, "MOLTA_CollectedClass")) {
+        const TVerdict verdict = VerdictOf(*instance);
+        if (TextOf(*instance, "Plugin") != plugin || !IsMissing(verdict)) continue;
+        const std::string name = TextOf(*instance, "Name");
+        if (IsSame(verdict, fate))
+            sharing.push_back(name);
+        else
+            others.emplace_back(name, verdict);
+    }
+    if (IsMissing(fate) && !fate.reason.empty())
+        Tell("plugin " + plugin, {fate.state, fate.reason + NamesText(sharing)});
+    for (const auto& [name, verdict] : others) Tell("plugin " + plugin + ", class " + name, verdict);
+}
+
+void TellPlugins(const TContainer& container) {
+    for (const TCIMInstance* instance : InstancesOf(container, "MOLTA_CollectedPlugin"))
+        TellPlugin(container, TextOf(*instance, "Name"), VerdictOf(*instance));
+}
+
+bool IsInterruption(const std::string& reason) { return reason.compare(0, 11, "interrupted") == 0; }
+
+EExit StatusOf(const TVerdict& collection) {
+    switch (collection.state) {
+        case eComplete:
+        case eNotAsked:
+            return eExitComplete;
+        case ePartial:
+            return eExitPartial;
+        default:
+            Complain("nothing was collected");
+            return eExitNothing;
+    }
+}
+
+}  // namespace
+
+EExit TellWhatIsMissing(const TContainer& container) {
+    TellPlugins(container);
+    EExit status = eExitComplete;
+    for (const TCIMInstance* instance : InstancesOf(container, "MOLTA_Collection")) {
+        const TVerdict verdict = VerdictOf(*instance);
+        if (IsInterruption(verdict.reason)) Complain(verdict.reason);
+        status = StatusOf(verdict);
+    }
+    return status;
+}

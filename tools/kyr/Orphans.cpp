@@ -1,0 +1,37 @@
+#include "Orphans.h"
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <string>
+
+namespace {
+
+std::vector<pid_t> Children() {
+    std::ifstream file("/proc/thread-self/children");
+    std::vector<pid_t> children;
+    for (pid_t child; file >> child;) children.push_back(child);
+    return children;
+}
+
+}  // namespace
+
+TOrphans::TOrphans() : fSpared(Children()) { prctl(PR_SET_CHILD_SUBREAPER, 1); }
+
+// Each that ends may leave us children of its own.
+TOrphans::~TOrphans() {
+    const auto isSpared = [this](pid_t child) {
+        return std::find(fSpared.begin(), fSpared.end(), child) != fSpared.end();
+    };
+    for (;;) {
+        std::vector<pid_t> left = Children();
+        left.erase(std::remove_if(left.begin(), left.end(), isSpared), left.end());
+        if (left.empty()) break;
+        for (const pid_t child : left) kill(child, SIGKILL);
+        for (const pid_t child : left) waitpid(child, nullptr, 0);
+    }
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
+}

@@ -1,0 +1,21 @@
+#ifndef ORPHANS_H
+#define ORPHANS_H
+
+#include <sys/types.h>
+
+#include <vector>
+
+/// What plugins leave behind: while this object lives, a process whose parent has gone becomes a child of ours, and
+/// at its end all of them are ended. Children that were there before are left alone.
+class TOrphans {
+public:
+    TOrphans();
+    ~TOrphans();
+    TOrphans(const TOrphans&) = delete;
+    TOrphans& operator=(const TOrphans&) = delete;
+
+private:
+    std::vector<pid_t> fSpared;
+};
+
+#endif

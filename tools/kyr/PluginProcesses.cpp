@@ -1,0 +1,94 @@
+#include "PluginProcesses.h"
+
+#include <algorithm>
+#include <cstring>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "Library.h"
+
+TPluginProcesses::TPluginProcesses(const TSessionOptions& options, size_t count, TListener listener)
+    : fTimeout(options.timeout),
+      fDeadlineSeconds(options.deadline),
+      fDeadline(options.deadline > 0 ? After(TClock::now(), options.deadline) : TMoment::max()),
+      fAtOnce(std::max(4u, std::thread::hardware_concurrency())),
+      fListener(std::move(listener)),
+      fProgress(count) {}
+
+void TPluginProcesses::Run(const std::vector<TLibrary*>& libraries, const TPluginTask& task) {
+    fWaiting.assign(libraries.begin(), libraries.end());
+    for (Start(task); !fRunning.empty(); Start(task)) {
+        TellEnded();
+        Wait();
+    }
+    TellEnded();
+}
+
+void TPluginProcesses::Start(const TPluginTask& task) {
+    while (!fWaiting.empty() && fRunning.size() < fAtOnce) {
+        TLibrary& library = *fWaiting.front();
+        fWaiting.pop_front();
+        if (fStopped.reason.empty())
+            StartOne(library, task);
+        else
+            library.report.end = {eNotAsked, fStopped.reason};
+    }
+}
+
+void TPluginProcesses::StartOne(TLibrary& library, const TPluginTask& task) {
+    try {
+        fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fTimeout));
+        fRunning.push_back(fStarted.back().get());
+    } catch (const std::system_error& e) {
+        library.report.end = {eFailed, e.what()};
+    }
+}
+
+void TPluginProcesses::Wait() {
+    TMoment next = fStopped.reason.empty() ? fDeadline : TMoment::max();
+    for (const TPluginProcess* process : fRunning) next = std::min(next, process->Deadline());
+    const int signal = fSignals.WaitUntil(std::min(next, fProgress.NextMoment()));
+    if (signal != 0 && signal != SIGCHLD) Interrupt(signal);
+    const TMoment now = TClock::now();
+    if (now >= fDeadline) StopAll({eTimedOut, "the deadline of " + SecondsText(fDeadlineSeconds) + " had passed"});
+    for (TPluginProcess* process : fRunning) process->Hurry(now);
+    FinishEnded();
+    fProgress.Show(now, RunningNames());
+}
+
+void TPluginProcesses::FinishEnded() {
+    const auto finish = [this](TPluginProcess* process) {
+        if (!process->HasEnded()) return false;
+        process->Finish();
+        fProgress.CountOne();
+        return true;
+    };
+    fRunning.erase(std::remove_if(fRunning.begin(), fRunning.end(), finish), fRunning.end());
+}
+
+// While others still run.
+void TPluginProcesses::TellEnded() {
+    for (; fTold < fStarted.size() && fStarted[fTold]->IsFinished(); ++fTold) fListener(*fStarted[fTold]);
+}
+
+void TPluginProcesses::Interrupt(int signal) {
+    if (fInterruption != 0) {
+        fStarted.clear();  // which ends them
+        fProgress.Erase();
+        EndBySignal(signal);
+    }
+    fInterruption = signal;
+    StopAll({eFailed, std::string("interrupted by SIG") + sigabbrev_np(signal)});
+}
+
+void TPluginProcesses::StopAll(const TVerdict& why) {
+    if (fStopped.reason.empty()) fStopped = why;
+    for (TPluginProcess* process : fRunning) process->Stop(why);
+}
+
+std::vector<std::string> TPluginProcesses::RunningNames() const {
+    std::vector<std::string> names;
+    for (const TPluginProcess* process : fRunning) names.push_back(process->Library().path);
+    return names;
+}

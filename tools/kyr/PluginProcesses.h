@@ -1,0 +1,57 @@
+#ifndef PLUGINPROCESSES_H
+#define PLUGINPROCESSES_H
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Options.h"
+#include "Orphans.h"
+#include "PluginProcess.h"
+#include "Progress.h"
+#include "Signals.h"
+
+/// Runs libraries in processes of their own, several at a time, as long as there is time and nobody interrupts.
+class TPluginProcesses {
+public:
+    using TListener = std::function<void(const TPluginProcess&)>;
+
+    /// In all there are as many libraries as the count says. The listener is told of each process that has ended, in
+    /// the order of the libraries.
+    TPluginProcesses(const TSessionOptions& options, size_t count, TListener listener);
+
+    /// The report of a library whose process could not be started tells why.
+    void Run(const std::vector<TLibrary*>& libraries, const TPluginTask& task);
+    /// In the order in which they were started.
+    const std::vector<std::unique_ptr<TPluginProcess>>& Ended() const { return fStarted; }
+    /// 0: nobody interrupted.
+    int Interruption() const { return fInterruption; }
+
+private:
+    void Start(const TPluginTask& task);
+    void StartOne(TLibrary& library, const TPluginTask& task);
+    void Wait();
+    void FinishEnded();
+    void TellEnded();
+    void Interrupt(int signal);
+    void StopAll(const TVerdict& why);
+    std::vector<std::string> RunningNames() const;
+
+    const double fTimeout;
+    const double fDeadlineSeconds;
+    const TMoment fDeadline;
+    const size_t fAtOnce;
+    const TListener fListener;
+    TVerdict fStopped;
+    int fInterruption = 0;
+    THeldSignals fSignals;
+    TOrphans fOrphans;
+    TProgress fProgress;
+    std::deque<TLibrary*> fWaiting;
+    std::vector<TPluginProcess*> fRunning;
+    std::vector<std::unique_ptr<TPluginProcess>> fStarted;
+    size_t fTold = 0;  // of those, from the start
+};
+
+#endif

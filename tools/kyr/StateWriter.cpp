@@ -1,0 +1,104 @@
+#include "StateWriter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TContainer.h"
+
+namespace {
+
+constexpr size_t kMostLines = 50;
+
+const char* KindOf(const TNote& note) {
+    return note.severity == kyrLogError ? "error: " : note.severity == kyrLogWarning ? "warning: " : "printed: ";
+}
+
+std::vector<TCIMValue> LogLines(const std::vector<const TNote*>& notes) {
+    std::vector<TCIMValue> lines;
+    for (size_t i = 0; i < notes.size() && i < kMostLines; ++i) lines.emplace_back(KindOf(*notes[i]) + notes[i]->text);
+    if (notes.size() > kMostLines) lines.emplace_back("and " + std::to_string(notes.size() - kMostLines) + " more");
+    return lines;
+}
+
+class TStateWriter {
+public:
+    TStateWriter(const TContainer& container, TWanted wanted) : fContainer(container), fWanted(wanted) {}
+
+    void WriteLibrary(const TLibrary& library) {
+        if (library.report.plugins.empty()) WritePlugin(library, nullptr);
+        for (const TPluginFacts& plugin : library.report.plugins) WritePlugin(library, &plugin);
+        for (const TCIMClass* cls : library.classes)
+            if (!cls->IsAbstract()) WriteClass(library, *cls);
+    }
+
+    void WriteCollection(const TVerdict& interruption) {
+        const TVerdict verdict = JudgeCollection(interruption);
+        TCIMInstance& state = NewState("MOLTA_Collection", verdict, {});
+        state.SetPropertyValue("Tool", TCIMValue("kyr"));
+        state.SetPropertyValue("ToolVersion", TCIMValue(KYRCORE_VERSION));
+        state.AddToContainer();
+    }
+
+private:
+    TCIMInstance& NewState(const char* className, const TVerdict& verdict, const std::vector<const TNote*>& notes) {
+        TCIMInstance& state = *fContainer.AllocateInstance(fContainer.GetClass(className));
+        state.SetPropertyValue("State", TCIMValue(static_cast<unsigned short>(verdict.state)));
+        if (!verdict.reason.empty()) state.SetPropertyValue("Reason", TCIMValue(verdict.reason));
+        if (!notes.empty())
+            state.SetPropertyValue("LogLines", TCIMValue(TCIMValue::TCIMType::eCIMString, 0, LogLines(notes)));
+        return state;
+    }
+
+    void WritePlugin(const TLibrary& library, const TPluginFacts* plugin) {
+        const TVerdict verdict = JudgePlugin(library, plugin, fWanted);
+        TCIMInstance& state = NewState("MOLTA_CollectedPlugin", verdict, NotesOf(library, nullptr));
+        state.SetPropertyValue("Library", TCIMValue(library.path));
+        state.SetPropertyValue("Name", TCIMValue(plugin == nullptr ? library.path : plugin->name));
+        if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
+        state.AddToContainer();
+        ++fPlugins;
+        fMissing += IsMissing(verdict);
+    }
+
+    void WriteClass(const TLibrary& library, const TCIMClass& cls) {
+        const TVerdict verdict = JudgeClass(library, cls, fWanted);
+        const auto count = static_cast<unsigned int>(cls.EnumerateInstances(false).size());
+        TCIMInstance& state = NewState("MOLTA_CollectedClass", verdict, NotesOf(library, &cls));
+        state.SetPropertyValue("Name", TCIMValue(cls.GetName()));
+        state.SetPropertyValue("Plugin", TCIMValue(library.report.NameIn(library.path)));
+        state.SetPropertyValue("InstanceCount", TCIMValue(count));
+        state.AddToContainer();
+        fAny |= count != 0;
+        fAsked |= verdict.state != eNotAsked;
+    }
+
+    TVerdict JudgeCollection(const TVerdict& interruption) const {
+        std::string reason = interruption.reason;
+        if (reason.empty() && fMissing != 0)
+            reason = std::to_string(fMissing) + " of " + std::to_string(fPlugins) + " plugins are not complete";
+        if (fWanted == nullptr)
+            return {reason.empty() ? eNotAsked : ePartial, reason.empty() ? kReasonSchemaOnly : reason};
+        if (reason.empty() && (fAsked || fAny)) return {};
+        if (reason.empty()) reason = "no plugin was asked for anything";
+        return {fAny ? ePartial : eFailed, reason};
+    }
+
+    const TContainer& fContainer;
+    const TWanted fWanted;
+    size_t fPlugins = 0;
+    size_t fMissing = 0;
+    bool fAny = false;
+    bool fAsked = false;
+};
+
+}  // namespace
+
+void WriteStates(const std::list<TLibrary>& libraries, TWanted wanted, int interruption, const TContainer& container) {
+    TStateWriter writer(container, wanted);
+    for (const TLibrary& library : libraries) writer.WriteLibrary(library);
+    TVerdict verdict;
+    if (interruption != 0) verdict = {eFailed, std::string("interrupted by SIG") + sigabbrev_np(interruption)};
+    writer.WriteCollection(verdict);
+}
