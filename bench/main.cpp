@@ -65,5 +65,6 @@ int main(int argc, char** argv) {
     RaceProperties(table, options.instances);
     RaceScale(table, options.large);
     RaceAssociations(table);
+    RaceIsolation(table);
     table.PrintBars();
 }

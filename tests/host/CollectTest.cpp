@@ -109,3 +109,17 @@ TEST(CollectTest, ReferenceToWhatWasNotCollectedIsStillPrinted) {
     EXPECT_THAT(run.out, HasSubstr("  GroupComponent  MOLTA_ComputerSystem.CreationClassName="
                                    "\"MOLTA_ComputerSystem\",Name=\"builder\"\n"));
 }
+
+TEST(CollectTest, PartOfAFileIsWhatThatPartOfTheMachineIs) {
+    const TempFolder folder;
+    const TPluginRoot good({"machine"}), bad({"denied"});
+    const std::string all = folder.Path() + "/all.xml", here = folder.Path() + "/here.xml";
+    const std::string part = folder.Path() + "/part.xml", choice = " --class CIM_System --stable -o ";
+    EXPECT_EQ(RunKyr("collect -o " + all + good.Option()).status, 0);
+    EXPECT_EQ(RunKyr("collect" + choice + here + good.Option()).status, 0);
+    EXPECT_EQ(RunKyr("collect " + all + choice + part).status, 0);
+    EXPECT_EQ(ReadFile(part), ReadFile(here));
+    EXPECT_THAT(RunKyr("assoc MOLTA_OperatingSystem " + part).err, HasSubstr("there is no instance of class"));
+    EXPECT_EQ(RunKyr("collect -o " + all + bad.Option()).status, 1);
+    EXPECT_EQ(RunKyr("collect " + all + choice + part).status, 1) << "a plugin's own fault was forgotten";
+}

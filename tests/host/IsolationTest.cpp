@@ -58,10 +58,13 @@ constexpr THostile kHostile[] = {
     {"ignoring", "--timeout 0.3", 1, 2,
      "kyr: plugin ignoring: partial: no answer within 0.3 s, stopped in its data entry at class TEST_First"},
 #if !defined(__SANITIZE_ADDRESS__)  // which leaves no room for a limit of memory
+#ifndef __SANITIZE_ADDRESS__        // which has its own idea of memory, and takes all of it
     {"hoarding", "", 1, 2, "kyr: plugin hoarding: partial: SIG"},
+#endif
 #endif
     {"unclosed", "--timeout 0.3", 1, 0,
      "kyr: plugin ./unclosed/libunclosed.pi.so: refused: its document ./unclosed/unclosed.properties.xml "},
+    {"scribbling", "", 1, 0, "kyr: plugin ./scribbling/libscribbling.pi.so: failed: it spoilt what it had delivered"},
     {"closing", "", 0, 3, ""},
     {"chattering", "", 0, 3, ""},
     {"leaving", "", 0, 3, ""},
@@ -101,6 +104,27 @@ TEST(IsolationTest, LastWordsAndPrintedLinesStandInTheStates) {
     const TRunResult run = RunKyr("collect --json" + root.Option());
     EXPECT_THAT(run.out, HasSubstr("\"warning: last words\""));
     EXPECT_THAT(run.out, HasSubstr("\"printed: chatter 19999\""));
+}
+
+TEST(IsolationTest, ClassesOfAPluginThatDidNotLoadFallToTheNextThatDeclaresThem) {
+    const TPluginRoot root({"initcrash", "leaving"});
+    for (const std::string arguments : {"", "--class TEST_First"}) {
+        const TRunResult run = RunKyr("collect " + arguments + root.Option());
+        EXPECT_THAT(run.out, HasSubstr("TEST_First (3)\n"));
+        EXPECT_EQ(run.err, "kyr: plugin ./initcrash/libinitcrash.pi.so: failed: SIGSEGV in its init entry\n");
+    }
+}
+
+TEST(IsolationTest, ProgressGoesWithoutATrace) {
+    if (RunShell("script -qec true /dev/null </dev/null").status != 0)
+        GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
+    const TPluginRoot root({"looping"});
+    const std::string command = KYR_PROGRAM " collect --timeout 0.4 -o " + root.Path() + "/out.xml" + root.Option();
+    const std::string terminal = " script -qec 'stty cols 30; " + command + "' /dev/null </dev/null";
+    const TRunResult run = RunShell("TERM=xterm" + terminal);
+    EXPECT_THAT(run.out, StartsWith("\r1 of 2 plugins, 0 s: looping\033[K\r"));
+    EXPECT_THAT(run.out, HasSubstr("\033[K\r\033[Kkyr: plugin looping: "));
+    EXPECT_THAT(RunShell("TERM=dumb" + terminal).out, StartsWith("kyr: plugin looping: "));
 }
 
 TEST(IsolationTest, DeadlineLeavesPluginsThatDidNotStartUnasked) {

@@ -30,6 +30,9 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
         {"collect --zzz", "kyr: unknown option '--zzz' (try 'kyr collect --help')\n"},
         {"schema A B", "kyr: unexpected argument 'B' (try 'kyr schema --help')\n"},
         {"collect identity", "kyr: more than one command given (try 'kyr --help')\n"},
+        {"show a.xml --from b.xml", "kyr: --from and FILE do not go together (try 'kyr show --help')\n"},
+        {"show --tree --raw", "kyr: --tree and --raw do not go together (try 'kyr show --help')\n"},
+        {"collect --json -o a.xml", "kyr: --output and --json do not go together (try 'kyr collect --help')\n"},
         {"collect --class", "kyr: --class: 1 required NAME missing (try 'kyr collect --help')\n"},
         {"schema CIM_Sistem", "kyr: unknown class 'CIM_Sistem'; did you mean 'CIM_System'?\n"},
         {"collect --class computersystem",
@@ -100,7 +103,7 @@ TEST(MannersTest, LocaleMakesNoDifference) {
 TEST(MannersTest, LinesAreNoWiderThanTheTerminal) {
     if (RunShell("script -qec true /dev/null </dev/null").status != 0)
         GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
-    for (const char* command : {"show --references", "show --tree", "collect --provenance --null"}) {
+    for (const char* command : {"show --references", "show --tree", "collect --provenance --null", "schema"}) {
         const std::string script = "stty cols 40; " KYR_PROGRAM " " + std::string(command);
         const TRunResult run = RunShell("env -u COLUMNS TERM=dumb script -qec '" + script + "' /dev/null </dev/null");
         EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem")) << command;

@@ -173,7 +173,8 @@ std::string DeeplyNested() {
 TEST_F(SavedCollectionTest, WhatIsNoCollectionIsRefusedByFileAndCause) {
     const std::string hint = "; it must be a CIM-XML document, as kyr collect -o writes it";
     const std::pair<std::string, std::string> cases[] = {
-        {"", "CIM-XML Parser line 1:Unexpected character before prolog" + hint},
+        {"", "it is empty"},
+        {"a", "CIM-XML Parser line 1:Unexpected character before prolog" + hint},
         {"<CIM>\n<a/></CIM>", "CIM-XML Parser line 2:Unexpected element a.*" + hint},
         {"<CIM></CIM>", "there is no class in it; it must be a file that kyr collect -o wrote"},
         {DeeplyNested(),

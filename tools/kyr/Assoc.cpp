@@ -12,14 +12,18 @@
 
 namespace {
 
-std::string HeadOf(const TTie& tie, const TOutput& output) {
-    const std::string cls = tie.association->GetClass()->GetName();
-    return output.Bold(cls) + "  " + tie.role + " -> " + tie.other.role;
-}
-
 void PrintWrapped(const std::string& text, size_t indent, TOutput& output) {
     const size_t width = output.Width() > indent ? output.Width() - indent : 1;
     for (const std::string& line : WrapText(text, width)) output.Write(std::string(indent, ' ') + line + "\n");
+}
+
+std::string RolesOf(const TTie& tie) { return tie.role + " -> " + tie.other.role; }
+
+void PrintHead(const TTie& tie, TOutput& output) {
+    const std::string cls = tie.association->GetClass()->GetName();
+    const bool fits = cls.size() + 2 + RolesOf(tie).size() <= output.Width();
+    output.Write("\n" + output.Bold(cls) + (fits ? "  " + RolesOf(tie) + "\n" : "\n"));
+    if (!fits) PrintWrapped(RolesOf(tie), 0, output);
 }
 
 void PrintEnd(const TEnd& end, TOutput& output) {
@@ -33,9 +37,9 @@ void PrintTies(const TCIMInstance& instance, const std::vector<TTie>& ties, TOut
     PrintWrapped(VisiblePath(instance), 2, output);
     std::string kind;
     for (const TTie& tie : ties) {
-        const std::string head = HeadOf(tie, output);
-        if (head != kind) output.Write("\n" + head + "\n");
-        kind = head;
+        const std::string own = tie.association->GetClass()->GetName() + " " + RolesOf(tie);
+        if (own != kind) PrintHead(tie, output);
+        kind = own;
         PrintEnd(tie.other, output);
     }
 }

@@ -30,7 +30,7 @@ void Limit(__rlimit_resource_t resource, rlim_t value) {
 rlim_t MemoryForOne() {
     struct sysinfo machine {};
     if (sysinfo(&machine) != 0) return kMostMemory;
-    return std::min(kMostMemory, rlim_t{machine.totalram} * machine.mem_unit / 2);
+    return std::min(kMostMemory, rlim_t{machine.totalram} * machine.mem_unit / 4);
 }
 
 void SetLimits() {
@@ -48,6 +48,14 @@ void SetStreams(int printed) {
     close(printed);
 }
 
+// Who runs out of memory for all is to be the first to go.
+void OfferToTheKernel() {
+    const int file = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
+    if (file < 0) return;
+    (void)!write(file, "1000", 4);
+    close(file);
+}
+
 // Those that our caller may have had ignored. A pipe or file that takes no more is no reason to end, here as in the
 // host.
 void ResetSignals() {
@@ -61,10 +69,11 @@ void ResetSignals() {
 }  // namespace
 
 void SettleChild(pid_t parent, int printed) {
-    setpgid(0, 0);
+    setsid();
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(1);
     SetStreams(printed);
     SetLimits();
+    OfferToTheKernel();
     ResetSignals();
 }

@@ -3,8 +3,9 @@
 
 #include <sys/types.h>
 
-/// Makes a process that was just forked fit for a plugin: a group of its own, no terminal, no standard streams of ours
-/// (what it prints goes to the descriptor), default signals, and an end to its memory. It ends with its parent.
+/// Makes a process that was just forked fit for a plugin: a session of its own, whose group it cannot leave, no
+/// terminal, no standard streams of ours (what it prints goes to the descriptor), default signals, and an end to its
+/// memory. It ends with its parent.
 void SettleChild(pid_t parent, int printed);
 
 #endif

@@ -10,7 +10,6 @@
 #include "kyr/TCIMProperty.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMReference.h"
-#include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 
 namespace {
@@ -102,9 +101,7 @@ private:
 
 }  // namespace
 
-void WriteInstances(const TContainer& container, bool stable, TCimXmlWriter& writer) {
-    std::vector<TCIMClass*> classes = container.GetRootClass()->EnumerateSubClasses(true);
-    classes.insert(classes.begin(), container.GetRootClass());
+void WriteInstances(const std::vector<TCIMClass*>& classes, bool stable, TCimXmlWriter& writer) {
     for (const TCIMClass* cls : classes) {
         TInstanceWriter instances(*cls, stable, writer);
         for (const TCIMInstance* instance : cls->EnumerateInstances(false)) instances.Write(*instance);

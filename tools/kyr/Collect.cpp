@@ -4,6 +4,18 @@
 #include "Inventory.h"
 #include "SavedCollection.h"
 #include "Show.h"
+#include "kyr/TContainer.h"
+
+namespace {
+
+// Those that were chosen, and those that tell how complete these are.
+std::vector<TCIMClass*> ClassesToSave(const TContainer& container, std::vector<std::string> names) {
+    constexpr const char* kStates = "MOLTA_CollectionState";
+    if (container.FindClass(kStates) != nullptr) names.emplace_back(kStates);
+    return SelectClasses(container, names);
+}
+
+}  // namespace
 
 EExit RunCollect(const TOptions& options, TOutput& output) {
     if (options.output.empty()) return RunShow(options, output);
@@ -11,6 +23,7 @@ EExit RunCollect(const TOptions& options, TOutput& output) {
     TInventory inventory(options.session);
     const std::vector<TCIMClass*> classes = SelectClasses(inventory.Container(), options.classes);
     inventory.Collect(options.classes.empty() ? std::vector<std::string>() : NamesOf(classes));
-    SaveCollection(inventory.Container(), options.output, options.stable);
+    const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), options.classes);
+    SaveCollection(inventory.Container(), options.output, options.stable, options.classes.empty() ? nullptr : &saved);
     return inventory.Conclude();
 }

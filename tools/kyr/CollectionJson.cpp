@@ -3,6 +3,7 @@
 #include "Json.h"
 #include "JsonValues.h"
 #include "PropertyMarks.h"
+#include "SavedStates.h"
 #include "Values.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -10,11 +11,6 @@
 #include "kyr/TContainer.h"
 
 namespace {
-
-std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* className) {
-    const TCIMClass* const cls = container.FindClass(className);
-    return cls == nullptr ? std::vector<TCIMInstance*>() : cls->EnumerateInstances(false);
-}
 
 // Null if there is no such property or it has no value.
 const TCIMProperty* FindFilled(const TCIMInstance* instance, const char* name) {
@@ -37,18 +33,19 @@ public:
 
 private:
     void WriteCollection() {
-        const std::vector<TCIMInstance*> found = InstancesOf(fContainer, "MOLTA_Collection");
+        const std::vector<TCIMInstance*> found = StatesOf(fContainer, "MOLTA_Collection");
         const TCIMInstance* const collection = found.empty() ? nullptr : found.front();
         WriteState(collection);
         WritePlain("tool", collection, "Tool");
         WritePlain("toolVersion", collection, "ToolVersion");
+        WriteBoolean("superuser", collection, "Superuser");
         WritePlain("time", collection, "DateTimeOfCollection");
     }
 
     void WritePlugins() {
         fJson.Key("plugins");
         fJson.StartArray();
-        for (const TCIMInstance* plugin : InstancesOf(fContainer, "MOLTA_CollectedPlugin")) {
+        for (const TCIMInstance* plugin : StatesOf(fContainer, "MOLTA_CollectedPlugin")) {
             fJson.StartObject();
             WritePlain("name", plugin, "Name");
             WritePlain("library", plugin, "Library");
@@ -61,7 +58,7 @@ private:
 
     void WriteClasses(const std::vector<TCIMClass*>& classes) {
         std::map<std::string, const TCIMInstance*> states;
-        for (const TCIMInstance* state : InstancesOf(fContainer, "MOLTA_CollectedClass"))
+        for (const TCIMInstance* state : StatesOf(fContainer, "MOLTA_CollectedClass"))
             if (const TCIMProperty* const name = FindFilled(state, "Name"))
                 states.emplace(PlainText(name->GetValue()), state);
         fJson.Key("classes");
@@ -113,6 +110,15 @@ private:
         const TCIMProperty* const property = FindFilled(instance, name);
         const bool isTold = property != nullptr && !(fOptions.stable && IsVolatile(property->GetDeclaration()));
         WriteText(fJson, key, isTold ? PlainText(property->GetValue()) : "");
+    }
+
+    void WriteBoolean(const char* key, const TCIMInstance* instance, const char* name) {
+        const TCIMProperty* const property = FindFilled(instance, name);
+        fJson.Key(key);
+        if (property != nullptr && property->GetType() == TCIMValue::TCIMType::eCIMBoolean)
+            fJson.Boolean(static_cast<bool>(property->GetValue()));
+        else
+            fJson.Null();
     }
 
     const TContainer& fContainer;

@@ -6,38 +6,22 @@
 
 #include "Judgement.h"
 #include "Output.h"
-#include "kyr/TCIMClass.h"
-#include "kyr/TCIMInstance.h"
-#include "kyr/TCIMProperty.h"
-#include "kyr/TContainer.h"
+#include "SavedStates.h"
 
 namespace {
 
-std::vector<TCIMInstance*> InstancesOf(const TContainer& container, const char* className) {
-    const TCIMClass* const cls = container.FindClass(className);
-    return cls == nullptr ? std::vector<TCIMInstance*>() : cls->EnumerateInstances(false);
-}
+constexpr size_t kLongestReason = 500;  // it may name paths that anybody chose
 
-// A file may have been written by anybody.
-std::string TextOf(const TCIMInstance& instance, const char* name) {
-    const TCIMProperty* const property = instance.FindProperty(name);
-    if (property == nullptr || property->GetType() != TCIMValue::TCIMType::eCIMString) return "";
-    const TCIMValue value = property->GetValue();
-    return value.IsNull() ? "" : static_cast<std::string>(value);
-}
-
-TVerdict VerdictOf(const TCIMInstance& instance) {
-    const TCIMProperty* const property = instance.FindProperty("State");
-    if (property == nullptr || property->GetType() != TCIMValue::TCIMType::eCIMUint16) return {};
-    const TCIMValue value = property->GetValue();
-    const unsigned short state = value.IsNull() ? 0 : static_cast<unsigned short>(value);
-    if (state < eComplete || state > eNotAsked) return {};
-    return {static_cast<EState>(state), TextOf(instance, "Reason")};
+std::string Shorten(const std::string& text) {
+    size_t end = kLongestReason;
+    if (text.size() <= end) return text;
+    while (end > 0 && (text[end] & 0xc0) == 0x80) --end;  // not within a character
+    return text.substr(0, end) + "...";
 }
 
 void Tell(const std::string& what, const TVerdict& verdict) {
     constexpr const char* kNames[] = {"", "complete", "partial", "failed", "timed out", "refused", "not asked"};
-    Complain(what + ": " + kNames[verdict.state] + ": " + verdict.reason);
+    Complain(what + ": " + kNames[verdict.state] + ": " + Shorten(verdict.reason));
 }
 
 constexpr size_t kMostNames = 5;
@@ -57,7 +41,7 @@ bool IsSame(const TVerdict& a, const TVerdict& b) { return a.state == b.state &&
 void TellPlugin(const TContainer& container, const std::string& plugin, const TVerdict& fate) {
     std::vector<std::string> sharing;
     std::vector<std::pair<std::string, TVerdict>> others;
-    for (const TCIMInstance* instance : InstancesOf(container, "MOLTA_CollectedClass")) {
+    for (const TCIMInstance* instance : StatesOf(container, "MOLTA_CollectedClass")) {
         const TVerdict verdict = VerdictOf(*instance);
         if (TextOf(*instance, "Plugin") != plugin || !IsMissing(verdict)) continue;
         const std::string name = TextOf(*instance, "Name");
@@ -72,7 +56,7 @@ void TellPlugin(const TContainer& container, const std::string& plugin, const TV
 }
 
 void TellPlugins(const TContainer& container) {
-    for (const TCIMInstance* instance : InstancesOf(container, "MOLTA_CollectedPlugin"))
+    for (const TCIMInstance* instance : StatesOf(container, "MOLTA_CollectedPlugin"))
         TellPlugin(container, TextOf(*instance, "Name"), VerdictOf(*instance));
 }
 
@@ -96,7 +80,7 @@ EExit StatusOf(const TVerdict& collection) {
 EExit TellWhatIsMissing(const TContainer& container) {
     TellPlugins(container);
     EExit status = eExitComplete;
-    for (const TCIMInstance* instance : InstancesOf(container, "MOLTA_Collection")) {
+    for (const TCIMInstance* instance : StatesOf(container, "MOLTA_Collection")) {
         const TVerdict verdict = VerdictOf(*instance);
         if (IsInterruption(verdict.reason)) Complain(verdict.reason);
         status = StatusOf(verdict);

@@ -16,23 +16,26 @@ const TCIMQualifier* FindQualifier(const ICIMAllowQualifiers& carrier, const cha
     return nullptr;
 }
 
-// A NULL if there is none of that name and type.
-TCIMValue FindText(const ICIMAllowQualifiers& carrier, const char* name, bool array) {
-    const TCIMQualifier* const qualifier = FindQualifier(carrier, name);
-    const int type = TCIMValue::TCIMType::eCIMString | (array ? TCIMValue::TCIMType::eCIMArrayFlag : 0);
-    return qualifier != nullptr && qualifier->GetType() == type ? qualifier->GetValue() : TCIMValue();
-}
-
 }  // namespace
 
+TCIMValue QualifierValue(const ICIMAllowQualifiers& carrier, const char* name, TCIMValue::TCIMType::ECIMType type) {
+    const TCIMQualifier* const qualifier = FindQualifier(carrier, name);
+    const bool suits = qualifier != nullptr && qualifier->GetType() == type;
+    return suits ? qualifier->GetValue() : TCIMValue(type, 0);
+}
+
+std::string QualifierString(const ICIMAllowQualifiers& carrier, const char* name) {
+    const TCIMValue value = QualifierValue(carrier, name, TCIMValue::TCIMType::eCIMString);
+    return value.IsNull() ? "" : static_cast<std::string>(value);
+}
+
 std::string QualifierText(const ICIMAllowQualifiers& carrier, const char* name) {
-    const TCIMValue value = FindText(carrier, name, false);
-    return value.IsNull() ? "" : VisibleText(static_cast<std::string>(value));
+    return VisibleText(QualifierString(carrier, name));
 }
 
 std::vector<std::string> QualifierTexts(const ICIMAllowQualifiers& carrier, const char* name) {
     std::vector<std::string> texts;
-    const TCIMValue value = FindText(carrier, name, true);
+    const TCIMValue value = QualifierValue(carrier, name, kStringArray);
     if (value.IsNull()) return texts;
     for (const TCIMValue& element : static_cast<std::vector<TCIMValue>&>(value))
         texts.push_back(element.IsNull() ? "" : VisibleText(element.ToString(10)));
@@ -40,9 +43,7 @@ std::vector<std::string> QualifierTexts(const ICIMAllowQualifiers& carrier, cons
 }
 
 std::string DescriptionOf(const ICIMAllowQualifiers& carrier) {
-    const TCIMValue value = FindText(carrier, "Description", false);
-    if (value.IsNull()) return "";
-    std::istringstream words(static_cast<std::string>(value));
+    std::istringstream words(QualifierString(carrier, "Description"));
     std::string text, word;
     while (words >> word) text += (text.empty() ? "" : " ") + VisibleText(word);
     return text;

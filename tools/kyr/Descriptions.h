@@ -4,9 +4,18 @@
 #include <string>
 #include <vector>
 
+#include "kyr/TCIMValue.h"
+
 class ICIMAllowQualifiers;
 
-/// The text of a string qualifier as one visible line; empty if there is none.
+constexpr TCIMValue::TCIMType::ECIMType kStringArray =
+    static_cast<TCIMValue::TCIMType::ECIMType>(TCIMValue::TCIMType::eCIMString | TCIMValue::TCIMType::eCIMArrayFlag);
+
+/// The value of the qualifier; a NULL if there is none of that name and type.
+TCIMValue QualifierValue(const ICIMAllowQualifiers& carrier, const char* name, TCIMValue::TCIMType::ECIMType type);
+/// The text of a string qualifier; empty if there is none.
+std::string QualifierString(const ICIMAllowQualifiers& carrier, const char* name);
+/// The same as one visible line.
 std::string QualifierText(const ICIMAllowQualifiers& carrier, const char* name);
 /// The texts of a qualifier that is an array of strings; empty if there is none.
 std::vector<std::string> QualifierTexts(const ICIMAllowQualifiers& carrier, const char* name);

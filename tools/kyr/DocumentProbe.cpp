@@ -22,7 +22,6 @@ namespace {
 
 using TPaths = std::vector<std::string>;
 using TReader = std::function<void(const std::string&)>;
-using TClock = std::chrono::steady_clock;
 
 TCommandError CannotProbe() {
     return TCommandError(eExitNothing, std::string("cannot start a process to try documents in: ") + strerror(errno));
@@ -83,10 +82,10 @@ public:
     TProbe& operator=(const TProbe&) = delete;
 
     /// Gives how many were read before the child ended, or before one of them took too long.
-    size_t Count(double seconds) {
+    size_t Count(double seconds, TMoment latest) {
         size_t count = 0;
         char bytes[64];
-        while (WaitForReport(seconds)) {
+        while (WaitForReport(std::min(After(TClock::now(), seconds), latest))) {
             const ssize_t length = read(fReport, bytes, sizeof bytes);
             if (length == 0) return count;
             if (length > 0) count += static_cast<size_t>(length);
@@ -109,14 +108,13 @@ public:
     }
 
 private:
-    bool WaitForReport(double seconds) const {
-        const auto end = TClock::now() + std::chrono::duration<double>(seconds);
+    bool WaitForReport(TMoment end) const {
+        using namespace std::chrono;
         for (;;) {
-            const double rest = std::chrono::duration<double>(end - TClock::now()).count();
+            const auto rest = std::clamp<nanoseconds>(end - TClock::now(), nanoseconds(0), hours(1));
             pollfd report{fReport, POLLIN, 0};
-            const int ready = poll(&report, 1, std::max(0, static_cast<int>(rest * 1000)));
-            if (ready > 0) return true;
-            if (ready == 0) return false;
+            if (poll(&report, 1, static_cast<int>(ceil<milliseconds>(rest).count())) > 0) return true;
+            if (rest.count() == 0) return false;
         }
     }
 
@@ -135,14 +133,19 @@ private:
 
 }  // namespace
 
-std::vector<std::string> ProbeDocuments(const TPaths& paths, const TReader& read, double secondsForEach) {
+std::vector<std::string> ProbeDocuments(const TPaths& paths, const TReader& read, double secondsForEach,
+                                        TMoment latest) {
     std::vector<std::string> harms(paths.size());
     std::vector<size_t> places(paths.size());  // of what is left, in harms
     std::iota(places.begin(), places.end(), 0);
     TPaths rest = paths;
     while (!rest.empty()) {
+        if (TClock::now() >= latest) {
+            for (const size_t place : places) harms[place] = "not read before the deadline";
+            break;
+        }
         TProbe probe(rest, read);
-        const size_t count = probe.Count(secondsForEach);
+        const size_t count = probe.Count(secondsForEach, latest);
         if (count == rest.size()) break;
         harms[places[count]] = probe.Harm(secondsForEach);
         rest.erase(rest.begin() + static_cast<long>(count));

@@ -6,10 +6,14 @@
 #include "Json.h"
 #include "Log.h"
 #include "VisibleText.h"
+#include "WrapText.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
 
 namespace {
+
+constexpr size_t kColumn = 24;
+constexpr size_t kLeastValueWidth = 20;
 
 struct TFact {
     const char* label;
@@ -58,11 +62,17 @@ TIdentityFact Ask(const TFact& fact, TContainer& container) {
     }
 }
 
+// Below its label where there is no room behind it.
 void Print(const TIdentityFact& fact, TOutput& output) {
-    std::string label = fact.label;
-    label.resize(24, ' ');
+    const bool isStacked = output.Width() < kColumn + kLeastValueWidth;
+    const size_t column = isStacked ? 2 : kColumn;
     const std::string text = fact.reason.empty() ? fact.value : "not available (" + fact.reason + ")";
-    output.Write(label + VisibleText(text) + "\n");
+    std::string start = isStacked ? fact.label + "\n  " : fact.label;
+    if (!isStacked) start.resize(kColumn, ' ');
+    for (const std::string& line : WrapText(VisibleText(text), std::max<size_t>(output.Width(), column + 1) - column)) {
+        output.Write(start + line + "\n");
+        start.assign(column, ' ');
+    }
 }
 
 }  // namespace

@@ -6,17 +6,23 @@
 #include "SameName.h"
 #include "Ties.h"
 #include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
 
 namespace {
 
-// The roles in which an instance owns what stands at the other ends.
-constexpr const char* kOwnerRoles[] = {"GroupComponent", "Antecedent"};
+using TRoles = std::vector<const char*>;
+
+// A cache serves a processor, which so depends on it; people look for it below the processor.
+bool IsTurnedRound(const TCIMInstance& association) {
+    const TCIMClass* const cls = association.GetContainer()->FindClass("CIM_AssociatedCacheMemory");
+    return cls != nullptr && association.GetClass()->IsSubclassOf(cls);
+}
 
 // The first end if no role tells.
-size_t OwnerAmong(const std::vector<TEnd>& ends) {
+size_t OwnerAmong(const std::vector<TEnd>& ends, const TRoles& roles) {
     for (size_t i = 0; i < ends.size(); ++i)
-        for (const char* role : kOwnerRoles)
+        for (const char* role : roles)
             if (IsSameName(ends[i].role, role)) return i;
     return 0;
 }
@@ -57,7 +63,8 @@ std::vector<TInstanceForest::TNode> TInstanceForest::Walk() const {
 void TInstanceForest::Tie(const TCIMInstance& association) {
     const std::vector<TEnd> ends = EndsOf(association);
     if (ends.size() < 2) return;
-    const size_t ownerEnd = OwnerAmong(ends);
+    const TRoles roles = IsTurnedRound(association) ? TRoles{"Dependent"} : TRoles{"GroupComponent", "Antecedent"};
+    const size_t ownerEnd = OwnerAmong(ends, roles);
     const auto owner = fNumbers.find(ends[ownerEnd].instance);
     if (owner == fNumbers.end()) return;
     for (size_t i = 0; i < ends.size(); ++i) {

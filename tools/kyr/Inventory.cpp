@@ -3,8 +3,28 @@
 #include "Conclusion.h"
 #include "Log.h"
 #include "SavedCollection.h"
+#include "SavedStates.h"
 #include "Session.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TContainer.h"
 #include "kyr/TPluginManager.h"
+
+namespace {
+
+bool IsState(const TCIMClass* cls, const TCIMClass* states) {
+    return cls != nullptr && states != nullptr && cls->IsSubclassOf(states);
+}
+
+// What tells how complete the rest is comes with the rest: who wants nothing else wants all to be asked.
+std::vector<std::string> WithoutStates(const std::vector<std::string>& names, const TContainer& container) {
+    const TCIMClass* const states = container.FindClass("MOLTA_CollectionState");
+    std::vector<std::string> rest;
+    for (const std::string& name : names)
+        if (!IsState(container.FindClass(name), states)) rest.push_back(name);
+    return rest;
+}
+
+}  // namespace
 
 class TInventory::TBody {
 public:
@@ -19,6 +39,7 @@ public:
 
     void Run(const std::vector<std::string>* classes) {
         if (fSession && !fRun) fSession->Run(classes);
+        if (!fSession && !fRun) NarrowStates(fSaved, classes);
         fRun = true;
     }
 
@@ -38,5 +59,8 @@ TInventory::TInventory(const TSessionOptions& options) : fBody(std::make_unique<
 TInventory::~TInventory() = default;
 TContainer& TInventory::Container() const { return fBody->Container(); }
 void TInventory::LoadPlugins() { fBody->Run(nullptr); }
-void TInventory::Collect(const std::vector<std::string>& classes) { fBody->Run(&classes); }
+void TInventory::Collect(const std::vector<std::string>& classes) {
+    const std::vector<std::string> asked = WithoutStates(classes, Container());
+    fBody->Run(&asked);
+}
 EExit TInventory::Conclude() const { return TellWhatIsMissing(Container()); }

@@ -1,4 +1,5 @@
 #include "ClassNames.h"
+#include "Descriptions.h"
 #include "Json.h"
 #include "JsonShapes.h"
 #include "JsonValues.h"

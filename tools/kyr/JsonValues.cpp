@@ -1,5 +1,6 @@
 #include "JsonValues.h"
 
+#include "Descriptions.h"
 #include "PropertyMarks.h"
 #include "Values.h"
 #include "kyr/TCIMDateTime.h"

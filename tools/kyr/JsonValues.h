@@ -4,7 +4,6 @@
 #include <string>
 
 #include "JsonWriter.h"
-#include "kyr/TCIMQualifier.h"
 #include "kyr/TCIMValue.h"
 
 class TCIMInstance;
@@ -32,23 +31,5 @@ void WriteReference(TJsonWriter& json, const TCIMReference& reference);
 /// All properties of the instance with type, value, unit and display text. With stable those values are null that
 /// change by themselves.
 void WriteProperties(TJsonWriter& json, const TCIMInstance& instance, bool stable);
-
-constexpr TCIMValue::TCIMType::ECIMType kStringArray =
-    static_cast<TCIMValue::TCIMType::ECIMType>(TCIMValue::TCIMType::eCIMString | TCIMValue::TCIMType::eCIMArrayFlag);
-
-/// The value of the qualifier; a NULL if there is none of that name and type.
-template <typename TCarrier>
-TCIMValue QualifierValue(const TCarrier& carrier, const char* name, TCIMValue::TCIMType::ECIMType type) {
-    const TCIMQualifier* const qualifier = carrier.FindQualifier(name);
-    const bool suits = qualifier != nullptr && qualifier->GetType() == type;
-    return suits ? qualifier->GetValue() : TCIMValue(type, 0);
-}
-
-/// The text of a string qualifier; empty if there is none.
-template <typename TCarrier>
-std::string QualifierString(const TCarrier& carrier, const char* name) {
-    const TCIMValue value = QualifierValue(carrier, name, TCIMValue::TCIMType::eCIMString);
-    return value.IsNull() ? "" : static_cast<std::string>(value);
-}
 
 #endif

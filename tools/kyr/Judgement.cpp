@@ -167,3 +167,8 @@ bool IsMissing(const TVerdict& verdict) {
     const auto harmless = {kReasonUnwanted, kReasonDontCollect, kReasonNoData, kReasonSchemaOnly};
     return std::find(harmless.begin(), harmless.end(), verdict.reason) == harmless.end();
 }
+
+std::string PluginsMissing(size_t missing, size_t all) {
+    if (missing == 0) return "";
+    return std::to_string(missing) + " of " + std::to_string(all) + " plugins are not complete";
+}

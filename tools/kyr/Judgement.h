@@ -22,4 +22,7 @@ std::vector<const TNote*> NotesOf(const TLibrary& library, const TCIMClass* cls)
 /// Whether something is missing.
 bool IsMissing(const TVerdict& verdict);
 
+/// Why the collection is not complete if so many plugins are not; empty if none.
+std::string PluginsMissing(size_t missing, size_t all);
+
 #endif

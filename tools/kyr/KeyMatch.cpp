@@ -29,11 +29,11 @@ std::string EscapeQuotes(const std::string& text) {
     return escaped;
 }
 
-// The ways in which people write a value: as it is, as kyr shows it, or with its quotes escaped.
+// The ways in which people write a value: as it is, as kyr shows it or has it in JSON, or with its quotes escaped.
 std::vector<std::string> WaysToWrite(const TCIMValue& value) {
     try {
         const std::string plain = value.ToString(10);
-        return {plain, VisibleText(plain), EscapeQuotes(plain)};
+        return {plain, VisibleText(plain), ValidText(plain), EscapeQuotes(plain)};
     } catch (const TKYRException&) {
         return {};
     }

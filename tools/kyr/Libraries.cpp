@@ -8,6 +8,7 @@
 #include "DocumentProbe.h"
 #include "Exit.h"
 #include "Log.h"
+#include "Options.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
@@ -42,9 +43,14 @@ bool IsNoFile(const std::string& path) {
     return fs::exists(path, error) && !fs::is_regular_file(path, error);
 }
 
+// One that is never read to its end must leave time for others before the deadline.
+double SecondsForOne(const TSessionOptions& options) {
+    return options.deadline > 0 ? std::min(options.timeout, options.deadline / 10) : options.timeout;
+}
+
 // Why each of the documents must not be read, if there is a reason.
 std::map<std::string, std::string> FindHarm(const std::list<TLibrary>& libraries, TContainer& container,
-                                            double seconds) {
+                                            const TSessionOptions& options) {
     std::map<std::string, std::string> harms;
     std::vector<std::string> documents;
     for (const TLibrary& library : libraries) {
@@ -55,7 +61,7 @@ std::map<std::string, std::string> FindHarm(const std::list<TLibrary>& libraries
             documents.push_back(document);
     }
     const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
-    const std::vector<std::string> found = ProbeDocuments(documents, read, seconds);
+    const std::vector<std::string> found = ProbeDocuments(documents, read, SecondsForOne(options), options.Latest());
     for (size_t i = 0; i < documents.size(); ++i)
         if (!found[i].empty()) harms[documents[i]] = found[i];
     return harms;
@@ -93,8 +99,9 @@ std::list<TLibrary> FindLibraries() {
     return libraries;
 }
 
-void ReadDocuments(std::list<TLibrary>& libraries, TContainer& container, TContainer& schema, double seconds) {
-    const std::map<std::string, std::string> harms = FindHarm(libraries, container, seconds);
+void ReadDocuments(std::list<TLibrary>& libraries, TContainer& container, TContainer& schema,
+                   const TSessionOptions& options) {
+    const std::map<std::string, std::string> harms = FindHarm(libraries, container, options);
     for (TLibrary& library : libraries) {
         const std::string document = DocumentOf(library);
         if (document.empty() || !library.hindrance.reason.empty()) continue;

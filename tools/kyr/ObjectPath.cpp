@@ -9,8 +9,10 @@
 #include "KeyMatch.h"
 #include "NearMatches.h"
 #include "SameName.h"
+#include "Values.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
 
 namespace {
 
@@ -75,9 +77,20 @@ void RefuseUnknownKey(const TPath& path, const TInstances& instances) {
     Refuse("class " + path.cls + " has no key '" + name + "'" + DidYouMean(name, keys) + " (its keys: " + list + ")");
 }
 
+// With the first key of the path alone, as people write it.
+std::string ShortPath(const TCIMInstance& instance, const std::string& path) {
+    const std::string start = path.substr(0, path.find('='));
+    const TCIMProperty* const key = instance.FindProperty(start.substr(start.find('.') + 1));
+    return key == nullptr ? VisiblePath(instance) : start + "=\"" + PlainText(key->GetValue()) + "\"";
+}
+
 [[noreturn]] void RefuseUnknownInstance(const std::string& path, const std::string& cls, const TInstances& instances) {
     std::vector<std::string> paths;
-    for (size_t i = 0; i < instances.size() && i < kMostCompared; ++i) paths.push_back(VisiblePath(*instances[i]));
+    for (size_t i = 0; i < instances.size() && i < kMostCompared; ++i) {
+        paths.push_back(VisiblePath(*instances[i]));
+        const std::string shorter = ShortPath(*instances[i], path);
+        if (shorter != paths.back()) paths.push_back(shorter);
+    }
     const std::vector<std::string> near = FindNearMatches(path, paths);
     const std::string count = std::to_string(instances.size()) + (instances.size() == 1 ? " instance" : " instances");
     const std::string text = "there is no '" + path + "' among the " + count + " of class " + cls;

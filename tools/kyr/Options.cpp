@@ -3,6 +3,7 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <cstdlib>
 #include <filesystem>
 #include <utility>
 
@@ -17,9 +18,42 @@ constexpr const char* kFooter =
     "Exit status: 0 complete, 1 usable but something failed, 2 wrong use,\n"
     "3 nothing could be collected or read, 4 the output could not be written.";
 
+constexpr const char* kCollectExamples =
+    "Examples:\n"
+    "  kyr collect -o machine.xml.gz\n"
+    "  kyr collect machine.xml.gz --class CIM_DiskDrive -o disks.xml\n\n";
+constexpr const char* kShowExamples =
+    "Examples:\n"
+    "  kyr show --tree\n"
+    "  kyr show machine.xml.gz --class CIM_Processor --provenance\n\n";
+constexpr const char* kAssocExamples =
+    "Some of the keys are enough, if they name one instance. Quotes and blanks need quotes of the shell.\n\n"
+    "Examples:\n"
+    "  kyr assoc CIM_ComputerSystem --result-class CIM_OperatingSystem\n"
+    "  kyr assoc 'MOLTA_Mount.Name=\"/\"' machine.xml.gz\n\n";
+constexpr const char* kSchemaExamples =
+    "Examples:\n"
+    "  kyr schema CIM_ComputerSystem\n"
+    "  kyr schema machine.xml.gz --json-schema\n\n";
+
 [[noreturn]] void RefuseUse(const CLI::App& app, const std::string& text) {
     const std::string command = app.get_parent() == nullptr ? "kyr" : "kyr " + app.get_name();
     throw TCommandError(eExitUsage, text + " (try '" + command + " --help')");
+}
+
+std::string CheckSeconds(const std::string& text) {
+    char* end = nullptr;
+    const bool isPositive = std::strtod(text.c_str(), &end) > 0;
+    return isPositive && *end == '\0' ? "" : "'" + text + "' is no number of seconds above 0";
+}
+
+// No class has such a name.
+std::string CheckFileName(const std::string& text) {
+    return text.find_first_of("./") == std::string::npos ? "'" + text + "' is no file" : "";
+}
+
+CLI::Option* AddFile(CLI::App& command, TSessionOptions& session) {
+    return command.add_option("FILE", session.from, "A saved collection, as --from")->type_name("");
 }
 
 // Anything that is left over is refused here and not by the parser, which would not name the nearest right word.
@@ -39,12 +73,13 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
 void AddCollecting(CLI::App& command, TSessionOptions& session) {
     command.add_option("--timeout", session.timeout, "Time for each plugin")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber)
+        ->check(CheckSeconds)
         ->capture_default_str();
     command.add_option("--deadline", session.deadline, "Time for all plugins together")
         ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber);
-    command.add_flag("--in-process", session.inProcess, "Run the plugins in this process, one after another");
+        ->check(CheckSeconds);
+    command.add_flag("--in-process", session.inProcess,
+                     "Run the plugins in this process, one after another, with no limit of time");
 }
 
 void AddPrinting(CLI::App& command, TOptions& options) {
@@ -60,7 +95,8 @@ void AddPrinting(CLI::App& command, TOptions& options) {
 
 void AddCollect(CLI::App& app, TOptions& options) {
     CLI::App* const collect = AddCommand(app, "collect", "Ask the plugins and print or save what they report", options);
-    collect->add_option("FILE", options.session.from, "A saved collection, as --from");
+    collect->footer(std::string(kCollectExamples) + kFooter);
+    AddFile(*collect, options.session);
     collect->add_option("-o,--output", options.output, "Save the collection: FILE.xml or FILE.xml.gz")
         ->type_name("FILE");
     AddPrinting(*collect, options);
@@ -69,7 +105,8 @@ void AddCollect(CLI::App& app, TOptions& options) {
 
 void AddShow(CLI::App& app, TOptions& options) {
     CLI::App* const show = AddCommand(app, "show", "Print a saved collection, or this machine's", options);
-    show->add_option("FILE", options.session.from, "A saved collection, as --from");
+    show->footer(std::string(kShowExamples) + kFooter);
+    AddFile(*show, options.session);
     AddPrinting(*show, options);
     show->add_flag("--tree", options.tree, "Each instance below the one that it belongs to");
     AddCollecting(*show, options.session);
@@ -77,7 +114,11 @@ void AddShow(CLI::App& app, TOptions& options) {
 
 void AddAssoc(CLI::App& app, TOptions& options) {
     CLI::App* const assoc = AddCommand(app, "assoc", "Print what an instance is tied to", options);
-    assoc->add_option("PATH", options.path, "The instance: Class.Key=\"value\",Other=\"value\"")->required();
+    assoc->footer(std::string(kAssocExamples) + kFooter);
+    assoc->add_option("PATH", options.path, "The instance: Class.Key=\"value\",Other=\"value\"")
+        ->type_name("")
+        ->required();
+    AddFile(*assoc, options.session);
     assoc->add_option("--assoc-class", options.assocClass, "Only ties of this class")->type_name("NAME");
     assoc->add_option("--result-class", options.resultClass, "Only results of this class")->type_name("NAME");
     assoc->add_option("--role", options.role, "Only ties in which the instance has this role")->type_name("NAME");
@@ -91,11 +132,14 @@ void AddCommands(CLI::App& app, TOptions& options) {
     AddAssoc(app, options);
 
     CLI::App* const schema = AddCommand(app, "schema", "Print the tree of classes, or one class", options);
-    schema->add_option("CLASS", options.className, "The class to describe");
+    schema->footer(std::string(kSchemaExamples) + kFooter);
+    schema->validate_positionals();
+    AddFile(*schema, options.session)->check(CheckFileName);
+    schema->add_option("CLASS", options.className, "The class to describe")->type_name("");
     schema->add_flag("--json-schema", options.jsonSchema, "Print a JSON Schema of all that --json prints");
 
     CLI::App* const identity = AddCommand(app, "identity", "Print what machine this is", options);
-    identity->add_option("FILE", options.session.from, "A saved collection, as --from");
+    AddFile(*identity, options.session);
     AddCollecting(*identity, options.session);
 }
 
@@ -126,6 +170,31 @@ void RefuseLeftOver(const CLI::App& app, const std::string& word) {
 void RefuseLeftOvers(const CLI::App& app) {
     const std::vector<std::string> words = app.remaining();
     if (!words.empty()) RefuseLeftOver(app, words.front());
+}
+
+/// Options that together make no sense, or of which one would be lost.
+struct TRivals {
+    const char* option;
+    std::vector<const char*> others;
+};
+
+const TRivals kRivals[] = {
+    {"--from", {"FILE"}},
+    {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
+    {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
+    {"--json-schema", {"--json", "CLASS"}},
+};
+
+bool IsGiven(const CLI::App& command, const char* name) {
+    const CLI::Option* const option = command.get_option_no_throw(name);
+    return option != nullptr && option->count() > 0;
+}
+
+void RefuseRivals(const CLI::App& command) {
+    for (const TRivals& rivals : kRivals)
+        for (const char* other : rivals.others)
+            if (IsGiven(command, rivals.option) && IsGiven(command, other))
+                RefuseUse(command, std::string(rivals.option) + " and " + other + " do not go together");
 }
 
 std::string MakeAbsolute(const std::string& path, const std::string& option) {
@@ -191,6 +260,7 @@ TOptions ParseOptions(int argc, char** argv) {
     if (commands.empty()) RefuseUse(app, "no command given");
     if (commands.size() > 1) RefuseUse(app, "more than one command given");
     RefuseLeftOvers(*commands.front());
+    RefuseRivals(*commands.front());
     options.command = CommandNamed(commands.front()->get_name());
     ResolvePaths(options);
     return options;

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "TimeSpan.h"
+
 /// What every command needs. Paths are absolute.
 struct TSessionOptions {
     std::string from;  ///< a saved collection; empty: this machine
@@ -14,6 +16,9 @@ struct TSessionOptions {
     bool inProcess = false;
     double timeout = 30;  ///< seconds for each plugin
     double deadline = 0;  ///< seconds for all of them together; 0: none
+    TMoment start = TClock::now();
+
+    TMoment Latest() const { return deadline > 0 ? After(start, deadline) : TMoment::max(); }
 };
 
 struct TOptions {

@@ -21,17 +21,20 @@ std::vector<pid_t> Children() {
 
 TOrphans::TOrphans() : fSpared(Children()) { prctl(PR_SET_CHILD_SUBREAPER, 1); }
 
-// Each that ends may leave us children of its own.
 TOrphans::~TOrphans() {
+    EndAll();
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
+}
+
+// Each that ends may leave us children of its own. One that has become another user's is out of our reach.
+void TOrphans::EndAll() const {
     const auto isSpared = [this](pid_t child) {
-        return std::find(fSpared.begin(), fSpared.end(), child) != fSpared.end();
+        return std::find(fSpared.begin(), fSpared.end(), child) != fSpared.end() || kill(child, SIGKILL) != 0;
     };
     for (;;) {
         std::vector<pid_t> left = Children();
         left.erase(std::remove_if(left.begin(), left.end(), isSpared), left.end());
-        if (left.empty()) break;
-        for (const pid_t child : left) kill(child, SIGKILL);
+        if (left.empty()) return;
         for (const pid_t child : left) waitpid(child, nullptr, 0);
     }
-    prctl(PR_SET_CHILD_SUBREAPER, 0);
 }

@@ -14,6 +14,9 @@ public:
     TOrphans(const TOrphans&) = delete;
     TOrphans& operator=(const TOrphans&) = delete;
 
+    /// When no other child is there.
+    void EndAll() const;
+
 private:
     std::vector<pid_t> fSpared;
 };

@@ -63,7 +63,7 @@ void Ask(TStandIn& plugin, const TPluginTask& task, TTape& tape) {
 
 }  // namespace
 
-void RunPluginChild(const TLibrary& library, const TPluginTask& task, TTape& tape) {
+void RunPluginChild(const TLibrary& library, const TPluginTask& task, TTape& tape) noexcept {
     if (!task.wholeLog) TRootObject::GetCoreLogger()->SetLogThreshold(kyrLogWarning);
     SaveLogAtEnd(tape, task.wholeLog);
     TPluginReport report;

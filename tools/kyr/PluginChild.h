@@ -15,7 +15,8 @@ struct TPluginTask {
     bool wholeLog;                               ///< and not only its errors and warnings
 };
 
-/// The work of a plugin's process: loads the library, asks it, and puts on the tape what comes of it.
-[[noreturn]] void RunPluginChild(const TLibrary& library, const TPluginTask& task, TTape& tape);
+/// The work of a plugin's process: loads the library, asks it, and puts on the tape what comes of it. An exception that
+/// nobody catches ends the process: what is above this call is not its own.
+[[noreturn]] void RunPluginChild(const TLibrary& library, const TPluginTask& task, TTape& tape) noexcept;
 
 #endif

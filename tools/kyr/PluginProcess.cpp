@@ -10,11 +10,13 @@
 #include <cstring>
 #include <sstream>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "ChildSetting.h"
 #include "Library.h"
 #include "TapeReport.h"
+#include "VisibleText.h"
 
 namespace {
 
@@ -38,6 +40,11 @@ constexpr TPlace kPlaces[] = {
 };
 
 [[noreturn]] void Fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
+
+std::string SignalName(int signal) {
+    const char* const name = sigabbrev_np(signal);
+    return name == nullptr ? "signal " + std::to_string(signal) : std::string("SIG") + name;
+}
 
 // The last lines, the first of which may be cut.
 std::vector<std::string> ReadLastLines(int descriptor) {
@@ -70,15 +77,20 @@ TPluginProcess::TPluginProcess(TLibrary& library, const TPluginTask& task, doubl
         close(fPrinted);
         Fail("no process can be started for it");
     }
-    setpgid(fProcess, fProcess);  // here too: whoever comes first
     fTape.Hide();
 }
 
 TPluginProcess::~TPluginProcess() {
-    close(fPrinted);
     if (fProcess < 0) return;
-    kill(-fProcess, SIGKILL);
+    close(fPrinted);
+    Kill();
     waitpid(fProcess, nullptr, 0);
+}
+
+// It alone too: its group is there only once it runs.
+void TPluginProcess::Kill() const {
+    kill(-fProcess, SIGKILL);
+    kill(fProcess, SIGKILL);
 }
 
 bool TPluginProcess::HasEnded() const {
@@ -89,7 +101,7 @@ bool TPluginProcess::HasEnded() const {
 void TPluginProcess::Hurry(TMoment now) {
     if (now < fDeadline) return;
     if (fStopped.reason.empty()) return Stop({eTimedOut, "no answer within " + SecondsText(fTimeout)});
-    kill(-fProcess, SIGKILL);
+    Kill();
     fDeadline = TMoment::max();
 }
 
@@ -101,7 +113,7 @@ void TPluginProcess::Stop(const TVerdict& why) {
 }
 
 void TPluginProcess::Finish() {
-    kill(-fProcess, SIGKILL);  // before it is waited for: the number is still its own
+    Kill();  // before it is waited for: the number is still its own
     int status = 0;
     while (waitpid(fProcess, &status, 0) < 0 && errno == EINTR) {
     }
@@ -111,10 +123,11 @@ void TPluginProcess::Finish() {
     report.end = Judge(status);
     if (!readable && report.end.state == eComplete) report.end = {eFailed, "it spoilt what it had delivered"};
     ReadPrinted();
+    close(std::exchange(fPrinted, -1));
 }
 
 std::string TPluginProcess::Where() const {
-    std::string text;
+    std::string text = "at an unknown place";
     for (const TPlace& place : kPlaces)
         if (place.phase == fTape.Phase()) text = place.text;
     const std::string inHand = fTape.InHand();
@@ -124,11 +137,12 @@ std::string TPluginProcess::Where() const {
 TVerdict TPluginProcess::Judge(int status) const {
     if (!fStopped.reason.empty()) return {fStopped.state, fStopped.reason + ", stopped " + Where()};
     if (fTape.IsFull()) return {eFailed, "it delivered more than there is room for"};
-    if (WIFSIGNALED(status)) return {eFailed, std::string("SIG") + sigabbrev_np(WTERMSIG(status)) + " " + Where()};
+    if (WIFSIGNALED(status)) return {eFailed, SignalName(WTERMSIG(status)) + " " + Where()};
     if (fTape.Phase() == EPhase::eExiting && WEXITSTATUS(status) == 0) return {};
     return {eFailed, "it ended its process with exit status " + std::to_string(WEXITSTATUS(status)) + " " + Where()};
 }
 
 void TPluginProcess::ReadPrinted() {
-    for (const std::string& line : ReadLastLines(fPrinted)) fLibrary.report.notes.push_back({"", kyrLogStatus, line});
+    for (const std::string& line : ReadLastLines(fPrinted))
+        fLibrary.report.notes.push_back({"", kyrLogStatus, VisibleText(line)});
 }

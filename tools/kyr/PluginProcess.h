@@ -8,7 +8,7 @@
 #include "Tape.h"
 #include "TimeSpan.h"
 
-/// A plugin's process, seen from ours. It leads a process group of its own.
+/// A plugin's process, seen from ours. It leads a session of its own.
 class TPluginProcess {
 public:
     /// Starts it. Raises std::system_error.
@@ -32,6 +32,7 @@ public:
     const TTape& Tape() const { return fTape; }
 
 private:
+    void Kill() const;
     std::string Where() const;
     TVerdict Judge(int status) const;
     void ReadPrinted();

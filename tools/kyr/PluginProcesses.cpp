@@ -11,49 +11,50 @@
 TPluginProcesses::TPluginProcesses(const TSessionOptions& options, size_t count, TListener listener)
     : fTimeout(options.timeout),
       fDeadlineSeconds(options.deadline),
-      fDeadline(options.deadline > 0 ? After(TClock::now(), options.deadline) : TMoment::max()),
+      fDeadline(options.Latest()),
       fAtOnce(std::max(4u, std::thread::hardware_concurrency())),
       fListener(std::move(listener)),
       fProgress(count) {}
 
 void TPluginProcesses::Run(const std::vector<TLibrary*>& libraries, const TPluginTask& task) {
     fWaiting.assign(libraries.begin(), libraries.end());
-    for (Start(task); !fRunning.empty(); Start(task)) {
+    while (!fWaiting.empty() || !fRunning.empty()) {
+        if (fRunning.empty()) fOrphans.EndAll();  // which makes room for others
+        Start(task);
         TellEnded();
-        Wait();
+        if (!fRunning.empty()) Wait();
     }
     TellEnded();
 }
 
 void TPluginProcesses::Start(const TPluginTask& task) {
-    while (!fWaiting.empty() && fRunning.size() < fAtOnce) {
-        TLibrary& library = *fWaiting.front();
-        fWaiting.pop_front();
-        if (fStopped.reason.empty())
-            StartOne(library, task);
-        else
-            library.report.end = {eNotAsked, fStopped.reason};
-    }
+    while (!fWaiting.empty() && fRunning.size() < fAtOnce && StartOne(*fWaiting.front(), task)) fWaiting.pop_front();
 }
 
-void TPluginProcesses::StartOne(TLibrary& library, const TPluginTask& task) {
-    try {
-        fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fTimeout));
-        fRunning.push_back(fStarted.back().get());
-    } catch (const std::system_error& e) {
-        library.report.end = {eFailed, e.what()};
+// False: there is no room while others run.
+bool TPluginProcesses::StartOne(TLibrary& library, const TPluginTask& task) try {
+    if (!fStopped.reason.empty()) {
+        library.report.end = {eNotAsked, fStopped.reason};
+        return true;
     }
+    fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fTimeout));
+    fRunning.push_back(fStarted.back().get());
+    return true;
+} catch (const std::system_error& e) {
+    if (!fRunning.empty()) return false;
+    library.report.end = {eFailed, e.what()};
+    return true;
 }
 
 void TPluginProcesses::Wait() {
     TMoment next = fStopped.reason.empty() ? fDeadline : TMoment::max();
     for (const TPluginProcess* process : fRunning) next = std::min(next, process->Deadline());
     const int signal = fSignals.WaitUntil(std::min(next, fProgress.NextMoment()));
+    FinishEnded();  // first: they may have ended in time while we were busy or stopped
     if (signal != 0 && signal != SIGCHLD) Interrupt(signal);
     const TMoment now = TClock::now();
     if (now >= fDeadline) StopAll({eTimedOut, "the deadline of " + SecondsText(fDeadlineSeconds) + " had passed"});
     for (TPluginProcess* process : fRunning) process->Hurry(now);
-    FinishEnded();
     fProgress.Show(now, RunningNames());
 }
 
@@ -75,6 +76,7 @@ void TPluginProcesses::TellEnded() {
 void TPluginProcesses::Interrupt(int signal) {
     if (fInterruption != 0) {
         fStarted.clear();  // which ends them
+        fOrphans.EndAll();
         fProgress.Erase();
         EndBySignal(signal);
     }

@@ -30,7 +30,7 @@ public:
 
 private:
     void Start(const TPluginTask& task);
-    void StartOne(TLibrary& library, const TPluginTask& task);
+    bool StartOne(TLibrary& library, const TPluginTask& task);
     void Wait();
     void FinishEnded();
     void TellEnded();

@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr size_t kMostText = 4096;
+
 bool StartsWith(const std::string& text, const std::string& start) { return text.compare(0, start.size(), start) == 0; }
 
 // The name that stands in the text behind a mark.
@@ -23,6 +25,10 @@ std::string ClassIn(const std::string& text) {
     return StartsWith(text, "Instance ") ? NameBehind(text, "Instance ") : "";
 }
 
+std::string Shortened(const std::string& text) {
+    return text.size() <= kMostText ? text : text.substr(0, kMostText) + "...";
+}
+
 // That a call failed is known already.
 bool IsOfFailedCall(const TLogLine& line) {
     return line.core && StartsWith(line.text, "Plugin ") && line.text.find(" threw exception ") != std::string::npos;
@@ -32,7 +38,7 @@ bool IsOfFailedCall(const TLogLine& line) {
 
 void TPluginReport::Read(const TLogLine& line) {
     if (line.severity > kyrLogWarning || IsOfFailedCall(line)) return;
-    notes.push_back({line.core ? ClassIn(line.text) : "", line.severity, line.text});
+    notes.push_back({line.core ? ClassIn(line.text) : "", line.severity, Shortened(line.text)});
 }
 
 const TPluginFacts* TPluginReport::FindOwner() const {

@@ -47,6 +47,12 @@ void RequireReadableName(const std::string& path) {
         RefusePath(path, "with '.gz' in its path the file would be read as a compressed one", path + ".gz");
 }
 
+std::vector<TCIMClass*> AllClasses(const TContainer& container) {
+    std::vector<TCIMClass*> classes = container.GetRootClass()->EnumerateSubClasses(true);
+    classes.insert(classes.begin(), container.GetRootClass());
+    return classes;
+}
+
 [[noreturn]] void RefuseReading(const std::string& path, const std::string& reason) {
     throw TCommandError(eExitNothing, "cannot read the collection '" + path + "': " + reason);
 }
@@ -55,6 +61,7 @@ void RequireFile(const std::string& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) RefuseReading(path, std::strerror(errno));
     if (!S_ISREG(status.st_mode)) RefuseReading(path, "it is no regular file");
+    if (status.st_size == 0) RefuseReading(path, "it is empty");
 }
 
 // The errors that the core has logged since there were so many entries, but for the last, which repeats the path.
@@ -87,13 +94,14 @@ void RequireSavablePath(const std::string& path) {
     if (!TOutputFile::IsSpecial(path)) TOutputFile(path, false);  // opened, and dropped without a trace
 }
 
-void SaveCollection(const TContainer& container, const std::string& path, bool stable) {
+void SaveCollection(const TContainer& container, const std::string& path, bool stable,
+                    const std::vector<TCIMClass*>* classes) {
     RequireReadableName(path);
     TOutputFile file(path, EndsWith(path, ".gz"));
     TCimXmlWriter writer(container, file);
     writer.Raw(kHead);
     WriteSchema(container, writer);
-    WriteInstances(container, stable, writer);
+    WriteInstances(classes == nullptr ? AllClasses(container) : *classes, stable, writer);
     writer.Raw(kTail);
     const size_t size = writer.Finish();
     if (size > TCimXmlWriter::kLargestDocument)

@@ -32,19 +32,21 @@ std::string PluginOf(const TCIMClass& cls) {
     return name.empty() ? name : name + " " + QualifierText(cls, "PLUGINVERSION");
 }
 
-std::string TreeLine(const TCIMClass& cls, const TOutput& output) {
-    std::string line = cls.IsAbstract() ? cls.GetName() : output.Bold(cls.GetName());
-    if (cls.IsAbstract()) line += " (abstract)";
-    if (cls.IsAssociation()) line += " (association)";
+void PrintTreeLine(const TCIMClass& cls, const std::string& indent, TOutput& output) {
+    const std::string& name = cls.GetName();
     const std::string plugin = PluginOf(cls);
-    return plugin.empty() ? line : line + "  [" + plugin + "]";
+    std::string facts = cls.IsAbstract() ? " (abstract)" : "";
+    if (cls.IsAssociation()) facts += " (association)";
+    if (!plugin.empty()) facts += "  [" + plugin + "]";
+    if (ColumnsOf(indent + name + facts) > output.Width()) return PrintWrapped(name + facts, indent, output);
+    output.Write(indent + (cls.IsAbstract() ? name : output.Bold(name)) + facts + "\n");
 }
 
 void PrintTree(const TCIMClass& parent, const std::string& indent, TOutput& output) {
     std::vector<TCIMClass*> children = parent.EnumerateSubClasses(false);
     SortByName(children);
     for (const TCIMClass* child : children) {
-        output.Write(indent + TreeLine(*child, output) + "\n");
+        PrintTreeLine(*child, indent, output);
         PrintTree(*child, indent + "  ", output);
     }
 }

@@ -1,9 +1,11 @@
 #include "ClassNames.h"
+#include "Descriptions.h"
 #include "Json.h"
 #include "JsonValues.h"
 #include "PropertyMarks.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TCIMQualifier.h"
 #include "kyr/TContainer.h"
 
 namespace {

@@ -51,7 +51,7 @@ TSession::TSession(const TSessionOptions& options, const TLog& log) : fOptions(o
     EnterPluginFolder(options.plugins);
     fLibraries = FindLibraries();
     if (fLibraries.empty()) Complain("no plugins in '" + options.plugins + "'");
-    ReadDocuments(fLibraries, fContainer, PluginSchema(), options.timeout);
+    ReadDocuments(fLibraries, fContainer, PluginSchema(), options);
 }
 
 void TSession::ReadBaseDocument(const std::string& path) {

@@ -1,7 +1,10 @@
 #include "StateWriter.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstring>
+#include <set>
 
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -24,7 +27,10 @@ std::vector<TCIMValue> LogLines(const std::vector<const TNote*>& notes) {
 
 class TStateWriter {
 public:
-    TStateWriter(const TContainer& container, TWanted wanted) : fContainer(container), fWanted(wanted) {}
+    TStateWriter(const std::list<TLibrary>& libraries, TWanted wanted, const TContainer& container)
+        : fContainer(container), fWanted(wanted) {
+        for (const TLibrary& library : libraries) fNames.insert(library.report.NameIn(library.path));
+    }
 
     void WriteLibrary(const TLibrary& library) {
         if (library.report.plugins.empty()) WritePlugin(library, nullptr);
@@ -38,6 +44,7 @@ public:
         TCIMInstance& state = NewState("MOLTA_Collection", verdict, {});
         state.SetPropertyValue("Tool", TCIMValue("kyr"));
         state.SetPropertyValue("ToolVersion", TCIMValue(KYRCORE_VERSION));
+        state.SetPropertyValue("Superuser", TCIMValue(geteuid() == 0));
         state.AddToContainer();
     }
 
@@ -51,11 +58,17 @@ private:
         return state;
     }
 
+    // The library's path where no name tells which plugin is meant.
+    std::string NameOf(const TLibrary& library, const TPluginFacts* plugin) const {
+        const bool isTelling = plugin != nullptr && !plugin->name.empty() && fNames.count(plugin->name) < 2;
+        return isTelling ? plugin->name : library.path;
+    }
+
     void WritePlugin(const TLibrary& library, const TPluginFacts* plugin) {
         const TVerdict verdict = JudgePlugin(library, plugin, fWanted);
         TCIMInstance& state = NewState("MOLTA_CollectedPlugin", verdict, NotesOf(library, nullptr));
         state.SetPropertyValue("Library", TCIMValue(library.path));
-        state.SetPropertyValue("Name", TCIMValue(plugin == nullptr ? library.path : plugin->name));
+        state.SetPropertyValue("Name", TCIMValue(NameOf(library, plugin)));
         if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
         state.AddToContainer();
         ++fPlugins;
@@ -64,10 +77,12 @@ private:
 
     void WriteClass(const TLibrary& library, const TCIMClass& cls) {
         const TVerdict verdict = JudgeClass(library, cls, fWanted);
-        const auto count = static_cast<unsigned int>(cls.EnumerateInstances(false).size());
+        const bool isLeftOut = verdict.reason == kReasonUnwanted;  // its document may hold instances all the same
+        const auto count = isLeftOut ? 0u : static_cast<unsigned int>(cls.EnumerateInstances(false).size());
         TCIMInstance& state = NewState("MOLTA_CollectedClass", verdict, NotesOf(library, &cls));
+        const std::vector<TPluginFacts>& plugins = library.report.plugins;
         state.SetPropertyValue("Name", TCIMValue(cls.GetName()));
-        state.SetPropertyValue("Plugin", TCIMValue(library.report.NameIn(library.path)));
+        state.SetPropertyValue("Plugin", TCIMValue(NameOf(library, plugins.empty() ? nullptr : &plugins.front())));
         state.SetPropertyValue("InstanceCount", TCIMValue(count));
         state.AddToContainer();
         fAny |= count != 0;
@@ -76,8 +91,7 @@ private:
 
     TVerdict JudgeCollection(const TVerdict& interruption) const {
         std::string reason = interruption.reason;
-        if (reason.empty() && fMissing != 0)
-            reason = std::to_string(fMissing) + " of " + std::to_string(fPlugins) + " plugins are not complete";
+        if (reason.empty()) reason = PluginsMissing(fMissing, fPlugins);
         if (fWanted == nullptr)
             return {reason.empty() ? eNotAsked : ePartial, reason.empty() ? kReasonSchemaOnly : reason};
         if (reason.empty() && (fAsked || fAny)) return {};
@@ -87,6 +101,7 @@ private:
 
     const TContainer& fContainer;
     const TWanted fWanted;
+    std::multiset<std::string> fNames;  // that the libraries have
     size_t fPlugins = 0;
     size_t fMissing = 0;
     bool fAny = false;
@@ -96,7 +111,7 @@ private:
 }  // namespace
 
 void WriteStates(const std::list<TLibrary>& libraries, TWanted wanted, int interruption, const TContainer& container) {
-    TStateWriter writer(container, wanted);
+    TStateWriter writer(libraries, wanted, container);
     for (const TLibrary& library : libraries) writer.WriteLibrary(library);
     TVerdict verdict;
     if (interruption != 0) verdict = {eFailed, std::string("interrupted by SIG") + sigabbrev_np(interruption)};

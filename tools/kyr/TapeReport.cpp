@@ -11,30 +11,37 @@
 
 namespace {
 
+// No text of a report can have a NUL, but for one that was not put there by us.
+std::string TakeReportText(TTapeReader& frame) {
+    const std::string text = frame.TakeText();
+    if (text.find('\0') != std::string::npos) throw TTapeError();
+    return text;
+}
+
 void ReadLogLine(TTapeReader& frame, TPluginReport& report) {
     TLogLine line{};
     line.core = frame.TakeNumber<uint8_t>() != 0;
     line.severity = static_cast<kyrLogSeverity>(frame.TakeNumber<int>());
-    line.text = frame.TakeText();
+    line.text = TakeReportText(frame);
     report.Read(line);
     report.log.push_back(line);
 }
 
 void ReadAsked(TTapeReader& frame, TPluginReport& report) {
     report.passes.push_back({frame.TakeNumber<uint8_t>() != 0, {}});
-    while (!frame.IsAtEnd()) report.passes.back().asked.push_back(frame.TakeText());
+    while (!frame.IsAtEnd()) report.passes.back().asked.push_back(TakeReportText(frame));
 }
 
 void ReadEnded(TTapeReader& frame, TPluginReport& report) {
     if (report.passes.empty()) throw TTapeError();
     report.passes.back().finished = true;
-    report.passes.back().end = frame.TakeText();
+    report.passes.back().end = TakeReportText(frame);
 }
 
 void ReadPlugin(TTapeReader& frame, TPluginReport& report) {
     TPluginFacts facts;
-    facts.name = frame.TakeText();
-    facts.version = frame.TakeText();
+    facts.name = TakeReportText(frame);
+    facts.version = TakeReportText(frame);
     facts.type = frame.TakeNumber<int32_t>();
     facts.initialised = frame.TakeNumber<uint8_t>() != 0;
     report.plugins.push_back(facts);
@@ -45,7 +52,7 @@ void ReadFrame(EFrame kind, TTapeReader& frame, TPluginReport& report) {
         case EFrame::ePlugin:
             return ReadPlugin(frame, report);
         case EFrame::eRefusal:
-            report.refusal = frame.TakeText();
+            report.refusal = TakeReportText(frame);
             return;
         case EFrame::eLog:
             return ReadLogLine(frame, report);
@@ -59,11 +66,18 @@ void ReadFrame(EFrame kind, TTapeReader& frame, TPluginReport& report) {
     throw TTapeError();
 }
 
+// The core refuses what cannot be a name.
+bool HasInstances(const TContainer& container, const std::string& className) try {
+    const TCIMClass* const cls = container.FindClass(className);
+    return cls != nullptr && !cls->EnumerateInstances(false).empty();
+} catch (const TKYRException&) {
+    return false;
+}
+
 // What another plugin has brought already is not asked for where all run in one process.
 void SkipWhatIsThere(TPass& pass, const TContainer& container, TInstanceFrames& frames) {
     const auto isThere = [&](const std::string& name) {
-        const TCIMClass* const cls = container.FindClass(name);
-        if (cls == nullptr || cls->EnumerateInstances(false).empty()) return false;
+        if (!HasInstances(container, name)) return false;
         frames.Skip(name);
         return true;
     };

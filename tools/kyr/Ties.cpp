@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "ClassNames.h"
+#include "Exit.h"
 #include "Options.h"
 #include "SameName.h"
 #include "kyr/TCIMClass.h"
@@ -65,6 +66,8 @@ std::vector<TEnd> EndsOf(const TCIMInstance& association) {
 std::vector<TTie> FindTies(const TCIMInstance& instance, const TOptions& options) {
     const TContainer& container = *instance.GetContainer();
     TCIMClass* const associations = FindFilter(container, options.assocClass);
+    if (associations != nullptr && AssociationsOf(*associations).empty())
+        throw TCommandError(eExitUsage, "class " + associations->GetName() + " is no association");
     TCIMClass* const results = FindFilter(container, options.resultClass);
     std::vector<TTie> ties;
     for (const TCIMClass* cls : AssociationsOf(associations == nullptr ? *container.GetRootClass() : *associations))

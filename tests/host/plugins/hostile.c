@@ -54,6 +54,17 @@ BEHAVIOUR Chatter(void) {
     fflush(stdout);
 }
 
+/* Over all memory that it shares with others. */
+BEHAVIOUR Scribble(void) {
+    char line[512];
+    unsigned long start, end;
+    FILE* const maps = fopen("/proc/self/maps", "r");
+    while (fgets(line, sizeof line, maps) != NULL)
+        if (strstr(line, " rw-s ") != NULL && sscanf(line, "%lx-%lx", &start, &end) == 2)
+            for (unsigned long i = 16; i < 65536; ++i) ((unsigned char*)start)[i] ^= (unsigned char)(i * 7 % 251);
+    fclose(maps);
+}
+
 static void* Spin(void* unused) {
     Loop();
     return unused;
