@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <sys/utsname.h>
 
-#include <sstream>
-
 #include "KyrRun.h"
 
 using ::testing::HasSubstr;
@@ -10,31 +8,9 @@ using ::testing::Not;
 
 namespace {
 
-// Without the lines that tell the time of the run.
-std::string WithoutPresentTime(const std::string& text) {
-    std::istringstream lines(text);
-    std::string result, line;
-    while (std::getline(lines, line))
-        if (line.find("DateTimeOfCollection") == std::string::npos && line.find("LocalDateTime") == std::string::npos)
-            result += line + "\n";
-    return result;
-}
-
 const std::string kShown = "collect --class TEST_Shown";
 
 }  // namespace
-
-class CollectOnMachine : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(CollectOnMachine, PrintsWhatTheSystemPluginFoundThere) {
-    const std::string machine = GetParam();
-    const TRunResult run = RunKyrOn(machine, "collect --references");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.err, "");
-    EXPECT_EQ(WithoutPresentTime(run.out), ReadFile(EXPECTED "/" + machine + ".txt"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Machines, CollectOnMachine, ::testing::Values("server", "virtual", "container"));
 
 TEST(CollectTest, NamesHostAndKernelOfTheRunningMachine) {
     utsname name{};

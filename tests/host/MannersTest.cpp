@@ -103,8 +103,9 @@ TEST(MannersTest, LocaleMakesNoDifference) {
 TEST(MannersTest, LinesAreNoWiderThanTheTerminal) {
     if (RunShell("script -qec true /dev/null </dev/null").status != 0)
         GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
+    const TPluginRoot root({});
     for (const char* command : {"show --references", "show --tree", "collect --provenance --null", "schema"}) {
-        const std::string script = "stty cols 40; " KYR_PROGRAM " " + std::string(command);
+        const std::string script = "stty cols 40; " KYR_PROGRAM " " + std::string(command) + root.Option();
         const TRunResult run = RunShell("env -u COLUMNS TERM=dumb script -qec '" + script + "' /dev/null </dev/null");
         EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem")) << command;
         EXPECT_FALSE(HasLineOver(41, run.out)) << command << "\n" << run.out;  // with the carriage return
@@ -114,7 +115,9 @@ TEST(MannersTest, LinesAreNoWiderThanTheTerminal) {
 TEST(MannersTest, TerminalGetsBoldNamesUnlessColourIsUnwanted) {
     if (RunShell("script -qec true /dev/null </dev/null").status != 0)
         GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
-    const std::string onTerminal = " script -qec '" KYR_PROGRAM " collect 2>/dev/null' /dev/null </dev/null";
+    const TPluginRoot root({});
+    const std::string onTerminal =
+        " script -qec '" KYR_PROGRAM " collect" + root.Option() + "2>/dev/null' /dev/null </dev/null";
     const std::string bold = "\033[1mMOLTA_ComputerSystem\033[0m\r\n", plain = "MOLTA_ComputerSystem\r\n";
     EXPECT_THAT(RunShell("TERM=xterm NO_COLOR=" + onTerminal).out, HasSubstr(bold));
     EXPECT_THAT(RunShell("TERM=xterm NO_COLOR=1" + onTerminal).out, StartsWith(plain));

@@ -1,0 +1,38 @@
+#include "DataPlugin.h"
+
+#include <exception>
+
+namespace {
+
+const char* gName = nullptr;
+kyrStatusCode (*gGetData)(kyrIOHandle, const TWantedClasses&) = nullptr;
+kyrPluginHandle gPlugin = nullptr;
+
+kyrStatusCode Nothing(kyrPluginHandle) { return kyrStatusOK; }
+
+// No exception of ours may cross into the core.
+kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
+    try {
+        return gGetData(handle, TWantedClasses(classNames, classNames + count));
+    } catch (const std::exception& e) {
+        kyrWriteLog(plugin, kyrLogError, e.what());
+        return kyrStatusFail;
+    }
+}
+
+kyrPluginInfo GetInfo(kyrPluginHandle) { return {gName, KYRCORE_VERSION, "1.0", kyrPluginDataCollector, 0}; }
+
+}  // namespace
+
+void LogAbsentClass(const char* className, EAbsence absence, const std::string& source) {
+    const bool isFailure = absence == EAbsence::eNoPermission || absence == EAbsence::eReadError;
+    const std::string text = std::string(className) + ": " + AbsenceText(absence) + ": " + source;
+    kyrWriteLog(gPlugin, isFailure ? kyrLogError : kyrLogWarning, text.c_str());
+}
+
+void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&)) {
+    gName = name;
+    gGetData = getData;
+    kyrPluginCallbacks callbacks = {nullptr, Nothing, Nothing, GetData, GetInfo, Nothing};
+    kyrRegisterPlugin(&callbacks, &gPlugin);
+}

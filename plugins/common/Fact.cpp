@@ -1,0 +1,37 @@
+#include "Fact.h"
+
+#include <cerrno>
+
+EAbsence AbsenceOf(int error) {
+    switch (error) {
+        case ENOENT:
+        case ENOTDIR:
+        case ENODEV:
+        case ENXIO:
+            return EAbsence::eNotPresent;
+        case EACCES:
+        case EPERM:
+            return EAbsence::eNoPermission;
+        case EINVAL:  // what a driver answers that has no such value at present
+        case ENODATA:
+        case ENOSYS:
+        case EOPNOTSUPP:
+            return EAbsence::eNotSupported;
+        default:
+            return EAbsence::eReadError;
+    }
+}
+
+const char* AbsenceText(EAbsence absence) {
+    switch (absence) {
+        case EAbsence::eNotPresent:
+            return "not present";
+        case EAbsence::eNoPermission:
+            return "no permission";
+        case EAbsence::eNotSupported:
+            return "not supported";
+        case EAbsence::eReadError:
+            break;
+    }
+    return "read error";
+}

@@ -1,0 +1,10 @@
+#ifndef PLUGINS_PLACEHOLDER_H
+#define PLUGINS_PLACEHOLDER_H
+
+#include <string>
+
+/// Whether a text is one of those that makers leave in fields of the firmware that they did not fill. Compared without
+/// regard to case.
+bool IsPlaceholder(const std::string& text);
+
+#endif

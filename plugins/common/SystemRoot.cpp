@@ -1,0 +1,104 @@
+#include "SystemRoot.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+bool IsRegular(int descriptor) {
+    struct stat status;
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Gives 0, or the errno of what went wrong.
+int ReadAll(int descriptor, size_t limit, std::string& content) {
+    char buffer[4096];
+    while (content.size() < limit) {
+        const ssize_t count = read(descriptor, buffer, std::min(sizeof buffer, limit - content.size()));
+        if (count == 0) return 0;
+        if (count > 0)
+            content.append(buffer, static_cast<size_t>(count));
+        else if (errno != EINTR)
+            return errno;
+    }
+    return 0;
+}
+
+}  // namespace
+
+void TDescriptor::Reset(int number) {
+    if (fNumber >= 0) close(fNumber);
+    fNumber = number;
+}
+
+TSystemRoot TSystemRoot::FromEnvironment() {
+    const char* const root = std::getenv("KYR_SYSTEM_ROOT");
+    return TSystemRoot(root == nullptr ? "" : root);
+}
+
+int TSystemRoot::Open(const std::string& path) const {
+    const size_t name = path.rfind('/') + 1;
+    if (fFolder.Number() < 0 || path.compare(0, name, fFolderPath) != 0) {
+        fFolderPath = path.substr(0, name);
+        fFolder.Reset(open(Locate(fFolderPath).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    }
+    if (fFolder.Number() < 0) return -1;
+    return openat(fFolder.Number(), path.c_str() + name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+}
+
+TFact<std::string> TSystemRoot::ReadFile(const std::string& path, size_t limit) const {
+    const TDescriptor file(Open(path));
+    if (file.Number() < 0) return TFact<std::string>::Missing(AbsenceOf(errno), path);
+    if (!IsRegular(file.Number())) return TFact<std::string>::Missing(EAbsence::eNotSupported, path);
+    std::string content;
+    const int error = ReadAll(file.Number(), limit, content);
+    if (error != 0) return TFact<std::string>::Missing(AbsenceOf(error), path);
+    return TFact<std::string>::Of(std::move(content), path);
+}
+
+TFact<std::string> TSystemRoot::ReadText(const std::string& path) const {
+    TFact<std::string> fact = ReadFile(path);
+    if (!fact) return fact;
+    fact.value = std::string(Trim(*fact));
+    if (fact->empty()) fact.value.reset();
+    return fact;
+}
+
+TFact<bool> TSystemRoot::ReadFlag(const std::string& path) const {
+    return ReadNumber<int>(path).Map([](int number) { return std::optional(number != 0); });
+}
+
+TFact<std::string> TSystemRoot::ReadLink(const std::string& path) const {
+    char target[4096];
+    const ssize_t length = readlink(Locate(path).c_str(), target, sizeof target);
+    if (length < 0) return TFact<std::string>::Missing(AbsenceOf(errno == EINVAL ? ENOENT : errno), path);
+    return TFact<std::string>::Of(std::string(target, static_cast<size_t>(length)), path);
+}
+
+TFact<std::string> TSystemRoot::ReadLinkName(const std::string& path) const {
+    TFact<std::string> fact = ReadLink(path);
+    if (fact) fact.value->erase(0, fact->rfind('/') + 1);
+    return fact;
+}
+
+TFact<std::vector<std::string>> TSystemRoot::List(const std::string& path) const {
+    using TNames = std::vector<std::string>;
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(Locate(path).c_str()), closedir);
+    if (!folder) return TFact<TNames>::Missing(AbsenceOf(errno), path);
+    TNames names;
+    while (const dirent* const entry = readdir(folder.get()))
+        if (const std::string_view name = entry->d_name; name != "." && name != "..") names.emplace_back(name);
+    std::sort(names.begin(), names.end(), NaturalLess);
+    return TFact<TNames>::Of(std::move(names), path);
+}
+
+std::vector<std::string> TSystemRoot::Names(const std::string& path) const { return List(path).ValueOr({}); }
+
+bool TSystemRoot::Exists(const std::string& path) const { return access(Locate(path).c_str(), F_OK) == 0; }

@@ -1,0 +1,65 @@
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+#include "Placeholder.h"
+#include "SystemFacts.h"
+
+namespace {
+
+TFact<std::string> ReadField(const TSystemRoot& root, const char* name) {
+    TFact<std::string> text = root.ReadText(std::string("/sys/class/dmi/id/") + name);
+    if (text && IsPlaceholder(*text)) text.value.reset();
+    return text;
+}
+
+std::optional<uint16_t> ParseChassisType(const std::string& text) { return ParseNumber<uint8_t>(text); }
+
+// "MM/DD/YYYY"
+std::optional<int64_t> ParseDate(const std::string& text) {
+    int month = 0, day = 0, year = 0;
+    if (std::sscanf(text.c_str(), "%2d/%2d/%4d", &month, &day, &year) != 3 || year < 1900) return {};
+    struct tm date {};
+    date.tm_year = year - 1900;
+    date.tm_mon = month - 1;
+    date.tm_mday = day;
+    const time_t seconds = timegm(&date);
+    // A day that the calendar does not have has become another.
+    if (date.tm_mon != month - 1 || date.tm_mday != day) return {};
+    return seconds;
+}
+
+// Not isalnum: whatever the host's locale makes of the other bytes, a machine type has none of them.
+bool IsLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+// Four characters of type and three of model. A type begins with a digit, which tells it from a product's name.
+bool IsMachineTypeModel(const std::string& text) {
+    return text.size() == 7 && text[0] <= '9' && std::all_of(text.begin(), text.end(), IsLetterOrDigit);
+}
+
+// Makers write it in place of a name or of a number to order by.
+TFact<std::string> FindMachineTypeModel(const TSystemFacts& facts) {
+    if (facts.productName && IsMachineTypeModel(*facts.productName)) return facts.productName;
+    if (facts.skuNumber && !IsMachineTypeModel(*facts.skuNumber))
+        return TFact<std::string>::Missing(EAbsence::eNotPresent, facts.skuNumber.source);
+    return facts.skuNumber;
+}
+
+}  // namespace
+
+void ReadDmi(const TSystemRoot& root, TSystemFacts& facts) {
+    facts.manufacturer = ReadField(root, "sys_vendor");
+    facts.productName = ReadField(root, "product_name");
+    facts.productVersion = ReadField(root, "product_version");
+    facts.productFamily = ReadField(root, "product_family");
+    facts.skuNumber = ReadField(root, "product_sku");
+    facts.serialNumber = ReadField(root, "product_serial");
+    facts.uuid = ReadField(root, "product_uuid");
+    facts.assetTag = ReadField(root, "chassis_asset_tag");
+    facts.chassisType = ReadField(root, "chassis_type").Map(ParseChassisType);
+    facts.biosVendor = ReadField(root, "bios_vendor");
+    facts.biosVersion = ReadField(root, "bios_version");
+    facts.biosRelease = ReadField(root, "bios_release");
+    facts.biosDate = ReadField(root, "bios_date").Map(ParseDate);
+    facts.machineTypeModel = FindMachineTypeModel(facts);
+}

@@ -1,0 +1,10 @@
+#include "SystemFacts.h"
+
+TSystemFacts ReadSystem(const TSystemRoot& root) {
+    TSystemFacts facts;
+    facts.isRunning = root.IsRunningMachine();
+    ReadDmi(root, facts);
+    ReadOsRelease(root, facts);
+    ReadKernel(root, facts);
+    return facts;
+}

@@ -1,0 +1,47 @@
+#ifndef PLUGINS_SYSTEM_SYSTEMFACTS_H
+#define PLUGINS_SYSTEM_SYSTEMFACTS_H
+
+#include "SystemRoot.h"
+
+/// What the machine is and what runs on it. Texts are as the machine gives them, in whatever encoding.
+struct TSystemFacts {
+    // The computer, from DMI but for the name.
+    TFact<std::string> hostName;
+    TFact<std::string> manufacturer;
+    TFact<std::string> productName;
+    TFact<std::string> productVersion;
+    TFact<std::string> productFamily;
+    TFact<std::string> skuNumber;
+    TFact<std::string> serialNumber;
+    TFact<std::string> uuid;
+    TFact<std::string> assetTag;
+    TFact<uint16_t> chassisType;  ///< by the numbers of SMBIOS
+
+    // Its firmware, from DMI.
+    TFact<std::string> biosVendor;
+    TFact<std::string> biosVersion;
+    TFact<std::string> biosRelease;
+    TFact<std::string> machineTypeModel;  ///< seven characters
+    TFact<int64_t> biosDate;              ///< seconds since 1970
+
+    // The operating system.
+    TFact<std::string> osName;
+    TFact<std::string> osPrettyName;
+    TFact<std::string> osVersion;
+    TFact<std::string> osId;
+    TFact<std::string> kernelRelease;
+    TFact<std::string> kernelVersion;
+    TFact<std::string> architecture;
+    TFact<int64_t> bootTime;  ///< seconds since 1970
+    TFact<uint64_t> upTime;   ///< in seconds
+    bool isRunning = false;   ///< this machine, whose clock can be asked
+};
+
+TSystemFacts ReadSystem(const TSystemRoot& root);
+
+// The parts of it.
+void ReadDmi(const TSystemRoot& root, TSystemFacts& facts);
+void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts);
+void ReadKernel(const TSystemRoot& root, TSystemFacts& facts);
+
+#endif

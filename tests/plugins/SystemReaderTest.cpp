@@ -1,0 +1,80 @@
+#include "SystemFacts.h"
+#include "support/TestSupport.h"
+
+namespace {
+
+/// The value, or why there is none.
+std::string Show(const TFact<std::string>& fact) {
+    return fact ? *fact : AbsenceText(fact.absence) + (": " + fact.source);
+}
+template <typename T>
+std::string Show(const TFact<T>& number) {
+    return Show(number.Map([](T value) { return std::optional(std::to_string(value)); }));
+}
+
+TSystemFacts ReadFile(const std::string& path, const std::string& content) {
+    const TempFolder machine;
+    machine.Write(path, content);
+    return ReadSystem(TSystemRoot(machine.Path()));
+}
+TSystemFacts ReadDmiField(const std::string& name, const std::string& content) {
+    return ReadFile("sys/class/dmi/id/" + name, content);
+}
+
+}  // namespace
+
+TEST(SystemReaderTest, ReadsTheServer) {
+    const TSystemFacts facts = ReadSystem(TSystemRoot(MACHINES "/server"));
+    EXPECT_EQ(Show(facts.hostName), "db01.example.net");
+    EXPECT_EQ(Show(facts.assetTag), "INV-004711");
+    EXPECT_EQ(Show(facts.machineTypeModel), "4185C2X");
+    EXPECT_EQ(Show(facts.chassisType), "23");
+    EXPECT_EQ(Show(facts.biosDate), "1692835200");
+    EXPECT_EQ(Show(facts.osVersion), "12");
+    EXPECT_EQ(Show(facts.bootTime), "1709280000");
+    EXPECT_EQ(Show(facts.upTime), "93784");
+}
+
+TEST(SystemReaderTest, PlaceholdersOfMakersAreNotPresent) {
+    for (const char* text : {"\n", "To be filled by O.E.M.\n", "NOT SPECIFIED", "Default string  \n"})
+        EXPECT_EQ(Show(ReadDmiField("product_serial", text).serialNumber),
+                  "not present: /sys/class/dmi/id/product_serial")
+            << text;
+    EXPECT_EQ(Show(ReadDmiField("product_serial", " Not Specified 2 \n").serialNumber), "Not Specified 2");
+}
+
+TEST(SystemReaderTest, MachineTypeModelIsSevenCharactersThatBeginWithADigit) {
+    for (const char* name : {"Toughie", "4185C2", "4185C2XY", "4185-2X", "4185C2\xe4"})
+        EXPECT_FALSE(ReadDmiField("product_name", name).machineTypeModel) << name;
+    EXPECT_EQ(Show(ReadDmiField("product_name", "4185C2X").machineTypeModel), "4185C2X");
+}
+
+TEST(SystemReaderTest, NumbersAndDatesOutOfRangeAreNotSupported) {
+    for (const char* date : {"13/01/2020", "00/10/2020", "02/30/2020", "2020-01-01", "01/02/0020", "x"})
+        EXPECT_EQ(Show(ReadDmiField("bios_date", date).biosDate), "not supported: /sys/class/dmi/id/bios_date") << date;
+    for (const char* type : {"x", "-1", "256", "99999999999999999999999"})
+        EXPECT_FALSE(ReadDmiField("chassis_type", type).chassisType) << type;
+    EXPECT_FALSE(ReadFile("proc/stat", "cpu 1\nbtime x\n").bootTime);
+}
+
+TEST(SystemReaderTest, OsReleaseIsReadAsAShellWould) {
+    const struct {
+        const char *lines, *expected;
+    } cases[] = {
+        {"NAME=\"Two Words\"", "Two Words"},
+        {"NAME='It is \\n so'", "It is \\n so"},
+        {"NAME=\"a\\\"b\\$c\"", "a\"b$c"},
+        {"NAME=a\\ b", "a b"},
+        {"NAME=first\nNAME=last", "last"},
+        {"NAMES=other\n#NAME=comment", "not present: /etc/os-release"},
+        {"NAME=\"\"", "not present: /etc/os-release"},
+        {"\r\nNAME=Dos\r\n", "Dos"},
+        {"NAME=\"open", "open"},
+        {"NAME=end\\", "end\\"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Show(ReadFile("etc/os-release", c.lines).osName), c.expected) << c.lines;
+}
+
+TEST(SystemReaderTest, RollingDistributionHasItsBuildForAVersion) {
+    EXPECT_EQ(Show(ReadFile("usr/lib/os-release", "NAME=Roll\nBUILD_ID=rolling\n").osVersion), "rolling");
+}
