@@ -1,0 +1,48 @@
+// The firmware's table of hardware: an entry point of 32 bytes, and the table behind it.
+#include <algorithm>
+#include <cstdint>
+
+#include "MemoryDevices.h"
+#include "Smbios.h"
+#include "support/FuzzSupport.h"
+
+namespace {
+
+void CheckStructures(const std::string& table) {
+    size_t taken = 0;
+    for (const TSmbiosStructure& structure : ParseSmbiosTable(table)) {
+        Require(structure.GetLength() >= 4, "a structure has a header");
+        taken += structure.GetLength();
+        Require(!structure.FindNumber<uint64_t>(structure.GetLength() - 4), "no number reaches over the end");
+        Require(!structure.FindText(structure.GetLength()), "no text has its number behind the end");
+        for (size_t offset = 4; offset < structure.GetLength(); ++offset)
+            Require(structure.FindText(offset)->size() <= table.size(), "a text stands in the table");
+    }
+    Require(taken <= table.size(), "structures do not overlap");
+}
+
+void CheckHardware(const std::string& table) {
+    const TMemoryHardware hardware = ParseMemoryHardware(TFact<std::string>::Of(table, kSmbiosTable));
+    uint64_t sum = 0;
+    uint32_t count = 0;
+    for (const TMemoryModule& module : hardware.modules) {
+        Require(!module.capacity || *module.capacity > 0, "an empty slot is no module");
+        if (!module.isSystemMemory) continue;
+        ++count;
+        sum += module.capacity.ValueOr(0);
+    }
+    Require(hardware.installedModules.value == count, "modules are counted");
+    Require(!hardware.installedSize || *hardware.installedSize == sum, "capacities add up");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    TByteReader input(data, size);
+    const std::string entryPoint = input.Bytes(32);
+    std::string table = input.Bytes(size);
+    if (const auto length = ParseSmbiosEntryPoint(entryPoint)) table.resize(std::min(*length, table.size()));
+    CheckStructures(table);
+    CheckHardware(table);
+    return 0;
+}

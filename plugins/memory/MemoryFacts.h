@@ -1,0 +1,54 @@
+#ifndef MEMORY_MEMORYFACTS_H
+#define MEMORY_MEMORYFACTS_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Fact.h"
+#include "MemoryDevices.h"
+
+class TSystemRoot;
+
+/// What the kernel counts; sizes in kilobytes.
+struct TMemoryUsage {
+    TFact<uint64_t> total;
+    TFact<uint64_t> free;
+    TFact<uint64_t> available;
+    TFact<uint64_t> buffers;
+    TFact<uint64_t> cached;
+    TFact<uint64_t> reclaimable;
+    TFact<uint64_t> shared;
+    TFact<uint64_t> swapTotal;
+    TFact<uint64_t> swapFree;
+    TFact<uint64_t> hugePages;
+    TFact<uint64_t> hugePagesFree;
+    TFact<uint64_t> hugePageSize;
+};
+
+TMemoryUsage ParseMeminfo(const TFact<std::string>& meminfo);
+
+enum class ESwapKind : uint16_t { eUnknown, ePartition, eFile };
+
+/// A partition or file that memory is moved to; sizes in kilobytes.
+struct TSwapArea {
+    std::string path;
+    TFact<uint16_t> kind;
+    TFact<uint64_t> size;
+    TFact<uint64_t> used;
+    TFact<int32_t> priority;
+};
+
+std::vector<TSwapArea> ParseSwaps(const TFact<std::string>& swaps);
+
+struct TMemoryFacts {
+    TMemoryUsage usage;
+    std::vector<TSwapArea> swapAreas;
+    TMemoryHardware hardware;
+    TListing swapListing;
+};
+
+TMemoryFacts ReadMemory(const TSystemRoot& root);
+
+#endif

@@ -1,0 +1,167 @@
+#include "DataPlugin.h"
+#include "InstanceReport.h"
+#include "MemoryFacts.h"
+
+namespace {
+
+constexpr const char* kSystemMemory = "MOLTA_SystemMemory";
+constexpr const char* kSwapArea = "MOLTA_SwapArea";
+constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
+constexpr const char* kPhysicalMemory = "MOLTA_PhysicalMemory";
+constexpr const char* kSystemMemoryDevice = "MOLTA_SystemMemoryDevice";
+constexpr const char* kSystemMemoryHardware = "MOLTA_SystemMemoryHardware";
+constexpr const char* kMemoryArrayModule = "MOLTA_MemoryArrayModule";
+
+TPath SystemMemoryPath() { return DevicePath(kSystemMemory, "memory"); }
+TPath SwapAreaPath(const TSwapArea& area) { return DevicePath(kSwapArea, area.path); }
+
+TPath HardwarePath(const char* className, const std::string& tag) {
+    return {className, {{"CreationClassName", className}, {"Tag", tag}}};
+}
+
+TPath ArrayPath(const TMemoryArray& array) { return HardwarePath(kMemoryArray, array.tag); }
+TPath ModulePath(const TMemoryModule& module) { return HardwarePath(kPhysicalMemory, module.tag); }
+
+struct TUsageProperty {
+    const char* name;
+    TFact<uint64_t> TMemoryUsage::*fact;
+};
+
+constexpr TUsageProperty kUsageProperties[] = {
+    {"TotalSize", &TMemoryUsage::total},
+    {"FreeSize", &TMemoryUsage::free},
+    {"AvailableSize", &TMemoryUsage::available},
+    {"BufferSize", &TMemoryUsage::buffers},
+    {"CachedSize", &TMemoryUsage::cached},
+    {"ReclaimableSize", &TMemoryUsage::reclaimable},
+    {"SharedSize", &TMemoryUsage::shared},
+    {"SwapTotalSize", &TMemoryUsage::swapTotal},
+    {"SwapFreeSize", &TMemoryUsage::swapFree},
+    {"HugePages", &TMemoryUsage::hugePages},
+    {"FreeHugePages", &TMemoryUsage::hugePagesFree},
+    {"HugePageSize", &TMemoryUsage::hugePageSize},
+};
+
+kyrStatusCode ReportSystemMemory(kyrIOHandle handle, const TMemoryFacts& facts) {
+    TInstanceReport report(handle, SystemMemoryPath());
+    report.Set("Caption", "Memory of the system");
+    for (const TUsageProperty& property : kUsageProperties) report.Add(property.name, facts.usage.*property.fact);
+    report.Add("InstalledSize", facts.hardware.installedSize);
+    report.Add("InstalledModules", facts.hardware.installedModules);
+    return report.Finish();
+}
+
+kyrStatusCode ReportSwapArea(kyrIOHandle handle, const TSwapArea& area) {
+    TInstanceReport report(handle, SwapAreaPath(area));
+    report.Set("Caption", "Swap area " + area.path);
+    report.Add("Kind", area.kind);
+    report.Add("Size", area.size);
+    report.Add("UsedSize", area.used);
+    report.Add("Priority", area.priority);
+    return report.Finish();
+}
+
+kyrStatusCode ReportArray(kyrIOHandle handle, const TMemoryArray& array) {
+    TInstanceReport report(handle, ArrayPath(array));
+    report.Set("Caption", "Memory array " + array.tag);
+    report.Add("Location", array.location);
+    report.Add("Use", array.use);
+    report.Add("ErrorCorrection", array.errorCorrection);
+    report.Add("MaximumCapacity", array.maximumCapacity);
+    report.Add("Slots", array.slotCount);
+    if (!array.emptySlots.empty()) report.Set("EmptySlots", array.emptySlots);
+    return report.Finish();
+}
+
+void AddIdentity(TInstanceReport& report, const TMemoryModule& module) {
+    report.Add("DeviceLocator", module.deviceLocator);
+    report.Add("BankLocator", module.bankLocator);
+    report.Add("Manufacturer", module.manufacturer);
+    report.Add("PartNumber", module.partNumber);
+    report.Add("SerialNumber", module.serialNumber);
+    report.Add("AssetTag", module.assetTag);
+    report.Add("FirmwareVersion", module.firmwareVersion);
+}
+
+void AddKind(TInstanceReport& report, const TMemoryModule& module) {
+    report.Add("FormFactor", module.formFactor);
+    report.Add("MemoryType", module.memoryType);
+    report.Add("TypeDetail", module.typeDetail);
+    report.Add("Technology", module.technology);
+    report.Add("Ranks", module.rank);
+}
+
+void AddMeasures(TInstanceReport& report, const TMemoryModule& module) {
+    report.Add("Capacity", module.capacity);
+    report.Add("VolatileCapacity", module.volatileSize);
+    report.Add("NonVolatileCapacity", module.nonVolatileSize);
+    report.Add("TotalWidth", module.totalWidth);
+    report.Add("DataWidth", module.dataWidth);
+    report.Add("Speed", module.speed);
+    report.Add("ConfiguredSpeed", module.configuredSpeed);
+    report.Add("MinimumVoltage", module.minimumVoltage);
+    report.Add("MaximumVoltage", module.maximumVoltage);
+    report.Add("ConfiguredVoltage", module.configuredVoltage);
+}
+
+kyrStatusCode ReportModule(kyrIOHandle handle, const TMemoryModule& module) {
+    TInstanceReport report(handle, ModulePath(module));
+    report.Set("Caption", "Memory module " + SlotName(module));
+    AddIdentity(report, module);
+    AddKind(report, module);
+    AddMeasures(report, module);
+    return report.Finish();
+}
+
+kyrStatusCode ReportSwapAreas(kyrIOHandle handle, const TMemoryFacts& facts) {
+    LogIfAbsent(kSwapArea, facts.swapListing);
+    return ReportEach(facts.swapAreas, [&](const TSwapArea& area) { return ReportSwapArea(handle, area); });
+}
+
+kyrStatusCode ReportArrays(kyrIOHandle handle, const TMemoryFacts& facts) {
+    LogIfAbsent(kMemoryArray, facts.hardware.installedModules);
+    return ReportEach(facts.hardware.arrays, [&](const TMemoryArray& array) { return ReportArray(handle, array); });
+}
+
+kyrStatusCode ReportModules(kyrIOHandle handle, const TMemoryFacts& facts) {
+    LogIfAbsent(kPhysicalMemory, facts.hardware.installedModules);
+    return ReportEach(facts.hardware.modules,
+                      [&](const TMemoryModule& module) { return ReportModule(handle, module); });
+}
+
+kyrStatusCode ReportSystemMemoryDevices(kyrIOHandle handle, const TMemoryFacts& facts) {
+    const kyrStatusCode status = ReportSystemDevice(handle, kSystemMemoryDevice, SystemMemoryPath());
+    if (status != kyrStatusOK) return status;
+    return ReportEach(facts.swapAreas, [&](const TSwapArea& area) {
+        return ReportSystemDevice(handle, kSystemMemoryDevice, SwapAreaPath(area));
+    });
+}
+
+kyrStatusCode ReportSystemMemoryHardware(kyrIOHandle handle, const TMemoryFacts& facts) {
+    const kyrStatusCode status = ReportEach(facts.hardware.arrays, [&](const TMemoryArray& array) {
+        return ReportSystemDevice(handle, kSystemMemoryHardware, ArrayPath(array));
+    });
+    if (status != kyrStatusOK) return status;
+    return ReportEach(facts.hardware.modules, [&](const TMemoryModule& module) {
+        return ReportSystemDevice(handle, kSystemMemoryHardware, ModulePath(module));
+    });
+}
+
+kyrStatusCode ReportArrayModules(kyrIOHandle handle, const TMemoryFacts& facts) {
+    return ReportEach(facts.hardware.modules, [&](const TMemoryModule& module) {
+        if (module.arrayTag.empty()) return kyrStatusOK;
+        return ReportTie(handle, kMemoryArrayModule, "GroupComponent", HardwarePath(kMemoryArray, module.arrayTag),
+                         "PartComponent", ModulePath(module));
+    });
+}
+
+const TDataPlugin<TMemoryFacts> gPlugin("memory", ReadMemory,
+                                        {{kSystemMemory, ReportSystemMemory},
+                                         {kSwapArea, ReportSwapAreas},
+                                         {kMemoryArray, ReportArrays},
+                                         {kPhysicalMemory, ReportModules},
+                                         {kSystemMemoryDevice, ReportSystemMemoryDevices},
+                                         {kSystemMemoryHardware, ReportSystemMemoryHardware},
+                                         {kMemoryArrayModule, ReportArrayModules}});
+
+}  // namespace

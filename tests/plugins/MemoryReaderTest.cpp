@@ -1,0 +1,72 @@
+#include "MemoryFacts.h"
+#include "Smbios.h"
+#include "SystemRoot.h"
+#include "support/TestSupport.h"
+
+namespace {
+
+TMemoryFacts ReadMachine(const char* name) { return ReadMemory(TSystemRoot(std::string(MACHINES "/") + name)); }
+
+/// A table of one memory device of the size and the extended size.
+std::string DeviceOf(uint16_t size, uint32_t extendedSize) {
+    std::string device(0x22, '\0');
+    const auto put = [&device](size_t offset, uint32_t number, size_t bytes) {
+        for (size_t i = 0; i < bytes; ++i) device[offset + i] = static_cast<char>(number >> 8 * i);
+    };
+    put(0, 17, 1);
+    put(1, 0x22, 1);
+    put(0x0C, size, 2);
+    put(0x1C, extendedSize, 4);
+    return device + std::string(2, '\0');
+}
+
+}  // namespace
+
+TEST(MemoryReaderTest, SizesAreInTheUnitThatTheFirmwareChose) {
+    const struct {
+        uint16_t size;
+        uint32_t extended;
+        std::optional<uint64_t> bytes;
+    } cases[] = {
+        {1, 0, 1ull << 20},        {0x7FFE, 0, 0x7FFEull << 20},      {0x8001, 0, 1024},
+        {0xFFFF, 0, std::nullopt}, {0x7FFF, 0x00010000, 64ull << 30}, {0x7FFF, 0xFFFFFFFF, 0x7FFFFFFFull << 20}};
+    for (const auto& [size, extended, bytes] : cases) {
+        const auto hardware = ParseMemoryHardware(TFact<std::string>::Of(DeviceOf(size, extended), kSmbiosTable));
+        ASSERT_EQ(hardware.modules.size(), 1u) << size;
+        EXPECT_EQ(hardware.modules[0].capacity.value, bytes) << size;
+        EXPECT_EQ(hardware.installedSize.value, bytes) << size;
+    }
+}
+
+TEST(MemoryReaderTest, TablesThatMayNotBeReadSaySo) {
+    const auto hardware = ParseMemoryHardware(TFact<std::string>::Missing(EAbsence::eNoPermission, kSmbiosTable));
+    EXPECT_EQ(hardware.installedSize.absence, EAbsence::eNoPermission);
+    EXPECT_EQ(hardware.installedModules.source, kSmbiosTable);
+    EXPECT_TRUE(hardware.modules.empty());
+}
+
+TEST(MemoryReaderTest, TheEntryPointBoundsTheTable) {
+    const TempFolder machine;
+    machine.Write("sys/firmware/dmi/tables/DMI", DeviceOf(1, 0) + DeviceOf(2, 0));
+    machine.Write("sys/firmware/dmi/tables/smbios_entry_point",
+                  "_SM3_" + std::string(7, '\0') + "\x24" + std::string(11, '\0'));
+    EXPECT_EQ(ReadMemory(TSystemRoot(machine.Path())).hardware.modules.size(), 1u);
+}
+
+TEST(MemoryReaderTest, NumbersThatDoNotFitAreNotSupported) {
+    const TMemoryUsage usage = ReadMachine("hostile").usage;
+    EXPECT_EQ(usage.free.absence, EAbsence::eNotSupported);
+    EXPECT_FALSE(usage.available);
+    EXPECT_EQ(usage.swapTotal.value, UINT64_MAX);
+}
+
+TEST(MemoryReaderTest, PathsOfSwapAreasAreUnescaped) {
+    const auto areas = ReadMachine("laptop").swapAreas;
+    ASSERT_EQ(areas.size(), 2u);
+    EXPECT_EQ(areas[1].path, "/var/lib/my swap\tfile");
+    EXPECT_EQ(areas[1].priority.value, 5);
+    const auto hostile = ReadMachine("hostile").swapAreas;
+    ASSERT_EQ(hostile.size(), 2u);
+    EXPECT_EQ(hostile[0].path, "/dev/\\9zz\\40");
+    EXPECT_FALSE(hostile[1].used);
+}
