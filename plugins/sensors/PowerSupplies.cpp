@@ -1,0 +1,100 @@
+#include "PowerSupplies.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "SystemRoot.h"
+
+namespace {
+
+const std::string kFolder = "/sys/class/power_supply";
+
+struct TWord {
+    std::string_view word;
+    uint16_t number;
+};
+
+constexpr TWord kChemistries[] = {{"Unknown", 2}, {"NiCd", 4}, {"NiMH", 5}, {"Li-ion", 6},
+                                  {"Li-poly", 8}, {"LiFe", 9}, {"LiMn", 10}};
+constexpr TWord kChargeStates[] = {
+    {"Unknown", 0}, {"Charging", 1}, {"Discharging", 2}, {"Not charging", 3}, {"Full", 4}};
+constexpr TWord kScopes[] = {{"Unknown", 0}, {"System", 1}, {"Device", 2}};
+constexpr TWord kSupplyKinds[] = {{"Mains", 1}, {"USB", 2}, {"Wireless", 3}};
+
+template <size_t count>
+TFact<uint16_t> ReadWord(const TSystemRoot& root, const std::string& path, const TWord (&words)[count]) {
+    return root.ReadText(path).Map([&](const std::string& text) {
+        const auto found = std::find_if(words, words + count, [&](const TWord& word) { return word.word == text; });
+        return found == words + count ? std::nullopt : std::optional(found->number);
+    });
+}
+
+// Sysfs counts in millionths.
+TFact<double> ReadMillionths(const TSystemRoot& root, const std::string& path) {
+    return root.ReadNumber<int64_t>(path).Map(
+        [](int64_t number) { return std::optional(static_cast<double>(number) / 1e6); });
+}
+
+struct TAmount {
+    const char* file;
+    TFact<double> TBattery::*fact;
+};
+
+constexpr TAmount kVoltages[] = {{"voltage_min_design", &TBattery::designVoltage}, {"voltage_now", &TBattery::voltage}};
+constexpr TAmount kEnergies[] = {{"energy_full_design", &TBattery::designEnergy},
+                                 {"energy_full", &TBattery::fullEnergy},
+                                 {"energy_now", &TBattery::energy}};
+constexpr TAmount kCharges[] = {{"charge_full_design", &TBattery::designCharge},
+                                {"charge_full", &TBattery::fullCharge},
+                                {"charge_now", &TBattery::charge}};
+
+template <size_t count>
+void ReadAmounts(const TSystemRoot& root, const std::string& folder, const TAmount (&amounts)[count],
+                 TBattery& battery) {
+    for (const TAmount& amount : amounts) battery.*amount.fact = ReadMillionths(root, folder + amount.file);
+}
+
+// Most firmware knows no count of cycles, and the kernel then says 0.
+TFact<uint32_t> ReadCycles(const TSystemRoot& root, const std::string& path) {
+    return root.ReadNumber<uint32_t>(path).Map(
+        [](uint32_t count) { return count == 0 ? std::nullopt : std::optional(count); });
+}
+
+TBattery ReadBattery(const TSystemRoot& root, const std::string& name) {
+    const std::string folder = kFolder + '/' + name + '/';
+    TBattery battery;
+    battery.name = name;
+    battery.manufacturer = root.ReadText(folder + "manufacturer");
+    battery.model = root.ReadText(folder + "model_name");
+    battery.serialNumber = root.ReadText(folder + "serial_number");
+    battery.isPresent = root.ReadFlag(folder + "present");
+    battery.scope = ReadWord(root, folder + "scope", kScopes);
+    battery.chemistry = ReadWord(root, folder + "technology", kChemistries);
+    battery.chargeStatus = ReadWord(root, folder + "status", kChargeStates);
+    battery.chargePercent = root.ReadNumber<uint16_t>(folder + "capacity");
+    battery.cycleCount = ReadCycles(root, folder + "cycle_count");
+    ReadAmounts(root, folder, kVoltages, battery);
+    if (root.Exists(folder + "charge_full"))
+        ReadAmounts(root, folder, kCharges, battery);
+    else
+        ReadAmounts(root, folder, kEnergies, battery);
+    return battery;
+}
+
+}  // namespace
+
+TPowerFacts ReadPower(const TSystemRoot& root) {
+    TPowerFacts facts;
+    const TFact<std::vector<std::string>> names = root.List(kFolder);
+    facts.listing = ListingOf(names);
+    for (const std::string& name : names.ValueOr({})) {
+        const std::string folder = kFolder + '/' + name + '/';
+        const std::string type = root.ReadText(folder + "type").ValueOr("");
+        if (type == "Battery" || type == "UPS")
+            facts.batteries.push_back(ReadBattery(root, name));
+        else
+            facts.supplies.push_back(
+                {name, ReadWord(root, folder + "type", kSupplyKinds), root.ReadFlag(folder + "online")});
+    }
+    return facts;
+}

@@ -1,0 +1,51 @@
+#ifndef SENSORS_POWERSUPPLIES_H
+#define SENSORS_POWERSUPPLIES_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Fact.h"
+
+class TSystemRoot;
+
+/// What stores energy. Energies are in watt-hours and charges in ampere-hours: a battery counts in one of them, and the
+/// facts of the other have no source.
+struct TBattery {
+    std::string name;
+    TFact<std::string> manufacturer;
+    TFact<std::string> model;
+    TFact<std::string> serialNumber;
+    TFact<bool> isPresent;
+    TFact<uint16_t> scope;
+    TFact<uint16_t> chemistry;
+    TFact<uint16_t> chargeStatus;
+    TFact<uint16_t> chargePercent;
+    TFact<uint32_t> cycleCount;
+    TFact<double> designEnergy;
+    TFact<double> fullEnergy;
+    TFact<double> energy;
+    TFact<double> designCharge;
+    TFact<double> fullCharge;
+    TFact<double> charge;
+    TFact<double> designVoltage;
+    TFact<double> voltage;
+};
+
+/// What the system takes power from.
+struct TPowerSupply {
+    std::string name;
+    TFact<uint16_t> kind;
+    TFact<bool> isOnline;
+};
+
+struct TPowerFacts {
+    std::vector<TBattery> batteries;
+    std::vector<TPowerSupply> supplies;
+    TListing listing;
+};
+
+/// Those below /sys/class/power_supply. The numbers of the enumerations are those of the document.
+TPowerFacts ReadPower(const TSystemRoot& root);
+
+#endif
