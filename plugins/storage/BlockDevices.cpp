@@ -1,0 +1,120 @@
+#include "BlockDevices.h"
+
+#include <algorithm>
+
+namespace {
+
+bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+struct TNamePrefix {
+    std::string_view prefix;
+    EVolumeType type;
+};
+
+constexpr TNamePrefix kVolumeNames[] = {
+    {"dm-", EVolumeType::eOther},    {"md", EVolumeType::eSoftwareRaid},
+    {"loop", EVolumeType::eLoop},    {"zram", EVolumeType::eCompressedMemory},
+    {"bcache", EVolumeType::eCache}, {"nbd", EVolumeType::eNetwork},
+    {"rbd", EVolumeType::eNetwork},  {"drbd", EVolumeType::eNetwork},
+    {"zd", EVolumeType::eZfsVolume},
+};
+
+// Loop devices, compressed memory and the like stand ready in numbers and are empty until they are used. RAM disks
+// have their size from the beginning, so that nothing tells whether one is used.
+bool IsUnused(const TSystemRoot& root, const TDeviceEntry& entry, std::optional<EVolumeType> type) {
+    if (StartsWith(entry.name, "ram")) return true;
+    if (!type || StartsWith(entry.name, "dm-") || *type == EVolumeType::eSoftwareRaid) return false;
+    return root.ReadNumber<uint64_t>(entry.folder + "size").ValueOr(0) == 0;
+}
+
+// The kernel writes '!' for the '/' in names such as cciss/c0d0.
+std::string DevicePathOf(std::string name) {
+    std::replace(name.begin(), name.end(), '!', '/');
+    return "/dev/" + name;
+}
+
+TContent ContentOf(const TUdevRecord& udev) {
+    TContent content;
+    content.type = udev.FindIfAny("ID_FS_TYPE");
+    content.version = udev.FindIfAny("ID_FS_VERSION");
+    content.label = udev.FindIfAny("ID_FS_LABEL_ENC");
+    content.uuid = udev.FindIfAny("ID_FS_UUID_ENC");
+    content.usage = udev.Find("ID_FS_USAGE").ValueOr("");
+    content.partitionTable = udev.FindIfAny("ID_PART_TABLE_TYPE");
+    content.partitionTableUuid = udev.FindIfAny("ID_PART_TABLE_UUID");
+    return content;
+}
+
+template <typename T>
+void Keep(T device, EDeviceKind kind, std::vector<T>& list, TStorage& storage) {
+    storage.devices[device.name] = {kind, device.path};
+    list.push_back(std::move(device));
+}
+
+void ReadEntry(const TSystemRoot& root, TDeviceEntry entry, TStorage& storage) {
+    const TFact<uint32_t> partition = root.ReadNumber<uint32_t>(entry.folder + "partition");
+    if (partition)
+        return Keep(ReadPartition(root, entry, partition), EDeviceKind::ePartition, storage.partitions, storage);
+    if (!DiskOfPath(entry.name).empty()) {
+        storage.devices[entry.name] = {EDeviceKind::ePath, entry.name};
+        storage.diskPaths.push_back(ReadDiskPath(root, entry));
+        return;
+    }
+    const std::optional<EVolumeType> volume = VolumeTypeOf(entry.name);
+    if (IsUnused(root, entry, volume)) return;
+    if (volume) return Keep(ReadVolume(root, entry, *volume), EDeviceKind::eVolume, storage.volumes, storage);
+    Keep(ReadDisk(root, entry), EDeviceKind::eDisk, storage.disks, storage);
+}
+
+}  // namespace
+
+void ReadBlockDevices(const TSystemRoot& root, TStorage& storage) {
+    storage.deviceNames = root.List("/sys/class/block");
+    for (const std::string& name : storage.deviceNames.ValueOr({})) {
+        const std::string link = "/sys/class/block/" + name;
+        ReadEntry(root, {name, link + "/", root.ReadLink(link).ValueOr(""), TUdevRecord()}, storage);
+    }
+}
+
+void ReadBlockDevice(const TSystemRoot& root, TDeviceEntry& entry, TBlockDevice& device) {
+    device.name = entry.name;
+    device.path = DevicePathOf(entry.name);
+    device.number = root.ReadText(entry.folder + "dev").ValueOr("");
+    device.size = ReadSectors(root, entry.folder + "size");
+    device.readOnly = root.ReadFlag(entry.folder + "ro");
+    entry.udev = ReadUdevRecord(root, device.number);
+    device.paths = entry.udev.Links();
+    device.paths.push_back(device.path);
+    device.content = ContentOf(entry.udev);
+}
+
+TFact<std::string> ReadFirst(const TSystemRoot& root, const std::string& folder,
+                             std::initializer_list<const char*> names) {
+    TFact<std::string> none;
+    for (const char* const name : names) {
+        TFact<std::string> fact = root.ReadText(folder + name);
+        if (fact) return fact;
+        if (none.source.empty() || fact.absence != EAbsence::eNotPresent) none = std::move(fact);
+    }
+    return none;
+}
+
+TFact<uint64_t> ReadSectors(const TSystemRoot& root, const std::string& path) {
+    return root.ReadNumber<uint64_t>(path).Map(
+        [](uint64_t sectors) { return sectors > UINT64_MAX / 512 ? std::nullopt : std::optional(sectors * 512); });
+}
+
+std::optional<EVolumeType> VolumeTypeOf(std::string_view name) {
+    for (const TNamePrefix& entry : kVolumeNames)
+        if (StartsWith(name, entry.prefix)) return entry.type;
+    return std::nullopt;
+}
+
+std::string DiskOfPath(std::string_view name) {
+    const size_t controller = name.find('c'), space = name.rfind('n');
+    if (!StartsWith(name, "nvme") || controller == std::string_view::npos || space < controller) return "";
+    if (controller + 1 >= name.size() || !IsDigit(name[controller + 1])) return "";
+    return std::string(name.substr(0, controller)) + std::string(name.substr(space));
+}

@@ -1,0 +1,154 @@
+#ifndef STORAGE_FACTS_H
+#define STORAGE_FACTS_H
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BusDevice.h"
+#include "SystemRoot.h"
+
+enum class EDeviceKind { eDisk, ePartition, eVolume, ePath };
+
+/// The device that other facts speak of by its kernel name.
+struct TDeviceKey {
+    EDeviceKind kind;
+    std::string path;  ///< its file below /dev
+};
+
+/// What the device manager found on a device. A label that it does not tell is no label: such a fact has no source.
+struct TContent {
+    TFact<std::string> type;  ///< a file system, or ones such as swap, LVM2_member, crypto_LUKS
+    TFact<std::string> version;
+    TFact<std::string> label;
+    TFact<std::string> uuid;
+    std::string usage;  ///< "filesystem", "raid", "crypto" or "other"; empty if not known
+    TFact<std::string> partitionTable;
+    TFact<std::string> partitionTableUuid;
+};
+
+struct TBlockDevice {
+    std::string name;  ///< the kernel's
+    std::string path;
+    std::string number;              ///< "major:minor"
+    std::vector<std::string> paths;  ///< all that are known to lead to it
+    TFact<uint64_t> size;
+    TFact<bool> readOnly;
+    TContent content;
+};
+
+enum class EDriveType : uint16_t { eDisk = 1, eOptical, eFloppy, eCard };
+
+enum class EBusType : uint16_t {
+    eUnknown,
+    eAta,
+    eSata,
+    eSas,
+    eScsi,
+    eFibreChannel,
+    eIscsi,
+    eNvme,
+    eUsb,
+    eMmc,
+    eFireWire,
+    eVirtio,
+    eXen,
+    eHyperV
+};
+
+struct TDisk : TBlockDevice {
+    EDriveType driveType = EDriveType::eDisk;
+    EBusType busType = EBusType::eUnknown;
+    TFact<std::string> model, manufacturer, serialNumber, firmware, wwn, state;
+    TFact<bool> rotational, removable;
+    TFact<uint32_t> rotationRate;
+    TFact<uint32_t> logicalBlockSize, physicalBlockSize;
+    TBusDevice controller;
+};
+
+/// One of several ways to an NVMe name space, which the kernel hides behind the disk.
+struct TDiskPath {
+    std::string name;
+    std::string disk;
+    TBusDevice controllerDevice;
+    TFact<std::string> controller, transport, address, accessState, state;
+};
+
+struct TPartition : TBlockDevice {
+    std::string parent;
+    TFact<uint32_t> number;
+    TFact<uint64_t> offset;
+    TFact<std::string> type, typeName, partitionName, uuid;
+};
+
+enum class EVolumeType : uint16_t {
+    eOther,
+    eLogicalVolume,
+    eEncrypted,
+    eMultipath,
+    eSoftwareRaid,
+    eLoop,
+    eCompressedMemory,
+    eCache,
+    eNetwork,
+    eZfsVolume,
+    ePartition,
+    eFirmwareRaid
+};
+
+struct TVolume : TBlockDevice {
+    EVolumeType type = EVolumeType::eOther;
+    std::vector<std::string> components;
+    TFact<uint32_t> logicalBlockSize;
+    TFact<std::string> identifier;
+    std::string volumeGroup, logicalVolume, encryption;
+    TFact<std::string> raidLevel, arrayState, backingFile;
+    TFact<uint32_t> raidDevices, missingDevices;
+};
+
+enum class EStorageKind : uint16_t { eOther, eBlockDevice, eMemory, eLayers, eNetwork, eProgram, eNone };
+
+struct TMount {
+    std::string name;  ///< the point, and a number behind it where mounts are stacked
+    std::string id, parentId, number, root, point, options, type, source;
+    bool readOnly = false;
+    bool covered = false;    ///< another mount stands on the same point
+    std::string fileSystem;  ///< by name; empty if it is none that could hold files of users
+};
+
+struct TSpace {
+    uint64_t size = 0, available = 0, used = 0;
+    uint64_t inodes = 0, freeInodes = 0;  ///< none where the file system keeps no table of them
+};
+
+struct TFileSystem {
+    std::string name;
+    EStorageKind kind = EStorageKind::eOther;
+    TFact<std::string> type, version, label, uuid;
+    std::vector<std::string> devices;
+    TFact<TSpace> space;
+};
+
+/// Only what ties it to a device: the rest is the memory's.
+struct TSwap {
+    std::string path;  ///< as the kernel tells it
+    std::string device;
+};
+
+struct TStorage {
+    std::vector<TDisk> disks;
+    std::vector<TDiskPath> diskPaths;
+    std::vector<TPartition> partitions;
+    std::vector<TVolume> volumes;
+    std::map<std::string, TDeviceKey> devices;  ///< by kernel name
+    std::vector<TFileSystem> fileSystems;
+    TFact<std::vector<TMount>> mounts;
+    std::vector<TSwap> swaps;
+    TFact<std::vector<std::string>> deviceNames;
+};
+
+TStorage ReadStorage(const TSystemRoot& root);
+
+#endif

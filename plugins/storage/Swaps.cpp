@@ -1,0 +1,23 @@
+#include "FileSystems.h"
+#include "Mounts.h"
+
+namespace {
+
+// Behind the headings, each line begins with a path.
+std::string PathIn(std::string_view line) {
+    if (line.substr(0, 1) != "/") return "";
+    return UnescapeOctal(line.substr(0, line.find_first_of(" \t")));
+}
+
+}  // namespace
+
+void ReadSwaps(const TSystemRoot& root, TStorage& storage) {
+    const TFact<std::string> text = root.ReadFile("/proc/swaps");
+    std::map<std::string, std::string> names;
+    for (const TBlockDevice* const device : EnumerateDevices(storage))
+        for (const std::string& path : device->paths) names.emplace(path, device->name);
+    for (const std::string_view line : Lines(text.value.value_or(""))) {
+        const auto found = names.find(PathIn(line));
+        if (found != names.end()) storage.swaps.push_back({found->first, found->second});
+    }
+}
