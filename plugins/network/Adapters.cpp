@@ -1,0 +1,92 @@
+#include <linux/if.h>
+
+#include <algorithm>
+
+#include "NetlinkDump.h"
+#include "NetworkParts.h"
+
+namespace {
+
+const std::string kAdapters = "/sys/class/net/";
+
+constexpr const char* kCounterFiles[] = {"rx_packets", "tx_packets", "rx_bytes",   "tx_bytes",
+                                         "rx_errors",  "tx_errors",  "rx_dropped", "tx_dropped"};
+static_assert(std::size(kCounterFiles) == eCounters);
+
+constexpr std::string_view kStates[] = {"unknown", "notpresent", "down", "lowerlayerdown", "testing", "dormant", "up"};
+
+std::optional<uint16_t> ParseState(std::string_view text) {
+    const auto found = std::find(std::begin(kStates), std::end(kStates), text);
+    if (found == std::end(kStates)) return std::nullopt;
+    return uint16_t(found - std::begin(kStates));
+}
+
+// What ParseLinks finds, as far as sysfs has it.
+TAdapter ReadLinkFiles(const TSystemRoot& root, const std::string& name) {
+    const std::string folder = kAdapters + name + '/';
+    TAdapter adapter;
+    adapter.name = name;
+    adapter.index = root.ReadNumber<uint32_t>(folder + "ifindex");
+    adapter.type = root.ReadNumber<uint16_t>(folder + "type");
+    adapter.address = root.ReadText(folder + "address");
+    adapter.permanentAddress.source = SourceOf(ENetlinkTable::eLinks);
+    adapter.mtu = root.ReadNumber<uint64_t>(folder + "mtu");
+    adapter.enabled = root.ReadNumber<uint32_t>(folder + "flags", 16).Map([](uint32_t flags) {
+        return std::optional((flags & IFF_UP) != 0);
+    });
+    adapter.carrier =
+        root.ReadNumber<uint8_t>(folder + "carrier").Map([](uint8_t carrier) { return std::optional(carrier != 0); });
+    adapter.operationalState = root.ReadText(folder + "operstate").Map(ParseState);
+    for (size_t i = 0; i < eCounters; ++i)
+        adapter.counters[i] = root.ReadNumber<uint64_t>(folder + "statistics/" + kCounterFiles[i]);
+    return adapter;
+}
+
+std::vector<TAdapter> ListAdapters(const TSystemRoot& root, const TFact<std::string>& table) {
+    if (table) return ParseLinks(*table);
+    std::vector<TAdapter> adapters;
+    for (const std::string& name : root.Names("/sys/class/net"))
+        if (root.ReadLink(kAdapters + name)) adapters.push_back(ReadLinkFiles(root, name));
+    return adapters;
+}
+
+// In millions of bits per second; -1 where there is no such thing.
+TFact<uint64_t> ReadSpeed(const TSystemRoot& root, const std::string& path) {
+    return root.ReadNumber<int32_t>(path).Map([](int32_t millions) {
+        return millions < 0 ? std::nullopt : std::optional<uint64_t>(uint64_t(millions) * 1'000'000);
+    });
+}
+
+TFact<bool> ReadDuplex(const TSystemRoot& root, const std::string& path) {
+    return root.ReadText(path).Map([](const std::string& duplex) -> std::optional<bool> {
+        if (duplex != "full" && duplex != "half") return std::nullopt;
+        return duplex == "full";
+    });
+}
+
+void ReadDevice(const TSystemRoot& root, TAdapter& adapter) {
+    const std::string path = kAdapters + adapter.name;
+    adapter.speed = ReadSpeed(root, path + "/speed");
+    adapter.fullDuplex = ReadDuplex(root, path + "/duplex");
+    const TFact<std::string> place = root.ReadLink(path);
+    adapter.isVirtual =
+        place.Map([](const std::string& link) { return std::optional(link.find("/virtual/") != std::string::npos); });
+    if (adapter.isVirtual.ValueOr(true)) return;
+    adapter.device.emplace();
+    adapter.device->place = FindBusDevice(root, *place);
+    adapter.device->driver = root.ReadLinkName(path + "/device/driver");
+    adapter.device->bus = root.ReadLinkName(path + "/device/subsystem");
+    adapter.device->busId = root.ReadLinkName(path + "/device");
+    adapter.device->wireless = root.Exists(path + "/phy80211");
+}
+
+}  // namespace
+
+std::vector<TAdapter> ReadAdapters(const TSystemRoot& root, const TFact<std::string>& table) {
+    std::vector<TAdapter> adapters = ListAdapters(root, table);
+    std::stable_sort(adapters.begin(), adapters.end(), [](const TAdapter& a, const TAdapter& b) {
+        return a.index.ValueOr(UINT32_MAX) < b.index.ValueOr(UINT32_MAX);
+    });
+    for (TAdapter& adapter : adapters) ReadDevice(root, adapter);
+    return adapters;
+}

@@ -1,0 +1,101 @@
+#ifndef NETWORK_NETWORKFACTS_H
+#define NETWORK_NETWORKFACTS_H
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "BusDevice.h"
+#include "SystemRoot.h"
+
+enum ECounter {
+    ePacketsReceived,
+    ePacketsTransmitted,
+    eBytesReceived,
+    eBytesTransmitted,
+    eReceiveErrors,
+    eTransmitErrors,
+    eReceiveDrops,
+    eTransmitDrops,
+    eCounters
+};
+
+/// The device below an adapter: its bus, and its name there.
+struct TAdapterDevice {
+    TFact<std::string> driver;
+    TFact<std::string> bus;
+    TFact<std::string> busId;
+    TBusDevice place;
+    bool wireless = false;
+};
+
+struct TAdapter {
+    std::string name;
+    TFact<uint32_t> index;
+    TFact<uint16_t> type;  ///< by the kernel's numbers, ARPHRD_*
+    TFact<std::string> address;
+    TFact<std::string> permanentAddress;
+    TFact<uint64_t> mtu;
+    TFact<bool> enabled;
+    TFact<bool> carrier;
+    TFact<uint16_t> operationalState;  ///< by the numbers of RFC 2863, less one
+    std::array<TFact<uint64_t>, eCounters> counters;
+    std::optional<std::string> alias;
+    std::optional<std::string> kind;  ///< of what is made by software: "bridge", "vlan"
+    std::optional<uint16_t> vlan;
+    std::optional<uint32_t> masterIndex;
+    std::optional<uint32_t> lowerIndex;
+    std::string master;  ///< the bridge or bond that it is part of; may be empty
+    std::string lower;   ///< the adapter that it sends through; may be empty
+
+    TFact<uint64_t> speed;  ///< in bits per second
+    TFact<bool> fullDuplex;
+    TFact<bool> isVirtual;                      ///< made by software
+    std::optional<TAdapterDevice> device;       ///< none, if it is virtual
+    TFact<std::vector<std::string>> addresses;  ///< with their prefix lengths
+};
+
+struct TIPAddress {
+    std::string adapter;
+    int family;
+    std::string address;
+    uint8_t prefixLength;
+    uint8_t scope;
+    std::optional<std::string> peer;  ///< the other end of a link of two
+    std::optional<std::string> broadcast;
+    std::optional<std::string> label;
+    uint32_t flags;  ///< IFA_F_*
+};
+
+/// One way to a destination; a route with several has one of these for each.
+struct TRoute {
+    int family;
+    std::string destination;
+    uint8_t prefixLength;
+    uint32_t table;
+    uint8_t type;
+    uint8_t protocol;
+    uint8_t scope;
+    uint8_t typeOfService;
+    uint32_t metric;
+    std::optional<uint16_t> weight;  ///< of one way among several
+    std::optional<std::string> gateway;
+    std::optional<std::string> source;
+    std::string adapter;  ///< may be empty
+};
+
+struct TNetworkFacts {
+    std::vector<TAdapter> adapters;
+    std::vector<TIPAddress> addresses;
+    std::vector<TRoute> routes;
+
+    TListing adapterListing;
+    TListing addressListing;
+    TListing routeListing;
+};
+
+TNetworkFacts ReadNetwork(const TSystemRoot& root);
+
+#endif

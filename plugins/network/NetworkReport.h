@@ -1,0 +1,24 @@
+#ifndef NETWORK_NETWORKREPORT_H
+#define NETWORK_NETWORKREPORT_H
+
+#include "DataPlugin.h"
+#include "InstanceReport.h"
+#include "NetworkFacts.h"
+
+// What plugin.cpp tells the core of, class by class.
+
+TPath AdapterPath(const std::string& name);
+
+kyrStatusCode ReportAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportSystemAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportAdapterMembers(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportLowerAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportAdapterDevices(kyrIOHandle handle, const TNetworkFacts& facts);
+
+kyrStatusCode ReportAddresses(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportAddressAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
+
+kyrStatusCode ReportRoutes(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportRouteAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
+
+#endif
