@@ -1,0 +1,155 @@
+#include <algorithm>
+
+#include "BusDevice.h"
+#include "HardwareIds.h"
+#include "PciFacts.h"
+
+namespace {
+
+const std::string kDevices = "/sys/bus/pci/devices/";
+
+// The half of "8086:100E" before the colon, or behind it.
+TFact<uint16_t> Half(const TFact<std::string>& pair, bool second) {
+    return pair.Map([second](const std::string& text) -> std::optional<uint16_t> {
+        const size_t colon = text.find(':');
+        if (colon == std::string::npos) return std::nullopt;
+        return ParseNumber<uint16_t>(second ? text.substr(colon + 1) : text.substr(0, colon), 16);
+    });
+}
+
+// A value that the file leaves out is one that the device does not have.
+TFact<std::string> Field(const TFact<std::string>& uevent, std::string_view key) {
+    TFact<std::string> field = uevent;
+    if (uevent) field.value = UeventValue(*uevent, key);
+    return field;
+}
+
+void ReadUevent(const TSystemRoot& root, const std::string& folder, TPciFunction& function) {
+    const TFact<std::string> uevent = root.ReadFile(folder + "uevent");
+    const TFact<std::string> id = Field(uevent, "PCI_ID"), subsystem = Field(uevent, "PCI_SUBSYS_ID");
+    function.identity.vendor = Half(id, false);
+    function.identity.device = Half(id, true);
+    function.identity.subsystemVendor = Half(subsystem, false);
+    function.identity.subsystem = Half(subsystem, true);
+    function.identity.classCode =
+        Field(uevent, "PCI_CLASS").Map([](const std::string& text) { return ParseNumber<uint32_t>(text, 16); });
+    function.driver = Field(uevent, "DRIVER");
+}
+
+TFact<uint16_t> ReadWidth(const TSystemRoot& root, const std::string& path) {
+    return root.ReadNumber<uint16_t>(path).Map([](uint16_t lanes) {
+        return lanes == 0 || lanes == 255 ? std::nullopt : std::optional(lanes);  // the link is down; not known
+    });
+}
+
+std::optional<TPciLink> ReadLink(const TSystemRoot& root, const std::string& folder) {
+    TPciLink link;
+    link.maxSpeed = root.ReadText(folder + "max_link_speed").Map(ParseLinkSpeed);
+    if (!link.maxSpeed && link.maxSpeed.absence == EAbsence::eNotPresent) return std::nullopt;
+    link.currentSpeed = root.ReadText(folder + "current_link_speed").Map(ParseLinkSpeed);
+    link.maxWidth = ReadWidth(root, folder + "max_link_width");
+    link.currentWidth = ReadWidth(root, folder + "current_link_width");
+    return link;
+}
+
+TFact<uint32_t> ReadInterrupt(const TSystemRoot& root, const std::string& path) {
+    TFact<uint32_t> interrupt = root.ReadNumber<uint32_t>(path);
+    if (interrupt && *interrupt == 0) interrupt.value.reset();
+    return interrupt;
+}
+
+// -1 stands for none.
+TFact<uint32_t> ReadNumaNode(const TSystemRoot& root, const std::string& path) {
+    const TFact<int32_t> node = root.ReadNumber<int32_t>(path);
+    if (node && *node < 0) return TFact<uint32_t>::Missing(EAbsence::eNotPresent, path);
+    return node.Map([](int32_t number) { return std::optional<uint32_t>(number); });
+}
+
+TPciFunction ReadFunction(const TSystemRoot& root, const std::string& address,
+                          const std::vector<std::string>& addresses) {
+    const std::string folder = kDevices + address + '/';
+    TPciFunction function;
+    function.address = address;
+    const std::string parent = ParentName(root.ReadLink(kDevices + address).ValueOr(""));
+    if (std::binary_search(addresses.begin(), addresses.end(), parent)) function.bridge = parent;
+    ReadUevent(root, folder, function);
+    function.revision = root.ReadNumber<uint8_t>(folder + "revision", 16);
+    function.interrupt = ReadInterrupt(root, folder + "irq");
+    function.numaNode = ReadNumaNode(root, folder + "numa_node");
+    function.link = ReadLink(root, folder);
+    return function;
+}
+
+// The ids in the form that the list of names has them.
+struct TListIds {
+    explicit TListIds(const TPciIdentity& identity) {
+        const unsigned code = identity.classCode.ValueOr(0);
+        vendor = HexText(4, identity.vendor.ValueOr(0));
+        device = vendor + '/' + HexText(4, identity.device.ValueOr(0));
+        subsystemVendor = HexText(4, identity.subsystemVendor.ValueOr(0));
+        subsystem = device + '/' + subsystemVendor + ' ' + HexText(4, identity.subsystem.ValueOr(0));
+        deviceClass = "C " + HexText(2, code >> 16 & 0xff);
+        subclass = deviceClass + '/' + HexText(2, code >> 8 & 0xff);
+    }
+
+    std::string vendor, device, subsystemVendor, subsystem, deviceClass, subclass;
+};
+
+void WantNames(THardwareIds& names, const TPciIdentity& identity) {
+    const TListIds ids(identity);
+    for (const std::string& id : {ids.subsystem, ids.subsystemVendor, ids.subclass}) names.Want(id);
+}
+
+// Vendors that give a subsystem the ids of its device mean the device.
+TFact<std::string> SubsystemName(const THardwareIds& names, const TListIds& ids, const TPciIdentity& identity) {
+    TFact<std::string> name = names.Name(ids.subsystem);
+    const bool isDevice = identity.subsystemVendor.ValueOr(0) == identity.vendor.ValueOr(0) &&
+                          identity.subsystem.ValueOr(0) == identity.device.ValueOr(0);
+    return name || !isDevice ? name : identity.deviceName;
+}
+
+void FillNames(const THardwareIds& names, TPciIdentity& identity) {
+    const TListIds ids(identity);
+    const TFact<std::string> subclass = names.Name(ids.subclass);
+    identity.vendorName = NameOf(identity.vendor, names.Name(ids.vendor));
+    identity.deviceName = NameOf(identity.device, names.Name(ids.device));
+    identity.subsystemVendorName = NameOf(identity.subsystemVendor, names.Name(ids.subsystemVendor));
+    identity.subsystemName = NameOf(identity.subsystem, SubsystemName(names, ids, identity));
+    identity.className = NameOf(identity.classCode, subclass ? subclass : names.Name(ids.deviceClass));
+}
+
+}  // namespace
+
+TPciFacts ReadPci(const TSystemRoot& root) {
+    const TFact<std::vector<std::string>> entries = root.List("/sys/bus/pci/devices");
+    std::vector<std::string> addresses = entries.ValueOr({});
+    std::sort(addresses.begin(), addresses.end());  // their digits are hexadecimal
+    TPciFacts facts;
+    facts.listing = ListingOf(entries);
+    THardwareIds names;
+    for (const std::string& address : addresses) {
+        facts.functions.push_back(ReadFunction(root, address, addresses));
+        WantNames(names, facts.functions.back().identity);
+    }
+    names.Read(root, "pci.ids");
+    for (TPciFunction& function : facts.functions) FillNames(names, function.identity);
+    return facts;
+}
+
+std::optional<std::string> UeventValue(std::string_view text, std::string_view key) {
+    for (const std::string_view line : Lines(text))
+        if (line.size() > key.size() && line.substr(0, key.size()) == key && line[key.size()] == '=')
+            return std::string(Trim(line.substr(key.size() + 1)));
+    return std::nullopt;
+}
+
+std::optional<uint64_t> ParseLinkSpeed(std::string_view text) {
+    const size_t unit = text.find(" GT/s"), point = text.find('.');
+    if (unit == std::string_view::npos) return std::nullopt;
+    const bool isWhole = point >= unit;
+    const auto whole = ParseNumber<uint32_t>(text.substr(0, isWhole ? unit : point));
+    const auto tenths =
+        isWhole ? std::optional<uint8_t>(0) : ParseNumber<uint8_t>(text.substr(point + 1, unit - point - 1));
+    if (!whole || !tenths || *tenths > 9) return std::nullopt;
+    return *whole * 1'000'000'000ull + *tenths * 100'000'000ull;
+}

@@ -1,0 +1,60 @@
+#ifndef PCI_PCIFACTS_H
+#define PCI_PCIFACTS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "SystemRoot.h"
+
+/// What the function is, as its registers tell and as the list of names has it.
+struct TPciIdentity {
+    TFact<uint16_t> vendor;
+    TFact<uint16_t> device;
+    TFact<uint16_t> subsystemVendor;
+    TFact<uint16_t> subsystem;
+    TFact<uint32_t> classCode;  ///< class, subclass and programming interface, a byte each
+
+    TFact<std::string> vendorName;
+    TFact<std::string> deviceName;
+    TFact<std::string> subsystemVendorName;
+    TFact<std::string> subsystemName;
+    TFact<std::string> className;  ///< of the subclass, if that has one
+
+    /// Most bridges belong to no subsystem.
+    bool HasSubsystem() const { return !subsystemVendor || *subsystemVendor != 0; }
+};
+
+/// The link to a PCI Express function. Speeds are bits per second on each lane, as transfers are counted.
+struct TPciLink {
+    TFact<uint64_t> currentSpeed;
+    TFact<uint64_t> maxSpeed;
+    TFact<uint16_t> currentWidth;
+    TFact<uint16_t> maxWidth;
+};
+
+struct TPciFunction {
+    std::string address;  ///< "0000:00:1f.2"
+    std::string bridge;   ///< the address of the bridge that it is behind; empty on a root bus
+    TPciIdentity identity;
+    TFact<uint8_t> revision;
+    TFact<std::string> driver;
+    TFact<uint32_t> interrupt;
+    TFact<uint32_t> numaNode;
+    std::optional<TPciLink> link;  ///< of PCI Express functions only
+};
+
+struct TPciFacts {
+    std::vector<TPciFunction> functions;  ///< by address
+    TListing listing;
+};
+
+TPciFacts ReadPci(const TSystemRoot& root);
+
+/// What stands behind "key=" in a uevent file.
+std::optional<std::string> UeventValue(std::string_view text, std::string_view key);
+/// "8.0 GT/s PCIe" as transfers per second.
+std::optional<uint64_t> ParseLinkSpeed(std::string_view text);
+
+#endif
