@@ -1,0 +1,63 @@
+#ifndef USB_USBFACTS_H
+#define USB_USBFACTS_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "SystemRoot.h"
+
+/// A class, subclass and protocol, of a device or of an interface of it, and what the list of names calls the class.
+struct TUsbClass {
+    TFact<uint8_t> code;
+    TFact<uint8_t> subclass;
+    TFact<uint8_t> protocol;
+    TFact<std::string> name;
+};
+
+struct TUsbInterface {
+    TUsbClass usbClass;
+    TFact<std::string> driver;
+};
+
+struct TUsbDevice {
+    std::string id;          ///< bus and ports: "1-1.2"; "usb1" is a root hub
+    std::string hub;         ///< the id of the hub that it is plugged into; empty for a root hub
+    std::string controller;  ///< the address of the PCI function that a root hub belongs to; may be empty
+
+    TFact<uint16_t> vendor;
+    TFact<uint16_t> product;
+    TFact<std::string> vendorName;   ///< from the list of names
+    TFact<std::string> productName;  ///< likewise
+    TFact<std::string> manufacturerText;
+    TFact<std::string> productText;
+    TFact<std::string> serialNumber;
+    TFact<std::string> release;
+    TFact<std::string> version;
+    TFact<uint64_t> speed;     ///< in bits per second
+    TFact<uint32_t> maxPower;  ///< in milliamperes
+    TFact<uint16_t> bus;
+    TFact<uint16_t> number;
+    TFact<uint8_t> ports;
+    TUsbClass usbClass;
+    std::vector<TUsbInterface> interfaces;
+};
+
+struct TUsbFacts {
+    std::vector<TUsbDevice> devices;
+    TListing listing;
+};
+
+TUsbFacts ReadUsb(const TSystemRoot& root);
+
+/// The hub of a device: "1-1.2" is plugged into "1-1", "1-1" into "usb1". Empty for a root hub.
+std::string HubOf(const std::string& id);
+/// "1.5", in millions of bits per second.
+std::optional<uint64_t> ParseUsbSpeed(std::string_view text);
+/// "500mA"
+std::optional<uint32_t> ParseMilliAmperes(std::string_view text);
+/// Four digits with two decimals among them: "7200" is "72.00".
+std::optional<std::string> ParseRelease(std::string_view text);
+
+#endif
