@@ -1,0 +1,103 @@
+#include "DataPlugin.h"
+#include "InstanceReport.h"
+#include "SoftwareFacts.h"
+
+namespace {
+
+constexpr const char* kPackage = "MOLTA_Package";
+constexpr const char* kModule = "MOLTA_KernelModule";
+constexpr const char* kService = "MOLTA_Service";
+
+TPath PathOf(const TPackage& package) {
+    return {kPackage, {{"Name", package.name}, {"SoftwareElementID", package.architecture}}};
+}
+
+TPath PathOf(const TKernelModule& module) { return {kModule, {{"Name", module.name}}}; }
+
+TPath PathOf(const TService& service) { return ScopedPath(kService, service.name); }
+
+void AddTo(TInstanceReport& report, const TPackage& package) {
+    report.Add("Version", package.version);
+    report.Add("Manufacturer", package.maintainer);
+    report.Add("Caption", package.summary);
+    report.Add("Section", package.section);
+    if (package.source) report.Add("SourcePackage", package.source);
+    report.Add("InstalledSize", package.installedSize);
+    report.Add("PackageStatus", package.status);
+    report.Set("Essential", package.essential);
+}
+
+void AddTo(TInstanceReport& report, const TKernelModule& module) {
+    report.Add("Size", module.size);
+    report.Add("ReferenceCount", module.referenceCount);
+    report.Add("ModuleState", module.state);
+    report.Add("Version", module.version);
+}
+
+void AddTo(TInstanceReport& report, const TService& service) {
+    report.Add("Caption", service.description);
+    report.Add("StartMode", service.startMode);
+    report.Add("Started", service.running);
+}
+
+template <typename T>
+kyrStatusCode ReportAll(kyrIOHandle handle, const char* className, const TFact<std::vector<T>>& list) {
+    LogIfAbsent(className, list);
+    kyrStatusCode status = kyrStatusOK;
+    for (const T& item : list.ValueOr({})) {
+        TInstanceReport report(handle, PathOf(item));
+        AddTo(report, item);
+        if (status == kyrStatusOK) status = report.Finish();
+    }
+    return status;
+}
+
+kyrStatusCode ReportPackages(kyrIOHandle handle, const TSoftware& software) {
+    return ReportAll(handle, kPackage, software.packages);
+}
+
+kyrStatusCode ReportModules(kyrIOHandle handle, const TSoftware& software) {
+    return ReportAll(handle, kModule, software.modules);
+}
+
+kyrStatusCode ReportServices(kyrIOHandle handle, const TSoftware& software) {
+    return ReportAll(handle, kService, software.services);
+}
+
+kyrStatusCode ReportModuleDependencies(kyrIOHandle handle, const TSoftware& software) {
+    kyrStatusCode status = kyrStatusOK;
+    for (const TKernelModule& module : software.modules.ValueOr({}))
+        for (const std::string& user : module.users)
+            if (status == kyrStatusOK)
+                status = ReportTie(handle, "MOLTA_ModuleDependency", "Antecedent", PathOf(module), "Dependent",
+                                   TPath{kModule, {{"Name", user}}});
+    return status;
+}
+
+kyrStatusCode ReportHostedServices(kyrIOHandle handle, const TSoftware& software) {
+    kyrStatusCode status = kyrStatusOK;
+    for (const TService& service : software.services.ValueOr({}))
+        if (status == kyrStatusOK)
+            status =
+                ReportTie(handle, "MOLTA_HostedService", "Antecedent", ComputerSystem(), "Dependent", PathOf(service));
+    return status;
+}
+
+kyrStatusCode ReportInstalledPackages(kyrIOHandle handle, const TSoftware& software) {
+    kyrStatusCode status = kyrStatusOK;
+    for (const TPackage& package : software.packages.ValueOr({}))
+        if (status == kyrStatusOK)
+            status = ReportTie(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
+                               PathOf(package));
+    return status;
+}
+
+const TDataPlugin<TSoftware> gPlugin("software", ReadSoftware,
+                                     {{kPackage, ReportPackages},
+                                      {kModule, ReportModules},
+                                      {kService, ReportServices},
+                                      {"MOLTA_ModuleDependency", ReportModuleDependencies},
+                                      {"MOLTA_HostedService", ReportHostedServices},
+                                      {"MOLTA_InstalledPackage", ReportInstalledPackages}});
+
+}  // namespace

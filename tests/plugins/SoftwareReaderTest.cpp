@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include "SoftwareFacts.h"
+#include "support/TestSupport.h"
+
+TEST(SoftwareReaderTest, PackagesAreReadFieldByField) {
+    const auto packages = ParsePackages(
+        "Package: zlib1g\nStatus: install ok installed\nArchitecture: amd64\nInstalled-Size: 168\nVersion: 1:1.2.13\n"
+        "Description: compression library\n Version: of the text, not of the package\n\n"
+        "Package: gone\nStatus: deinstall ok config-files\nArchitecture: all\n\n\n"
+        "Broken\nStatus: install ok installed\n\n"
+        "Package: odd\nStatus: installed\nInstalled-Size: much\nEssential: yes",
+        "status");
+    ASSERT_EQ(packages.size(), 3u);
+    EXPECT_EQ(packages[0].name, "gone");
+    EXPECT_EQ(*packages[0].status, eConfigFiles);
+    EXPECT_FALSE(packages[0].version);
+    EXPECT_EQ(packages[1].name, "odd");
+    EXPECT_EQ(packages[1].status.absence, EAbsence::eNotSupported);
+    EXPECT_EQ(packages[1].installedSize.absence, EAbsence::eNotSupported);
+    EXPECT_TRUE(packages[1].essential);
+    EXPECT_EQ(*packages[2].version, "1:1.2.13");
+    EXPECT_EQ(*packages[2].installedSize, 168u);
+    EXPECT_EQ(*packages[2].summary, "compression library");
+}
+
+TEST(SoftwareReaderTest, ModulesAreReadWithTheirUsers) {
+    const auto modules = ParseModules(
+        "virtio_net 61440 0 - Live 0x0000000000000000\nshort line\n"
+        "failover 16384 2 net_failover,virtio_net, Live 0x0 (OE)\nkvm 999 x [permanent], Dying 0x0\n",
+        "modules");
+    ASSERT_EQ(modules.size(), 3u);
+    EXPECT_EQ(modules[0].users, (std::vector<std::string>{"net_failover", "virtio_net"}));
+    EXPECT_EQ(*modules[0].size, 16384u);
+    EXPECT_EQ(modules[1].referenceCount.absence, EAbsence::eNotSupported);
+    EXPECT_EQ(modules[1].state.absence, EAbsence::eNotSupported);
+    EXPECT_TRUE(modules[1].users.empty());
+    EXPECT_EQ(*modules[2].state, eLive);
+}
+
+TEST(SoftwareReaderTest, ServicesTellHowTheyAreStartedAndWhetherTheyRun) {
+    const TempFolder root;
+    const std::string units = "usr/lib/systemd/system/", etc = "etc/systemd/system/";
+    root.Write(units + "ssh.service", "[Unit]\nDescription=Secure shell\n[Install]\nWantedBy=multi-user.target\n");
+    root.Write(units + "cron.service", "[Unit]\nDescription = Runs at times\n\n[Install]\n");
+    root.Write(units + "once.service", "[Unit]\n");
+    root.Write(units + "getty@.service", "[Unit]\nDescription=Getty\n");
+    root.Write(etc + "multi-user.target.wants/ssh.service", "");
+    root.Write(etc + "getty.target.wants/getty@tty1.service", "");
+    root.Write("sys/fs/cgroup/system.slice/ssh.service/cgroup.procs", "812\n");
+    const auto services = ReadServices(TSystemRoot(root.Path()));
+    ASSERT_TRUE(services);
+    const struct {
+        const char* name;
+        uint16_t startMode;
+        const char* description;
+        bool running;
+    } expected[] = {{"cron.service", eDisabled, "Runs at times", false},
+                    {"getty@tty1.service", eEnabled, "Getty", false},
+                    {"once.service", eStatic, "", false},
+                    {"ssh.service", eEnabled, "Secure shell", true}};
+    ASSERT_EQ(services->size(), std::size(expected));
+    for (size_t i = 0; i < std::size(expected); ++i) {
+        SCOPED_TRACE(expected[i].name);
+        const TService& service = services->at(i);
+        EXPECT_EQ(service.name, expected[i].name);
+        EXPECT_EQ(*service.startMode, expected[i].startMode);
+        EXPECT_EQ(service.description.ValueOr(""), expected[i].description);
+        EXPECT_EQ(*service.running, expected[i].running);
+    }
+}
