@@ -1,0 +1,100 @@
+// All that kyr tells of the machines in tests/fixtures/machines. After a change that is meant, run this test with
+// KYR_RENEW_GOLDENS=1 in the environment, and read line by line what changed in tests/plugins/expected.
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+
+#include "host/KyrRun.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMReference.h"
+#include "kyr/TContainer.h"
+
+namespace {
+
+struct TMachine {
+    const char *name, *options;
+};
+
+constexpr TMachine kMachines[] = {
+    {"server", ""}, {"laptop", ""},  {"virtual", " --provenance"},    {"container", ""},
+    {"nvme", ""},   {"hostile", ""}, {"unreadable", " --provenance"},
+};
+
+void PrintTo(const TMachine& machine, std::ostream* out) { *out << machine.name; }
+
+/// With "n{4096}" for a run of so many bytes.
+std::string WithoutRuns(const std::string& text) {
+    std::string plain;
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find_first_not_of(text[at], at), text.size());
+        plain += end - at > 100 ? text[at] + ("{" + std::to_string(end - at) + "}") : text.substr(at, end - at);
+        at = end;
+    }
+    return plain;
+}
+
+bool IsScope(const std::string& key) {
+    return key == "SystemName" || key == "CSName" || key.find("CreationClassName") != std::string::npos;
+}
+
+/// With "\x1B" and the like for what is not printable ASCII.
+std::string Visible(const std::string& text) {
+    constexpr const char* kDigits = "0123456789ABCDEF";
+    std::string visible;
+    for (const unsigned char c : text)
+        visible += c >= ' ' && c < 127 ? std::string(1, c) : std::string("\\x") + kDigits[c / 16] + kDigits[c % 16];
+    return visible;
+}
+
+/// "  MOLTA_DiskDrive /dev/sda"
+std::string EndText(const TCIMReference& reference) {
+    EXPECT_EQ(StatusOf([&] { reference.GetCIMElement(); }), kyrStatusOK) << reference.GetPath() << " was not collected";
+    std::string text = "  " + reference.GetClassName();
+    for (const auto& [key, value] : reference.EnumerateKeyBindings())
+        if (!IsScope(key)) text += ' ' + Visible(value.ToString(10));
+    return text;
+}
+
+/// What each association ties together, a line for each.
+std::string TiesOf(const std::string& collection) {
+    TContainer container;
+    container.PopulateContainerFromFile(collection);
+    std::string text;
+    for (const TCIMClass* cls : container.GetRootClass()->EnumerateSubClasses(true))
+        for (const TCIMInstance* instance : cls->EnumerateInstances(false)) {
+            if (!cls->IsAssociation()) continue;
+            text += cls->GetName();
+            for (const TCIMProperty* property : instance->EnumerateProperties())
+                if (property->GetValue().IsReference()) text += EndText(property->GetValue());
+            text += '\n';
+        }
+    return text;
+}
+
+std::string Tell(const TMachine& machine) {
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/collection.xml";
+    const TRunResult run = RunKyrOn(machine.name, "collect --stable " ALL_PLUGINS " -o " + file);
+    const std::string choice = " --class CIM_ManagedElement --stable";
+    return WithoutRuns(RunKyr("show " + file + choice + machine.options).out + '\n' + TiesOf(file) + "\nExit status " +
+                       std::to_string(run.status) + '\n' + run.err);
+}
+
+class GoldenTest : public ::testing::TestWithParam<TMachine> {};
+
+}  // namespace
+
+TEST_P(GoldenTest, MachineIsToldAsExpected) {
+    const std::string expected = std::string(EXPECTED "/") + GetParam().name + ".txt";
+    const LogCapture log;
+    const TempFolder folder;
+    const std::string actual = folder.Write("actual.txt", Tell(GetParam()));
+    if (std::getenv("KYR_RENEW_GOLDENS") != nullptr) std::ofstream(expected) << ReadFile(actual);
+    const TRunResult difference = RunShell("diff -u " + expected + ' ' + actual);
+    EXPECT_EQ(difference.status, 0) << difference.out << difference.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(Machines, GoldenTest, ::testing::ValuesIn(kMachines),
+                         [](const auto& test) { return test.param.name; });

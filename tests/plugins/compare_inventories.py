@@ -1,0 +1,230 @@
+"""What the inventory tools tell of this machine: lshw, hwinfo, facter. In the form that compare_tools.py tells of."""
+import ipaddress
+import re
+
+from compare_tools import file_system, first, json_of, lower, maker, memory_module, number, output_of, tool
+
+
+def as_list(value):
+    return value if isinstance(value, list) else [] if value is None else [value]
+
+
+def nodes_of(node):
+    yield node
+    for child in node.get("children", []):
+        yield from nodes_of(child)
+
+
+@tool("lshw")
+def lshw():
+    nodes = [node for top in as_list(json_of("lshw -quiet -json")) for node in nodes_of(top)]
+    processors = [node for node in nodes if node["class"] == "processor" and not node.get("disabled")]
+    yield "processor", "sockets", len(processors)
+    for index, node in enumerate(nodes):
+        yield from lshw_system(node) if index == 0 else ()
+        for extract in (lshw_part_of_board, lshw_processor, lshw_pci, lshw_network, lshw_disk, lshw_memory):
+            yield from extract(node)
+
+
+def lshw_system(node):
+    yield "system", "host name", node["id"]
+    for what in ("vendor", "product", "version", "serial"):
+        yield "system", what, node.get(what)
+    yield "system", "uuid", lower(node.get("configuration", {}).get("uuid"))
+
+
+def lshw_part_of_board(node):
+    thing = {"core": "board", "firmware": "firmware"}.get(node["id"])
+    if thing:
+        for what in ("vendor", "product", "version", "serial", "date"):
+            yield thing, what, node.get(what) if thing == "board" or what != "product" else None
+
+
+def lshw_processor(node):
+    if node["class"] != "processor":
+        return
+    names = {"x86-64": "lm"}
+    told = {names.get(flag, flag) for flag in node.get("capabilities", {})}
+    yield "processor", "model", node.get("product")
+    yield "processor", "version", node.get("version")
+    yield "processor", "flags", frozenset(told - {"fpu_exception", "wp", "cpufreq"})
+    yield "processor", "width", node.get("width")
+
+
+def lshw_pci(node):
+    slot = first(r"^pci@(\S+)", node.get("businfo", ""))
+    if slot:
+        yield f"pci {slot}", "class", node.get("description")
+        yield f"pci {slot}", "vendor", node.get("vendor")
+        yield f"pci {slot}", "device", node.get("product") if node.get("product") != node.get("vendor") else None
+        yield f"pci {slot}", "revision", number(node.get("version"), 16)
+        yield f"pci {slot}", "driver", node.get("configuration", {}).get("driver")
+
+
+def lshw_network(node):
+    said = node.get("configuration", {})
+    for name in as_list(node.get("logicalname")) if node["class"] == "network" else ():
+        yield f"interface {name}", "mac", lower(node.get("serial"))
+        yield f"interface {name}", "driver", said.get("driver")
+        yield f"interface {name}", "link", {"yes": True, "no": False}.get(said.get("link"))
+
+
+def lshw_disk(node):
+    said = node.get("configuration", {})
+    names = as_list(node.get("logicalname"))
+    for device in (name for name in names if name.startswith("/dev/")):
+        if node["class"] == "disk":
+            for what in ("size", "serial"):
+                yield f"disk {device[5:]}", what, node.get(what)
+            yield f"disk {device[5:]}", "vendor", maker(node.get("vendor"))
+            yield f"disk {device[5:]}", "model", node.get("product")
+            yield f"disk {device[5:]}", "logical block", number(said.get("logicalsectorsize"))
+        for target in (name for name in names if not name.startswith("/dev/")):
+            yield f"mount {target}", "source", device
+            yield f"mount {target}", "type", said.get("mount.fstype")
+            yield f"mount {target}", "options", frozenset(said.get("mount.options", "").split(",")) - {""} or None
+        if node["class"] == "volume":
+            kind = said.get("filesystem")
+            yield from file_system(device, kind, node.get("serial") if kind else None, said.get("label"))
+
+
+def lshw_memory(node):
+    if re.match(r"bank(:|$)", node["id"]) and node.get("size"):
+        yield from memory_module(node.get("slot"), node["size"], node.get("vendor"), node.get("product"),
+                                 node.get("serial"))
+
+
+HWINFO = "hwinfo --bios --cpu --memory --disk --partition --netcard --network --pci"
+
+
+def quoted(text):
+    return first(r'"([^"]*)"', text or "")
+
+
+@tool("hwinfo")
+def hwinfo():
+    processors = 0
+    for block in output_of(HWINFO).split("\n\n"):
+        said = dict(re.findall(r"^  ([^:\n]+): (.*)$", block, re.MULTILINE))
+        kind = said.get("Hardware Class")
+        processors += kind == "cpu"
+        if kind == "cpu":
+            yield from hwinfo_processor(said)
+        elif kind == "network interface":
+            yield from hwinfo_interface(said)
+        elif kind == "disk":
+            yield from hwinfo_disk(said)
+        if re.match(r"\s*\d+: PCI", block):
+            yield from hwinfo_pci(said)
+    yield "processor", "threads", processors or None
+
+
+def hwinfo_processor(said):
+    version, _, model = said.get("Model", "").partition(" ")
+    yield "system", "architecture", said.get("Arch", "").lower().replace("x86-64", "x86_64")
+    yield "processor", "vendor", quoted(said.get("Vendor"))
+    yield "processor", "version", version
+    yield "processor", "model", model.strip('"')
+    yield "processor", "flags", frozenset(said.get("Features", "").split(","))
+    yield "processor", "bogomips", float(said["BogoMips"]) if "BogoMips" in said else None
+
+
+def hwinfo_interface(said):
+    interface = f"interface {said.get('Device File')}"
+    yield interface, "mac", lower(said.get("HW Address"))
+    yield interface, "permanent mac", lower(said.get("Permanent HW Address"))
+    yield interface, "driver", quoted(said.get("Driver"))
+    yield interface, "link", {"yes": True, "no": False}.get(said.get("Link detected"))
+
+
+def hwinfo_disk(said):
+    disk = f"disk {said.get('Device File', '').split(' ')[0][5:]}"
+    sectors, _, block = said.get("Size", "").partition(" sectors a ")
+    size = number(first(r"(\d+)", block))
+    yield disk, "size", int(sectors) * size if size else None
+    yield disk, "serial", quoted(said.get("Serial ID"))
+    yield disk, "model", quoted(said.get("Device"))
+
+
+def hwinfo_pci(said):
+    pci = f"pci {said.get('SysFS BusID')}"
+    for what, label in (("vendor", "Vendor"), ("device", "Device"), ("subsystem vendor", "SubVendor"),
+                        ("subsystem", "SubDevice")):
+        yield pci, f"{what} id", number(first(r"pci 0x(\w+)", said.get(label, "")), 16)
+        yield pci, what, quoted(said.get(label))
+    yield pci, "revision", number(said.get("Revision"), 0)
+    yield pci, "driver", quoted(said.get("Driver"))
+
+
+@tool("facter")
+def facter():
+    said = json_of("facter --no-external-facts --no-custom-facts -j")
+    for extract in (facter_system, facter_processor, facter_network, facter_storage, facter_firmware):
+        yield from extract(said)
+
+
+def facter_system(said):
+    system, memory = said.get("os", {}), said.get("memory", {})
+    yield "system", "host name", said.get("networking", {}).get("hostname")
+    yield "system", "kernel release", said.get("kernelrelease")
+    yield "system", "architecture", system.get("hardware")
+    yield "system", "distribution", lower(system.get("distro", {}).get("id"))
+    yield "system", "description", system.get("distro", {}).get("description")
+    yield "system", "release", system.get("release", {}).get("major")
+    yield "system", "hypervisor", next(iter(said.get("hypervisors", {})), None)
+    yield "memory", "total", memory.get("system", {}).get("total_bytes")
+    yield "memory", "swap", memory.get("swap", {}).get("total_bytes")
+
+
+def facter_processor(said):
+    processors = said.get("processors", {})
+    sockets = processors.get("physicalcount")
+    yield "processor", "model", next(iter(processors.get("models", [])), None)
+    yield "processor", "sockets", sockets
+    yield "processor", "threads", processors.get("count")
+    yield "processor", "cores", processors["cores"] * sockets if "cores" in processors and sockets else None
+
+
+def facter_network(said):
+    for name, at in said.get("networking", {}).get("interfaces", {}).items():
+        if ":" in name:
+            continue  # a label, which facter takes for an interface
+        yield f"interface {name}", "mac", lower(at.get("mac"))
+        yield f"interface {name}", "mtu", at.get("mtu")
+        found = at.get("bindings", []) + at.get("bindings6", [])
+        yield f"address of {name}", "all", frozenset(map(facter_address, found)) or None
+
+
+def facter_address(binding):
+    mask = ipaddress.ip_address(binding["netmask"])
+    return f"{binding['address']}/{bin(int(mask)).count('1')}"
+
+
+def facter_storage(said):
+    for name, at in said.get("disks", {}).items():
+        for what in ("model", "serial"):
+            yield f"disk {name}", what, at.get(what)
+        yield f"disk {name}", "vendor", maker(at.get("vendor"))
+        yield f"disk {name}", "size", at.get("size_bytes")
+        yield f"disk {name}", "rotational", {"hdd": True, "ssd": False}.get(at.get("type"))
+    for device, at in said.get("partitions", {}).items():
+        if not device.startswith(("/dev/mapper/", "/dev/loop")):
+            yield f"partition {device[5:]}", "size", at.get("size_bytes")
+            yield f"partition {device[5:]}", "uuid", lower(at.get("partuuid"))
+            yield f"partition {device[5:]}", "name", at.get("partlabel")
+        yield from file_system(device, at.get("filesystem"), at.get("uuid"), at.get("label"))
+    for target, at in said.get("mountpoints", {}).items():
+        yield f"mount {target}", "source", at.get("device")
+        yield f"mount {target}", "type", at.get("filesystem")
+        yield f"mount {target}", "size", at.get("size_bytes") or None
+        yield f"mount {target}", "options", frozenset(at.get("options", [])) or None
+
+
+def facter_firmware(said):
+    dmi = said.get("dmi", {})
+    board, product, firmware = (dmi.get(name, {}) for name in ("board", "product", "bios"))
+    yield from (("firmware", "vendor", firmware.get("vendor")), ("firmware", "version", firmware.get("version")),
+                ("firmware", "date", firmware.get("release_date")), ("system", "vendor", dmi.get("manufacturer")),
+                ("system", "product", product.get("name")), ("system", "serial", product.get("serial_number")),
+                ("system", "uuid", lower(product.get("uuid"))), ("board", "vendor", board.get("manufacturer")),
+                ("board", "product", board.get("product")), ("board", "serial", board.get("serial_number")))

@@ -1,0 +1,277 @@
+"""What the other tools tell of this machine: for each a function that yields (thing, what, value).
+
+One name and one form for a fact, whoever tells it: sizes in bytes, addresses and numbers of devices in lower case,
+sets as frozenset. None is no value.
+"""
+import ipaddress
+import json
+import re
+import shutil
+import subprocess
+
+EXTRACTORS = {}
+PATH = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin"
+
+
+def tool(name):
+    def keep(extract):
+        EXTRACTORS[name] = extract
+        return extract
+    return keep
+
+
+def installed():
+    return [(name, extract) for name, extract in EXTRACTORS.items() if shutil.which(name, path=PATH)]
+
+
+def output_of(command):
+    answer = subprocess.run(command.split(" ") if isinstance(command, str) else command, stdin=subprocess.DEVNULL,
+                            capture_output=True, timeout=60, check=False, env={"LC_ALL": "C", "PATH": PATH})
+    return answer.stdout.decode("utf-8", "replace")
+
+
+def lines_of(command):
+    return output_of(command).splitlines()
+
+
+def json_of(command):
+    try:
+        return json.loads(output_of(command))
+    except ValueError:
+        return {}
+
+
+def lower(text):
+    return text.lower() if text else None
+
+
+def maker(text):
+    """A disk's maker: virtio has the number of its bus in that place, and SCSI the name of what it speaks to."""
+    return None if not text or text.startswith("0x") or text.strip() == "ATA" else text
+
+
+def number(text, base=10):
+    try:
+        return int(text, base)
+    except (TypeError, ValueError):
+        return None
+
+
+def blocks_of(text):
+    """Blocks of lines "name: value" between empty lines."""
+    for block in re.split(r"\n\s*\n", text):
+        pairs = (line.split(":", 1) for line in block.splitlines() if ":" in line)
+        yield block, {name.strip(): value.strip() for name, value in pairs}
+
+
+@tool("uname")
+def uname():
+    yield "system", "host name", output_of("uname -n")
+    yield "system", "kernel release", output_of("uname -r")
+    yield "system", "kernel version", output_of("uname -v")
+    yield "system", "architecture", output_of("uname -m")
+
+
+@tool("lsb_release")
+def lsb_release():
+    for _, said in blocks_of(output_of("lsb_release -idr")):
+        yield "system", "distribution", lower(said.get("Distributor ID"))
+        yield "system", "description", said.get("Description")
+        yield "system", "release", said.get("Release")
+
+
+@tool("lscpu")
+def lscpu():
+    said = {row["field"].rstrip(":"): row["data"] for row in json_of("lscpu -J").get("lscpu", [])}
+    threads, per_core = number(said.get("CPU(s)")), number(said.get("Thread(s) per core"))
+    yield "system", "architecture", said.get("Architecture")
+    yield "system", "hypervisor", lower(said.get("Hypervisor vendor"))
+    yield "processor", "model", said.get("Model name")
+    yield "processor", "vendor", said.get("Vendor ID")
+    version = [said.get(name) for name in ("CPU family", "Model", "Stepping")]
+    yield "processor", "version", ".".join(version) if all(version) else None
+    yield "processor", "sockets", number(said.get("Socket(s)"))
+    yield "processor", "cores", threads // per_core if threads and per_core else None
+    yield "processor", "threads", threads
+    yield "processor", "bogomips", float(said["BogoMIPS"]) if "BogoMIPS" in said else None
+    yield "processor", "flags", frozenset(said.get("Flags", "").split()) or None
+    yield "numa", "nodes", number(said.get("NUMA node(s)"))
+    for cache in json_of("lscpu -C -J -B").get("caches", []):
+        yield f"cache {cache['name']}", "size", number(cache["one-size"])
+        yield f"cache {cache['name']}", "total", number(cache["all-size"])
+        yield f"cache {cache['name']}", "ways", cache["ways"]
+        yield f"cache {cache['name']}", "line", cache["coherency-size"]
+
+
+@tool("getconf")
+def getconf():
+    said = dict(line.split(None, 1) for line in lines_of("getconf -a") if len(line.split(None, 1)) == 2)
+    for cache, name in (("L1d", "LEVEL1_DCACHE"), ("L1i", "LEVEL1_ICACHE"), ("L2", "LEVEL2_CACHE"),
+                        ("L3", "LEVEL3_CACHE")):
+        for what, suffix in (("size", "SIZE"), ("ways", "ASSOC"), ("line", "LINESIZE")):
+            yield f"cache {cache}", what, number(said.get(f"{name}_{suffix}")) or None
+
+
+@tool("free")
+def free():
+    for line in lines_of("free -b"):
+        if line.startswith(("Mem:", "Swap:")):
+            yield "memory", "total" if line.startswith("Mem:") else "swap", number(line.split()[1])
+
+
+@tool("swapon")
+def swapon():
+    for line in lines_of("swapon --show=NAME,TYPE,SIZE,PRIO --bytes --noheadings"):
+        name, kind, size, priority = line.split()
+        yield f"swap {name}", "size", int(size)
+        yield f"swap {name}", "kind", kind
+        yield f"swap {name}", "priority", int(priority)
+
+
+@tool("lsblk")
+def lsblk():
+    devices = json_of("lsblk -J -b -O -l").get("blockdevices", [])
+    for at in devices:
+        if at["type"] == "part":
+            yield from lsblk_partition(at)
+        elif at["type"] in ("disk", "rom") and at["size"] and at.get("tran") != "loop":
+            yield from lsblk_disk(at)
+        if at["type"] in ("disk", "part"):
+            yield from file_system(at["path"], at["fstype"], at["uuid"], at["label"])
+        for target in filter(None, at["mountpoints"]):
+            if target != "[SWAP]":
+                yield f"mount {target}", "source", at["path"]
+
+
+def lsblk_disk(at):
+    disk = f"disk {at['name']}"
+    for what in ("size", "model", "serial", "wwn", "rev"):
+        yield disk, what, at[what]
+    yield disk, "vendor", maker(at["vendor"])
+    yield disk, "rotational", at["rota"]
+    yield disk, "removable", at["rm"]
+    yield disk, "read only", at["ro"]
+    yield disk, "logical block", at["log-sec"]
+    yield disk, "physical block", at["phy-sec"]
+    yield disk, "partition table", at["pttype"]
+    yield disk, "partition table uuid", at["ptuuid"]
+
+
+def lsblk_partition(at):
+    part = f"partition {at['name']}"
+    yield part, "size", at["size"]
+    yield part, "start", at["start"] * 512 if at["start"] is not None else None  # always in units of 512 bytes
+    yield part, "type", lower(at["parttype"])
+    yield part, "uuid", lower(at["partuuid"])
+    yield part, "name", at["partlabel"]
+
+
+def memory_module(locator, size, vendor, part, serial):
+    yield f"memory module {locator}", "size", size
+    yield f"memory module {locator}", "vendor", vendor
+    yield f"memory module {locator}", "part", part
+    yield f"memory module {locator}", "serial", serial
+
+
+def file_system(device, kind, uuid, label):
+    yield f"file system {device}", "type", kind
+    yield f"file system {device}", "uuid", uuid
+    yield f"file system {device}", "label", label
+
+
+@tool("blkid")
+def blkid():
+    for block in output_of("blkid -o export").split("\n\n"):
+        said = dict(line.split("=", 1) for line in block.splitlines() if "=" in line)
+        if "DEVNAME" in said:
+            yield from file_system(said["DEVNAME"], said.get("TYPE"), said.get("UUID"), said.get("LABEL"))
+            yield f"partition {said['DEVNAME'][5:]}", "uuid", lower(said.get("PARTUUID"))
+
+
+@tool("findmnt")
+def findmnt():
+    """Only what stands on top of each mount point."""
+    columns = "TARGET,SOURCE,FSTYPE,OPTIONS,SIZE"
+    for at in json_of(f"findmnt -J -b -l -U -v -o {columns}").get("filesystems", []):
+        mount = f"mount {at['target']}"
+        yield mount, "source", at["source"]
+        yield mount, "type", at["fstype"]
+        yield mount, "options", frozenset(at["options"].split(","))
+        yield mount, "size", at["size"] or None
+
+
+@tool("df")
+def df():
+    for line in lines_of("df -l -B1 --output=size,fstype,source,target")[1:]:
+        size, kind, source, target = line.split(None, 3)
+        yield f"mount {target}", "size", number(size) or None
+        yield f"mount {target}", "type", kind
+        yield f"mount {target}", "source", source
+
+
+@tool("ip")
+def ip():
+    for link in json_of("ip -j -d addr"):
+        name = link["ifname"]
+        interface = f"interface {name}"
+        yield interface, "mac", lower(link["address"]) if link["link_type"] == "ether" else None
+        yield interface, "permanent mac", lower(link.get("permaddr"))
+        yield interface, "mtu", link["mtu"]
+        yield interface, "state", lower(link["operstate"])
+        yield interface, "enabled", "UP" in link["flags"]
+        yield interface, "link", "LOWER_UP" in link["flags"] if "UP" in link["flags"] else None
+        yield interface, "kind", link.get("linkinfo", {}).get("info_kind")
+        found = frozenset(f"{at['local']}/{at['prefixlen']}" for at in link["addr_info"])
+        yield f"address of {name}", "all", found or None
+    for family, default in (("-4", "0.0.0.0/0"), ("-6", "::/0")):
+        for route in json_of(f"ip -j {family} route show table main"):
+            destination = default if route["dst"] == "default" else str(ipaddress.ip_network(route["dst"]))
+            thing = f"route {destination} dev {route.get('dev')}"
+            yield thing, "gateway", route.get("gateway")
+            yield thing, "metric", route.get("metric", 0)
+
+
+@tool("ifconfig")
+def ifconfig():
+    for block in output_of("ifconfig -a").split("\n\n"):
+        name = block.split(":", 1)[0]
+        if not name.strip():
+            continue
+        yield f"interface {name}", "mtu", number(first(r"\bmtu (\d+)", block))
+        yield f"interface {name}", "mac", lower(first(r"\bether (\S+)", block))
+        four = [f"{at}/{ipaddress.ip_network('0.0.0.0/' + mask).prefixlen}"
+                for at, mask in re.findall(r"\binet (\S+)\s+netmask (\S+)", block)]
+        six = [f"{at}/{length}" for at, length in re.findall(r"\binet6 (\S+)\s+prefixlen (\d+)", block)]
+        yield f"address of {name}", "all", frozenset(four + six) or None
+
+
+@tool("route")
+def route_table():
+    for line in lines_of("route -n")[2:]:
+        destination, gateway, mask, _, metric, _, _, device = line.split()
+        thing = f"route {ipaddress.ip_network(f'{destination}/{mask}')} dev {device}"
+        yield thing, "gateway", gateway if gateway != "0.0.0.0" else None
+        yield thing, "metric", number(metric)
+
+
+def first(pattern, text):
+    found = re.search(pattern, text)
+    return found.group(1) if found else None
+
+
+@tool("dpkg-query")
+def dpkg():
+    form = "${Package}\\t${Architecture}\\t${Version}\\t${db:Status-Status}\\t${Section}\\t${Installed-Size}\\n"
+    for line in lines_of(["dpkg-query", "-W", "-f", form]):
+        name, architecture, version, status, section, size = line.split("\t")
+        thing = f"package {name}:{architecture}"
+        yield thing, "version", version
+        yield thing, "status", status
+        yield thing, "section", section
+        yield thing, "size", number(size) * 1024 if size else None
+
+
+@tool("lsmod")
+def lsmod():
+    for line in lines_of("lsmod")[1:]:
+        yield f"module {line.split()[0]}", "size", int(line.split()[1])
