@@ -1,0 +1,115 @@
+// kyr-bench-collect [ROUNDS]: collects this machine and the large synthetic one, beside other tools. A program of its
+// own and a small one: the peak memory that the kernel tells of a process is never below that of the one it comes from.
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct TContender {
+    const char* name;
+    std::vector<const char*> command;
+    const char* root = nullptr;  ///< of the machine to collect, if not this one
+    double askedMilliseconds = 0;
+    double askedMegabytes = 0;
+};
+
+#define KYR_COLLECT KYR_PROGRAM, "collect", "--schema", KYR_SCHEMA, "--plugins"
+
+const TContender kContenders[] = {
+    {"kyr, all but software", {KYR_COLLECT, KYR_FEWER_PLUGINS}, nullptr, 40, 12},
+    {"kyr, all but software, in one process", {KYR_COLLECT, KYR_FEWER_PLUGINS, "--in-process"}},
+    {"kyr", {KYR_COLLECT, KYR_PLUGINS}},
+    {"kyr --json", {KYR_COLLECT, KYR_PLUGINS, "--json"}},
+    {"lshw", {"lshw", "-quiet"}},
+    {"lshw -json", {"lshw", "-quiet", "-json"}},
+    // All of its probes would ask the network for providers.
+    {"hwinfo",
+     {"hwinfo", "--bios", "--cpu", "--memory", "--disk", "--partition", "--netcard", "--network", "--pci", "--usb"}},
+    {"facter", {"facter", "--json"}},
+    {"kyr, large machine", {KYR_COLLECT, KYR_PLUGINS}, KYR_LARGE_MACHINE, 1000},
+};
+
+struct TFigures {
+    std::vector<double> milliseconds;
+    double processor = 0;  ///< of the last run, in milliseconds
+    double megabytes = 0;  ///< of the largest process
+    bool failed = false;
+
+    double Median() const {
+        std::vector<double> sorted = milliseconds;
+        std::nth_element(sorted.begin(), sorted.begin() + sorted.size() / 2, sorted.end());
+        return sorted[sorted.size() / 2];
+    }
+};
+
+[[noreturn]] void Become(const TContender& contender) {
+    const int nowhere = open("/dev/null", O_RDWR);
+    for (int stream = 0; stream < 3; ++stream) dup2(nowhere, stream);
+    if (contender.root) setenv("KYR_SYSTEM_ROOT", contender.root, 1);
+    std::vector<char*> arguments;
+    for (const char* argument : contender.command) arguments.push_back(const_cast<char*>(argument));
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+double Milliseconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+}
+
+void Run(const TContender& contender, TFigures& figures) {
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = fork();
+    if (child == 0) Become(contender);
+    int status = -1;
+    rusage usage = {};
+    if (child > 0) wait4(child, &status, 0, &usage);
+    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - start;
+    figures.milliseconds.push_back(wall.count());
+    figures.processor = Milliseconds(usage.ru_utime) + Milliseconds(usage.ru_stime);
+    figures.megabytes = static_cast<double>(usage.ru_maxrss) / 1024;
+    figures.failed = !WIFEXITED(status) || WEXITSTATUS(status) == 127;
+}
+
+std::string Met(double figure, double asked) {
+    if (asked == 0) return "";
+    char text[32];
+    std::snprintf(text, sizeof text, "%.0f %s", asked, figure <= asked ? "met" : "missed");
+    return text;
+}
+
+void Print(const TContender& contender, const TFigures& figures, double ours) {
+    if (figures.failed) {
+        std::printf("%-38s is not installed or fails\n", contender.name);
+        return;
+    }
+    const double median = figures.Median();
+    std::printf("%-38s %9.1f %9.1f %7.2f %9.1f  %-12s %-12s\n", contender.name, median, figures.processor,
+                median / ours, figures.megabytes, Met(median, contender.askedMilliseconds).c_str(),
+                Met(figures.megabytes, contender.askedMegabytes).c_str());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int rounds = argc > 1 ? std::atoi(argv[1]) : 11;
+    if (argc > 2 || rounds < 1) {
+        std::fputs("kyr-bench-collect [ROUNDS]\n", stderr);
+        return 2;
+    }
+    std::vector<TFigures> figures(std::size(kContenders));
+    for (int round = 0; round < rounds; ++round)
+        for (std::size_t i = 0; i < figures.size(); ++i) Run(kContenders[i], figures[i]);
+    std::printf("%-38s %9s %9s %7s %9s  %-12s %-12s\n", "collect", "wall ms", "CPU ms", "x ours", "peak MB", "asked ms",
+                "asked MB");
+    for (std::size_t i = 0; i < figures.size(); ++i) Print(kContenders[i], figures[i], figures[0].Median());
+}
