@@ -65,6 +65,11 @@ constexpr THostile kHostile[] = {
     {"unclosed", "--timeout 0.3", 1, 0,
      "kyr: plugin ./unclosed/libunclosed.pi.so: refused: its document ./unclosed/unclosed.properties.xml "},
     {"scribbling", "", 1, 0, "kyr: plugin ./scribbling/libscribbling.pi.so: failed: it spoilt what it had delivered"},
+    {"unclosed", "--deadline 1", 1, 0,
+     "kyr: plugin ./unclosed/libunclosed.pi.so: refused: its document ./unclosed/unclosed.properties.xml not read "
+     "within 0.1 s"},
+    {"signalling", "", 1, 2, "kyr: plugin signalling: partial: signal 64 in its data entry at class TEST_First"},
+    {"escaping", "--timeout 0.3", 1, 2, "kyr: plugin escaping: partial: no answer within 0.3 s"},
     {"closing", "", 0, 3, ""},
     {"chattering", "", 0, 3, ""},
     {"leaving", "", 0, 3, ""},
@@ -104,6 +109,7 @@ TEST(IsolationTest, LastWordsAndPrintedLinesStandInTheStates) {
     const TRunResult run = RunKyr("collect --json" + root.Option());
     EXPECT_THAT(run.out, HasSubstr("\"warning: last words\""));
     EXPECT_THAT(run.out, HasSubstr("\"printed: chatter 19999\""));
+    EXPECT_EQ(RunKyr("collect -o " + root.Path() + "/out.xml" + root.Option()).status, 1);
 }
 
 TEST(IsolationTest, ClassesOfAPluginThatDidNotLoadFallToTheNextThatDeclaresThem) {

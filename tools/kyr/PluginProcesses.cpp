@@ -70,7 +70,10 @@ void TPluginProcesses::FinishEnded() {
 
 // While others still run.
 void TPluginProcesses::TellEnded() {
-    for (; fTold < fStarted.size() && fStarted[fTold]->IsFinished(); ++fTold) fListener(*fStarted[fTold]);
+    for (; fTold < fStarted.size() && fStarted[fTold]->IsFinished(); ++fTold) {
+        fProgress.Erase();  // they may have something to say themselves
+        fListener(*fStarted[fTold]);
+    }
 }
 
 void TPluginProcesses::Interrupt(int signal) {

@@ -43,6 +43,11 @@ BEHAVIOUR Ignore(void) {
     signal(SIGTERM, SIG_IGN);
     Loop();
 }
+BEHAVIOUR Signal(void) { raise(SIGRTMAX); }
+BEHAVIOUR Escape(void) {
+    setpgid(0, getpgid(getppid()));
+    Ignore();
+}
 BEHAVIOUR Hoard(void) {
     for (;;) memset(malloc(1 << 24), 1, 1 << 24);
 }
@@ -51,6 +56,7 @@ BEHAVIOUR CloseAll(void) {
 }
 BEHAVIOUR Chatter(void) {
     for (int i = 0; i < 20000; ++i) printf("chatter %d\n", i);
+    putchar('\0');
     fflush(stdout);
 }
 
