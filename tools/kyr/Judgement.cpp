@@ -16,10 +16,16 @@ std::string FirstAndCount(const std::vector<std::string>& texts) {
     return texts.front() + " (and " + std::to_string(texts.size() - 1) + " more)";
 }
 
+// Without the name of the class in front, which is told beside it.
+std::string ReasonIn(const TNote& note) {
+    const std::string front = note.className + ": ";
+    return note.text.compare(0, front.size(), front) == 0 ? note.text.substr(front.size()) : note.text;
+}
+
 std::vector<std::string> ErrorsIn(const std::vector<const TNote*>& notes) {
     std::vector<std::string> texts;
     for (const TNote* note : notes)
-        if (note->severity == kyrLogError) texts.push_back(note->text);
+        if (note->severity == kyrLogError) texts.push_back(ReasonIn(*note));
     return texts;
 }
 

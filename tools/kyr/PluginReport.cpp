@@ -34,11 +34,17 @@ bool IsOfFailedCall(const TLogLine& line) {
     return line.core && StartsWith(line.text, "Plugin ") && line.text.find(" threw exception ") != std::string::npos;
 }
 
+// A plugin begins a line that speaks of a class with the name of the class and a colon.
+std::string ClassInFront(const std::string& text) {
+    const size_t colon = text.find(": ");
+    return colon == std::string::npos ? "" : text.substr(0, colon);
+}
+
 }  // namespace
 
 void TPluginReport::Read(const TLogLine& line) {
     if (line.severity > kyrLogWarning || IsOfFailedCall(line)) return;
-    notes.push_back({line.core ? ClassIn(line.text) : "", line.severity, Shortened(line.text)});
+    notes.push_back({line.core ? ClassIn(line.text) : ClassInFront(line.text), line.severity, Shortened(line.text)});
 }
 
 const TPluginFacts* TPluginReport::FindOwner() const {

@@ -17,17 +17,26 @@ using CIM = TCIMValue::TCIMType;
 void Set(TCIMInstance& state, const char* name, const TCIMValue& value) {
     const TCIMProperty* const property = state.FindProperty(name);
     if (property == nullptr || property->GetType() != value.GetType()) return;
-    if (!value.IsNull() || !property->GetValue().IsNull()) state.SetPropertyValue(name, value);
+    state.SetPropertyValue(name, value);
+}
+
+// As if it had never been set.
+void Clear(TCIMInstance& state, const char* name) {
+    if (const TCIMProperty* const property = state.FindProperty(name))
+        state.SetProperty(TCIMProperty(property->GetDeclaration()));
 }
 
 void SetVerdict(TCIMInstance& state, const TVerdict& verdict) {
     Set(state, "State", TCIMValue(static_cast<unsigned short>(verdict.state)));
-    Set(state, "Reason", verdict.reason.empty() ? TCIMValue(CIM::eCIMString, 0) : TCIMValue(verdict.reason));
+    if (verdict.reason.empty())
+        Clear(state, "Reason");
+    else
+        Set(state, "Reason", TCIMValue(verdict.reason));
 }
 
 void LeaveOut(TCIMInstance& state) {
     SetVerdict(state, {eNotAsked, kReasonUnwanted});
-    Set(state, "LogLines", TCIMValue(static_cast<CIM::ECIMType>(CIM::eCIMString | CIM::eCIMArrayFlag), 0));
+    Clear(state, "LogLines");
     Set(state, "InstanceCount", TCIMValue(0u));
 }
 

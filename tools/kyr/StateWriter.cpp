@@ -108,9 +108,17 @@ private:
     bool fAsked = false;
 };
 
+// A plugin, or its document, has no say in what is told of it.
+void RemoveStates(const TContainer& container) {
+    for (TCIMClass* const cls : container.GetClass("MOLTA_CollectionState")->EnumerateSubClasses(true))
+        for (auto states = cls->EnumerateInstances(false); !states.empty(); states = cls->EnumerateInstances(false))
+            cls->RemoveInstance(*states.front());
+}
+
 }  // namespace
 
 void WriteStates(const std::list<TLibrary>& libraries, TWanted wanted, int interruption, const TContainer& container) {
+    RemoveStates(container);
     TStateWriter writer(libraries, wanted, container);
     for (const TLibrary& library : libraries) writer.WriteLibrary(library);
     TVerdict verdict;

@@ -1,5 +1,6 @@
 #include "VisibleText.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "Utf8.h"
@@ -52,10 +53,13 @@ size_t AppendValid(std::string& result, std::string_view text) {
     return length;
 }
 
+bool IsPlain(char c) { return c >= 0x20 && c < 0x7F; }
+
 template <typename TAppend>
 std::string Converted(std::string_view text, TAppend append) {
-    std::string result;
-    result.reserve(text.size());
+    const auto plain = std::find_if_not(text.begin(), text.end(), IsPlain);
+    std::string result(text.begin(), plain);
+    text.remove_prefix(result.size());
     while (!text.empty()) text.remove_prefix(append(result, text));
     return result;
 }
