@@ -15,6 +15,7 @@ constexpr const char* kPlaceholders[] = {
     "Default string",
     "Not Specified",
     "Not Available",
+    "Not Defined",
     "Not Applicable",
     "Not Present",
     "Not Provided",

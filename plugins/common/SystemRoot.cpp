@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
+#include <stdexcept>
 
 namespace {
 
@@ -17,16 +18,22 @@ bool IsRegular(int descriptor) {
     return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
+bool IsFolder(const char* path) {
+    struct stat status;
+    return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+constexpr size_t kPage = 4096;
+
 // Gives 0, or the errno of what went wrong.
-int ReadAll(int descriptor, size_t limit, std::string& content) {
-    char buffer[4096];
+int ReadAll(int descriptor, size_t limit, bool isValue, std::string& content) {
+    char buffer[kPage];
     while (content.size() < limit) {
         const ssize_t count = read(descriptor, buffer, std::min(sizeof buffer, limit - content.size()));
-        if (count == 0) return 0;
-        if (count > 0)
-            content.append(buffer, static_cast<size_t>(count));
-        else if (errno != EINTR)
-            return errno;
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return errno;
+        content.append(buffer, static_cast<size_t>(count));
+        if (count == 0 || (isValue && size_t(count) < kPage)) return 0;
     }
     return 0;
 }
@@ -40,7 +47,9 @@ void TDescriptor::Reset(int number) {
 
 TSystemRoot TSystemRoot::FromEnvironment() {
     const char* const root = std::getenv("KYR_SYSTEM_ROOT");
-    return TSystemRoot(root == nullptr ? "" : root);
+    if (root == nullptr || *root == '\0') return TSystemRoot("");
+    if (!IsFolder(root)) throw std::runtime_error(std::string("KYR_SYSTEM_ROOT names no folder: ") + root);
+    return TSystemRoot(root);
 }
 
 int TSystemRoot::Open(const std::string& path) const {
@@ -53,18 +62,22 @@ int TSystemRoot::Open(const std::string& path) const {
     return openat(fFolder.Number(), path.c_str() + name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 }
 
-TFact<std::string> TSystemRoot::ReadFile(const std::string& path, size_t limit) const {
+TFact<std::string> TSystemRoot::Read(const std::string& path, size_t limit, bool isValue) const {
     const TDescriptor file(Open(path));
     if (file.Number() < 0) return TFact<std::string>::Missing(AbsenceOf(errno), path);
     if (!IsRegular(file.Number())) return TFact<std::string>::Missing(EAbsence::eNotSupported, path);
     std::string content;
-    const int error = ReadAll(file.Number(), limit, content);
+    const int error = ReadAll(file.Number(), limit, isValue, content);
     if (error != 0) return TFact<std::string>::Missing(AbsenceOf(error), path);
     return TFact<std::string>::Of(std::move(content), path);
 }
 
+TFact<std::string> TSystemRoot::ReadFile(const std::string& path, size_t limit) const {
+    return Read(path, limit, false);
+}
+
 TFact<std::string> TSystemRoot::ReadText(const std::string& path) const {
-    TFact<std::string> fact = ReadFile(path);
+    TFact<std::string> fact = Read(path, kReadLimit, true);
     if (!fact) return fact;
     fact.value = std::string(Trim(*fact));
     if (fact->empty()) fact.value.reset();

@@ -27,7 +27,9 @@ private:
 /// those of the machine, beginning with "/". Nothing here blocks: only regular files are read.
 class TSystemRoot {
 public:
-    /// The folder that KYR_SYSTEM_ROOT names, or the running machine.
+    static constexpr size_t kReadLimit = 16 << 20;
+
+    /// The folder that KYR_SYSTEM_ROOT names, or the running machine. Throws std::runtime_error if it names none.
     static TSystemRoot FromEnvironment();
     /// The empty root is the running machine.
     explicit TSystemRoot(std::string root) : fRoot(std::move(root)) {}
@@ -38,8 +40,9 @@ public:
     std::string Locate(const std::string& path) const { return fRoot + path; }
 
     /// The whole content, up to a limit.
-    TFact<std::string> ReadFile(const std::string& path, size_t limit = 16 << 20) const;
-    /// The content without blanks and line ends at its ends. Nothing left means not present.
+    TFact<std::string> ReadFile(const std::string& path, size_t limit = kReadLimit) const;
+    /// The content of a file that holds one value, without blanks and line ends at its ends. Nothing left means not
+    /// present.
     TFact<std::string> ReadText(const std::string& path) const;
     /// The content as a number, with or without "0x" in front if the base is 16.
     template <typename T>
@@ -57,6 +60,9 @@ public:
     bool Exists(const std::string& path) const;
 
 private:
+    /// The kernel gives a value whole: less than a page is its end, and there is no need to ask for more. It gives a
+    /// list in pieces of any length.
+    TFact<std::string> Read(const std::string& path, size_t limit, bool isValue) const;
     int Open(const std::string& path) const;
 
     std::string fRoot;

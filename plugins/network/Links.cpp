@@ -60,6 +60,7 @@ std::optional<TAdapter> ParseLink(std::string_view body) {
     Fill(adapter.type, std::optional(header->ifi_type));
     Fill(adapter.enabled, std::optional((header->ifi_flags & IFF_UP) != 0));
     FillAttributes(adapter, attributes);
+    if (!*adapter.enabled) adapter.carrier = TFact<bool>::Missing(EAbsence::eNotSupported, adapter.carrier.source);
     return adapter;
 }
 

@@ -22,7 +22,6 @@ void AddIdentity(TInstanceReport& report, const TPciIdentity& identity) {
         return identity.classCode.Map([shift](uint32_t code) { return std::optional<uint8_t>(code >> shift & 0xff); });
     };
     report.Set("Caption", Caption(identity));
-    if (identity.deviceName) report.Set("ElementName", *identity.deviceName);
     report.Add("VendorID", identity.vendor);
     report.Add("VendorName", identity.vendorName);
     report.Add("PCIDeviceID", identity.device);

@@ -44,7 +44,7 @@ constexpr TReading kFanReadings[] = {{"CurrentSpeed", &TSensor::reading},
 void AddNames(TInstanceReport& report, const TSensor& sensor) {
     report.Set("Caption", sensor.label + " of " + sensor.chip);
     report.Set("ElementName", sensor.label);
-    report.Set("DriverName", sensor.chip);
+    report.Set("Driver", sensor.chip);
 }
 
 kyrStatusCode ReportNumericSensor(kyrIOHandle handle, const TSensor& sensor) {

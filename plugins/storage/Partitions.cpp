@@ -53,7 +53,8 @@ constexpr TPartitionType kPartitionTypes[] = {
 // Where there is no device manager, the kernel itself tells names, in lines such as "PARTNAME=root".
 TFact<std::string> ReadKernelName(const TSystemRoot& root, const std::string& folder) {
     const TFact<std::string> event = root.ReadText(folder + "uevent");
-    for (const std::string_view line : Lines(event.value.value_or("")))
+    if (!event) return {};
+    for (const std::string_view line : Lines(*event))
         if (line.substr(0, 9) == "PARTNAME=") return TFact<std::string>::Of(std::string(line.substr(9)), event.source);
     return {};
 }

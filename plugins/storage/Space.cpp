@@ -26,8 +26,8 @@ public:
 
     // The path may lead elsewhere by now, or to what was mounted over one of its folders.
     bool IsOf(const TMount& mount) const {
-        const TFact<std::string> info = TSystemRoot("").ReadText("/proc/self/fdinfo/" + std::to_string(fNumber));
-        for (const std::string_view line : Lines(info.value.value_or("")))
+        const std::string info = TSystemRoot("").ReadText("/proc/self/fdinfo/" + std::to_string(fNumber)).ValueOr("");
+        for (const std::string_view line : Lines(info))
             if (line.substr(0, 7) == "mnt_id:") return Trim(line.substr(7)) == mount.id;
         return false;
     }

@@ -12,11 +12,11 @@ std::string PathIn(std::string_view line) {
 }  // namespace
 
 void ReadSwaps(const TSystemRoot& root, TStorage& storage) {
-    const TFact<std::string> text = root.ReadFile("/proc/swaps");
+    const std::string text = root.ReadFile("/proc/swaps").ValueOr("");
     std::map<std::string, std::string> names;
     for (const TBlockDevice* const device : EnumerateDevices(storage))
         for (const std::string& path : device->paths) names.emplace(path, device->name);
-    for (const std::string_view line : Lines(text.value.value_or(""))) {
+    for (const std::string_view line : Lines(text)) {
         const auto found = names.find(PathIn(line));
         if (found != names.end()) storage.swaps.push_back({found->first, found->second});
     }

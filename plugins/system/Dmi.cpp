@@ -57,6 +57,11 @@ void ReadDmi(const TSystemRoot& root, TSystemFacts& facts) {
     facts.uuid = ReadField(root, "product_uuid");
     facts.assetTag = ReadField(root, "chassis_asset_tag");
     facts.chassisType = ReadField(root, "chassis_type").Map(ParseChassisType);
+    facts.boardVendor = ReadField(root, "board_vendor");
+    facts.boardName = ReadField(root, "board_name");
+    facts.boardVersion = ReadField(root, "board_version");
+    facts.boardSerialNumber = ReadField(root, "board_serial");
+    facts.boardAssetTag = ReadField(root, "board_asset_tag");
     facts.biosVendor = ReadField(root, "bios_vendor");
     facts.biosVersion = ReadField(root, "bios_version");
     facts.biosRelease = ReadField(root, "bios_release");

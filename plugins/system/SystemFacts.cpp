@@ -4,6 +4,7 @@ TSystemFacts ReadSystem(const TSystemRoot& root) {
     TSystemFacts facts;
     facts.isRunning = root.IsRunningMachine();
     ReadDmi(root, facts);
+    ReadHypervisor(root, facts);
     ReadOsRelease(root, facts);
     ReadKernel(root, facts);
     return facts;

@@ -17,6 +17,15 @@ struct TSystemFacts {
     TFact<std::string> assetTag;
     TFact<uint16_t> chassisType;  ///< by the numbers of SMBIOS
 
+    TFact<std::string> hypervisor;  ///< that the computer is a guest of
+
+    // Its main board, from DMI.
+    TFact<std::string> boardVendor;
+    TFact<std::string> boardName;
+    TFact<std::string> boardVersion;
+    TFact<std::string> boardSerialNumber;
+    TFact<std::string> boardAssetTag;
+
     // Its firmware, from DMI.
     TFact<std::string> biosVendor;
     TFact<std::string> biosVersion;
@@ -41,6 +50,8 @@ TSystemFacts ReadSystem(const TSystemRoot& root);
 
 // The parts of it.
 void ReadDmi(const TSystemRoot& root, TSystemFacts& facts);
+/// After ReadDmi: the firmware of many guests names their hypervisor.
+void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts);
 void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts);
 void ReadKernel(const TSystemRoot& root, TSystemFacts& facts);
 

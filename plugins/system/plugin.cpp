@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <ctime>
+#include <iterator>
 
 #include "DataPlugin.h"
 #include "InstanceReport.h"
@@ -9,8 +11,10 @@ namespace {
 constexpr const char* kComputerSystem = "MOLTA_ComputerSystem";
 constexpr const char* kOperatingSystem = "MOLTA_OperatingSystem";
 constexpr const char* kBiosElement = "MOLTA_SystemBIOSElement";
+constexpr const char* kBaseBoard = "MOLTA_BaseBoard";
 constexpr const char* kProduct = "MOLTA_ORQProduct";
 constexpr const char* kInstalledOs = "MOLTA_InstalledOS";
+constexpr const char* kSystemBoard = "MOLTA_SystemBaseBoard";
 
 constexpr uint16_t kOSTypeLinux = 36;
 
@@ -29,6 +33,7 @@ constexpr TTextProperty kComputerTexts[] = {
     {"SerialNumber", &TSystemFacts::serialNumber},
     {"UUID", &TSystemFacts::uuid},
     {"AssetTag", &TSystemFacts::assetTag},
+    {"Hypervisor", &TSystemFacts::hypervisor},
 };
 
 constexpr TTextProperty kOperatingSystemTexts[] = {
@@ -49,6 +54,12 @@ constexpr TTextProperty kBiosTexts[] = {
     {"MachineTypeModel", &TSystemFacts::machineTypeModel},
 };
 
+constexpr TTextProperty kBoardTexts[] = {
+    {"Manufacturer", &TSystemFacts::boardVendor}, {"Model", &TSystemFacts::boardName},
+    {"Version", &TSystemFacts::boardVersion},     {"SerialNumber", &TSystemFacts::boardSerialNumber},
+    {"AssetTag", &TSystemFacts::boardAssetTag},
+};
+
 // Keys need a value even on a machine that tells none.
 TPath ComputerPath(const TSystemFacts& facts) {
     return {kComputerSystem, {{"CreationClassName", kComputerSystem}, {"Name", facts.hostName.ValueOr("localhost")}}};
@@ -61,6 +72,8 @@ TPath OperatingSystemPath(const TSystemFacts& facts) {
              {"CreationClassName", kOperatingSystem},
              {"Name", facts.osName.ValueOr("Linux")}}};
 }
+
+TPath BoardPath() { return {kBaseBoard, {{"CreationClassName", kBaseBoard}, {"Tag", "Base board"}}}; }
 
 template <size_t N>
 void AddTexts(TInstanceReport& report, const TTextProperty (&properties)[N], const TSystemFacts& facts) {
@@ -102,6 +115,28 @@ kyrStatusCode ReportBios(kyrIOHandle handle, const TSystemFacts& facts) {
     return report.Finish();
 }
 
+// On many virtual machines there is none.
+bool HasBoard(const TSystemFacts& facts) {
+    return std::any_of(std::begin(kBoardTexts), std::end(kBoardTexts),
+                       [&](const TTextProperty& property) { return bool(facts.*property.fact); });
+}
+
+// "Example Systems ES-2200"
+std::string BoardCaption(const TSystemFacts& facts) {
+    return std::string(Trim(facts.boardVendor.ValueOr("") + ' ' + facts.boardName.ValueOr("Base board")));
+}
+
+kyrStatusCode ReportBoard(kyrIOHandle handle, const TSystemFacts& facts) {
+    if (!HasBoard(facts)) {
+        LogIfAbsent(kBaseBoard, facts.boardVendor);
+        return kyrStatusOK;
+    }
+    TInstanceReport report(handle, BoardPath());
+    report.Set("Caption", BoardCaption(facts));
+    AddTexts(report, kBoardTexts, facts);
+    return report.Finish();
+}
+
 kyrStatusCode ReportProduct(kyrIOHandle handle, const TSystemFacts&) {
     return TInstanceReport(
                handle,
@@ -115,11 +150,18 @@ kyrStatusCode ReportInstalledOs(kyrIOHandle handle, const TSystemFacts& facts) {
                      OperatingSystemPath(facts));
 }
 
+kyrStatusCode ReportSystemBoard(kyrIOHandle handle, const TSystemFacts& facts) {
+    if (!HasBoard(facts)) return kyrStatusOK;
+    return ReportTie(handle, kSystemBoard, "GroupComponent", ComputerPath(facts), "PartComponent", BoardPath());
+}
+
 const TDataPlugin<TSystemFacts> kPlugin("system", ReadSystem,
                                         {{kComputerSystem, ReportComputerSystem},
                                          {kOperatingSystem, ReportOperatingSystem},
                                          {kBiosElement, ReportBios},
+                                         {kBaseBoard, ReportBoard},
                                          {kProduct, ReportProduct},
-                                         {kInstalledOs, ReportInstalledOs}});
+                                         {kInstalledOs, ReportInstalledOs},
+                                         {kSystemBoard, ReportSystemBoard}});
 
 }  // namespace

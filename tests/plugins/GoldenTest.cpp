@@ -96,5 +96,12 @@ TEST_P(GoldenTest, MachineIsToldAsExpected) {
     EXPECT_EQ(difference.status, 0) << difference.out << difference.err;
 }
 
+TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
+    const TRunResult run = RunKyrOn("none", "collect --json " ALL_PLUGINS);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(CountIn(run.out, "\"log\": [\"error: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none\""), 9u)
+        << run.out;
+}
+
 INSTANTIATE_TEST_SUITE_P(Machines, GoldenTest, ::testing::ValuesIn(kMachines),
                          [](const auto& test) { return test.param.name; });

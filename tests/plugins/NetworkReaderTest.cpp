@@ -56,6 +56,7 @@ TEST(NetworkReaderTest, ServerHasABondAVlanOnItAndABridge) {
     EXPECT_FALSE(vlan.device);
     EXPECT_EQ(*AdapterNamed(facts, "ens3np0").operationalState, IF_OPER_DOWN);
     EXPECT_EQ(AdapterNamed(facts, "ens3np0").speed.absence, EAbsence::eNotSupported);
+    EXPECT_FALSE(AdapterNamed(facts, "ens3np0").carrier);  // it is not enabled
     EXPECT_EQ(*AdapterNamed(facts, "br100").addresses, std::vector<std::string>{"198.51.100.1/24"});
 }
 

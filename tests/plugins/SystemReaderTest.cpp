@@ -78,3 +78,26 @@ TEST(SystemReaderTest, OsReleaseIsReadAsAShellWould) {
 TEST(SystemReaderTest, RollingDistributionHasItsBuildForAVersion) {
     EXPECT_EQ(Show(ReadFile("usr/lib/os-release", "NAME=Roll\nBUILD_ID=rolling\n").osVersion), "rolling");
 }
+
+TEST(SystemReaderTest, HypervisorIsNamedByFirmwareOrKernel) {
+    const std::string dmi = "sys/class/dmi/id/", clocks = "sys/devices/system/clocksource/clocksource0/";
+    const struct {
+        std::vector<std::pair<std::string, const char*>> files;
+        const char* expected;
+    } cases[] = {
+        {{{dmi + "sys_vendor", "VMware, Inc."}}, "VMware"},
+        {{{dmi + "sys_vendor", "Microsoft Corporation"}, {dmi + "product_name", "Virtual Machine"}},
+         "Microsoft Hyper-V"},
+        {{{dmi + "sys_vendor", "Microsoft Corporation"}, {"proc/cpuinfo", "flags : fpu"}},
+         "not present: /proc/cpuinfo"},
+        {{{"sys/hypervisor/type", "xen\n"}}, "Xen"},
+        {{{clocks + "available_clocksource", "tsc kvm-clock acpi_pm \n"}, {dmi + "sys_vendor", "QEMU"}}, "KVM"},
+        {{{clocks + "available_clocksource", "tsc \n"}, {dmi + "sys_vendor", "QEMU"}}, "QEMU"},
+        {{{"proc/cpuinfo", "flags : fpu hypervisor lm"}}, "not supported: /proc/cpuinfo"},
+    };
+    for (const auto& c : cases) {
+        const TempFolder machine;
+        for (const auto& [path, content] : c.files) machine.Write(path, content);
+        EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).hypervisor), c.expected) << c.files[0].second;
+    }
+}

@@ -11,7 +11,7 @@ import subprocess
 import sys
 import time
 
-EXPECTED = {"MOLTA_Processor": 4, "MOLTA_ProcessorCore": 128, "MOLTA_HardwareThread": 256, "MOLTA_NUMANode": 4,
+EXPECTED = {"MOLTA_BaseBoard": 1, "MOLTA_Processor": 4, "MOLTA_ProcessorCore": 128, "MOLTA_HardwareThread": 256, "MOLTA_NUMANode": 4,
             "MOLTA_CacheMemory": 128 * 3 + 4, "MOLTA_PhysicalMemory": 64, "MOLTA_PCIDevice": 4096,
             "MOLTA_PCIBridgeDevice": 4096 - 256, "MOLTA_DiskDrive": 512, "MOLTA_DiskPartition": 1024,
             "MOLTA_PartitionBasedOn": 1024, "MOLTA_FileSystem": 1024 + 1, "MOLTA_Mount": 512 + 1,
@@ -33,7 +33,7 @@ def faults(collection):
     counts = collections.Counter()
     for told in collection["classes"]:
         counts[told["name"]] = len(told["instances"])
-        if told["state"] != "complete" or told["log"]:
+        if told["state"] != "complete" or any(line.startswith("error") for line in told["log"]):
             yield f"{told['name']} is {told['state']}: {told['reason']} {told['log']}"
     for name, count in EXPECTED.items():
         if counts[name] != count:

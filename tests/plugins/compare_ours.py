@@ -62,7 +62,7 @@ def system(machine):
                                          "release": "Version", "distribution": "DistributionID"})
     yield from named("firmware", firmware, {"vendor": "Manufacturer", "version": "Version"})
     yield "firmware", "date", bios_date(firmware("ReleaseDate"))
-    yield from named("board", board, {"vendor": "Manufacturer", "product": "Product", "version": "Version",
+    yield from named("board", board, {"vendor": "Manufacturer", "product": "Model", "version": "Version",
                                       "serial": "SerialNumber"})
 
 
@@ -199,4 +199,4 @@ def usb(machine):
 
 def temperatures(machine):
     for sensor in machine.all("MOLTA_TemperatureSensor"):
-        yield f"temperature of {sensor('DriverName')}", sensor("ElementName"), True
+        yield f"temperature of {sensor('Driver')}", sensor("ElementName"), True
