@@ -19,7 +19,7 @@ TPath PathOf(const TService& service) { return ScopedPath(kService, service.name
 void AddTo(TInstanceReport& report, const TPackage& package) {
     report.Add("Version", package.version);
     report.Add("Manufacturer", package.maintainer);
-    report.Add("Caption", package.summary);
+    report.Add("Description", package.summary);
     report.Add("Section", package.section);
     if (package.source) report.Add("SourcePackage", package.source);
     report.Add("InstalledSize", package.installedSize);
@@ -35,7 +35,7 @@ void AddTo(TInstanceReport& report, const TKernelModule& module) {
 }
 
 void AddTo(TInstanceReport& report, const TService& service) {
-    report.Add("Caption", service.description);
+    report.Add("Description", service.description);
     report.Add("StartMode", service.startMode);
     report.Add("Started", service.running);
 }
