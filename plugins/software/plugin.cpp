@@ -40,16 +40,19 @@ void AddTo(TInstanceReport& report, const TService& service) {
     report.Add("Started", service.running);
 }
 
+template <typename T, typename F>
+kyrStatusCode ReportEachOf(const TFact<std::vector<T>>& list, F report) {
+    return list ? ReportEach(*list, report) : kyrStatusOK;
+}
+
 template <typename T>
 kyrStatusCode ReportAll(kyrIOHandle handle, const char* className, const TFact<std::vector<T>>& list) {
     LogIfAbsent(className, list);
-    kyrStatusCode status = kyrStatusOK;
-    for (const T& item : list.ValueOr({})) {
+    return ReportEachOf(list, [handle](const T& item) {
         TInstanceReport report(handle, PathOf(item));
         AddTo(report, item);
-        if (status == kyrStatusOK) status = report.Finish();
-    }
-    return status;
+        return report.Finish();
+    });
 }
 
 kyrStatusCode ReportPackages(kyrIOHandle handle, const TSoftware& software) {
@@ -65,31 +68,25 @@ kyrStatusCode ReportServices(kyrIOHandle handle, const TSoftware& software) {
 }
 
 kyrStatusCode ReportModuleDependencies(kyrIOHandle handle, const TSoftware& software) {
-    kyrStatusCode status = kyrStatusOK;
-    for (const TKernelModule& module : software.modules.ValueOr({}))
-        for (const std::string& user : module.users)
-            if (status == kyrStatusOK)
-                status = ReportTie(handle, "MOLTA_ModuleDependency", "Antecedent", PathOf(module), "Dependent",
-                                   TPath{kModule, {{"Name", user}}});
-    return status;
+    return ReportEachOf(software.modules, [handle](const TKernelModule& module) {
+        return ReportEach(module.users, [&](const std::string& user) {
+            return ReportTie(handle, "MOLTA_ModuleDependency", "Antecedent", PathOf(module), "Dependent",
+                             TPath{kModule, {{"Name", user}}});
+        });
+    });
 }
 
 kyrStatusCode ReportHostedServices(kyrIOHandle handle, const TSoftware& software) {
-    kyrStatusCode status = kyrStatusOK;
-    for (const TService& service : software.services.ValueOr({}))
-        if (status == kyrStatusOK)
-            status =
-                ReportTie(handle, "MOLTA_HostedService", "Antecedent", ComputerSystem(), "Dependent", PathOf(service));
-    return status;
+    return ReportEachOf(software.services, [handle](const TService& service) {
+        return ReportTie(handle, "MOLTA_HostedService", "Antecedent", ComputerSystem(), "Dependent", PathOf(service));
+    });
 }
 
 kyrStatusCode ReportInstalledPackages(kyrIOHandle handle, const TSoftware& software) {
-    kyrStatusCode status = kyrStatusOK;
-    for (const TPackage& package : software.packages.ValueOr({}))
-        if (status == kyrStatusOK)
-            status = ReportTie(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
-                               PathOf(package));
-    return status;
+    return ReportEachOf(software.packages, [handle](const TPackage& package) {
+        return ReportTie(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
+                         PathOf(package));
+    });
 }
 
 const TDataPlugin<TSoftware> gPlugin("software", ReadSoftware,
