@@ -44,7 +44,7 @@ void TInstanceFrames::Store(TTapeReader& frame, std::string& className) {
         return stored->AddToContainer();
     }
     fInstances.push_back(nullptr);
-    if (fSkipped.count(className) != 0) return;
+    if (IsSkipped(className)) return;
     std::unique_ptr<TCIMInstance> instance(fContainer.AllocateInstance(fContainer.GetClass(className)));
     TakeProperties(frame, *instance, fContainer);
     instance->Validate();

@@ -22,6 +22,7 @@ public:
 
     /// From now on instances of the class are passed over.
     void Skip(const std::string& className) { fSkipped.insert(className); }
+    bool IsSkipped(const std::string& className) const { return fSkipped.count(className) != 0; }
     /// Raises TTapeError, or a status of the core. The class of that name is told in any case.
     void Store(TTapeReader& frame, std::string& className);
 

@@ -24,33 +24,39 @@ std::vector<std::string> WithoutStates(const std::vector<std::string>& names, co
     return rest;
 }
 
+// It goes with the process: to take a large one apart would take longer than to print much of it.
+TStreamingContainer& MakeContainer() {
+    static TStreamingContainer* const container = new TStreamingContainer;
+    return *container;
+}
+
 }  // namespace
 
 class TInventory::TBody {
 public:
-    explicit TBody(const TSessionOptions& options) : fLog(options) {
+    explicit TBody(const TSessionOptions& options) : fLog(options), fContainer(MakeContainer()) {
         if (options.from.empty())
-            fSession = std::make_unique<TSession>(options, fLog);
+            fSession = std::make_unique<TSession>(options, fLog, fContainer);
         else
             ReadFile(options.from);
     }
 
-    TContainer& Container() { return fSession ? static_cast<TContainer&>(fSession->Container()) : fSaved; }
+    TContainer& Container() { return fContainer; }
 
     void Run(const std::vector<std::string>* classes) {
         if (fSession && !fRun) fSession->Run(classes);
-        if (!fSession && !fRun) NarrowStates(fSaved, classes);
+        if (!fSession && !fRun) NarrowStates(fContainer, classes);
         fRun = true;
     }
 
 private:
     void ReadFile(const std::string& path) {
         TPluginManager::Initialize(".");
-        ReadCollection(path, fSaved);
+        ReadCollection(path, fContainer);
     }
 
     const TLog fLog;
-    TContainer fSaved;
+    TStreamingContainer& fContainer;
     std::unique_ptr<TSession> fSession;
     bool fRun = false;
 };

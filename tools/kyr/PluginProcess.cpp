@@ -15,6 +15,7 @@
 
 #include "ChildSetting.h"
 #include "Library.h"
+#include "StreamingContainer.h"
 #include "TapeReport.h"
 #include "VisibleText.h"
 
@@ -63,6 +64,7 @@ std::vector<std::string> ReadLastLines(int descriptor) {
 
 TPluginProcess::TPluginProcess(TLibrary& library, const TPluginTask& task, double timeout)
     : fLibrary(library),
+      fMerge(fTape, task.container),
       fTimeout(timeout),
       fDeadline(After(TClock::now(), timeout)),
       fPrinted(memfd_create("kyr-plugin", MFD_CLOEXEC)) {

@@ -6,6 +6,7 @@
 #include "PluginChild.h"
 #include "State.h"
 #include "Tape.h"
+#include "TapeMerge.h"
 #include "TimeSpan.h"
 
 /// A plugin's process, seen from ours. It leads a session of its own.
@@ -29,7 +30,8 @@ public:
     void Finish();
 
     TLibrary& Library() const { return fLibrary; }
-    const TTape& Tape() const { return fTape; }
+    /// What it has delivered, by now.
+    TTapeMerge& Merge() { return fMerge; }
 
 private:
     void Kill() const;
@@ -39,6 +41,7 @@ private:
 
     TLibrary& fLibrary;
     TTape fTape;
+    TTapeMerge fMerge;
     const double fTimeout;
     TMoment fDeadline;
     TVerdict fStopped;  // why we stopped it

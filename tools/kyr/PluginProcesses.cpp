@@ -8,6 +8,16 @@
 
 #include "Library.h"
 
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto kStroke = 1ms;  // of work before we look round
+constexpr auto kEcho = 20ms;   // in which who signals us and then our group, as timeout(1) does, means it once
+constexpr auto kPause = 20ms;  // in which something may have been delivered
+
+}  // namespace
+
 TPluginProcesses::TPluginProcesses(const TSessionOptions& options, size_t count, TListener listener)
     : fTimeout(options.timeout),
       fDeadlineSeconds(options.deadline),
@@ -21,8 +31,11 @@ void TPluginProcesses::Run(const std::vector<TLibrary*>& libraries, const TPlugi
     while (!fWaiting.empty() || !fRunning.empty()) {
         if (fRunning.empty()) fOrphans.EndAll();  // which makes room for others
         Start(task);
+        const bool isMore = TakeInSome();
         TellEnded();
-        if (!fRunning.empty()) Wait();
+        if (!fRunning.empty()) Wait(isMore ? TClock::now() : TClock::now() + kPause);
+    }
+    while (TakeInSome()) {
     }
     TellEnded();
 }
@@ -46,10 +59,22 @@ bool TPluginProcesses::StartOne(TLibrary& library, const TPluginTask& task) try 
     return true;
 }
 
-void TPluginProcesses::Wait() {
+// While others still run. True: there is more.
+bool TPluginProcesses::TakeInSome() {
+    const TMoment latest = TClock::now() + kStroke;
+    for (; fTaken < fStarted.size(); ++fTaken) {
+        const bool hasEnded = fStarted[fTaken]->IsFinished();
+        const bool hasAll = fStarted[fTaken]->Merge().TakeOrdinary(latest) || hasEnded;
+        if (TClock::now() >= latest) return true;
+        if (!hasAll) return false;
+    }
+    return false;
+}
+
+void TPluginProcesses::Wait(TMoment latest) {
     TMoment next = fStopped.reason.empty() ? fDeadline : TMoment::max();
     for (const TPluginProcess* process : fRunning) next = std::min(next, process->Deadline());
-    const int signal = fSignals.WaitUntil(std::min(next, fProgress.NextMoment()));
+    const int signal = fSignals.WaitUntil(std::min({next, latest, fProgress.NextMoment()}));
     FinishEnded();  // first: they may have ended in time while we were busy or stopped
     if (signal != 0 && signal != SIGCHLD) Interrupt(signal);
     const TMoment now = TClock::now();
@@ -68,15 +93,17 @@ void TPluginProcesses::FinishEnded() {
     fRunning.erase(std::remove_if(fRunning.begin(), fRunning.end(), finish), fRunning.end());
 }
 
-// While others still run.
 void TPluginProcesses::TellEnded() {
-    for (; fTold < fStarted.size() && fStarted[fTold]->IsFinished(); ++fTold) {
+    for (; fTold < fTaken && fStarted[fTold]->IsFinished(); ++fTold) {
         fProgress.Erase();  // they may have something to say themselves
         fListener(*fStarted[fTold]);
     }
 }
 
 void TPluginProcesses::Interrupt(int signal) {
+    const TMoment now = TClock::now();
+    if (fInterruption != 0 && now < fInterrupted + kEcho) return;
+    fInterrupted = now;
     if (fInterruption != 0) {
         fStarted.clear();  // which ends them
         fOrphans.EndAll();

@@ -12,13 +12,14 @@
 #include "Progress.h"
 #include "Signals.h"
 
-/// Runs libraries in processes of their own, several at a time, as long as there is time and nobody interrupts.
+/// Runs libraries in processes of their own, several at a time, as long as there is time and nobody interrupts, and
+/// stores the ordinary instances that they deliver, in the order of the libraries.
 class TPluginProcesses {
 public:
     using TListener = std::function<void(const TPluginProcess&)>;
 
     /// In all there are as many libraries as the count says. The listener is told of each process that has ended, in
-    /// the order of the libraries.
+    /// the same order.
     TPluginProcesses(const TSessionOptions& options, size_t count, TListener listener);
 
     /// The report of a library whose process could not be started tells why.
@@ -31,7 +32,8 @@ public:
 private:
     void Start(const TPluginTask& task);
     bool StartOne(TLibrary& library, const TPluginTask& task);
-    void Wait();
+    bool TakeInSome();
+    void Wait(TMoment latest);
     void FinishEnded();
     void TellEnded();
     void Interrupt(int signal);
@@ -45,13 +47,15 @@ private:
     const TListener fListener;
     TVerdict fStopped;
     int fInterruption = 0;
+    TMoment fInterrupted;
     THeldSignals fSignals;
     TOrphans fOrphans;
     TProgress fProgress;
     std::deque<TLibrary*> fWaiting;
     std::vector<TPluginProcess*> fRunning;
     std::vector<std::unique_ptr<TPluginProcess>> fStarted;
-    size_t fTold = 0;  // of those, from the start
+    size_t fTaken = 0;  // of those, from the start: all ordinary instances are stored
+    size_t fTold = 0;   // the listener knows that they ended
 };
 
 #endif

@@ -16,7 +16,6 @@
 #include "PluginProcesses.h"
 #include "StateWriter.h"
 #include "SystemMirror.h"
-#include "TapeReport.h"
 #include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMSchemaHelper.h"
@@ -44,7 +43,8 @@ bool BringsSystem(const TLibrary& library) {
 
 }  // namespace
 
-TSession::TSession(const TSessionOptions& options, const TLog& log) : fOptions(options), fLog(log) {
+TSession::TSession(const TSessionOptions& options, const TLog& log, TStreamingContainer& container)
+    : fOptions(options), fLog(log), fContainer(container) {
     TPluginManager::Initialize(".");
     ReadBaseDocument(options.schema);
     ReadBaseDocument(FindStateDocument());
@@ -95,9 +95,7 @@ void TSession::Run(const std::vector<std::string>* classNames) {
     WriteStates(fLibraries, classNames, interruption, fContainer);
 }
 
-void TSession::TakeIn(const TPluginProcess& process, bool associations) {
-    TLibrary& library = process.Library();
-    MergeInstances(process.Tape(), associations, fContainer, library.report);
+void TSession::TellLog(TLibrary& library) const {
     for (const TLogLine& line : std::exchange(library.report.log, {}))
         fLog.Tell(line, library.report.NameIn(library.path));
 }
@@ -114,14 +112,17 @@ void TSession::RunHere(const TRounds& rounds, const std::vector<std::string>* cl
 
 // Gives the signal that interrupted it, or 0.
 int TSession::RunApart(const TRounds& rounds, const std::vector<std::string>* classNames) {
-    const auto takeIn = [this](const TPluginProcess& process) { TakeIn(process, false); };
-    TPluginProcesses processes(fOptions, fLibraries.size(), takeIn);
+    const auto tellLog = [this](const TPluginProcess& process) { TellLog(process.Library()); };
+    TPluginProcesses processes(fOptions, fLibraries.size(), tellLog);
     const TPluginTask task{fContainer, classNames, fLog.IsWatched()};
     for (const std::vector<TLibrary*>& round : rounds) {
         for (TLibrary* library : round) ClaimClasses(*library, fLibraries);
         processes.Run(round, task);
         ShowSystemToPlugins(fContainer);
     }
-    for (const auto& process : processes.Ended()) TakeIn(*process, true);
+    for (const auto& process : processes.Ended()) {
+        process->Merge().TakeAssociations();
+        process->Merge().Conclude(process->Library().report);
+    }
     return processes.Interruption();
 }

@@ -10,19 +10,16 @@
 #include "Options.h"
 #include "StreamingContainer.h"
 
-class TPluginProcess;
-
 /// This machine: the core set up as a host must, with the documents of the plugins found, and the plugins themselves
 /// once they are run. There is one in a process. It changes the current folder.
 ///
 /// There are two containers. The plugin manager's schema is where plugins look for the computer system, and what
-/// their documents are read into when they are loaded. The instances are in ours.
+/// their documents are read into when they are loaded. The instances are in the one that the session is given.
 class TSession {
 public:
     /// Raises TCommandError.
-    TSession(const TSessionOptions& options, const TLog& log);
+    TSession(const TSessionOptions& options, const TLog& log, TStreamingContainer& container);
 
-    TStreamingContainer& Container() { return fContainer; }
     /// Loads the plugins, and asks them for the classes of those exact names; an empty list means all, null that they
     /// are only loaded. In the end the container tells how complete it is.
     void Run(const std::vector<std::string>* classNames);
@@ -33,13 +30,13 @@ private:
 
     void ReadBaseDocument(const std::string& path);
     TRounds FindRounds();
-    void TakeIn(const TPluginProcess& process, bool associations);
+    void TellLog(TLibrary& library) const;
     void RunHere(const TRounds& rounds, const std::vector<std::string>* classNames);
     int RunApart(const TRounds& rounds, const std::vector<std::string>* classNames);
 
     const TSessionOptions& fOptions;
     const TLog& fLog;
-    TStreamingContainer fContainer;
+    TStreamingContainer& fContainer;
     std::list<TLibrary> fLibraries;  // in the order of their paths
 };
 

@@ -81,6 +81,7 @@ public:
     explicit TTapeReader(std::string_view bytes) : fRest(bytes) {}
 
     bool IsAtEnd() const { return fRest.empty(); }
+    size_t Left() const { return fRest.size(); }
     std::string_view Take(size_t count);
     std::string TakeText();
     template <typename TNumber>

@@ -1,13 +1,7 @@
 #include "TapeReport.h"
 
-#include <algorithm>
-
-#include "InstanceFrame.h"
-#include "Library.h"
-#include "Log.h"
-#include "kyr/TCIMClass.h"
-#include "kyr/TContainer.h"
-#include "kyr/TKYRException.h"
+#include "PluginReport.h"
+#include "Tape.h"
 
 namespace {
 
@@ -66,47 +60,6 @@ void ReadFrame(EFrame kind, TTapeReader& frame, TPluginReport& report) {
     throw TTapeError();
 }
 
-// The core refuses what cannot be a name.
-bool HasInstances(const TContainer& container, const std::string& className) try {
-    const TCIMClass* const cls = container.FindClass(className);
-    return cls != nullptr && !cls->EnumerateInstances(false).empty();
-} catch (const TKYRException&) {
-    return false;
-}
-
-// What another plugin has brought already is not asked for where all run in one process.
-void SkipWhatIsThere(TPass& pass, const TContainer& container, TInstanceFrames& frames) {
-    const auto isThere = [&](const std::string& name) {
-        if (!HasInstances(container, name)) return false;
-        frames.Skip(name);
-        return true;
-    };
-    pass.asked.erase(std::remove_if(pass.asked.begin(), pass.asked.end(), isThere), pass.asked.end());
-}
-
-void NoteRefusal(const std::string& className, const std::string& reason, TPluginReport& report) {
-    report.notes.push_back({className, kyrLogError, "an instance that its process delivered was refused: " + reason});
-}
-
-void Store(TInstanceFrames& frames, TTapeReader& frame, TPluginReport& report) {
-    std::string className;
-    try {
-        frames.Store(frame, className);
-    } catch (const TKYRException& e) {
-        NoteRefusal(className, e.what(), report);
-    }
-}
-
-void StorePass(const TTape& tape, bool associations, TInstanceFrames& frames, TPluginReport& report) {
-    bool wanted = false;
-    for (TTapeReader reader(tape.Frames()); !reader.IsAtEnd();) {
-        EFrame kind{};
-        TTapeReader frame = reader.TakeFrame(kind);
-        if (kind == EFrame::eAsked) wanted = (frame.TakeNumber<uint8_t>() != 0) == associations;
-        if (kind == EFrame::eInstance && wanted) Store(frames, frame, report);
-    }
-}
-
 }  // namespace
 
 bool ReadReport(const TTape& tape, TPluginReport& report) try {
@@ -118,16 +71,4 @@ bool ReadReport(const TTape& tape, TPluginReport& report) try {
     return true;
 } catch (const TTapeError&) {
     return false;
-}
-
-void MergeInstances(const TTape& tape, bool associations, TContainer& container, TPluginReport& report) {
-    TInstanceFrames frames(container);
-    for (TPass& pass : report.passes)
-        if (pass.associations == associations) SkipWhatIsThere(pass, container, frames);
-    try {
-        StorePass(tape, associations, frames, report);
-    } catch (const TTapeError&) {
-        NoteRefusal("", "its bytes are spoilt", report);
-    }
-    TLog::Take();  // each refusal has its reason by now
 }
