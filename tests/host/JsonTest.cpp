@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "JsonValues.h"
 #include "KyrRun.h"
+#include "json/JsonValues.h"
 #include "kyr/TCIMDateTime.h"
 
 using ::testing::HasSubstr;

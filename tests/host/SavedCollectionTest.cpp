@@ -1,12 +1,12 @@
-#include "SavedCollection.h"
+#include "saved/SavedCollection.h"
 
 #include <sys/stat.h>
 
 #include <cmath>
 #include <filesystem>
 
-#include "DocumentProbe.h"
 #include "Exit.h"
+#include "inventory/DocumentProbe.h"
 #include "support/ContainerText.h"
 #include "support/RandomContainer.h"
 #include "support/SchemaBuilder.h"

@@ -1,14 +1,14 @@
 #include <csignal>
 #include <exception>
 
-#include "Assoc.h"
-#include "Collect.h"
 #include "Exit.h"
-#include "Identity.h"
-#include "Options.h"
-#include "Output.h"
-#include "Schema.h"
-#include "Show.h"
+#include "command/Assoc.h"
+#include "command/Collect.h"
+#include "command/Identity.h"
+#include "command/Options.h"
+#include "command/Schema.h"
+#include "command/Show.h"
+#include "text/Output.h"
 
 namespace {
 

@@ -1,0 +1,36 @@
+#ifndef INVENTORY_H
+#define INVENTORY_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Exit.h"
+#include "command/Options.h"
+
+class TContainer;
+
+/// What there is to look at: this machine's schema and, once collected, its instances; or a saved collection with all
+/// of that. How complete it is stands in it too, as instances of the classes of schema/collection.xml. There is one
+/// in a process.
+class TInventory {
+public:
+    /// Sets the core up and reads the documents, or the file. Raises TCommandError.
+    explicit TInventory(const TSessionOptions& options);
+    ~TInventory();
+
+    TContainer& Container() const;
+    /// Has each plugin tell its name, and asks for nothing.
+    void LoadPlugins();
+    /// Asks the plugins for the classes, exact names, or for all if there are none. As above it does nothing with a
+    /// file, and neither of the two does anything after the other.
+    void Collect(const std::vector<std::string>& classes);
+    /// Tells on standard error what is not complete, and gives the exit status that follows from it.
+    EExit Conclude() const;
+
+private:
+    class TBody;
+    std::unique_ptr<TBody> fBody;
+};
+
+#endif

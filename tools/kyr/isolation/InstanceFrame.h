@@ -1,0 +1,36 @@
+#ifndef INSTANCEFRAME_H
+#define INSTANCEFRAME_H
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "isolation/Tape.h"
+
+class TCIMInstance;
+class TContainer;
+
+/// Puts a frame with the values that the instance has of its own. Instances are numbered as they come, and one that is
+/// stored once more comes again under its number.
+void PutInstance(TTape& tape, const TCIMInstance& instance, uint32_t number);
+
+/// Makes the instances of such frames anew.
+class TInstanceFrames {
+public:
+    explicit TInstanceFrames(TContainer& container) : fContainer(container) {}
+
+    /// From now on instances of the class are passed over.
+    void Skip(const std::string& className) { fSkipped.insert(className); }
+    bool IsSkipped(const std::string& className) const { return fSkipped.count(className) != 0; }
+    /// Raises TTapeError, or a status of the core. The class of that name is told in any case.
+    void Store(TTapeReader& frame, std::string& className);
+
+private:
+    TContainer& fContainer;
+    std::set<std::string> fSkipped;
+    uint32_t fFirst = 0;                    // the number of the first
+    std::vector<TCIMInstance*> fInstances;  // by number; they are the container's. Null: not stored
+};
+
+#endif
