@@ -25,7 +25,8 @@ public:
     /// was loaded before is left alone. A library that cannot be opened is a line in the log; a document that
     /// fails raises its status.
     virtual void LoadPlugin(std::string path) = 0;
-    /// Called while a library is being loaded, for each plugin that registers. The result belongs to the manager.
+    /// Called while a library is being loaded, for each plugin that registers. The result belongs to the manager,
+    /// the callbacks remain the caller's and must outlive it.
     virtual IPlugin* RegisterPlugin(IPluginCallbacks* callbacks) = 0;
     /// The plugins in load order: the manager's own list.
     virtual std::list<boost::shared_ptr<IPlugin>>& GetPluginsContainer() = 0;

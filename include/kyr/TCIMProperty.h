@@ -46,8 +46,9 @@ public:
     bool operator<(const TCIMProperty& other) const;
 
     /// The value for people, by the qualifiers of its declaration: Values and ValueMap, UNITS, DISPLAYFIXEDUNITS,
-    /// ABBREVIATEUNITS, DISPLAYCPUTIME, BASE, NULLDISPLAY. Raises kyrStatusNotSupported for a BASE that does not suit
-    /// the type and kyrStatusInvalidDateTime for time units above seconds.
+    /// ABBREVIATEUNITS, DISPLAYCPUTIME, BASE, NULLDISPLAY. NULL gives the text of NULLDISPLAY, an empty one without
+    /// it. Raises kyrStatusNotSupported for a BASE that does not suit the type and kyrStatusInvalidDateTime for time
+    /// units above seconds.
     std::string ToString() const;
     /// The same for each element of an array, and one text for a scalar, whose Values do not count here.
     std::vector<std::string> ToStringVector() const;

@@ -47,7 +47,7 @@ public:
     void SetKeyBindings(std::map<const std::string, const TCIMValue> bindings);
 
     /// The object path, `Class.Key="value",Other="value"`, by which classes file their instances. Nothing is escaped,
-    /// and a NULL key is left out.
+    /// and a NULL key is left out. Raises kyrStatusInvalidReference while there is no class.
     std::string GetPath() const;
     /// The instance of that path, or the class if no keys are bound. An instance is looked for in this very class, not
     /// in its subclasses, and once found it is kept until Clear. kyrStatusNotFound if there is none.

@@ -10,7 +10,8 @@
  *     test a parameter, that is told.
  *  5. Booleans and integers up to 32 bits travel as 32-bit integers and are cut inside to the width in the
  *     call's name: kyrAddUint16Property of 70000 stores 4464. A nonzero boolean is true.
- *  6. All calls come on the thread on which the host runs the core, from inside one of the plugin's callbacks.
+ *  6. All calls come on the thread on which the host runs the core, from inside one of the plugin's callbacks;
+ *     kyrRegisterPlugin alone comes from its library's load-time constructor.
  *  7. Some calls let a C++ exception of the core pass, where told. Build C plugins with -fexceptions, so that
  *     such an exception finds its way through their frames to the core's own handlers.
  */
