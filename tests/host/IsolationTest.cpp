@@ -69,6 +69,11 @@ constexpr THostile kHostile[] = {
      "within 0.1 s"},
     {"signalling", "", 1, 2, "kyr: plugin signalling: partial: signal 64 in its data entry at class TEST_First"},
     {"escaping", "--timeout 0.3", 1, 2, "kyr: plugin escaping: partial: no answer within 0.3 s"},
+    {"interrupting", "", 1, 3, "kyr: plugin interrupting: partial: it sent SIG"},
+    {"imposing", "", 1, 5,
+     "kyr: plugin imposing: partial: kyrAddClass: Allocate instance (CIM class TEST_Shown) threw exception "
+     "kyrStatusAccessDenied (and 1 more)\n"},
+    {"trying", "", 0, 3, ""},
     {"closing", "", 0, 3, ""},
     {"chattering", "", 0, 3, ""},
     {"leaving", "", 0, 3, ""},
@@ -145,7 +150,8 @@ TEST(IsolationTest, DeadlineLeavesPluginsThatDidNotStartUnasked) {
 }
 
 TEST(IsolationTest, BothWaysGiveTheSame) {
-    const TPluginRoot root({"noinit", "baddocument", "givesup", "denied", "keyless", "unregistered", "shown"});
+    const TPluginRoot root(
+        {"noinit", "baddocument", "givesup", "denied", "keyless", "unregistered", "shown", "imposing"});
     const std::string file = root.Path() + "/collection.xml", machine = "virtual";
     const auto collect = [&](const std::string& arguments) {
         const TRunResult run = RunKyrOn(machine, "collect --stable " + arguments + root.Option());
@@ -169,6 +175,13 @@ TEST(IsolationTest, InterruptionLeavesAValidPartialResult) {
     EXPECT_THAT(run.err, HasSubstr("kyr: plugin ignoring: partial: interrupted by SIGINT, stopped in its data entry at "
                                    "class TEST_First (class TEST_First)\n"));
     EXPECT_FALSE(IsAnyoneLeft(mark));
+}
+
+TEST(IsolationTest, SignalThatIsIgnoredInterruptsNothing) {
+    const TPluginRoot root({"sleeping"});
+    const TRunResult run = RunShell("trap '' HUP; " KYR_PROGRAM " collect --timeout 0.6" + root.Option() +
+                                    "& sleep 0.3; kill -HUP $!; wait $!");
+    EXPECT_THAT(run.err, StartsWith("kyr: plugin ./sleeping/libsleeping.pi.so: timed out: no answer within 0.6 s"));
 }
 
 TEST(IsolationTest, SecondInterruptionEndsAtOnceAndLeavesNothing) {

@@ -125,8 +125,9 @@ TEST_F(SavedCollectionTest, WhatIsTooLargeToBeReadBackIsRefused) {
     TCIMClass& cls = fSchema.AddClass("A", {Key("Id"), {"Text", Null(CIM::eCIMString)}});
     fSchema.AddInstance(cls, {{"Id", TCIMValue("x")}, {"Text", text}});
     EXPECT_THAT(ErrorOfSaving(eExitOutput, fPath),
-                testing::MatchesRegex("cannot write '.*': the collection takes 104858[0-9]+ bytes, and no more than "
-                                      "104857600 can be read back; choose fewer classes with --class"));
+                testing::MatchesRegex(
+                    "cannot write '.*': the collection takes 104858[0-9]+ bytes, and no more than 104857600 can be "
+                    "read back; choose fewer classes with --class; the most instances, 1, are of A"));
     EXPECT_THAT(FilesInFolder(), ElementsAre());
 }
 

@@ -4,6 +4,7 @@
  */
 #define _DEFAULT_SOURCE
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
 #include <stdio.h>
@@ -51,6 +52,14 @@ BEHAVIOUR Escape(void) {
 BEHAVIOUR Hoard(void) {
     for (;;) memset(malloc(1 << 24), 1, 1 << 24);
 }
+BEHAVIOUR Interrupt(void) {
+    kill(getppid(), SIGTERM);
+    kill(getppid(), SIGUSR1);
+}
+BEHAVIOUR FindDescriptors(void) {
+    for (int descriptor = 3; descriptor < 1024; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) != -1) abort();
+}
 BEHAVIOUR CloseAll(void) {
     for (int descriptor = 0; descriptor < 1024; ++descriptor) close(descriptor);
 }
@@ -85,6 +94,7 @@ BEHAVIOUR LeaveBehind(void) {
 }
 
 static kyrPluginHandle gPlugin;
+static kyrIOHandle gHandle;
 
 static kyrStatusCode Init(kyrPluginHandle plugin) {
     (void)plugin;
@@ -102,7 +112,15 @@ static void Add(kyrIOHandle handle, const char* className, const char* id) {
     kyrAddStringProperty(handle, "Id", id);
 }
 
+/* Instances of a class of another's, and of what tells how complete it all is. The one before them stays open, and is
+ * stored once more each time. */
+BEHAVIOUR Impose(void) {
+    kyrAddClass(gHandle, "TEST_Shown");
+    kyrAddClass(gHandle, "MOLTA_Collection");
+}
+
 static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
+    gHandle = handle;
     Add(handle, classNames[0], "1");
     Add(handle, classNames[0], "2");
     kyrWriteLog(plugin, kyrLogWarning, "last words");

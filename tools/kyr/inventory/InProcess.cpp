@@ -4,6 +4,7 @@
 #include "inventory/Loading.h"
 #include "inventory/Log.h"
 #include "inventory/SystemMirror.h"
+#include "isolation/StreamingContainer.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TQueryManager.h"
 #include "lookup/ClassNames.h"
@@ -29,15 +30,17 @@ public:
 
 }  // namespace
 
-void LoadHere(TLibrary& library, const TContainer& container, const TLog& log) {
+void LoadHere(TLibrary& library, TStreamingContainer& container, const TLog& log) {
     const boost::shared_ptr<TStandIn> plugin = LoadLibrary(library.path, library.classes, library.report);
     ReadLog(library, log);
     if (!plugin) return;
     TPluginReport& report = library.report;
-    const auto asked = [&report](const std::vector<TCIMClass*>& classes) {
+    const auto asked = [&](const std::vector<TCIMClass*>& classes) {
+        container.GiveTurn(&library);
         report.passes.push_back({classes.front()->IsAssociation(), NamesOf(classes)});
     };
     const auto ended = [&](const std::string& reason) {
+        container.GiveTurn(nullptr);
         report.passes.back().finished = true;
         report.passes.back().end = reason;
         ReadLog(library, log);

@@ -22,6 +22,7 @@ public:
     void Tell(const TLogLine& line, const std::string& plugin = "") const;
     /// Somebody reads more of it than errors and warnings.
     bool IsWatched() const { return fVerbose || fIsInFile; }
+    bool IsInFile() const { return fIsInFile; }
 
 private:
     bool fVerbose;

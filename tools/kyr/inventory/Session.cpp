@@ -95,6 +95,14 @@ void TSession::Run(const std::vector<std::string>* classNames) {
     WriteStates(fLibraries, classNames, interruption, fContainer);
 }
 
+// How complete it all is, a plugin does not tell.
+void TSession::ShareOutClasses() {
+    for (const TLibrary& library : fLibraries)
+        for (const TCIMClass* cls : library.classes) fContainer.SetOwner(*cls, &library);
+    for (const TCIMClass* cls : fContainer.GetClass("MOLTA_CollectionState")->EnumerateSubClasses(true))
+        fContainer.SetOwner(*cls, nullptr);
+}
+
 void TSession::TellLog(TLibrary& library) const {
     for (const TLogLine& line : std::exchange(library.report.log, {}))
         fLog.Tell(line, library.report.NameIn(library.path));
@@ -107,6 +115,7 @@ void TSession::RunHere(const TRounds& rounds, const std::vector<std::string>* cl
             LoadHere(*library, fContainer, fLog);
         }
     }
+    ShareOutClasses();
     if (classNames != nullptr) QueryHere(fContainer, *classNames);
 }
 
@@ -114,15 +123,13 @@ void TSession::RunHere(const TRounds& rounds, const std::vector<std::string>* cl
 int TSession::RunApart(const TRounds& rounds, const std::vector<std::string>* classNames) {
     const auto tellLog = [this](const TPluginProcess& process) { TellLog(process.Library()); };
     TPluginProcesses processes(fOptions, fLibraries.size(), tellLog);
-    const TPluginTask task{fContainer, classNames, fLog.IsWatched()};
+    const TPluginTask task{fContainer, classNames, fLog.IsWatched(), fLog.IsInFile()};
     for (const std::vector<TLibrary*>& round : rounds) {
         for (TLibrary* library : round) ClaimClasses(*library, fLibraries);
+        ShareOutClasses();
         processes.Run(round, task);
         ShowSystemToPlugins(fContainer);
     }
-    for (const auto& process : processes.Ended()) {
-        process->Merge().TakeAssociations();
-        process->Merge().Conclude(process->Library().report);
-    }
+    processes.Conclude();
     return processes.Interruption();
 }

@@ -30,6 +30,7 @@ private:
 
     void ReadBaseDocument(const std::string& path);
     TRounds FindRounds();
+    void ShareOutClasses();
     void TellLog(TLibrary& library) const;
     void RunHere(const TRounds& rounds, const std::vector<std::string>* classNames);
     int RunApart(const TRounds& rounds, const std::vector<std::string>* classNames);

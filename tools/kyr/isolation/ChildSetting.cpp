@@ -68,11 +68,12 @@ void ResetSignals() {
 
 }  // namespace
 
-void SettleChild(pid_t parent, int printed) {
+void SettleChild(pid_t parent, int printed, bool closesOthers) {
     setsid();
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent) _exit(1);
     SetStreams(printed);
+    if (closesOthers) close_range(STDERR_FILENO + 1, ~0u, 0);
     SetLimits();
     OfferToTheKernel();
     ResetSignals();

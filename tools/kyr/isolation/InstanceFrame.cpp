@@ -1,23 +1,10 @@
 #include "isolation/InstanceFrame.h"
 
-#include <memory>
-
 #include "isolation/TapeValues.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
 #include "kyr/TContainer.h"
-
-namespace {
-
-void TakeProperties(TTapeReader& frame, TCIMInstance& instance, TContainer& container) {
-    while (!frame.IsAtEnd()) {
-        const std::string name = frame.TakeText();
-        instance.SetPropertyValue(name, TakeValue(frame, container));
-    }
-}
-
-}  // namespace
 
 void PutInstance(TTape& tape, const TCIMInstance& instance, uint32_t number) {
     tape.Begin(EFrame::eInstance);
@@ -37,18 +24,33 @@ void TInstanceFrames::Store(TTapeReader& frame, std::string& className) {
     if (fInstances.empty()) fFirst = number;
     const uint32_t index = number - fFirst;
     if (index > fInstances.size()) throw TTapeError();
-    if (index < fInstances.size()) {
-        TCIMInstance* const stored = fInstances[index];
-        if (stored == nullptr) return;
-        TakeProperties(frame, *stored, fContainer);
-        return stored->AddToContainer();
-    }
+    if (index == fInstances.size()) return Add(frame, className);
+    if (fInstances[index] != nullptr) Update(frame, *fInstances[index]);
+}
+
+void TInstanceFrames::Add(TTapeReader& frame, const std::string& className) {
     fInstances.push_back(nullptr);
     if (IsSkipped(className)) return;
-    std::unique_ptr<TCIMInstance> instance(fContainer.AllocateInstance(fContainer.GetClass(className)));
-    TakeProperties(frame, *instance, fContainer);
-    instance->Validate();
-    TCIMInstance* const stored = instance.release();  // storing it takes it over, whatever happens
-    stored->AddToContainer();
+    TCIMInstance* const stored = Take(frame, fContainer.GetClass(className)).release();
+    stored->AddToContainer();  // which takes it over, whatever happens
     fInstances.back() = stored;
+}
+
+// What is stored already stays as it is if the frame is refused.
+void TInstanceFrames::Update(TTapeReader& frame, TCIMInstance& stored) {
+    const std::unique_ptr<TCIMInstance> instance = Take(frame, stored.GetClass());
+    instance->BuildPath().GetPath();  // which raises what storing it would
+    for (const TCIMProperty* property : instance->EnumerateProperties())
+        if (!property->GetPropagated()) stored.SetPropertyValue(property->GetName(), property->GetValue());
+    stored.AddToContainer();
+}
+
+std::unique_ptr<TCIMInstance> TInstanceFrames::Take(TTapeReader& frame, TCIMClass* cls) {
+    std::unique_ptr<TCIMInstance> instance(fContainer.AllocateInstance(cls));
+    while (!frame.IsAtEnd()) {
+        const std::string name = frame.TakeText();
+        instance->SetPropertyValue(name, TakeValue(frame, fContainer));
+    }
+    instance->Validate();
+    return instance;
 }

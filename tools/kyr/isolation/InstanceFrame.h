@@ -2,12 +2,14 @@
 #define INSTANCEFRAME_H
 
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "isolation/Tape.h"
 
+class TCIMClass;
 class TCIMInstance;
 class TContainer;
 
@@ -27,6 +29,10 @@ public:
     void Store(TTapeReader& frame, std::string& className);
 
 private:
+    void Add(TTapeReader& frame, const std::string& className);
+    void Update(TTapeReader& frame, TCIMInstance& stored);
+    std::unique_ptr<TCIMInstance> Take(TTapeReader& frame, TCIMClass* cls);
+
     TContainer& fContainer;
     std::set<std::string> fSkipped;
     uint32_t fFirst = 0;                    // the number of the first

@@ -43,7 +43,7 @@ void PutFacts(TTape& tape, const TPluginReport& report) {
     PutText(tape, EFrame::eRefusal, report.refusal);
 }
 
-void Ask(TStandIn& plugin, const TPluginTask& task, TTape& tape) {
+void Ask(TStandIn& plugin, const TLibrary& library, const TPluginTask& task, TTape& tape) {
     TStreamingContainer& container = task.container;
     const auto putLog = [&] { PutLog(tape, task.wholeLog); };
     const auto ended = [&](const std::string& reason) {
@@ -54,6 +54,7 @@ void Ask(TStandIn& plugin, const TPluginTask& task, TTape& tape) {
     };
     plugin.Observe({[&](const std::vector<TCIMClass*>& classes) { PutAsked(tape, classes); }, ended});
     container.StartStreaming(tape, putLog);
+    container.GiveTurn(&library);
     ShowSystemToPlugins(container);
     TQueryManager query;
     for (const bool associations : {false, true})
@@ -70,7 +71,7 @@ void RunPluginChild(const TLibrary& library, const TPluginTask& task, TTape& tap
     const boost::shared_ptr<TStandIn> plugin = LoadLibrary(library.path, library.classes, report);
     PutFacts(tape, report);
     PutLog(tape, task.wholeLog);
-    if (plugin && task.classNames != nullptr) Ask(*plugin, task, tape);
+    if (plugin && task.classNames != nullptr) Ask(*plugin, library, task, tape);
     tape.SetPhase(EPhase::eExiting);
     std::exit(0);  // with all destructors: those of the plugin may want to say something
 }

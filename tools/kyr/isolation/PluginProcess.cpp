@@ -15,6 +15,7 @@
 
 #include "inventory/Library.h"
 #include "isolation/ChildSetting.h"
+#include "isolation/Signals.h"
 #include "isolation/StreamingContainer.h"
 #include "isolation/TapeReport.h"
 #include "text/VisibleText.h"
@@ -42,11 +43,6 @@ constexpr TPlace kPlaces[] = {
 
 [[noreturn]] void Fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
 
-std::string SignalName(int signal) {
-    const char* const name = sigabbrev_np(signal);
-    return name == nullptr ? "signal " + std::to_string(signal) : std::string("SIG") + name;
-}
-
 // The last lines, the first of which may be cut.
 std::vector<std::string> ReadLastLines(int descriptor) {
     const off_t size = lseek(descriptor, 0, SEEK_END);
@@ -64,7 +60,7 @@ std::vector<std::string> ReadLastLines(int descriptor) {
 
 TPluginProcess::TPluginProcess(TLibrary& library, const TPluginTask& task, double timeout)
     : fLibrary(library),
-      fMerge(fTape, task.container),
+      fMerge(fTape, library, task.container),
       fTimeout(timeout),
       fDeadline(After(TClock::now(), timeout)),
       fPrinted(memfd_create("kyr-plugin", MFD_CLOEXEC)) {
@@ -72,7 +68,7 @@ TPluginProcess::TPluginProcess(TLibrary& library, const TPluginTask& task, doubl
     const pid_t parent = getpid();
     fProcess = fork();
     if (fProcess == 0) {
-        SettleChild(parent, fPrinted);
+        SettleChild(parent, fPrinted, !task.logInFile);
         RunPluginChild(library, task, fTape);
     }
     if (fProcess < 0) {
@@ -83,7 +79,7 @@ TPluginProcess::TPluginProcess(TLibrary& library, const TPluginTask& task, doubl
 }
 
 TPluginProcess::~TPluginProcess() {
-    if (fProcess < 0) return;
+    if (IsFinished()) return;
     close(fPrinted);
     Kill();
     waitpid(fProcess, nullptr, 0);
@@ -102,16 +98,25 @@ bool TPluginProcess::HasEnded() const {
 
 void TPluginProcess::Hurry(TMoment now) {
     if (now < fDeadline) return;
-    if (fStopped.reason.empty()) return Stop({eTimedOut, "no answer within " + SecondsText(fTimeout)});
+    if (!IsStopped()) return Stop({eTimedOut, "no answer within " + SecondsText(fTimeout)});
     Kill();
     fDeadline = TMoment::max();
 }
 
 void TPluginProcess::Stop(const TVerdict& why) {
-    if (!fStopped.reason.empty()) return;
+    if (IsStopped()) return;
     fStopped = why;
     kill(fProcess, SIGTERM);
     fDeadline = After(TClock::now(), kGrace);
+}
+
+bool TPluginProcess::Includes(pid_t process) const {
+    return process > 0 && (process == fProcess || getsid(process) == fProcess);
+}
+
+void TPluginProcess::Blame(int signal) {
+    if (!std::exchange(fBlamed, true))
+        fLibrary.report.notes.push_back({"", kyrLogError, "it sent " + SignalName(signal) + " to its host " + Where()});
 }
 
 void TPluginProcess::Finish() {
@@ -119,7 +124,6 @@ void TPluginProcess::Finish() {
     int status = 0;
     while (waitpid(fProcess, &status, 0) < 0 && errno == EINTR) {
     }
-    fProcess = -1;
     TPluginReport& report = fLibrary.report;
     const bool readable = ReadReport(fTape, report);
     report.end = Judge(status);
@@ -137,7 +141,7 @@ std::string TPluginProcess::Where() const {
 }
 
 TVerdict TPluginProcess::Judge(int status) const {
-    if (!fStopped.reason.empty()) return {fStopped.state, fStopped.reason + ", stopped " + Where()};
+    if (IsStopped()) return {fStopped.state, fStopped.reason + ", stopped " + Where()};
     if (fTape.IsFull()) return {eFailed, "it delivered more than there is room for"};
     if (WIFSIGNALED(status)) return {eFailed, SignalName(WTERMSIG(status)) + " " + Where()};
     if (fTape.Phase() == EPhase::eExiting && WEXITSTATUS(status) == 0) return {};

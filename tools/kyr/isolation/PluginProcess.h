@@ -20,12 +20,18 @@ public:
 
     /// It is no longer there, though it has not been waited for.
     bool HasEnded() const;
-    bool IsFinished() const { return fProcess < 0; }
+    bool IsFinished() const { return fPrinted < 0; }
+    /// We ended it, or are about to.
+    bool IsStopped() const { return !fStopped.reason.empty(); }
     /// When Hurry has something to do.
     TMoment Deadline() const { return fDeadline; }
     /// Stops it if its time is over, and again with more force if it does not stop.
     void Hurry(TMoment now);
     void Stop(const TVerdict& why);
+    /// Whether that process is this one, or of its session; also when it is finished.
+    bool Includes(pid_t process) const;
+    /// Notes in the report, once, that it sent us a signal.
+    void Blame(int signal);
     /// Once it has ended: ends its group too, and writes in the library's report what became of it.
     void Finish();
 
@@ -45,6 +51,7 @@ private:
     const double fTimeout;
     TMoment fDeadline;
     TVerdict fStopped;  // why we stopped it
+    bool fBlamed = false;
     int fPrinted;
     pid_t fProcess = -1;
 };

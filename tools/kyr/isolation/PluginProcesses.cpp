@@ -1,7 +1,6 @@
 #include "isolation/PluginProcesses.h"
 
 #include <algorithm>
-#include <cstring>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -15,6 +14,8 @@ namespace {
 constexpr auto kStroke = 1ms;  // of work before we look round
 constexpr auto kEcho = 20ms;   // in which who signals us and then our group, as timeout(1) does, means it once
 constexpr auto kPause = 20ms;  // in which something may have been delivered
+constexpr int kMostOvertime = 1000;
+constexpr int kMostPending = 64;  // one of each, and more where somebody sends without end
 
 }  // namespace
 
@@ -28,16 +29,21 @@ TPluginProcesses::TPluginProcesses(const TSessionOptions& options, size_t count,
 
 void TPluginProcesses::Run(const std::vector<TLibrary*>& libraries, const TPluginTask& task) {
     fWaiting.assign(libraries.begin(), libraries.end());
-    while (!fWaiting.empty() || !fRunning.empty()) {
-        if (fRunning.empty()) fOrphans.EndAll();  // which makes room for others
+    while (!fWaiting.empty() || fTold < fStarted.size()) {
+        if (fRunning.empty()) EndOrphans();  // which makes room for others
         Start(task);
-        const bool isMore = TakeInSome();
+        const bool isMore = TakeInSome(false);
         TellEnded();
-        if (!fRunning.empty()) Wait(isMore ? TClock::now() : TClock::now() + kPause);
+        if (isMore || !fRunning.empty()) Wait(isMore ? TClock::now() : TClock::now() + kPause);
     }
-    while (TakeInSome()) {
-    }
-    TellEnded();
+    EndOrphans();
+}
+
+void TPluginProcesses::Conclude() {
+    fTaken = 0;
+    while (TakeInSome(true)) Wait(TClock::now());
+    HeedPending();
+    for (const auto& process : fStarted) process->Merge().Conclude();
 }
 
 void TPluginProcesses::Start(const TPluginTask& task) {
@@ -60,27 +66,65 @@ bool TPluginProcesses::StartOne(TLibrary& library, const TPluginTask& task) try 
 }
 
 // While others still run. True: there is more.
-bool TPluginProcesses::TakeInSome() {
+bool TPluginProcesses::TakeInSome(bool associations) {
     const TMoment latest = TClock::now() + kStroke;
-    for (; fTaken < fStarted.size(); ++fTaken) {
-        const bool hasEnded = fStarted[fTaken]->IsFinished();
-        const bool hasAll = fStarted[fTaken]->Merge().TakeOrdinary(latest) || hasEnded;
-        if (TClock::now() >= latest) return true;
+    for (; fTaken < fStarted.size(); ++fTaken, fOvertime = 0) {
+        TPluginProcess& process = *fStarted[fTaken];
+        const bool hasEnded = process.IsFinished();
+        const bool hasAll = process.Merge().Take(associations, latest) || hasEnded;
+        if (TClock::now() >= latest) {
+            CountOvertime(process);
+            return true;
+        }
         if (!hasAll) return false;
     }
     return false;
 }
 
+// What one can deliver in its time may take us longer to store.
+void TPluginProcesses::CountOvertime(TPluginProcess& process) {
+    if (fStopped.reason.empty() && !process.IsStopped()) return;
+    if (++fOvertime < kMostOvertime) return;
+    process.Merge().Drop({eTimedOut, "there was no time left to store all that it delivered"});
+}
+
 void TPluginProcesses::Wait(TMoment latest) {
     TMoment next = fStopped.reason.empty() ? fDeadline : TMoment::max();
     for (const TPluginProcess* process : fRunning) next = std::min(next, process->Deadline());
-    const int signal = fSignals.WaitUntil(std::min({next, latest, fProgress.NextMoment()}));
+    const TSignal signal = fSignals.WaitUntil(std::min({next, latest, fProgress.NextMoment()}));
+    const bool isInterruption = IsInterruption(signal);
     FinishEnded();  // first: they may have ended in time while we were busy or stopped
-    if (signal != 0 && signal != SIGCHLD) Interrupt(signal);
+    if (isInterruption) Interrupt(signal.number);
     const TMoment now = TClock::now();
     if (now >= fDeadline) StopAll({eTimedOut, "the deadline of " + SecondsText(fDeadlineSeconds) + " had passed"});
     for (TPluginProcess* process : fRunning) process->Hurry(now);
     fProgress.Show(now, RunningNames());
+}
+
+// A plugin has no say in when we end, but is named.
+bool TPluginProcesses::IsInterruption(const TSignal& signal) const {
+    if (signal.number == 0 || signal.number == SIGCHLD) return false;
+    for (const auto& process : fStarted) {
+        if (!process->Includes(signal.sender)) continue;
+        process->Blame(signal.number);
+        return false;
+    }
+    return true;
+}
+
+// Nothing that a plugin sent is to be left when the signals are held no longer.
+void TPluginProcesses::HeedPending() {
+    for (int i = 0; i < kMostPending; ++i) {
+        const TSignal signal = fSignals.WaitUntil(TClock::now());
+        if (signal.number == 0) return;
+        if (IsInterruption(signal)) Interrupt(signal.number);
+    }
+}
+
+// As long as they are there one sees whose they are.
+void TPluginProcesses::EndOrphans() {
+    HeedPending();
+    fOrphans.EndAll();
 }
 
 void TPluginProcesses::FinishEnded() {
@@ -111,7 +155,7 @@ void TPluginProcesses::Interrupt(int signal) {
         EndBySignal(signal);
     }
     fInterruption = signal;
-    StopAll({eFailed, std::string("interrupted by SIG") + sigabbrev_np(signal)});
+    StopAll({eFailed, "interrupted by " + SignalName(signal)});
 }
 
 void TPluginProcesses::StopAll(const TVerdict& why) {

@@ -13,7 +13,7 @@
 #include "isolation/Signals.h"
 
 /// Runs libraries in processes of their own, several at a time, as long as there is time and nobody interrupts, and
-/// stores the ordinary instances that they deliver, in the order of the libraries.
+/// stores the instances that they deliver, in the order of the libraries.
 class TPluginProcesses {
 public:
     using TListener = std::function<void(const TPluginProcess&)>;
@@ -22,20 +22,24 @@ public:
     /// the same order.
     TPluginProcesses(const TSessionOptions& options, size_t count, TListener listener);
 
-    /// The report of a library whose process could not be started tells why.
+    /// Stores the ordinary instances. The report of a library whose process could not be started tells why.
     void Run(const std::vector<TLibrary*>& libraries, const TPluginTask& task);
-    /// In the order in which they were started.
-    const std::vector<std::unique_ptr<TPluginProcess>>& Ended() const { return fStarted; }
+    /// Once all have run: stores the others too, and concludes the reports.
+    void Conclude();
     /// 0: nobody interrupted.
     int Interruption() const { return fInterruption; }
 
 private:
     void Start(const TPluginTask& task);
     bool StartOne(TLibrary& library, const TPluginTask& task);
-    bool TakeInSome();
+    bool TakeInSome(bool associations);
+    void CountOvertime(TPluginProcess& process);
     void Wait(TMoment latest);
     void FinishEnded();
     void TellEnded();
+    bool IsInterruption(const TSignal& signal) const;
+    void HeedPending();
+    void EndOrphans();
     void Interrupt(int signal);
     void StopAll(const TVerdict& why);
     std::vector<std::string> RunningNames() const;
@@ -54,7 +58,8 @@ private:
     std::deque<TLibrary*> fWaiting;
     std::vector<TPluginProcess*> fRunning;
     std::vector<std::unique_ptr<TPluginProcess>> fStarted;
-    size_t fTaken = 0;  // of those, from the start: all ordinary instances are stored
+    size_t fTaken = 0;  // of those, from the start: all its instances of the kind that is on are stored
+    int fOvertime = 0;  // strokes for the next one, when we want to come to an end
     size_t fTold = 0;   // the listener knows that they ended
 };
 

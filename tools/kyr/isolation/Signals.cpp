@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
+
+constexpr int kEnding[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1, SIGUSR2,
+                           SIGALRM, SIGPROF, SIGVTALRM, SIGPOLL, SIGPWR,  SIGSTKFLT};
 
 timespec Until(TMoment moment) {
     using namespace std::chrono;
@@ -12,11 +16,21 @@ timespec Until(TMoment moment) {
     return {static_cast<time_t>(rest.count() / 1'000'000'000), static_cast<long>(rest.count() % 1'000'000'000)};
 }
 
+// While it is held it would come all the same, and whoever started us wants us to go on. A shell has SIGINT ignored for
+// all that it runs in the background, which means nothing.
+bool IsIgnored(int signal) {
+    struct sigaction action {};
+    if (signal == SIGINT) return false;
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 }  // namespace
 
 THeldSignals::THeldSignals() {
     sigemptyset(&fHeld);
-    for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP}) sigaddset(&fHeld, signal);
+    sigaddset(&fHeld, SIGCHLD);
+    for (const int signal : kEnding)
+        if (!IsIgnored(signal)) sigaddset(&fHeld, signal);
     // One that is ignored would never come: our caller may have left it so.
     struct sigaction action {};
     action.sa_handler = SIG_DFL;
@@ -29,10 +43,16 @@ THeldSignals::~THeldSignals() {
     sigaction(SIGCHLD, &fChildAction, nullptr);
 }
 
-int THeldSignals::WaitUntil(TMoment moment) const {
+TSignal THeldSignals::WaitUntil(TMoment moment) const {
     const timespec timeout = Until(moment);
-    const int signal = sigtimedwait(&fHeld, nullptr, &timeout);
-    return signal < 0 ? 0 : signal;
+    siginfo_t info{};
+    const int signal = sigtimedwait(&fHeld, &info, &timeout);
+    return signal < 0 ? TSignal{} : TSignal{signal, info.si_code <= 0 ? info.si_pid : 0};
+}
+
+std::string SignalName(int signal) {
+    const char* const name = sigabbrev_np(signal);
+    return name == nullptr ? "signal " + std::to_string(signal) : std::string("SIG") + name;
 }
 
 void EndBySignal(int signal) {

@@ -1,12 +1,20 @@
 #ifndef SIGNALS_H
 #define SIGNALS_H
 
+#include <sys/types.h>
+
 #include <csignal>
+#include <string>
 
 #include "isolation/TimeSpan.h"
 
-/// Holds back the signals that ask us to end, and the one that tells of a child's end, to wait for them. Those that
-/// came meanwhile and were not waited for act when this object goes.
+struct TSignal {
+    int number;    ///< 0: none
+    pid_t sender;  ///< 0: the kernel, as for a key on the terminal
+};
+
+/// Holds back the signals that would end us, but for those that tell of a fault of our own, and the one that tells of a
+/// child's end, to wait for them. Those that came meanwhile and were not waited for act when this object goes.
 class THeldSignals {
 public:
     THeldSignals();
@@ -14,14 +22,17 @@ public:
     THeldSignals(const THeldSignals&) = delete;
     THeldSignals& operator=(const THeldSignals&) = delete;
 
-    /// The signal that came, or 0 if the moment has come first.
-    int WaitUntil(TMoment moment) const;
+    /// The signal that came, or none if the moment has come first.
+    TSignal WaitUntil(TMoment moment) const;
 
 private:
     sigset_t fHeld;
     sigset_t fBefore;
     struct sigaction fChildAction;
 };
+
+/// "SIGTERM"
+std::string SignalName(int signal);
 
 /// Ends this process as if the signal had never been held.
 [[noreturn]] void EndBySignal(int signal);

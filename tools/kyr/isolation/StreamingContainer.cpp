@@ -6,6 +6,7 @@
 #include "isolation/Tape.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
+#include "kyr/TKYRException.h"
 
 class TStreamedInstance : public TCIMInstance {
 public:
@@ -28,6 +29,8 @@ void TStreamingContainer::StartStreaming(TTape& tape, std::function<void()> befo
 }
 
 TCIMInstance* TStreamingContainer::AllocateInstance(TCIMClass* cls) const {
+    const auto owner = fTurn == nullptr ? fOwners.end() : fOwners.find(cls);
+    if (owner != fOwners.end() && owner->second != fTurn) throw TKYRException(kyrStatusAccessDenied);
     if (fTape == nullptr) return TContainer::AllocateInstance(cls);
     fBeforeFrame();
     fTape->SetInHand(cls->GetName());

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "inventory/Library.h"
 #include "inventory/Log.h"
 #include "kyr/TCIMClass.h"
-#include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 
 namespace {
+
+constexpr size_t kMostRefusals = 1000;
 
 // The core refuses what cannot be a name.
 bool HasInstances(const TContainer& container, const std::string& className) try {
@@ -21,19 +23,20 @@ bool HasInstances(const TContainer& container, const std::string& className) try
 
 bool TTapeMerge::Take(bool associations, TMoment latest) {
     bool ended = false;
+    fContainer.GiveTurn(&fLibrary);
     try {
         ended = TakeFrames(associations, latest);
     } catch (const TTapeError&) {
-        NoteRefusal("", "its bytes are spoilt");
-        fTaken = fTape.Frames().max_size();
+        Drop({eFailed, "it spoilt what it had delivered"});
     }
+    fContainer.GiveTurn(nullptr);
     TLog::Take();  // each refusal has its reason by now
-    return ended;
+    return ended || !fDropped.reason.empty();
 }
 
 bool TTapeMerge::TakeFrames(bool associations, TMoment latest) {
     const std::string_view frames = fTape.Frames();
-    while (fTaken < frames.size() && TClock::now() < latest) {
+    while (fTaken < frames.size() && fDropped.reason.empty() && TClock::now() < latest) {
         TTapeReader reader(frames.substr(fTaken));
         EFrame kind{};
         TTapeReader frame = reader.TakeFrame(kind);
@@ -45,6 +48,10 @@ bool TTapeMerge::TakeFrames(bool associations, TMoment latest) {
         fTaken = frames.size() - reader.Left();
     }
     return false;
+}
+
+void TTapeMerge::Drop(const TVerdict& why) {
+    if (fDropped.reason.empty()) fDropped = why;
 }
 
 void TTapeMerge::SkipWhatIsThere(TTapeReader& frame) {
@@ -63,9 +70,12 @@ void TTapeMerge::Store(TTapeReader& frame) {
 
 void TTapeMerge::NoteRefusal(const std::string& className, const std::string& reason) {
     fRefusals.push_back({className, kyrLogError, "an instance that its process delivered was refused: " + reason});
+    if (fRefusals.size() == kMostRefusals) Drop({eFailed, "too much of what it delivered was refused"});
 }
 
-void TTapeMerge::Conclude(TPluginReport& report) {
+void TTapeMerge::Conclude() {
+    TPluginReport& report = fLibrary.report;
+    if (report.end.state == eComplete) report.end = fDropped;
     report.notes.insert(report.notes.end(), fRefusals.begin(), fRefusals.end());
     const auto isSkipped = [this](const std::string& name) { return fInstances.IsSkipped(name); };
     for (TPass& pass : report.passes)

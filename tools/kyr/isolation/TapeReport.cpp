@@ -5,6 +5,17 @@
 
 namespace {
 
+// More than these only a plugin can have that means no good, and to read it all would take us too long.
+constexpr size_t kMostPlugins = 100;
+constexpr size_t kMostLines = 1'000'000;
+constexpr size_t kMostNames = 1'000'000;
+constexpr size_t kMostPasses = 2;
+
+template <typename TElement>
+void RequireRoom(const std::vector<TElement>& elements, size_t most) {
+    if (elements.size() >= most) throw TTapeError();
+}
+
 // No text of a report can have a NUL, but for one that was not put there by us.
 std::string TakeReportText(TTapeReader& frame) {
     const std::string text = frame.TakeText();
@@ -13,6 +24,7 @@ std::string TakeReportText(TTapeReader& frame) {
 }
 
 void ReadLogLine(TTapeReader& frame, TPluginReport& report) {
+    RequireRoom(report.log, kMostLines);
     TLogLine line{};
     line.core = frame.TakeNumber<uint8_t>() != 0;
     line.severity = static_cast<kyrLogSeverity>(frame.TakeNumber<int>());
@@ -22,8 +34,13 @@ void ReadLogLine(TTapeReader& frame, TPluginReport& report) {
 }
 
 void ReadAsked(TTapeReader& frame, TPluginReport& report) {
+    RequireRoom(report.passes, kMostPasses);
     report.passes.push_back({frame.TakeNumber<uint8_t>() != 0, {}});
-    while (!frame.IsAtEnd()) report.passes.back().asked.push_back(TakeReportText(frame));
+    std::vector<std::string>& asked = report.passes.back().asked;
+    while (!frame.IsAtEnd()) {
+        RequireRoom(asked, kMostNames);
+        asked.push_back(TakeReportText(frame));
+    }
 }
 
 void ReadEnded(TTapeReader& frame, TPluginReport& report) {
@@ -33,6 +50,7 @@ void ReadEnded(TTapeReader& frame, TPluginReport& report) {
 }
 
 void ReadPlugin(TTapeReader& frame, TPluginReport& report) {
+    RequireRoom(report.plugins, kMostPlugins);
     TPluginFacts facts;
     facts.name = TakeReportText(frame);
     facts.version = TakeReportText(frame);

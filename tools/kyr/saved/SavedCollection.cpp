@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <list>
+#include <utility>
 
 #include "Exit.h"
 #include "inventory/DocumentProbe.h"
@@ -51,6 +52,15 @@ std::vector<TCIMClass*> AllClasses(const TContainer& container) {
     std::vector<TCIMClass*> classes = container.GetRootClass()->EnumerateSubClasses(true);
     classes.insert(classes.begin(), container.GetRootClass());
     return classes;
+}
+
+// The user is to know what to leave out.
+std::string MostFrequent(const std::vector<TCIMClass*>& classes) {
+    std::pair<size_t, std::string> most;
+    for (const TCIMClass* cls : classes)
+        if (const size_t count = cls->EnumerateInstances(false).size(); count > most.first)
+            most = {count, cls->GetName()};
+    return "the most instances, " + std::to_string(most.first) + ", are of " + most.second;
 }
 
 [[noreturn]] void RefuseReading(const std::string& path, const std::string& reason) {
@@ -101,14 +111,15 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
     TCimXmlWriter writer(container, file);
     writer.Raw(kHead);
     WriteSchema(container, writer);
-    WriteInstances(classes == nullptr ? AllClasses(container) : *classes, stable, writer);
+    const std::vector<TCIMClass*> written = classes == nullptr ? AllClasses(container) : *classes;
+    WriteInstances(written, stable, writer);
     writer.Raw(kTail);
     const size_t size = writer.Finish();
     if (size > TCimXmlWriter::kLargestDocument)
-        throw TCommandError(eExitOutput, "cannot write '" + path + "': the collection takes " + std::to_string(size) +
-                                             " bytes, and no more than " +
-                                             std::to_string(TCimXmlWriter::kLargestDocument) +
-                                             " can be read back; choose fewer classes with --class");
+        throw TCommandError(eExitOutput,
+                            "cannot write '" + path + "': the collection takes " + std::to_string(size) +
+                                " bytes, and no more than " + std::to_string(TCimXmlWriter::kLargestDocument) +
+                                " can be read back; choose fewer classes with --class; " + MostFrequent(written));
     file.Finish();
 }
 

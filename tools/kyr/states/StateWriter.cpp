@@ -6,6 +6,7 @@
 #include <cstring>
 #include <set>
 
+#include "isolation/Signals.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
@@ -122,6 +123,6 @@ void WriteStates(const std::list<TLibrary>& libraries, TWanted wanted, int inter
     TStateWriter writer(libraries, wanted, container);
     for (const TLibrary& library : libraries) writer.WriteLibrary(library);
     TVerdict verdict;
-    if (interruption != 0) verdict = {eFailed, std::string("interrupted by SIG") + sigabbrev_np(interruption)};
+    if (interruption != 0) verdict = {eFailed, "interrupted by " + SignalName(interruption)};
     writer.WriteCollection(verdict);
 }
