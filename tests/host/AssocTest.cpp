@@ -87,6 +87,8 @@ TEST(AssocTest, PathThatNamesNothingIsToldWithWhatThereIs) {
         {"TEST_Disk.sda", "'sda' is no key: a path is Class.Key=\"value\""},
         {"TEST_Computer --role x --assoc-class TEST_BasdOn",
          "unknown class 'TEST_BasdOn'; did you mean 'TEST_BasedOn'?"},
+        {"TEST_Computer --result-role dependant --assoc-class TEST_BasedOn",
+         "unknown role 'dependant'; did you mean 'Dependent'? (roles: Antecedent, Dependent)"},
     };
     for (const auto& c : cases) {
         const TRunResult run = RunAssoc(c.path);

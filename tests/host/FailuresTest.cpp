@@ -17,7 +17,7 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
     EXPECT_THAT(run.out, HasSubstr("TEST_Kept\n  Id  1\n"));
     for (const char* line : {
              "kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: ./broken/libbroken.pi.so: ",
-             "kyr: plugin noinit: refused: its init entry failed\n",
+             "kyr: plugin noinit: refused: its init entry failed: there is no device\n",
              "kyr: plugin baddocument: refused: cannot read its document ./baddocument/baddocument.properties.xml: "
              "kyrStatusInvalidSpecificationDocument: CIM-XML Parser line 10:Unexpected element no.such.element\n",
              "kyr: plugin givesup: partial: its answer ended with kyrStatusErrorCollectingClass (class TEST_Kept)\n",
@@ -39,6 +39,15 @@ TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     EXPECT_EQ(
         run.err,
         "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n");
+    EXPECT_EQ(RunKyr("show --class TEST_Shown" + root.Option()).err, run.err + "kyr: unknown class 'TEST_Shown'\n");
+}
+
+TEST(FailuresTest, SecondPluginOfALibraryIsToldWhoHasItsClasses) {
+    const TPluginRoot root({"pair"});
+    const TRunResult run = RunKyr("collect" + root.Option());
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err,
+              "kyr: plugin pair: refused: the classes go to plugin pair, which its library registers before it\n");
 }
 
 TEST(FailuresTest, NothingButFailuresIsNoResult) {

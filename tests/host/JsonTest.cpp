@@ -20,13 +20,13 @@ protected:
         fMachine.Write("proc/sys/kernel/hostname", "host\n");
     }
 
-    TRunResult Run(const std::string& arguments, const TPluginRoot& plugins) const {
-        return RunKyr(arguments + plugins.Option(), "TZ=UTC KYR_SYSTEM_ROOT=" + fMachine.Path());
+    TRunResult Run(const std::string& arguments, const std::string& source) const {
+        return RunKyr(arguments + source, "TZ=UTC KYR_SYSTEM_ROOT=" + fMachine.Path());
     }
-    TRunResult Run(const std::string& arguments) const { return Run(arguments, fPlugins); }
+    TRunResult Run(const std::string& arguments) const { return Run(arguments, fPlugins.Option()); }
 
     std::string WriteSchema(const TPluginRoot& plugins) const {
-        const TRunResult run = Run("schema --json-schema", plugins);
+        const TRunResult run = Run("schema --json-schema", plugins.Option());
         return fFiles.Write("schema.json", run.out);
     }
 
@@ -47,15 +47,15 @@ TEST_F(JsonTest, EveryDocumentObeysTheGeneratedSchema) {
     if (std::string(JSON_PYTHON).empty()) GTEST_SKIP() << "no python3 with the module jsonschema";
     const TPluginRoot plugins({"typed", "shown", "givesup", "noinit"});
     const std::string saved = fFiles.Path() + "/saved.xml";
-    EXPECT_EQ(Run("collect -o " + saved, plugins).status, 1);
+    EXPECT_EQ(Run("collect -o " + saved, plugins.Option()).status, 1);
     std::string files = WriteSchema(plugins);
     for (const std::string arguments :
          {"collect --json", "collect --json --null --raw --provenance --references", "collect --json --stable",
           "collect --json --class TEST_Typed --class CIM_System --class MOLTA_CollectionState", "show --json", kTies,
           "schema --json", "schema --json CIM_InstalledOS", "identity --json"}) {
-        for (const std::string& from : {std::string(), " --from " + saved}) {
-            const TRunResult run = Run(arguments + from, plugins);
-            EXPECT_THAT(run.status, ::testing::AnyOf(0, 1)) << arguments << from << "\n" << run.err;
+        for (const std::string& source : {plugins.Option(), " --from " + saved}) {
+            const TRunResult run = Run(arguments, source);
+            EXPECT_THAT(run.status, ::testing::AnyOf(0, 1)) << arguments << source << "\n" << run.err;
             files += " " + fFiles.Write(std::to_string(files.size()) + ".json", run.out);
         }
     }

@@ -31,6 +31,11 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
         {"schema A B", "kyr: unexpected argument 'B' (try 'kyr schema --help')\n"},
         {"collect identity", "kyr: more than one command given (try 'kyr --help')\n"},
         {"show a.xml --from b.xml", "kyr: --from and FILE do not go together (try 'kyr show --help')\n"},
+        {"show a.xml --timeout 3",
+         "kyr: FILE and --timeout do not go together: no plugin is asked for a saved collection "
+         "(try 'kyr show --help')\n"},
+        {"show ''", "kyr: FILE: the name is empty (try 'kyr show --help')\n"},
+        {"collect -o ''", "kyr: --output: the name is empty (try 'kyr collect --help')\n"},
         {"show --tree --raw", "kyr: --tree and --raw do not go together (try 'kyr show --help')\n"},
         {"collect --json -o a.xml", "kyr: --output and --json do not go together (try 'kyr collect --help')\n"},
         {"collect --class", "kyr: --class: 1 required NAME missing (try 'kyr collect --help')\n"},
@@ -90,6 +95,8 @@ TEST(MannersTest, PathsAreThoseOfTheCallersFolder) {
     const TRunResult run = RunShell("cd " + root.Path() + " && " KYR_PROGRAM " identity --plugins . --log log");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(ReadFile(root.Path() + "/log"), HasSubstr("Asking plugin system for MOLTA_ORQProduct"));
+    EXPECT_THAT(RunShell("cd " MACHINES " && KYR_SYSTEM_ROOT=server " KYR_PROGRAM " identity").out,
+                HasSubstr("db01.example.net\n"));
 }
 
 TEST(MannersTest, LocaleMakesNoDifference) {

@@ -17,7 +17,7 @@
 static kyrPluginHandle gPlugin;
 
 static kyrStatusCode Init(kyrPluginHandle plugin) {
-    (void)plugin;
+    if (INIT_STATUS != kyrStatusOK) kyrWriteLog(plugin, kyrLogError, "there is no device");
     return INIT_STATUS;
 }
 
@@ -51,4 +51,7 @@ void Register(void);
 void Register(void) {
     kyrPluginCallbacks callbacks = {0, Init, Nothing, GetData, GetInfo, Nothing};
     kyrRegisterPlugin(&callbacks, &gPlugin);
+#ifdef REGISTERS_TWO
+    kyrRegisterPlugin(&callbacks, &gPlugin);
+#endif
 }

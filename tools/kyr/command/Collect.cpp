@@ -1,5 +1,6 @@
 #include "command/Collect.h"
 
+#include "command/LookUp.h"
 #include "command/Show.h"
 #include "inventory/Inventory.h"
 #include "kyr/TContainer.h"
@@ -21,7 +22,8 @@ EExit RunCollect(const TOptions& options, TOutput& output) {
     if (options.output.empty()) return RunShow(options, output);
     RequireSavablePath(options.output);
     TInventory inventory(options.session);
-    const std::vector<TCIMClass*> classes = SelectClasses(inventory.Container(), options.classes);
+    const std::vector<TCIMClass*> classes =
+        LookUp(inventory, [&](const TContainer& schema) { return SelectClasses(schema, options.classes); });
     inventory.Collect(options.classes.empty() ? std::vector<std::string>() : NamesOf(classes));
     const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), options.classes);
     SaveCollection(inventory.Container(), options.output, options.stable, options.classes.empty() ? nullptr : &saved);

@@ -7,7 +7,8 @@
 /// they do not.
 std::string FindDefaultPlugins();
 std::string FindDefaultSchema();
-/// The document that stands beside the base document, and says how a collection tells how complete it is.
+/// The document that stands beside the base document, and says how a collection tells how complete it is. Raises
+/// TCommandError.
 std::string FindStateDocument();
 
 #endif

@@ -47,13 +47,18 @@ std::string CheckSeconds(const std::string& text) {
     return isPositive && *end == '\0' ? "" : "'" + text + "' is no number of seconds above 0";
 }
 
+// As an unset variable of a script gives it: it must not mean this machine, or standard output.
+std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "the name is empty" : ""; }
+
 // No class has such a name.
 std::string CheckFileName(const std::string& text) {
     return text.find_first_of("./") == std::string::npos ? "'" + text + "' is no file" : "";
 }
 
 CLI::Option* AddFile(CLI::App& command, TSessionOptions& session) {
-    return command.add_option("FILE", session.from, "A saved collection, as --from")->type_name("");
+    return command.add_option("FILE", session.from, "A saved collection, as --from")
+        ->type_name("")
+        ->check(CheckNotEmpty);
 }
 
 // Anything that is left over is refused here and not by the parser, which would not name the nearest right word.
@@ -61,11 +66,14 @@ CLI::App* AddCommand(CLI::App& app, const std::string& name, const std::string& 
     TSessionOptions& session = options.session;
     CLI::App* const command = app.add_subcommand(name, description);
     command->allow_extras();
-    command->add_option("--from", session.from, "A saved collection in place of this machine")->type_name("FILE");
+    const auto addPath = [command](const char* option, std::string& path, const char* words, const char* type) {
+        command->add_option(option, path, words)->type_name(type)->check(CheckNotEmpty);
+    };
+    addPath("--from", session.from, "A saved collection in place of this machine", "FILE");
     command->add_flag("--json", options.json, "Print JSON");
-    command->add_option("--plugins", session.plugins, "Folder with a folder for each plugin")->type_name("DIR");
-    command->add_option("--schema", session.schema, "The base document")->type_name("FILE");
-    command->add_option("--log", session.log, "Write a log to this file")->type_name("FILE");
+    addPath("--plugins", session.plugins, "Folder with a folder for each plugin", "DIR");
+    addPath("--schema", session.schema, "The base document", "FILE");
+    addPath("--log", session.log, "Write a log to this file", "FILE");
     command->add_flag("--verbose", session.verbose, "Tell every step on standard error, and more in the log");
     return command;
 }
@@ -98,7 +106,8 @@ void AddCollect(CLI::App& app, TOptions& options) {
     collect->footer(std::string(kCollectExamples) + kFooter);
     AddFile(*collect, options.session);
     collect->add_option("-o,--output", options.output, "Save the collection: FILE.xml or FILE.xml.gz")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(CheckNotEmpty);
     AddPrinting(*collect, options);
     AddCollecting(*collect, options.session);
 }
@@ -135,7 +144,7 @@ void AddCommands(CLI::App& app, TOptions& options) {
     schema->footer(std::string(kSchemaExamples) + kFooter);
     schema->validate_positionals();
     AddFile(*schema, options.session)->check(CheckFileName);
-    schema->add_option("CLASS", options.className, "The class to describe")->type_name("");
+    schema->add_option("CLASS", options.className, "The class to describe")->type_name("")->check(CheckNotEmpty);
     schema->add_flag("--json-schema", options.jsonSchema, "Print a JSON Schema of all that --json prints");
 
     CLI::App* const identity = AddCommand(app, "identity", "Print what machine this is", options);
@@ -176,10 +185,16 @@ void RefuseLeftOvers(const CLI::App& app) {
 struct TRivals {
     const char* option;
     std::vector<const char*> others;
+    std::string why = {};
 };
+
+const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--plugins", "--schema"};
+const std::string kNothingIsCollected = ": no plugin is asked for a saved collection";
 
 const TRivals kRivals[] = {
     {"--from", {"FILE"}},
+    {"--from", kOfCollecting, kNothingIsCollected},
+    {"FILE", kOfCollecting, kNothingIsCollected},
     {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--json-schema", {"--json", "CLASS"}},
@@ -194,7 +209,7 @@ void RefuseRivals(const CLI::App& command) {
     for (const TRivals& rivals : kRivals)
         for (const char* other : rivals.others)
             if (IsGiven(command, rivals.option) && IsGiven(command, other))
-                RefuseUse(command, std::string(rivals.option) + " and " + other + " do not go together");
+                RefuseUse(command, std::string(rivals.option) + " and " + other + " do not go together" + rivals.why);
 }
 
 std::string MakeAbsolute(const std::string& path, const std::string& option) {
@@ -206,6 +221,13 @@ void MakeAbsoluteIfGiven(std::string& path) {
     if (!path.empty()) path = std::filesystem::absolute(path).string();
 }
 
+// The folder that plugins take for the machine.
+void MakeSystemRootAbsolute() {
+    constexpr const char* kVariable = "KYR_SYSTEM_ROOT";
+    const char* const root = std::getenv(kVariable);
+    if (root != nullptr && *root != '\0') setenv(kVariable, std::filesystem::absolute(root).c_str(), 1);
+}
+
 // Before anything changes the current folder.
 void ResolvePaths(TOptions& options) {
     TSessionOptions& session = options.session;
@@ -213,6 +235,7 @@ void ResolvePaths(TOptions& options) {
     MakeAbsoluteIfGiven(session.log);
     MakeAbsoluteIfGiven(options.output);
     if (!session.from.empty()) return;
+    MakeSystemRootAbsolute();
     if (session.plugins.empty()) session.plugins = FindDefaultPlugins();
     if (session.schema.empty()) session.schema = FindDefaultSchema();
     session.plugins = MakeAbsolute(session.plugins, "--plugins");

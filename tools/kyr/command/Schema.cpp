@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "command/LookUp.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
 #include "kyr/TCIMClass.h"
@@ -120,7 +121,9 @@ EExit RunSchema(const TOptions& options, TOutput& output) {
     TInventory inventory(options.session);
     inventory.LoadPlugins();
     const TContainer& schema = inventory.Container();
-    const TCIMClass* const only = options.className.empty() ? nullptr : &GetClassNamed(schema, options.className);
+    const TCIMClass* const only = options.className.empty() ? nullptr : LookUp(inventory, [&](const TContainer&) {
+        return &GetClassNamed(schema, options.className);
+    });
     if (options.jsonSchema)
         WriteJsonSchema(schema, output);
     else if (options.json)

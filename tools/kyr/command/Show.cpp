@@ -1,5 +1,6 @@
 #include "command/Show.h"
 
+#include "command/LookUp.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
 #include "lookup/ClassNames.h"
@@ -17,7 +18,8 @@ std::vector<std::string> ClassesToCollect(const TOptions& options, const std::ve
 
 EExit RunShow(const TOptions& options, TOutput& output) {
     TInventory inventory(options.session);
-    const std::vector<TCIMClass*> classes = SelectClasses(inventory.Container(), options.classes);
+    const std::vector<TCIMClass*> classes =
+        LookUp(inventory, [&](const TContainer& schema) { return SelectClasses(schema, options.classes); });
     inventory.Collect(ClassesToCollect(options, classes));
     bool any = true;
     if (options.json)

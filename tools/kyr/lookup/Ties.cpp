@@ -1,13 +1,16 @@
 #include "lookup/Ties.h"
 
 #include <algorithm>
+#include <set>
 #include <tuple>
 
 #include "Exit.h"
+#include "command/NearMatches.h"
 #include "command/Options.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "lookup/ClassNames.h"
@@ -41,6 +44,22 @@ TCIMClass* FindFilter(const TContainer& container, const std::string& name) {
     return name.empty() ? nullptr : &GetClassNamed(container, name);
 }
 
+std::vector<std::string> RolesIn(const std::vector<TCIMClass*>& associations) {
+    std::set<std::string, TNameLess> roles;
+    for (const TCIMClass* cls : associations)
+        for (const TCIMPropertyDecl* property : cls->EnumeratePropertyDecls())
+            if (property->GetValue().GetType() == TCIMValue::TCIMType::eCIMReference) roles.insert(property->GetName());
+    return {roles.begin(), roles.end()};
+}
+
+void RefuseUnknownRole(const std::string& role, const std::vector<std::string>& roles) {
+    const auto isIt = [&role](const std::string& each) { return IsSameName(each, role); };
+    if (role.empty() || std::any_of(roles.begin(), roles.end(), isIt)) return;
+    std::string list;
+    for (const std::string& each : roles) list += (list.empty() ? "" : ", ") + each;
+    throw TCommandError(eExitUsage, "unknown role '" + role + "'" + DidYouMean(role, roles) + " (roles: " + list + ")");
+}
+
 bool Passes(const TEnd& end, const TCIMClass* cls, const std::string& role) {
     if (!role.empty() && !IsSameName(end.role, role)) return false;
     return cls == nullptr || end.reference.GetClass()->IsSubclassOf(cls);
@@ -65,12 +84,15 @@ std::vector<TEnd> EndsOf(const TCIMInstance& association) {
 
 std::vector<TTie> FindTies(const TCIMInstance& instance, const TOptions& options) {
     const TContainer& container = *instance.GetContainer();
-    TCIMClass* const associations = FindFilter(container, options.assocClass);
-    if (associations != nullptr && AssociationsOf(*associations).empty())
-        throw TCommandError(eExitUsage, "class " + associations->GetName() + " is no association");
+    TCIMClass* const filter = FindFilter(container, options.assocClass);
+    const std::vector<TCIMClass*> associations =
+        AssociationsOf(filter == nullptr ? *container.GetRootClass() : *filter);
+    if (filter != nullptr && associations.empty())
+        throw TCommandError(eExitUsage, "class " + filter->GetName() + " is no association");
     TCIMClass* const results = FindFilter(container, options.resultClass);
+    for (const std::string& role : {options.role, options.resultRole}) RefuseUnknownRole(role, RolesIn(associations));
     std::vector<TTie> ties;
-    for (const TCIMClass* cls : AssociationsOf(associations == nullptr ? *container.GetRootClass() : *associations))
+    for (const TCIMClass* cls : associations)
         for (const TCIMInstance* association : cls->EnumerateInstances(false))
             AppendTies(instance, *association, options.role, ties);
     const auto isHeldBack = [&](const TTie& tie) { return !Passes(tie.other, results, options.resultRole); };

@@ -22,10 +22,11 @@ std::string ReasonIn(const TNote& note) {
     return note.text.compare(0, front.size(), front) == 0 ? note.text.substr(front.size()) : note.text;
 }
 
-std::vector<std::string> ErrorsIn(const std::vector<const TNote*>& notes) {
+// Those of the class, or with null those of none.
+std::vector<std::string> ErrorsOf(const TLibrary& library, const TCIMClass* cls) {
     std::vector<std::string> texts;
-    for (const TNote* note : notes)
-        if (note->severity == kyrLogError) texts.push_back(ReasonIn(*note));
+    for (const TNote* note : NotesOf(library, cls))
+        if (note->severity == kyrLogError) texts.push_back(cls == nullptr ? note->text : ReasonIn(*note));
     return texts;
 }
 
@@ -46,6 +47,11 @@ TVerdict JudgeNothingRegistered(const TPluginReport& report) {
     return {eRefused, "cannot be opened: " + Without("ERROR: Failed to load plugin.  Reason: ", error)};
 }
 
+TVerdict JudgeInit(const TPluginReport& report) {
+    const std::string error = FirstError(report);
+    return {eRefused, "its init entry failed" + (error.empty() ? "" : ": " + error)};
+}
+
 TVerdict JudgeDocument(const TLibrary& library) {
     const std::string error = FirstError(library.report), reason = library.report.refusal;
     const std::string text = "cannot read its document " + DocumentOf(library) + ": " + reason;
@@ -61,7 +67,7 @@ TVerdict JudgeLibrary(const TLibrary& library) {
     const TPluginFacts* const owner = report.FindOwner();
     const bool initialised =
         std::all_of(report.plugins.begin(), report.plugins.end(), [](const TPluginFacts& p) { return p.initialised; });
-    if (owner == nullptr && !initialised) return {eRefused, "its init entry failed"};
+    if (owner == nullptr && !initialised) return JudgeInit(report);
     if (owner == nullptr || (library.classes.empty() && owner->type == kyrPluginDocumentOnly))
         return {eNotAsked, kReasonNoData};
     if (library.classes.empty()) return {eRefused, "its document brings no class of its own"};
@@ -88,9 +94,12 @@ TVerdict JudgeUnasked(const TLibrary& library, const TCIMClass& cls, TWanted wan
     return {eNotAsked, kReasonNoData};
 }
 
-TVerdict JudgeEnd(const std::string& end, bool any) {
+// With the errors that name none of its classes.
+TVerdict JudgeEnd(const TLibrary& library, const std::string& end, bool any) {
     const EState none = end == kyrTranslateStatusCode(kyrStatusAccessDenied) ? eRefused : eFailed;
-    return {any ? ePartial : none, "its answer ended with " + end};
+    const std::vector<std::string> errors = ErrorsOf(library, nullptr);
+    return {any ? ePartial : none,
+            "its answer ended with " + end + (errors.empty() ? "" : ": " + FirstAndCount(errors))};
 }
 
 }  // namespace
@@ -101,9 +110,9 @@ TVerdict JudgeClass(const TLibrary& library, const TCIMClass& cls, TWanted wante
     const TPass* const pass = report.FindPass(cls.GetName());
     if (pass == nullptr) return JudgeUnasked(library, cls, wanted, any);
     if (report.end.state != eComplete) return {any || pass->finished ? ePartial : report.end.state, report.end.reason};
-    const std::vector<std::string> errors = ErrorsIn(NotesOf(library, &cls));
+    const std::vector<std::string> errors = ErrorsOf(library, &cls);
     if (!errors.empty()) return {any ? ePartial : eFailed, FirstAndCount(errors)};
-    if (!pass->end.empty()) return JudgeEnd(pass->end, any);
+    if (!pass->end.empty()) return JudgeEnd(library, pass->end, any);
     const std::string unavailable = TellUnavailableValues(cls);
     return unavailable.empty() ? TVerdict() : TVerdict{ePartial, unavailable};
 }
@@ -133,15 +142,17 @@ TTally Count(const TLibrary& library, TWanted wanted) {
 std::string OwnReason(const TLibrary& library) {
     const TPluginReport& report = library.report;
     for (const TPass& pass : report.passes)
-        if (!pass.end.empty()) return JudgeEnd(pass.end, true).reason;
-    const std::vector<std::string> errors = ErrorsIn(NotesOf(library, nullptr));
+        if (!pass.end.empty()) return JudgeEnd(library, pass.end, true).reason;
+    const std::vector<std::string> errors = ErrorsOf(library, nullptr);
     return errors.empty() ? "" : FirstAndCount(errors);
 }
 
-TVerdict JudgeOther(const TPluginFacts& plugin) {
-    if (!plugin.initialised) return {eRefused, "its init entry failed"};
+// It shares its library, and so its document, with the owner.
+TVerdict JudgeOther(const TPluginReport& report, const TPluginFacts& plugin) {
+    if (!plugin.initialised) return JudgeInit(report);
     if (plugin.type != kyrPluginDataCollector) return {eNotAsked, kReasonNoData};
-    return {eRefused, "its document brings no class of its own"};
+    return {eRefused,
+            "the classes go to plugin " + report.FindOwner()->name + ", which its library registers before it"};
 }
 
 }  // namespace
@@ -150,7 +161,7 @@ TVerdict JudgePlugin(const TLibrary& library, const TPluginFacts* plugin, TWante
     const TVerdict whole = JudgeLibrary(library);
     const TTally tally = Count(library, wanted);
     if (whole.state != eComplete) return {tally.any ? ePartial : whole.state, whole.reason};
-    if (plugin != library.report.FindOwner()) return JudgeOther(*plugin);
+    if (plugin != library.report.FindOwner()) return JudgeOther(library.report, *plugin);
     const std::string reason = OwnReason(library);
     if (tally.missing == 0 && reason.empty()) return tally.asked != 0 ? TVerdict() : tally.first;
     const bool partial = tally.any || tally.missing == 0;
