@@ -1,12 +1,14 @@
 #ifndef PLUGINS_DATAPLUGIN_H
 #define PLUGINS_DATAPLUGIN_H
 
+#include <algorithm>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "InstanceReport.h"
 #include "SystemRoot.h"
 #include "kyr/kyrPlugin.h"
 
@@ -24,11 +26,12 @@ void LogIfAbsent(const char* className, const TFact<T>& list) {
     if (!list) LogAbsentClass(className, list.absence, list.source);
 }
 
-/// Reports the instances of one class.
+/// Reports the instances of one class; first logs why there are none, if there is a listing that tells.
 template <typename TFacts>
 struct TClassReport {
-    std::string_view className;
+    const char* className;
     kyrStatusCode (*report)(kyrIOHandle handle, const TFacts& facts);
+    TListing TFacts::*listing = nullptr;
 };
 
 /// A plugin that reads all its facts and then reports them class by class. The core asks for ordinary classes and for
@@ -49,16 +52,15 @@ private:
         for (const std::string_view name : wanted)
             if (!fReported.emplace(name).second) fFacts.reset();
         if (!fFacts) fFacts = fRead(TSystemRoot::FromEnvironment());
-        kyrStatusCode status = kyrStatusOK;
-        for (const TClassReport<TFacts>& entry : fReports)
-            if (status == kyrStatusOK && IsWanted(entry.className, wanted)) status = entry.report(handle, *fFacts);
-        return status;
+        return ReportEach(fReports, [&](const TClassReport<TFacts>& entry) {
+            if (!IsWanted(entry.className, wanted)) return kyrStatusOK;
+            if (entry.listing) LogIfAbsent(entry.className, *fFacts.*entry.listing);
+            return entry.report(handle, *fFacts);
+        });
     }
 
     static bool IsWanted(std::string_view className, const TWantedClasses& wanted) {
-        for (const std::string_view name : wanted)
-            if (name == className) return true;
-        return false;
+        return std::find(wanted.begin(), wanted.end(), className) != wanted.end();
     }
 
     inline static TDataPlugin* fgPlugin = nullptr;

@@ -99,45 +99,29 @@ TInstanceReport::TInstanceReport(kyrIOHandle handle, const TPath& path)
 }
 
 // Nothing may be set after kyrAddClass failed: the instance before would get it.
-#define KYR_SET(call) \
-    if (fStatus == kyrStatusOK) Keep(call)
+template <typename F, typename T>
+void TInstanceReport::SetBy(F add, const char* property, T value) {
+    if (fStatus == kyrStatusOK) Keep(add(fHandle, property, value));
+}
 
-void TInstanceReport::Set(const char* property, bool value) {
-    KYR_SET(kyrAddBooleanProperty(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, uint8_t value) {
-    KYR_SET(kyrAddUint8Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, uint16_t value) {
-    KYR_SET(kyrAddUint16Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, uint32_t value) {
-    KYR_SET(kyrAddUint32Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, uint64_t value) {
-    KYR_SET(kyrAddUint64Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, int16_t value) {
-    KYR_SET(kyrAddSint16Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, int32_t value) {
-    KYR_SET(kyrAddSint32Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, int64_t value) {
-    KYR_SET(kyrAddSint64Property(fHandle, property, value));
-}
-void TInstanceReport::Set(const char* property, const char* value) {
-    KYR_SET(kyrAddStringProperty(fHandle, property, value));
-}
+void TInstanceReport::Set(const char* property, bool value) { SetBy(kyrAddBooleanProperty, property, value); }
+void TInstanceReport::Set(const char* property, uint8_t value) { SetBy(kyrAddUint8Property, property, value); }
+void TInstanceReport::Set(const char* property, uint16_t value) { SetBy(kyrAddUint16Property, property, value); }
+void TInstanceReport::Set(const char* property, uint32_t value) { SetBy(kyrAddUint32Property, property, value); }
+void TInstanceReport::Set(const char* property, uint64_t value) { SetBy(kyrAddUint64Property, property, value); }
+void TInstanceReport::Set(const char* property, int16_t value) { SetBy(kyrAddSint16Property, property, value); }
+void TInstanceReport::Set(const char* property, int32_t value) { SetBy(kyrAddSint32Property, property, value); }
+void TInstanceReport::Set(const char* property, int64_t value) { SetBy(kyrAddSint64Property, property, value); }
+void TInstanceReport::Set(const char* property, const char* value) { SetBy(kyrAddStringProperty, property, value); }
 void TInstanceReport::Set(const char* property, const std::string& value) { Set(property, value.c_str()); }
 void TInstanceReport::Set(const char* property, const TPath& value) {
-    KYR_SET(TReference(fHandle, value).AddTo(fHandle, property));
+    if (fStatus == kyrStatusOK) Keep(TReference(fHandle, value).AddTo(fHandle, property));
 }
 
 void TInstanceReport::Set(const char* property, double value) {
     char text[40];
     std::snprintf(text, sizeof text, "%.17g", value);
-    KYR_SET(kyrAddProperty(fHandle, property, text));
+    SetBy(kyrAddProperty, property, text);
 }
 
 void TInstanceReport::Set(const char* property, TMoment value) {
@@ -184,7 +168,7 @@ void TInstanceReport::SetArray(const char* property, const std::vector<T>& value
     kyrCIMValueArray array;
     if (fStatus != kyrStatusOK || kyrNewCIMValueArray(&array) != kyrStatusOK) return;
     for (const T& value : values) Keep(append(array, value));
-    KYR_SET(kyrAddArrayProperty(fHandle, property, array));
+    SetBy(kyrAddArrayProperty, property, array);
     kyrDeleteCIMValueArray(array);
 }
 

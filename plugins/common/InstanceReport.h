@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -72,6 +73,8 @@ public:
 private:
     void Keep(kyrStatusCode status);
     void Note(const char* property, const std::string& source, const char* absence);
+    template <typename F, typename T>
+    void SetBy(F add, const char* property, T value);
     template <typename T, typename F>
     void SetArray(const char* property, const std::vector<T>& values, F append);
 
@@ -88,12 +91,31 @@ kyrStatusCode ReportEach(const TItems& items, F report) {
         if (const kyrStatusCode status = report(item); status != kyrStatusOK) return status;
     return kyrStatusOK;
 }
+template <typename TItems, typename F>
+kyrStatusCode ReportEach(kyrIOHandle handle, const TItems& items, F report) {
+    return ReportEach(items, [&](const auto& item) { return report(handle, item); });
+}
+/// The same with each item of a list among the facts, as a TClassReport has it. The function may want the facts too.
+template <auto kList, auto kReport, typename TFacts>
+kyrStatusCode ForEach(kyrIOHandle handle, const TFacts& facts) {
+    return ReportEach(facts.*kList, [&](const auto& item) {
+        if constexpr (std::is_invocable_v<decltype(kReport), kyrIOHandle, const TFacts&, decltype(item)>)
+            return kReport(handle, facts, item);
+        else
+            return kReport(handle, item);
+    });
+}
 
 /// An association of two instances.
 kyrStatusCode ReportTie(kyrIOHandle handle, const char* className, const char* firstRole, const TPath& first,
                         const char* secondRole, const TPath& second);
 /// A CIM_SystemDevice: the device belongs to the computer system. Nothing, while no plugin declares one.
 kyrStatusCode ReportSystemDevice(kyrIOHandle handle, const char* className, const TPath& device);
+/// The same for each item, whose path the function gives.
+template <typename TItems, typename F>
+kyrStatusCode ReportSystemDevices(kyrIOHandle handle, const char* className, const TItems& items, F pathOf) {
+    return ReportEach(items, [&](const auto& item) { return ReportSystemDevice(handle, className, pathOf(item)); });
+}
 /// A CIM_Dependency on the bus device that something is on. Nothing, if that is none or no plugin declares its class.
 kyrStatusCode ReportBusDevice(kyrIOHandle handle, const char* className, const TBusDevice& antecedent,
                               const TPath& dependent);

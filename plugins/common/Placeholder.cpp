@@ -57,6 +57,7 @@ constexpr const char* kPlaceholders[] = {
     "00000000-0000-0000-0000-000000000000",
     "ffffffff-ffff-ffff-ffff-ffffffffffff",
     "03000200-0400-0500-0006-000700080009",
+    "00020003-0004-0005-0006-000700080009",
 };
 
 }  // namespace

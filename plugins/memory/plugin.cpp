@@ -113,38 +113,26 @@ kyrStatusCode ReportModule(kyrIOHandle handle, const TMemoryModule& module) {
     return report.Finish();
 }
 
-kyrStatusCode ReportSwapAreas(kyrIOHandle handle, const TMemoryFacts& facts) {
-    LogIfAbsent(kSwapArea, facts.swapListing);
-    return ReportEach(facts.swapAreas, [&](const TSwapArea& area) { return ReportSwapArea(handle, area); });
-}
-
 kyrStatusCode ReportArrays(kyrIOHandle handle, const TMemoryFacts& facts) {
     LogIfAbsent(kMemoryArray, facts.hardware.installedModules);
-    return ReportEach(facts.hardware.arrays, [&](const TMemoryArray& array) { return ReportArray(handle, array); });
+    return ReportEach(handle, facts.hardware.arrays, ReportArray);
 }
 
 kyrStatusCode ReportModules(kyrIOHandle handle, const TMemoryFacts& facts) {
     LogIfAbsent(kPhysicalMemory, facts.hardware.installedModules);
-    return ReportEach(facts.hardware.modules,
-                      [&](const TMemoryModule& module) { return ReportModule(handle, module); });
+    return ReportEach(handle, facts.hardware.modules, ReportModule);
 }
 
 kyrStatusCode ReportSystemMemoryDevices(kyrIOHandle handle, const TMemoryFacts& facts) {
     const kyrStatusCode status = ReportSystemDevice(handle, kSystemMemoryDevice, SystemMemoryPath());
     if (status != kyrStatusOK) return status;
-    return ReportEach(facts.swapAreas, [&](const TSwapArea& area) {
-        return ReportSystemDevice(handle, kSystemMemoryDevice, SwapAreaPath(area));
-    });
+    return ReportSystemDevices(handle, kSystemMemoryDevice, facts.swapAreas, SwapAreaPath);
 }
 
 kyrStatusCode ReportSystemMemoryHardware(kyrIOHandle handle, const TMemoryFacts& facts) {
-    const kyrStatusCode status = ReportEach(facts.hardware.arrays, [&](const TMemoryArray& array) {
-        return ReportSystemDevice(handle, kSystemMemoryHardware, ArrayPath(array));
-    });
+    const kyrStatusCode status = ReportSystemDevices(handle, kSystemMemoryHardware, facts.hardware.arrays, ArrayPath);
     if (status != kyrStatusOK) return status;
-    return ReportEach(facts.hardware.modules, [&](const TMemoryModule& module) {
-        return ReportSystemDevice(handle, kSystemMemoryHardware, ModulePath(module));
-    });
+    return ReportSystemDevices(handle, kSystemMemoryHardware, facts.hardware.modules, ModulePath);
 }
 
 kyrStatusCode ReportArrayModules(kyrIOHandle handle, const TMemoryFacts& facts) {
@@ -157,7 +145,8 @@ kyrStatusCode ReportArrayModules(kyrIOHandle handle, const TMemoryFacts& facts) 
 
 const TDataPlugin<TMemoryFacts> gPlugin("memory", ReadMemory,
                                         {{kSystemMemory, ReportSystemMemory},
-                                         {kSwapArea, ReportSwapAreas},
+                                         {kSwapArea, ForEach<&TMemoryFacts::swapAreas, ReportSwapArea>,
+                                          &TMemoryFacts::swapListing},
                                          {kMemoryArray, ReportArrays},
                                          {kPhysicalMemory, ReportModules},
                                          {kSystemMemoryDevice, ReportSystemMemoryDevices},

@@ -79,7 +79,7 @@ kyrStatusCode ReportAddress(kyrIOHandle handle, const TIPAddress& address) {
     AddText(report, "Label", address.label);
     report.Set("InterfaceName", address.adapter);
     Add(report, "Dynamic", (address.flags & IFA_F_PERMANENT) == 0);
-    Add(report, "Flags", FlagWords(address));
+    if (std::vector<std::string> flags = FlagWords(address); !flags.empty()) Add(report, "Flags", std::move(flags));
     return report.Finish();
 }
 

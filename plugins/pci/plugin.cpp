@@ -59,29 +59,19 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TPciFunction& function) {
     return report.Finish();
 }
 
-kyrStatusCode ReportDevices(kyrIOHandle handle, const TPciFacts& facts) {
-    LogIfAbsent(kDevice, facts.listing);
-    return ReportEach(facts.functions,
-                      [handle](const TPciFunction& function) { return ReportDevice(handle, function); });
+kyrStatusCode TieToSystem(kyrIOHandle handle, const TPciFunction& function) {
+    return ReportSystemDevice(handle, kSystemDevice, DevicePath(kDevice, function.address));
 }
 
-kyrStatusCode ReportSystemDevices(kyrIOHandle handle, const TPciFacts& facts) {
-    return ReportEach(facts.functions, [handle](const TPciFunction& function) {
-        return ReportSystemDevice(handle, kSystemDevice, DevicePath(kDevice, function.address));
-    });
-}
-
-kyrStatusCode ReportBridgeDevices(kyrIOHandle handle, const TPciFacts& facts) {
-    return ReportEach(facts.functions, [handle](const TPciFunction& function) {
-        if (function.bridge.empty()) return kyrStatusOK;
-        return ReportTie(handle, kBridgeDevice, "Antecedent", DevicePath(kDevice, function.bridge), "Dependent",
-                         DevicePath(kDevice, function.address));
-    });
+kyrStatusCode TieToBridge(kyrIOHandle handle, const TPciFunction& function) {
+    if (function.bridge.empty()) return kyrStatusOK;
+    return ReportTie(handle, kBridgeDevice, "Antecedent", DevicePath(kDevice, function.bridge), "Dependent",
+                     DevicePath(kDevice, function.address));
 }
 
 const TDataPlugin<TPciFacts> gPlugin("pci", ReadPci,
-                                     {{kDevice, ReportDevices},
-                                      {kSystemDevice, ReportSystemDevices},
-                                      {kBridgeDevice, ReportBridgeDevices}});
+                                     {{kDevice, ForEach<&TPciFacts::functions, ReportDevice>, &TPciFacts::listing},
+                                      {kSystemDevice, ForEach<&TPciFacts::functions, TieToSystem>},
+                                      {kBridgeDevice, ForEach<&TPciFacts::functions, TieToBridge>}});
 
 }  // namespace

@@ -17,7 +17,7 @@ constexpr const char* kVulnerability = "MOLTA_ProcessorVulnerability";
 constexpr uint16_t kCpuEnabled = 1;
 constexpr uint16_t kHardwareThread = 5;
 constexpr uint16_t kEnabled = 2, kDisabled = 3;
-constexpr uint16_t kNotAffected = 1, kMitigated = 2, kVulnerable = 3;
+constexpr uint16_t kUnknown = 0, kNotAffected = 1, kMitigated = 2, kVulnerable = 3;
 
 /// What the kernel's word for a feature means by DMTF's numbers.
 struct TCharacteristic {
@@ -27,6 +27,18 @@ struct TCharacteristic {
 
 constexpr TCharacteristic kCharacteristics[] = {
     {"lm", 2}, {"vmx", 4}, {"svm", 4}, {"nx", 6}, {"ida", 8}, {"cpb", 8},
+};
+
+/// How the kernel's words for a weakness begin. Some matter to guests of KVM only, and it says so in front.
+struct TStateWord {
+    std::string_view start;
+    uint16_t state;
+};
+
+constexpr TStateWord kStateWords[] = {
+    {"Not affected", kNotAffected}, {"Mitigation", kMitigated},       {"KVM: Mitigation", kMitigated},
+    {"Vulnerable", kVulnerable},    {"KVM: Vulnerable", kVulnerable}, {"Processor vulnerable", kVulnerable},
+    {"Unknown", kUnknown},
 };
 
 // sic: the flag "ht" stands also with processors whose cores have one thread each.
@@ -45,10 +57,8 @@ TFact<std::vector<uint16_t>> CharacteristicsOf(const TPackage& package) {
 }
 
 std::optional<uint16_t> VulnerabilityState(const std::string& text) {
-    const auto beginsWith = [&text](std::string_view start) { return text.compare(0, start.size(), start) == 0; };
-    if (beginsWith("Not affected")) return kNotAffected;
-    if (beginsWith("Mitigation")) return kMitigated;
-    if (beginsWith("Vulnerable") || beginsWith("Processor vulnerable")) return kVulnerable;
+    for (const TStateWord& word : kStateWords)
+        if (text.compare(0, word.start.size(), word.start) == 0) return word.state;
     return {};
 }
 
@@ -85,7 +95,7 @@ void AddCapacity(TInstanceReport& report, const TPackage& package) {
     report.Add("VirtualAddressWidth", package.virtualAddressWidth);
 }
 
-kyrStatusCode ReportProcessor(kyrIOHandle handle, const TProcessorFacts&, const TPackage& package) {
+kyrStatusCode ReportProcessor(kyrIOHandle handle, const TPackage& package) {
     TInstanceReport report(handle, ProcessorPath(package));
     AddIdentity(report, package);
     AddCapacity(report, package);
@@ -96,7 +106,7 @@ kyrStatusCode ReportProcessor(kyrIOHandle handle, const TProcessorFacts&, const 
     return report.Finish();
 }
 
-kyrStatusCode ReportCore(kyrIOHandle handle, const TProcessorFacts&, const TCore& core) {
+kyrStatusCode ReportCore(kyrIOHandle handle, const TCore& core) {
     TInstanceReport report(handle, CorePath(core));
     report.Add("CoreNumber", core.id.Map([](uint32_t id) { return std::optional(std::to_string(id)); }));
     report.Add("CoreType", core.type.Map(NumberOf<ECoreType>));
@@ -105,7 +115,7 @@ kyrStatusCode ReportCore(kyrIOHandle handle, const TProcessorFacts&, const TCore
     return report.Finish();
 }
 
-kyrStatusCode ReportThread(kyrIOHandle handle, const TProcessorFacts&, const TThread& thread) {
+kyrStatusCode ReportThread(kyrIOHandle handle, const TThread& thread) {
     TInstanceReport report(handle, ThreadPath(thread));
     report.Add("EnabledState",
                thread.isOnline.Map([](bool isOnline) { return std::optional(isOnline ? kEnabled : kDisabled); }));
@@ -127,7 +137,7 @@ std::string CacheCaption(const TCache& cache) {
     return level + " cache";
 }
 
-kyrStatusCode ReportCache(kyrIOHandle handle, const TProcessorFacts&, const TCache& cache) {
+kyrStatusCode ReportCache(kyrIOHandle handle, const TCache& cache) {
     TInstanceReport report(handle, CachePath(cache));
     report.Set("Caption", CacheCaption(cache));
     report.Add("Level", cache.level);
@@ -139,7 +149,7 @@ kyrStatusCode ReportCache(kyrIOHandle handle, const TProcessorFacts&, const TCac
     return report.Finish();
 }
 
-kyrStatusCode ReportNode(kyrIOHandle handle, const TProcessorFacts&, const TNumaNode& node) {
+kyrStatusCode ReportNode(kyrIOHandle handle, const TNumaNode& node) {
     TInstanceReport report(handle, NodePath(node));
     report.Add("ThreadList", node.threads);
     report.Add("MemorySize", node.memorySize);
@@ -148,14 +158,14 @@ kyrStatusCode ReportNode(kyrIOHandle handle, const TProcessorFacts&, const TNuma
     return report.Finish();
 }
 
-kyrStatusCode ReportVulnerability(kyrIOHandle handle, const TProcessorFacts&, const TVulnerability& vulnerability) {
+kyrStatusCode ReportVulnerability(kyrIOHandle handle, const TVulnerability& vulnerability) {
     TInstanceReport report(handle, {kVulnerability, {{"InstanceID", vulnerability.name}}});
     report.Add("State", vulnerability.state.Map(VulnerabilityState));
     report.Add("Detail", vulnerability.state);
     return report.Finish();
 }
 
-kyrStatusCode TieProcessor(kyrIOHandle handle, const TProcessorFacts&, const TPackage& package) {
+kyrStatusCode TieProcessor(kyrIOHandle handle, const TPackage& package) {
     return ReportSystemDevice(handle, "MOLTA_SystemProcessor", ProcessorPath(package));
 }
 
@@ -170,7 +180,7 @@ kyrStatusCode TieThread(kyrIOHandle handle, const TProcessorFacts& facts, const 
                      "PartComponent", ThreadPath(thread));
 }
 
-kyrStatusCode TieCache(kyrIOHandle handle, const TProcessorFacts&, const TCache& cache) {
+kyrStatusCode TieCache(kyrIOHandle handle, const TCache& cache) {
     return ReportSystemDevice(handle, "MOLTA_SystemCacheMemory", CachePath(cache));
 }
 
@@ -179,70 +189,36 @@ kyrStatusCode TieCacheToProcessor(kyrIOHandle handle, const TProcessorFacts& fac
                      ProcessorPath(facts.packages[cache.package]));
 }
 
-kyrStatusCode TieNode(kyrIOHandle handle, const TProcessorFacts&, const TNumaNode& node) {
+kyrStatusCode TieNode(kyrIOHandle handle, const TNumaNode& node) {
     return ReportTie(handle, "MOLTA_SystemNUMANode", "GroupComponent", ComputerSystem(), "PartComponent",
                      NodePath(node));
 }
 
 kyrStatusCode TieNodeToProcessors(kyrIOHandle handle, const TProcessorFacts& facts, const TNumaNode& node) {
-    kyrStatusCode status = kyrStatusOK;
-    for (const size_t package : node.packages)
-        if (status == kyrStatusOK)
-            status = ReportTie(handle, "MOLTA_NUMANodeProcessor", "Antecedent", NodePath(node), "Dependent",
-                               ProcessorPath(facts.packages[package]));
-    return status;
-}
-
-template <auto kElements, auto kReport>
-kyrStatusCode ForAll(kyrIOHandle handle, const TProcessorFacts& facts) {
-    kyrStatusCode status = kyrStatusOK;
-    for (const auto& element : facts.*kElements)
-        if (status == kyrStatusOK) status = kReport(handle, facts, element);
-    return status;
+    return ReportEach(node.packages, [&](size_t package) {
+        return ReportTie(handle, "MOLTA_NUMANodeProcessor", "Antecedent", NodePath(node), "Dependent",
+                         ProcessorPath(facts.packages[package]));
+    });
 }
 
 using TFacts = TProcessorFacts;
 
-kyrStatusCode ReportCores(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kCore, facts.threadListing);
-    return ForAll<&TFacts::cores, ReportCore>(handle, facts);
-}
-
-kyrStatusCode ReportThreads(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kThread, facts.threadListing);
-    return ForAll<&TFacts::threads, ReportThread>(handle, facts);
-}
-
-kyrStatusCode ReportCaches(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kCache, facts.cacheListing);
-    return ForAll<&TFacts::caches, ReportCache>(handle, facts);
-}
-
-kyrStatusCode ReportNodes(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kNode, facts.nodeListing);
-    return ForAll<&TFacts::nodes, ReportNode>(handle, facts);
-}
-
-kyrStatusCode ReportVulnerabilities(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kVulnerability, facts.vulnerabilityListing);
-    return ForAll<&TFacts::vulnerabilities, ReportVulnerability>(handle, facts);
-}
-
 const TDataPlugin<TFacts> kPlugin("processor", ReadProcessors,
                                   {
-                                      {kProcessor, ForAll<&TFacts::packages, ReportProcessor>},
-                                      {kCore, ReportCores},
-                                      {kThread, ReportThreads},
-                                      {kCache, ReportCaches},
-                                      {kNode, ReportNodes},
-                                      {kVulnerability, ReportVulnerabilities},
-                                      {"MOLTA_SystemProcessor", ForAll<&TFacts::packages, TieProcessor>},
-                                      {"MOLTA_CoreOfProcessor", ForAll<&TFacts::cores, TieCore>},
-                                      {"MOLTA_ThreadOfCore", ForAll<&TFacts::threads, TieThread>},
-                                      {"MOLTA_SystemCacheMemory", ForAll<&TFacts::caches, TieCache>},
-                                      {"MOLTA_AssociatedCacheMemory", ForAll<&TFacts::caches, TieCacheToProcessor>},
-                                      {"MOLTA_SystemNUMANode", ForAll<&TFacts::nodes, TieNode>},
-                                      {"MOLTA_NUMANodeProcessor", ForAll<&TFacts::nodes, TieNodeToProcessors>},
+                                      {kProcessor, ForEach<&TFacts::packages, ReportProcessor>},
+                                      {kCore, ForEach<&TFacts::cores, ReportCore>, &TFacts::threadListing},
+                                      {kThread, ForEach<&TFacts::threads, ReportThread>, &TFacts::threadListing},
+                                      {kCache, ForEach<&TFacts::caches, ReportCache>, &TFacts::cacheListing},
+                                      {kNode, ForEach<&TFacts::nodes, ReportNode>, &TFacts::nodeListing},
+                                      {kVulnerability, ForEach<&TFacts::vulnerabilities, ReportVulnerability>,
+                                       &TFacts::vulnerabilityListing},
+                                      {"MOLTA_SystemProcessor", ForEach<&TFacts::packages, TieProcessor>},
+                                      {"MOLTA_CoreOfProcessor", ForEach<&TFacts::cores, TieCore>},
+                                      {"MOLTA_ThreadOfCore", ForEach<&TFacts::threads, TieThread>},
+                                      {"MOLTA_SystemCacheMemory", ForEach<&TFacts::caches, TieCache>},
+                                      {"MOLTA_AssociatedCacheMemory", ForEach<&TFacts::caches, TieCacheToProcessor>},
+                                      {"MOLTA_SystemNUMANode", ForEach<&TFacts::nodes, TieNode>},
+                                      {"MOLTA_NUMANodeProcessor", ForEach<&TFacts::nodes, TieNodeToProcessors>},
                                   });
 
 }  // namespace

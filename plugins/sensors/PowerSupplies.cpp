@@ -19,7 +19,9 @@ constexpr TWord kChemistries[] = {{"Unknown", 2}, {"NiCd", 4}, {"NiMH", 5}, {"Li
 constexpr TWord kChargeStates[] = {
     {"Unknown", 0}, {"Charging", 1}, {"Discharging", 2}, {"Not charging", 3}, {"Full", 4}};
 constexpr TWord kScopes[] = {{"Unknown", 0}, {"System", 1}, {"Device", 2}};
-constexpr TWord kSupplyKinds[] = {{"Mains", 1}, {"USB", 2}, {"Wireless", 3}};
+// Old kernels tell the kinds of USB ports and plugs apart.
+constexpr TWord kSupplyKinds[] = {{"Unknown", 0}, {"Mains", 1},   {"USB", 2},   {"Wireless", 3}, {"USB_DCP", 2},
+                                  {"USB_CDP", 2}, {"USB_ACA", 2}, {"USB_C", 2}, {"USB_PD", 2},   {"USB_PD_DRP", 2}};
 
 template <size_t count>
 TFact<uint16_t> ReadWord(const TSystemRoot& root, const std::string& path, const TWord (&words)[count]) {

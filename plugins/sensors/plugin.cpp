@@ -24,6 +24,9 @@ TPath SensorPath(const TSensor& sensor) {
     return DevicePath(kSensorClasses[static_cast<size_t>(sensor.kind)], sensor.id);
 }
 
+TPath BatteryPath(const TBattery& battery) { return DevicePath(kBattery, battery.name); }
+TPath PowerSupplyPath(const TPowerSupply& supply) { return DevicePath(kPowerSupply, supply.name); }
+
 struct TReading {
     const char* property;
     TFact<double> TSensor::*fact;
@@ -87,7 +90,7 @@ void AddEnergy(TInstanceReport& report, const TBattery& battery) {
 }
 
 kyrStatusCode ReportBattery(kyrIOHandle handle, const TBattery& battery) {
-    TInstanceReport report(handle, DevicePath(kBattery, battery.name));
+    TInstanceReport report(handle, BatteryPath(battery));
     report.Set("Caption", "Battery " + battery.model.ValueOr(battery.name));
     report.Set("ElementName", battery.name);
     report.Add("Manufacturer", battery.manufacturer);
@@ -105,11 +108,11 @@ kyrStatusCode ReportBattery(kyrIOHandle handle, const TBattery& battery) {
 
 kyrStatusCode ReportBatteries(kyrIOHandle handle, const TFacts& facts) {
     LogIfAbsent(kBattery, facts.power.listing);
-    return ReportEach(facts.power.batteries, [&](const TBattery& battery) { return ReportBattery(handle, battery); });
+    return ReportEach(handle, facts.power.batteries, ReportBattery);
 }
 
 kyrStatusCode ReportPowerSupply(kyrIOHandle handle, const TPowerSupply& supply) {
-    TInstanceReport report(handle, DevicePath(kPowerSupply, supply.name));
+    TInstanceReport report(handle, PowerSupplyPath(supply));
     report.Set("Caption", "Power supply " + supply.name);
     report.Set("ElementName", supply.name);
     report.Add("Kind", supply.kind);
@@ -119,24 +122,17 @@ kyrStatusCode ReportPowerSupply(kyrIOHandle handle, const TPowerSupply& supply) 
 
 kyrStatusCode ReportPowerSupplies(kyrIOHandle handle, const TFacts& facts) {
     LogIfAbsent(kPowerSupply, facts.power.listing);
-    return ReportEach(facts.power.supplies,
-                      [&](const TPowerSupply& supply) { return ReportPowerSupply(handle, supply); });
+    return ReportEach(handle, facts.power.supplies, ReportPowerSupply);
 }
 
 kyrStatusCode ReportSystemSensors(kyrIOHandle handle, const TFacts& facts) {
-    return ReportEach(facts.sensors.sensors, [&](const TSensor& sensor) {
-        return ReportSystemDevice(handle, kSystemSensor, SensorPath(sensor));
-    });
+    return ReportSystemDevices(handle, kSystemSensor, facts.sensors.sensors, SensorPath);
 }
 
 kyrStatusCode ReportSystemPowerSources(kyrIOHandle handle, const TFacts& facts) {
-    const kyrStatusCode status = ReportEach(facts.power.batteries, [&](const TBattery& battery) {
-        return ReportSystemDevice(handle, kSystemPowerSource, DevicePath(kBattery, battery.name));
-    });
+    const kyrStatusCode status = ReportSystemDevices(handle, kSystemPowerSource, facts.power.batteries, BatteryPath);
     if (status != kyrStatusOK) return status;
-    return ReportEach(facts.power.supplies, [&](const TPowerSupply& supply) {
-        return ReportSystemDevice(handle, kSystemPowerSource, DevicePath(kPowerSupply, supply.name));
-    });
+    return ReportSystemDevices(handle, kSystemPowerSource, facts.power.supplies, PowerSupplyPath);
 }
 
 const TDataPlugin<TFacts> gPlugin("sensors", Read,

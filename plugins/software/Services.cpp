@@ -8,22 +8,21 @@ namespace {
 
 // What stands in an earlier folder hides the unit of that name in a later one.
 constexpr const char* kVendorFolder = "/usr/lib/systemd/system";
-constexpr const char* kUnitFolders[] = {"/etc/systemd/system", "/run/systemd/system", "/usr/local/lib/systemd/system",
-                                        kVendorFolder, "/lib/systemd/system"};
-constexpr const char* kEnablingFolders[] = {"/etc/systemd/system", "/run/systemd/system"};
+constexpr const char* kUnitFolders[] = {
+    "/etc/systemd/system", "/run/systemd/system", "/run/systemd/generator",     "/usr/local/lib/systemd/system",
+    kVendorFolder,         "/lib/systemd/system", "/run/systemd/generator.late"};
+constexpr const char* kEnablingFolders[] = {"/etc/systemd/system", "/run/systemd/system", "/run/systemd/generator",
+                                            "/run/systemd/generator.late"};
 constexpr const char* kSlice = "/sys/fs/cgroup/system.slice";
 constexpr const char* kOldSlice = "/sys/fs/cgroup/systemd/system.slice";
 
 bool IsService(std::string_view name) { return EndsWith(name, ".service") && !EndsWith(name, "@.service"); }
 
-// The services that some other unit wants to have started.
-std::set<std::string> FindEnabled(const TSystemRoot& root) {
-    std::set<std::string> enabled;
-    for (const char* folder : kEnablingFolders)
-        for (const std::string& entry : root.Names(folder))
-            if (EndsWith(entry, ".wants") || EndsWith(entry, ".requires"))
-                for (std::string& unit : root.Names(std::string(folder) + "/" + entry)) enabled.insert(std::move(unit));
-    return enabled;
+// Where the unit stands, were it only a link that leads nowhere; empty if there is none.
+std::string FindFile(const TSystemRoot& root, const std::string& name) {
+    for (const char* folder : kUnitFolders)
+        if (std::string path = std::string(folder) + "/" + name; root.ReadLink(path) || root.Exists(path)) return path;
+    return "";
 }
 
 // The template of which a unit such as "getty@tty1.service" is made; the name itself for others.
@@ -32,12 +31,37 @@ std::string TemplateOf(const std::string& name) {
     return at == std::string::npos ? name : name.substr(0, at + 1) + ".service";
 }
 
-TFact<std::string> ReadUnit(const TSystemRoot& root, const std::string& name) {
-    for (const char* folder : kUnitFolders) {
-        const std::string path = std::string(folder) + "/" + TemplateOf(name);
-        if (root.Exists(path)) return root.ReadFile(path, 1 << 20);
-    }
-    return TFact<std::string>::Missing(EAbsence::eNotPresent, std::string(kVendorFolder) + "/" + TemplateOf(name));
+// What comes behind the '@' in such a name.
+std::string InstanceOf(const std::string& name) {
+    const size_t at = std::min(name.find('@'), name.size() - 1) + 1;
+    return name.substr(at, name.rfind('.') - at);
+}
+
+// The service that the name is another one of, as a link to its unit tells; empty if it is none.
+std::string RealNameOf(const TSystemRoot& root, const std::string& path, const std::string& name) {
+    const std::string target = root.ReadLinkName(path).ValueOr("");
+    return IsService(target) && target != name ? target : "";
+}
+
+// The services that some other unit wants to have started, and those that were given another name to be called by.
+std::set<std::string> FindEnabled(const TSystemRoot& root) {
+    std::set<std::string> enabled;
+    for (const std::string folder : kEnablingFolders)
+        for (const std::string& entry : root.Names(folder)) {
+            const std::string path = folder + "/" + entry;
+            if (EndsWith(entry, ".wants") || EndsWith(entry, ".requires") || EndsWith(entry, ".upholds"))
+                for (std::string& unit : root.Names(path)) enabled.insert(std::move(unit));
+            if (std::string service = RealNameOf(root, path, entry); !service.empty())
+                enabled.insert(std::move(service));
+        }
+    return enabled;
+}
+
+// What is made of a template need not have a file of its own.
+TFact<std::string> ReadUnit(const TSystemRoot& root, const std::string& name, std::string path) {
+    if (path.empty()) path = FindFile(root, TemplateOf(name));
+    if (path.empty()) path = std::string(kVendorFolder) + "/" + TemplateOf(name);
+    return root.ReadFile(path, 1 << 20);
 }
 
 std::optional<std::string> FindSetting(std::string_view unit, std::string_view name) {
@@ -49,10 +73,14 @@ std::optional<std::string> FindSetting(std::string_view unit, std::string_view n
     return std::nullopt;
 }
 
-bool IsMasked(const TSystemRoot& root, const std::string& name) {
-    for (const char* folder : kEnablingFolders)
-        if (root.ReadLinkName(std::string(folder) + "/" + name).ValueOr("") == "null") return true;
-    return false;
+// With the instance in place of "%i" and "%I".
+std::string WithInstance(std::string text, const std::string& instance) {
+    for (size_t at = 0; (at = text.find('%', at)) != std::string::npos; ++at)
+        if (const char c = text[at + 1]; c == 'i' || c == 'I') {
+            text.replace(at, 2, instance);
+            at += instance.size() - 1;
+        }
+    return text;
 }
 
 uint16_t StartModeOf(const std::string& unit, bool enabled) {
@@ -61,24 +89,38 @@ uint16_t StartModeOf(const std::string& unit, bool enabled) {
     return canBeEnabled ? eDisabled : eStatic;
 }
 
-// A service runs while its control group has processes.
+// Those that are made of one template have a slice of their own: "system-getty.slice/getty@tty1.service".
+std::string GroupOf(const std::string& name) {
+    const size_t at = name.find('@');
+    if (at == std::string::npos) return name;
+    std::string slice;
+    for (const char c : name.substr(0, at)) slice += c == '-' ? "\\x2d" : std::string(1, c);
+    return "system-" + slice + ".slice/" + name;
+}
+
+// A service runs while its control group, or one below it, has processes. Old kernels tell only of the first.
 TFact<bool> FindRunning(const TSystemRoot& root, const std::string& name) {
     const std::string slice = root.Exists(kSlice) ? kSlice : kOldSlice;
     if (!root.Exists(slice)) return TFact<bool>::Missing(EAbsence::eNotPresent, slice);
-    const std::string path = slice + "/" + name + "/cgroup.procs";
-    return TFact<bool>::Of(!root.ReadFile(path).ValueOr("").empty(), path);
+    const std::string folder = slice + "/" + GroupOf(name);
+    const TFact<std::string> events = root.ReadFile(folder + "/cgroup.events");
+    if (events) return TFact<bool>::Of(events->find("populated 1") != std::string::npos, events.source);
+    const TFact<std::string> processes = root.ReadFile(folder + "/cgroup.procs");
+    return TFact<bool>::Of(!processes.ValueOr("").empty(), processes.source);
 }
 
-TService MakeService(const TSystemRoot& root, const std::string& name, bool enabled) {
+TService MakeService(const TSystemRoot& root, const std::string& name, const std::string& path, bool enabled) {
     TService service;
     service.name = name;
     service.running = FindRunning(root, name);
-    if (IsMasked(root, name)) {
-        service.startMode = TFact<uint16_t>::Of(eMasked, std::string(kUnitFolders[0]) + "/" + name);
+    if (root.ReadLinkName(path).ValueOr("") == "null") {
+        service.startMode = TFact<uint16_t>::Of(eMasked, path);
         return service;
     }
-    const TFact<std::string> unit = ReadUnit(root, name);
-    service.description = unit.Map([](const std::string& text) { return FindSetting(text, "Description"); });
+    const TFact<std::string> unit = ReadUnit(root, name, path);
+    service.description =
+        unit.Map([](const std::string& text) { return FindSetting(text, "Description"); })
+            .Map([&](const std::string& text) { return std::optional(WithInstance(text, InstanceOf(name))); });
     service.startMode =
         unit.Map([enabled](const std::string& text) { return std::optional<uint16_t>(StartModeOf(text, enabled)); });
     return service;
@@ -88,14 +130,16 @@ TService MakeService(const TSystemRoot& root, const std::string& name, bool enab
 
 TFact<std::vector<TService>> ReadServices(const TSystemRoot& root) {
     const std::set<std::string> enabled = FindEnabled(root);
-    std::set<std::string> names;
-    for (const std::string& name : enabled)
-        if (IsService(name)) names.insert(name);
+    std::set<std::string> names = enabled;
     for (const char* folder : kUnitFolders)
-        for (const std::string& name : root.Names(folder))
-            if (IsService(name)) names.insert(name);
-    if (names.empty()) return TFact<std::vector<TService>>::Missing(EAbsence::eNotPresent, kVendorFolder);
+        for (std::string& name : root.Names(folder)) names.insert(std::move(name));
     std::vector<TService> services;
-    for (const std::string& name : names) services.push_back(MakeService(root, name, enabled.count(name) != 0));
+    for (const std::string& name : names) {
+        if (!IsService(name)) continue;
+        const std::string path = FindFile(root, name);
+        if (RealNameOf(root, path, name).empty())
+            services.push_back(MakeService(root, name, path, enabled.count(name) != 0));
+    }
+    if (services.empty()) return TFact<std::vector<TService>>::Missing(EAbsence::eNotPresent, kVendorFolder);
     return TFact<std::vector<TService>>::Of(std::move(services), kVendorFolder);
 }

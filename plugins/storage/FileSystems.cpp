@@ -108,13 +108,7 @@ void AddSpace(const TSpaceReader& reader, const TMount& mount, TFileSystem& file
     if (space || fileSystem.space.source.empty()) fileSystem.space = std::move(space);
 }
 
-}  // namespace
-
-void ReadFileSystems(const TSystemRoot& root, TStorage& storage) {
-    const std::vector<const TBlockDevice*> devices = EnumerateDevices(storage);
-    TFileSystemList list(devices, storage.fileSystems);
-    storage.mounts = ReadMounts(root);
-    if (!storage.mounts) return;
+void ReadMounted(const TSystemRoot& root, TFileSystemList& list, TStorage& storage) {
     const TSpaceReader space(root, *storage.mounts);
     for (TMount& mount : *storage.mounts.value) {
         TFileSystem* const fileSystem = list.Take(mount);
@@ -122,4 +116,20 @@ void ReadFileSystems(const TSystemRoot& root, TStorage& storage) {
         mount.fileSystem = fileSystem->name;
         AddSpace(space, mount, *fileSystem);
     }
+}
+
+// Only what is mounted can be asked.
+void ExplainUnasked(TStorage& storage) {
+    for (TFileSystem& fileSystem : storage.fileSystems)
+        if (fileSystem.space.source.empty()) fileSystem.space = TFact<TSpace>::Missing(storage.mounts.absence, kMounts);
+}
+
+}  // namespace
+
+void ReadFileSystems(const TSystemRoot& root, TStorage& storage) {
+    const std::vector<const TBlockDevice*> devices = EnumerateDevices(storage);
+    TFileSystemList list(devices, storage.fileSystems);
+    storage.mounts = ReadMounts(root);
+    if (storage.mounts) ReadMounted(root, list, storage);
+    ExplainUnasked(storage);
 }

@@ -9,11 +9,12 @@ struct TMappedKind {
     EVolumeType type;
 };
 
-constexpr TMappedKind kMappedKinds[] = {{"LVM-", EVolumeType::eLogicalVolume},
-                                        {"CRYPT-", EVolumeType::eEncrypted},
-                                        {"mpath-", EVolumeType::eMultipath},
-                                        {"part", EVolumeType::ePartition},
-                                        {"DMRAID-", EVolumeType::eFirmwareRaid}};
+// The first that fits counts: what only guards data from change does not hide it.
+constexpr TMappedKind kMappedKinds[] = {
+    {"LVM-", EVolumeType::eLogicalVolume},     {"CRYPT-VERITY-", EVolumeType::eOther},
+    {"CRYPT-INTEGRITY-", EVolumeType::eOther}, {"CRYPT-", EVolumeType::eEncrypted},
+    {"mpath-", EVolumeType::eMultipath},       {"part", EVolumeType::ePartition},
+    {"DMRAID-", EVolumeType::eFirmwareRaid}};
 
 EVolumeType MappedTypeOf(std::string_view identifier) {
     for (const TMappedKind& entry : kMappedKinds)

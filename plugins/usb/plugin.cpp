@@ -25,7 +25,7 @@ std::string Caption(const TUsbDevice& device) {
     return maker.empty() || product.empty() ? maker + product : maker + ' ' + product;
 }
 
-// What there is of a fact of the interfaces, each value once.
+// What there is of a fact of the interfaces, each value once; or why the first has none.
 template <typename F>
 void AddInterfaceTexts(TInstanceReport& report, const char* property, const TUsbDevice& device, F factOf) {
     std::vector<std::string> texts;
@@ -33,7 +33,10 @@ void AddInterfaceTexts(TInstanceReport& report, const char* property, const TUsb
         if (const TFact<std::string>& fact = factOf(interface);
             fact && std::find(texts.begin(), texts.end(), *fact) == texts.end())
             texts.push_back(*fact);
-    if (!texts.empty()) report.Set(property, texts);
+    if (!texts.empty())
+        report.Set(property, texts);
+    else if (!device.interfaces.empty())
+        report.Add(property, factOf(device.interfaces.front()));
 }
 
 void AddIdentity(TInstanceReport& report, const TUsbDevice& device) {
@@ -75,38 +78,26 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TUsbDevice& device) {
     return report.Finish();
 }
 
-kyrStatusCode ReportDevices(kyrIOHandle handle, const TUsbFacts& facts) {
-    LogIfAbsent(kDevice, facts.listing);
-    return ReportEach(facts.devices, [handle](const TUsbDevice& device) { return ReportDevice(handle, device); });
+kyrStatusCode TieToSystem(kyrIOHandle handle, const TUsbDevice& device) {
+    return ReportSystemDevice(handle, kSystemDevice, DevicePath(kDevice, device.id));
 }
 
-kyrStatusCode ReportSystemDevices(kyrIOHandle handle, const TUsbFacts& facts) {
-    return ReportEach(facts.devices, [handle](const TUsbDevice& device) {
-        return ReportSystemDevice(handle, kSystemDevice, DevicePath(kDevice, device.id));
-    });
+kyrStatusCode TieToHub(kyrIOHandle handle, const TUsbDevice& device) {
+    if (device.hub.empty()) return kyrStatusOK;
+    return ReportTie(handle, kHubDevice, "Antecedent", DevicePath(kDevice, device.hub), "Dependent",
+                     DevicePath(kDevice, device.id));
 }
 
-kyrStatusCode ReportHubDevices(kyrIOHandle handle, const TUsbFacts& facts) {
-    return ReportEach(facts.devices, [handle](const TUsbDevice& device) {
-        if (device.hub.empty()) return kyrStatusOK;
-        return ReportTie(handle, kHubDevice, "Antecedent", DevicePath(kDevice, device.hub), "Dependent",
-                         DevicePath(kDevice, device.id));
-    });
-}
-
-kyrStatusCode ReportControllerHubs(kyrIOHandle handle, const TUsbFacts& facts) {
-    if (!IsKnownClass(handle, kPciDevice)) return kyrStatusOK;
-    return ReportEach(facts.devices, [handle](const TUsbDevice& device) {
-        if (device.controller.empty()) return kyrStatusOK;
-        return ReportTie(handle, kControllerHub, "Antecedent", DevicePath(kPciDevice, device.controller), "Dependent",
-                         DevicePath(kDevice, device.id));
-    });
+kyrStatusCode TieToController(kyrIOHandle handle, const TUsbDevice& device) {
+    if (device.controller.empty() || !IsKnownClass(handle, kPciDevice)) return kyrStatusOK;
+    return ReportTie(handle, kControllerHub, "Antecedent", DevicePath(kPciDevice, device.controller), "Dependent",
+                     DevicePath(kDevice, device.id));
 }
 
 const TDataPlugin<TUsbFacts> gPlugin("usb", ReadUsb,
-                                     {{kDevice, ReportDevices},
-                                      {kSystemDevice, ReportSystemDevices},
-                                      {kHubDevice, ReportHubDevices},
-                                      {kControllerHub, ReportControllerHubs}});
+                                     {{kDevice, ForEach<&TUsbFacts::devices, ReportDevice>, &TUsbFacts::listing},
+                                      {kSystemDevice, ForEach<&TUsbFacts::devices, TieToSystem>},
+                                      {kHubDevice, ForEach<&TUsbFacts::devices, TieToHub>},
+                                      {kControllerHub, ForEach<&TUsbFacts::devices, TieToController>}});
 
 }  // namespace

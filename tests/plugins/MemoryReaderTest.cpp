@@ -59,14 +59,3 @@ TEST(MemoryReaderTest, NumbersThatDoNotFitAreNotSupported) {
     EXPECT_FALSE(usage.available);
     EXPECT_EQ(usage.swapTotal.value, UINT64_MAX);
 }
-
-TEST(MemoryReaderTest, PathsOfSwapAreasAreUnescaped) {
-    const auto areas = ReadMachine("laptop").swapAreas;
-    ASSERT_EQ(areas.size(), 2u);
-    EXPECT_EQ(areas[1].path, "/var/lib/my swap\tfile");
-    EXPECT_EQ(areas[1].priority.value, 5);
-    const auto hostile = ReadMachine("hostile").swapAreas;
-    ASSERT_EQ(hostile.size(), 2u);
-    EXPECT_EQ(hostile[0].path, "/dev/\\9zz\\40");
-    EXPECT_FALSE(hostile[1].used);
-}

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "SoftwareFacts.h"
 #include "support/TestSupport.h"
 
@@ -43,11 +45,21 @@ TEST(SoftwareReaderTest, ServicesTellHowTheyAreStartedAndWhetherTheyRun) {
     const std::string units = "usr/lib/systemd/system/", etc = "etc/systemd/system/";
     root.Write(units + "ssh.service", "[Unit]\nDescription=Secure shell\n[Install]\nWantedBy=multi-user.target\n");
     root.Write(units + "cron.service", "[Unit]\nDescription = Runs at times\n\n[Install]\n");
+    root.Write(units + "vsftpd.service", "[Install]\n");
     root.Write(units + "once.service", "[Unit]\n");
-    root.Write(units + "getty@.service", "[Unit]\nDescription=Getty\n");
+    root.Write(units + "my-getty@.service", "[Unit]\nDescription=Getty on %I, %p\n");
+    root.Write(units + "udevd.service", "[Unit]\nDescription=Watches\n");
+    std::filesystem::create_symlink("/dev/null", root.Path() + '/' + units + "old.service");
     root.Write(etc + "multi-user.target.wants/ssh.service", "");
-    root.Write(etc + "getty.target.wants/getty@tty1.service", "");
-    root.Write("sys/fs/cgroup/system.slice/ssh.service/cgroup.procs", "812\n");
+    root.Write(etc + "getty.target.wants/my-getty@tty1.service", "");
+    std::filesystem::create_symlink("/usr/lib/systemd/system/cron.service", root.Path() + '/' + etc + "times.service");
+    root.Write("run/systemd/generator.late/lsb.service", "[Unit]\nDescription=LSB: of a script\n");
+    root.Write("run/systemd/generator.late/multi-user.target.wants/lsb.service", "");
+    const std::string slice = "sys/fs/cgroup/system.slice/";
+    root.Write(slice + "ssh.service/cgroup.procs", "812\n");
+    root.Write(slice + "udevd.service/cgroup.procs", "");
+    root.Write(slice + "udevd.service/cgroup.events", "populated 1\nfrozen 0\n");
+    root.Write(slice + "system-my\\x2dgetty.slice/my-getty@tty1.service/cgroup.procs", "813\n");
     const auto services = ReadServices(TSystemRoot(root.Path()));
     ASSERT_TRUE(services);
     const struct {
@@ -55,10 +67,14 @@ TEST(SoftwareReaderTest, ServicesTellHowTheyAreStartedAndWhetherTheyRun) {
         uint16_t startMode;
         const char* description;
         bool running;
-    } expected[] = {{"cron.service", eDisabled, "Runs at times", false},
-                    {"getty@tty1.service", eEnabled, "Getty", false},
+    } expected[] = {{"cron.service", eEnabled, "Runs at times", false},
+                    {"lsb.service", eEnabled, "LSB: of a script", false},
+                    {"my-getty@tty1.service", eEnabled, "Getty on tty1, %p", true},
+                    {"old.service", eMasked, "", false},
                     {"once.service", eStatic, "", false},
-                    {"ssh.service", eEnabled, "Secure shell", true}};
+                    {"ssh.service", eEnabled, "Secure shell", true},
+                    {"udevd.service", eStatic, "Watches", true},
+                    {"vsftpd.service", eDisabled, "", false}};
     ASSERT_EQ(services->size(), std::size(expected));
     for (size_t i = 0; i < std::size(expected); ++i) {
         SCOPED_TRACE(expected[i].name);

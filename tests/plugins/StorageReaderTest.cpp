@@ -6,96 +6,6 @@
 #include "Space.h"
 #include "support/TestSupport.h"
 
-namespace {
-
-TStorage Read(const std::string& machine) { return ReadStorage(TSystemRoot(MACHINES "/" + machine)); }
-
-template <typename T>
-const T& Get(const std::vector<T>& list, const std::string& name) {
-    for (const T& item : list)
-        if (item.name == name) return item;
-    throw std::runtime_error("there is no " + name);
-}
-
-// What a device is on, down to the disks: "dm-0(md0(sda2(sda) sdb2(sdb)))".
-std::string Below(const TStorage& storage, const std::string& name) {
-    std::vector<std::string> lower;
-    if (storage.devices.at(name).kind == EDeviceKind::ePartition) lower = {Get(storage.partitions, name).parent};
-    if (storage.devices.at(name).kind == EDeviceKind::eVolume) lower = Get(storage.volumes, name).components;
-    std::string text;
-    for (const std::string& device : lower) text += (text.empty() ? "" : " ") + Below(storage, device);
-    return text.empty() ? name : name + "(" + text + ")";
-}
-
-std::string BelowMount(const TStorage& storage, const std::string& mount) {
-    const std::string& fileSystem = Get(*storage.mounts, mount).fileSystem;
-    std::string text = fileSystem;
-    for (const std::string& device : Get(storage.fileSystems, fileSystem).devices) text += " " + Below(storage, device);
-    return text;
-}
-
-}  // namespace
-
-TEST(StorageReaderTest, MountLeadsToTheDisksBelow) {
-    const struct {
-        const char *machine, *mount, *below;
-    } kCases[] = {
-        {"server", "/", "/dev/mapper/vg0-root dm-0(md0(sda2(sda) sdb2(sdb)))"},
-        {"server", "/srv/db", "/dev/mapper/vg0-var--lib dm-2(md0(sda2(sda) sdb2(sdb)))"},
-        {"server", "/mnt/backup", "nas01.example.net:/export/backup"},
-        {"laptop", "/home", "/dev/mapper/luks-c4c4c4c4-0004-4000-8000-000000000004 dm-0(nvme0n1p4(nvme0n1))"},
-        {"laptop", "/boot/efi#2", "/dev/nvme0n1p1 nvme0n1p1(nvme0n1)"},
-        {"laptop", "/run/media/anna/MY STICK", "/dev/sda1 sda1(sda)"},
-        {"nvme", "/srv/pg", "/dev/mapper/mpatha-part1 dm-1(dm-0(sda sdb))"},
-        {"nvme", "/srv/web", "/dev/mapper/mpatha-part1 dm-1(dm-0(sda sdb))"},
-        {"container", "/", "overlay /"},
-    };
-    for (const auto& c : kCases)
-        EXPECT_EQ(BelowMount(Read(c.machine), c.mount), c.below) << c.machine << " " << c.mount;
-}
-
-TEST(StorageReaderTest, DiskTellsWhatItIs) {
-    const TStorage server = Read("server"), laptop = Read("laptop"), virtualMachine = Read("virtual");
-    const TDisk& disk = Get(server.disks, "sda");
-    EXPECT_EQ(disk.busType, EBusType::eSas);
-    EXPECT_EQ(disk.size.ValueOr(0), 1200243695616u);
-    EXPECT_EQ(disk.serialNumber.ValueOr(""), "ZAD0EXM1");
-    EXPECT_EQ(disk.wwn.ValueOr(""), "0x5000c500a1b2c3d0");
-    EXPECT_EQ(disk.controller.pciAddress, "0000:c2:00.0");
-    EXPECT_EQ(Get(laptop.disks, "sda").controller.usbId, "2-1.2");
-    EXPECT_EQ(Get(laptop.disks, "nvme0n1").model.ValueOr(""), "EXAMPLE SSD PM9A1 1TB");
-    EXPECT_EQ(Get(virtualMachine.disks, "sr0").driveType, EDriveType::eOptical);
-    EXPECT_FALSE(Get(virtualMachine.disks, "vda").manufacturer);
-    EXPECT_EQ(Get(server.volumes, "md0").missingDevices.ValueOr(9), 0u);
-    EXPECT_EQ(Get(server.volumes, "dm-2").logicalVolume, "var-lib");
-    EXPECT_EQ(laptop.volumes.size(), 3u) << "a loop device that is not in use is none";
-}
-
-TEST(StorageReaderTest, PathsOfAnNvmeDiskAreTiedToIt) {
-    const TStorage storage = Read("nvme");
-    ASSERT_EQ(storage.diskPaths.size(), 2u);
-    EXPECT_EQ(storage.diskPaths[1].name, "nvme0c1n1");
-    EXPECT_EQ(storage.diskPaths[1].disk, "nvme0n1");
-    EXPECT_EQ(storage.diskPaths[1].controller.ValueOr(""), "nvme1");
-    EXPECT_EQ(storage.diskPaths[1].controllerDevice.pciAddress, "0000:02:00.0");
-    EXPECT_EQ(storage.diskPaths[1].accessState.ValueOr(""), "non-optimized");
-    EXPECT_EQ(storage.swaps.at(0).device, "dm-2");
-    EXPECT_EQ(DiskOfPath("nvme0n1") + DiskOfPath("nvme0") + DiskOfPath("nvmecn") + DiskOfPath("cciss!c0d0"), "");
-}
-
-TEST(StorageReaderTest, NamesAreUniqueHoweverHostileTheMachine) {
-    const TStorage storage = Read("hostile");
-    std::set<std::string> mounts, fileSystems;
-    for (const TMount& mount : *storage.mounts) EXPECT_TRUE(mounts.insert(mount.name).second) << mount.name;
-    for (const TFileSystem& item : storage.fileSystems) EXPECT_TRUE(fileSystems.insert(item.name).second) << item.name;
-    EXPECT_EQ(mounts.size(), 11u);
-    EXPECT_EQ(mounts.count("/a b\tc\nd\\e#3"), 1u);
-    EXPECT_TRUE(Get(*storage.mounts, "/a b\tc\nd\\e").covered);
-    EXPECT_EQ(Get(storage.disks, "sda").size.absence, EAbsence::eNotSupported);
-    EXPECT_EQ(Get(storage.partitions, "sda1").partitionName.ValueOr(""), "a\nb\"");
-    EXPECT_EQ(Get(storage.volumes, "dm-1").components, (std::vector<std::string>{"dm-0", "dm-1"}));
-}
-
 TEST(StorageReaderTest, OnlyFileSystemsThatAnswerAtOnceAreAsked) {
     const struct {
         const char *mounts, *reason;
@@ -158,6 +68,7 @@ TEST(StorageReaderTest, WordsOfTheKernelAreRead) {
     EXPECT_EQ(UnescapeOctal("a\\040b\\011\\134\\9\\"), "a b\t\\\\9\\");
     EXPECT_EQ(DecodeUdevText("a\\x20b\\xzz\\x2"), "a b\\xzz\\x2");
     EXPECT_EQ(MergeOptions("rw,relatime", "ro,relatime,size=4k"), "ro,relatime,size=4k");
+    EXPECT_EQ(DiskOfPath("nvme0n1") + DiskOfPath("nvme0") + DiskOfPath("nvmecn") + DiskOfPath("cciss!c0d0"), "");
     EXPECT_STREQ(FindPartitionTypeName("C12A7328-F81F-11D2-BA4B-00A0C93EC93B"), "EFI system");
     const struct {
         const char *name, *group, *volume;

@@ -1,50 +1,6 @@
-#include <algorithm>
+#include <gtest/gtest.h>
 
 #include "UsbFacts.h"
-#include "support/TestSupport.h"
-
-namespace {
-
-TUsbFacts ReadMachine(const std::string& name) { return ReadUsb(TSystemRoot(MACHINES "/" + name)); }
-
-const TUsbDevice& DeviceAt(const TUsbFacts& facts, const std::string& id) {
-    const auto found = std::find_if(facts.devices.begin(), facts.devices.end(),
-                                    [&](const TUsbDevice& device) { return device.id == id; });
-    if (found == facts.devices.end()) throw std::runtime_error("no device " + id);
-    return *found;
-}
-
-}  // namespace
-
-TEST(UsbReaderTest, LaptopHasAHubWithAnAdapterInIt) {
-    const TUsbFacts facts = ReadMachine("laptop");
-    ASSERT_EQ(facts.devices.size(), 8u);
-    const TUsbDevice& adapter = DeviceAt(facts, "2-1.4");
-    EXPECT_EQ(adapter.hub, "2-1");
-    EXPECT_EQ(*adapter.vendorName, "Realtek Semiconductor Corp.");
-    EXPECT_EQ(*adapter.productName, "RTL8153 Gigabit Ethernet Adapter");
-    EXPECT_EQ(*adapter.productText, "USB 10/100/1000 LAN");
-    EXPECT_EQ(*adapter.release, "30.00");
-    EXPECT_EQ(*adapter.speed, 5'000'000'000u);
-    EXPECT_EQ(*adapter.maxPower, 288u);
-    EXPECT_EQ(*adapter.interfaces.at(0).driver, "r8152");
-    EXPECT_EQ(*adapter.interfaces.at(0).usbClass.name, "Vendor Specific Class");
-    EXPECT_EQ(DeviceAt(facts, "2-1").hub, "usb2");
-    EXPECT_EQ(DeviceAt(facts, "usb2").controller, "0000:00:14.0");
-    EXPECT_EQ(*DeviceAt(facts, "usb2").interfaces.at(0).driver, "hub");
-    EXPECT_EQ(DeviceAt(facts, "1-10").productText.source, "/sys/bus/usb/devices/1-10/product");
-}
-
-TEST(UsbReaderTest, ADeviceThatTellsNonsenseIsInTheListWithoutIt) {
-    const TUsbFacts facts = ReadMachine("hostile");
-    const TUsbDevice& device = DeviceAt(facts, "1-1");
-    EXPECT_EQ(device.hub, "") << "there is no usb1";
-    EXPECT_EQ(*device.vendor, 0x046d);
-    EXPECT_EQ(device.manufacturerText->size(), 65536u);
-    for (const bool has : {!!device.release, !!device.version, !!device.speed, !!device.maxPower,
-                           !!device.usbClass.code, !!device.bus, !!device.vendorName})
-        EXPECT_FALSE(has);
-}
 
 TEST(UsbReaderTest, FieldsAreReadOrRefused) {
     EXPECT_EQ(HubOf("1-1.2.3"), "1-1.2");

@@ -11,8 +11,8 @@ import subprocess
 import sys
 import time
 
-EXPECTED = {"MOLTA_BaseBoard": 1, "MOLTA_Processor": 4, "MOLTA_ProcessorCore": 128, "MOLTA_HardwareThread": 256, "MOLTA_NUMANode": 4,
-            "MOLTA_CacheMemory": 128 * 3 + 4, "MOLTA_PhysicalMemory": 64, "MOLTA_PCIDevice": 4096,
+EXPECTED = {"MOLTA_BaseBoard": 1, "MOLTA_Processor": 4, "MOLTA_ProcessorCore": 128, "MOLTA_HardwareThread": 256,
+            "MOLTA_NUMANode": 4, "MOLTA_CacheMemory": 128 * 3 + 4, "MOLTA_PhysicalMemory": 64, "MOLTA_PCIDevice": 4096,
             "MOLTA_PCIBridgeDevice": 4096 - 256, "MOLTA_DiskDrive": 512, "MOLTA_DiskPartition": 1024,
             "MOLTA_PartitionBasedOn": 1024, "MOLTA_FileSystem": 1024 + 1, "MOLTA_Mount": 512 + 1,
             "MOLTA_MountedFileSystem": 512 + 1, "MOLTA_ResidesOnExtent": 1024, "MOLTA_NetworkAdapter": 256,

@@ -2,7 +2,7 @@
 import ipaddress
 import re
 
-from compare_tools import file_system, first, json_of, lower, maker, memory_module, number, output_of, tool
+from compare_tools import file_system, first, json_of, lower, maker, memory_module, named, number, output_of, tool
 
 
 def as_list(value):
@@ -28,8 +28,7 @@ def lshw():
 
 def lshw_system(node):
     yield "system", "host name", node["id"]
-    for what in ("vendor", "product", "version", "serial"):
-        yield "system", what, node.get(what)
+    yield from named("system", node.get, {what: what for what in ("vendor", "product", "version", "serial")})
     yield "system", "uuid", lower(node.get("configuration", {}).get("uuid"))
 
 
@@ -44,18 +43,15 @@ def lshw_processor(node):
     if node["class"] != "processor":
         return
     names = {"x86-64": "lm"}
-    told = {names.get(flag, flag) for flag in node.get("capabilities", {})}
-    yield "processor", "model", node.get("product")
-    yield "processor", "version", node.get("version")
-    yield "processor", "flags", frozenset(told - {"fpu_exception", "wp", "cpufreq"})
-    yield "processor", "width", node.get("width")
+    flags = {names.get(flag, flag) for flag in node.get("capabilities", {})}
+    yield from named("processor", node.get, {"model": "product", "version": "version", "width": "width"})
+    yield "processor", "flags", frozenset(flags - {"fpu_exception", "wp", "cpufreq"})
 
 
 def lshw_pci(node):
     slot = first(r"^pci@(\S+)", node.get("businfo", ""))
     if slot:
-        yield f"pci {slot}", "class", node.get("description")
-        yield f"pci {slot}", "vendor", node.get("vendor")
+        yield from named(f"pci {slot}", node.get, {"class": "description", "vendor": "vendor"})
         yield f"pci {slot}", "device", node.get("product") if node.get("product") != node.get("vendor") else None
         yield f"pci {slot}", "revision", number(node.get("version"), 16)
         yield f"pci {slot}", "driver", node.get("configuration", {}).get("driver")
@@ -74,10 +70,8 @@ def lshw_disk(node):
     names = as_list(node.get("logicalname"))
     for device in (name for name in names if name.startswith("/dev/")):
         if node["class"] == "disk":
-            for what in ("size", "serial"):
-                yield f"disk {device[5:]}", what, node.get(what)
+            yield from named(f"disk {device[5:]}", node.get, {"size": "size", "serial": "serial", "model": "product"})
             yield f"disk {device[5:]}", "vendor", maker(node.get("vendor"))
-            yield f"disk {device[5:]}", "model", node.get("product")
             yield f"disk {device[5:]}", "logical block", number(said.get("logicalsectorsize"))
         for target in (name for name in names if not name.startswith("/dev/")):
             yield f"mount {target}", "source", device
@@ -163,25 +157,31 @@ def facter():
         yield from extract(said)
 
 
+def asker(said):
+    """A function from "os.distro.id" to what is said there, None for nothing."""
+    def ask(path):
+        found = said
+        for name in path.split("."):
+            found = (found or {}).get(name)
+        return found
+    return ask
+
+
 def facter_system(said):
-    system, memory = said.get("os", {}), said.get("memory", {})
-    yield "system", "host name", said.get("networking", {}).get("hostname")
-    yield "system", "kernel release", said.get("kernelrelease")
-    yield "system", "architecture", system.get("hardware")
-    yield "system", "distribution", lower(system.get("distro", {}).get("id"))
-    yield "system", "description", system.get("distro", {}).get("description")
-    yield "system", "release", system.get("release", {}).get("major")
+    ask = asker(said)
+    yield from named("system", ask, {"host name": "networking.hostname", "kernel release": "kernelrelease",
+                                    "architecture": "os.hardware", "description": "os.distro.description",
+                                    "release": "os.release.major"})
+    yield "system", "distribution", lower(ask("os.distro.id"))
     yield "system", "hypervisor", next(iter(said.get("hypervisors", {})), None)
-    yield "memory", "total", memory.get("system", {}).get("total_bytes")
-    yield "memory", "swap", memory.get("swap", {}).get("total_bytes")
+    yield from named("memory", ask, {"total": "memory.system.total_bytes", "swap": "memory.swap.total_bytes"})
 
 
 def facter_processor(said):
     processors = said.get("processors", {})
     sockets = processors.get("physicalcount")
     yield "processor", "model", next(iter(processors.get("models", [])), None)
-    yield "processor", "sockets", sockets
-    yield "processor", "threads", processors.get("count")
+    yield from named("processor", processors.get, {"sockets": "physicalcount", "threads": "count"})
     yield "processor", "cores", processors["cores"] * sockets if "cores" in processors and sockets else None
 
 
@@ -202,29 +202,25 @@ def facter_address(binding):
 
 def facter_storage(said):
     for name, at in said.get("disks", {}).items():
-        for what in ("model", "serial"):
-            yield f"disk {name}", what, at.get(what)
+        yield from named(f"disk {name}", at.get, {"model": "model", "serial": "serial", "size": "size_bytes"})
         yield f"disk {name}", "vendor", maker(at.get("vendor"))
-        yield f"disk {name}", "size", at.get("size_bytes")
         yield f"disk {name}", "rotational", {"hdd": True, "ssd": False}.get(at.get("type"))
     for device, at in said.get("partitions", {}).items():
         if not device.startswith(("/dev/mapper/", "/dev/loop")):
-            yield f"partition {device[5:]}", "size", at.get("size_bytes")
+            yield from named(f"partition {device[5:]}", at.get, {"size": "size_bytes", "name": "partlabel"})
             yield f"partition {device[5:]}", "uuid", lower(at.get("partuuid"))
-            yield f"partition {device[5:]}", "name", at.get("partlabel")
         yield from file_system(device, at.get("filesystem"), at.get("uuid"), at.get("label"))
     for target, at in said.get("mountpoints", {}).items():
-        yield f"mount {target}", "source", at.get("device")
-        yield f"mount {target}", "type", at.get("filesystem")
+        yield from named(f"mount {target}", at.get, {"source": "device", "type": "filesystem"})
         yield f"mount {target}", "size", at.get("size_bytes") or None
         yield f"mount {target}", "options", frozenset(at.get("options", [])) or None
 
 
 def facter_firmware(said):
-    dmi = said.get("dmi", {})
-    board, product, firmware = (dmi.get(name, {}) for name in ("board", "product", "bios"))
-    yield from (("firmware", "vendor", firmware.get("vendor")), ("firmware", "version", firmware.get("version")),
-                ("firmware", "date", firmware.get("release_date")), ("system", "vendor", dmi.get("manufacturer")),
-                ("system", "product", product.get("name")), ("system", "serial", product.get("serial_number")),
-                ("system", "uuid", lower(product.get("uuid"))), ("board", "vendor", board.get("manufacturer")),
-                ("board", "product", board.get("product")), ("board", "serial", board.get("serial_number")))
+    ask = asker(said.get("dmi", {}))
+    yield from named("firmware", ask, {"vendor": "bios.vendor", "version": "bios.version", "date": "bios.release_date"})
+    yield from named("board", ask, {"vendor": "board.manufacturer", "product": "board.product",
+                                   "serial": "board.serial_number"})
+    yield from named("system", ask, {"vendor": "manufacturer", "product": "product.name",
+                                    "serial": "product.serial_number"})
+    yield "system", "uuid", lower(ask("product.uuid"))

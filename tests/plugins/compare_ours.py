@@ -3,6 +3,8 @@ import collections
 import json
 import subprocess
 
+from compare_tools import lower, named
+
 
 def collect(command):
     collected = subprocess.run([*command[:1], "collect", "--json", *command[1:]], stdout=subprocess.PIPE, check=True)
@@ -34,15 +36,6 @@ def instance_of(told):
 
     value.text = lambda name: told["properties"].get(name, {}).get("text")
     return value
-
-
-def lower(text):
-    return text.lower() if text else None
-
-
-def named(thing, instance, names):
-    for what, name in names.items():
-        yield thing, what, instance(name)
 
 
 def bios_date(moment):

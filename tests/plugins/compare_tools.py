@@ -64,20 +64,23 @@ def blocks_of(text):
         yield block, {name.strip(): value.strip() for name, value in pairs}
 
 
+def named(thing, ask, names):
+    """A fact for each name that one can ask by."""
+    for what, name in names.items():
+        yield thing, what, ask(name)
+
+
 @tool("uname")
 def uname():
-    yield "system", "host name", output_of("uname -n")
-    yield "system", "kernel release", output_of("uname -r")
-    yield "system", "kernel version", output_of("uname -v")
-    yield "system", "architecture", output_of("uname -m")
+    yield from named("system", lambda option: output_of(f"uname {option}"),
+                    {"host name": "-n", "kernel release": "-r", "kernel version": "-v", "architecture": "-m"})
 
 
 @tool("lsb_release")
 def lsb_release():
     for _, said in blocks_of(output_of("lsb_release -idr")):
         yield "system", "distribution", lower(said.get("Distributor ID"))
-        yield "system", "description", said.get("Description")
-        yield "system", "release", said.get("Release")
+        yield from named("system", said.get, {"description": "Description", "release": "Release"})
 
 
 @tool("lscpu")
@@ -86,8 +89,7 @@ def lscpu():
     threads, per_core = number(said.get("CPU(s)")), number(said.get("Thread(s) per core"))
     yield "system", "architecture", said.get("Architecture")
     yield "system", "hypervisor", lower(said.get("Hypervisor vendor"))
-    yield "processor", "model", said.get("Model name")
-    yield "processor", "vendor", said.get("Vendor ID")
+    yield from named("processor", said.get, {"model": "Model name", "vendor": "Vendor ID"})
     version = [said.get(name) for name in ("CPU family", "Model", "Stepping")]
     yield "processor", "version", ".".join(version) if all(version) else None
     yield "processor", "sockets", number(said.get("Socket(s)"))
@@ -97,19 +99,9 @@ def lscpu():
     yield "processor", "flags", frozenset(said.get("Flags", "").split()) or None
     yield "numa", "nodes", number(said.get("NUMA node(s)"))
     for cache in json_of("lscpu -C -J -B").get("caches", []):
-        yield f"cache {cache['name']}", "size", number(cache["one-size"])
-        yield f"cache {cache['name']}", "total", number(cache["all-size"])
-        yield f"cache {cache['name']}", "ways", cache["ways"]
-        yield f"cache {cache['name']}", "line", cache["coherency-size"]
-
-
-@tool("getconf")
-def getconf():
-    said = dict(line.split(None, 1) for line in lines_of("getconf -a") if len(line.split(None, 1)) == 2)
-    for cache, name in (("L1d", "LEVEL1_DCACHE"), ("L1i", "LEVEL1_ICACHE"), ("L2", "LEVEL2_CACHE"),
-                        ("L3", "LEVEL3_CACHE")):
-        for what, suffix in (("size", "SIZE"), ("ways", "ASSOC"), ("line", "LINESIZE")):
-            yield f"cache {cache}", what, number(said.get(f"{name}_{suffix}")) or None
+        thing = f"cache {cache['name']}"
+        yield from named(thing, lambda name: number(str(cache[name])),
+                        {"size": "one-size", "total": "all-size", "ways": "ways", "line": "coherency-size"})
 
 
 @tool("free")
@@ -145,38 +137,28 @@ def lsblk():
 
 def lsblk_disk(at):
     disk = f"disk {at['name']}"
-    for what in ("size", "model", "serial", "wwn", "rev"):
-        yield disk, what, at[what]
     yield disk, "vendor", maker(at["vendor"])
-    yield disk, "rotational", at["rota"]
-    yield disk, "removable", at["rm"]
-    yield disk, "read only", at["ro"]
-    yield disk, "logical block", at["log-sec"]
-    yield disk, "physical block", at["phy-sec"]
-    yield disk, "partition table", at["pttype"]
-    yield disk, "partition table uuid", at["ptuuid"]
+    yield from named(disk, at.get, {
+        "size": "size", "model": "model", "serial": "serial", "wwn": "wwn", "rev": "rev", "rotational": "rota",
+        "removable": "rm", "read only": "ro", "logical block": "log-sec", "physical block": "phy-sec",
+        "partition table": "pttype", "partition table uuid": "ptuuid"})
 
 
 def lsblk_partition(at):
     part = f"partition {at['name']}"
-    yield part, "size", at["size"]
     yield part, "start", at["start"] * 512 if at["start"] is not None else None  # always in units of 512 bytes
-    yield part, "type", lower(at["parttype"])
-    yield part, "uuid", lower(at["partuuid"])
-    yield part, "name", at["partlabel"]
+    yield from named(part, at.get, {"size": "size", "name": "partlabel"})
+    yield from named(part, lambda name: lower(at[name]), {"type": "parttype", "uuid": "partuuid"})
 
 
 def memory_module(locator, size, vendor, part, serial):
-    yield f"memory module {locator}", "size", size
-    yield f"memory module {locator}", "vendor", vendor
-    yield f"memory module {locator}", "part", part
-    yield f"memory module {locator}", "serial", serial
+    for what, value in (("size", size), ("vendor", vendor), ("part", part), ("serial", serial)):
+        yield f"memory module {locator}", what, value
 
 
 def file_system(device, kind, uuid, label):
-    yield f"file system {device}", "type", kind
-    yield f"file system {device}", "uuid", uuid
-    yield f"file system {device}", "label", label
+    for what, value in (("type", kind), ("uuid", uuid), ("label", label)):
+        yield f"file system {device}", what, value
 
 
 @tool("blkid")
@@ -194,19 +176,9 @@ def findmnt():
     columns = "TARGET,SOURCE,FSTYPE,OPTIONS,SIZE"
     for at in json_of(f"findmnt -J -b -l -U -v -o {columns}").get("filesystems", []):
         mount = f"mount {at['target']}"
-        yield mount, "source", at["source"]
-        yield mount, "type", at["fstype"]
+        yield from named(mount, at.get, {"source": "source", "type": "fstype"})
         yield mount, "options", frozenset(at["options"].split(","))
         yield mount, "size", at["size"] or None
-
-
-@tool("df")
-def df():
-    for line in lines_of("df -l -B1 --output=size,fstype,source,target")[1:]:
-        size, kind, source, target = line.split(None, 3)
-        yield f"mount {target}", "size", number(size) or None
-        yield f"mount {target}", "type", kind
-        yield f"mount {target}", "source", source
 
 
 @tool("ip")
@@ -231,29 +203,6 @@ def ip():
             yield thing, "metric", route.get("metric", 0)
 
 
-@tool("ifconfig")
-def ifconfig():
-    for block in output_of("ifconfig -a").split("\n\n"):
-        name = block.split(":", 1)[0]
-        if not name.strip():
-            continue
-        yield f"interface {name}", "mtu", number(first(r"\bmtu (\d+)", block))
-        yield f"interface {name}", "mac", lower(first(r"\bether (\S+)", block))
-        four = [f"{at}/{ipaddress.ip_network('0.0.0.0/' + mask).prefixlen}"
-                for at, mask in re.findall(r"\binet (\S+)\s+netmask (\S+)", block)]
-        six = [f"{at}/{length}" for at, length in re.findall(r"\binet6 (\S+)\s+prefixlen (\d+)", block)]
-        yield f"address of {name}", "all", frozenset(four + six) or None
-
-
-@tool("route")
-def route_table():
-    for line in lines_of("route -n")[2:]:
-        destination, gateway, mask, _, metric, _, _, device = line.split()
-        thing = f"route {ipaddress.ip_network(f'{destination}/{mask}')} dev {device}"
-        yield thing, "gateway", gateway if gateway != "0.0.0.0" else None
-        yield thing, "metric", number(metric)
-
-
 def first(pattern, text):
     found = re.search(pattern, text)
     return found.group(1) if found else None
@@ -264,11 +213,9 @@ def dpkg():
     form = "${Package}\\t${Architecture}\\t${Version}\\t${db:Status-Status}\\t${Section}\\t${Installed-Size}\\n"
     for line in lines_of(["dpkg-query", "-W", "-f", form]):
         name, architecture, version, status, section, size = line.split("\t")
-        thing = f"package {name}:{architecture}"
-        yield thing, "version", version
-        yield thing, "status", status
-        yield thing, "section", section
-        yield thing, "size", number(size) * 1024 if size else None
+        for what, value in (("version", version), ("status", status), ("section", section),
+                            ("size", number(size) * 1024 if size else None)):
+            yield f"package {name}:{architecture}", what, value
 
 
 @tool("lsmod")
