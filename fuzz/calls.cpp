@@ -4,6 +4,7 @@
 // too; others do not.
 #include <algorithm>
 #include <cstdint>
+#include <tuple>
 
 #include "cwrappers/kyriIOHandle.h"
 #include "kyr/TCIMClass.h"
@@ -112,23 +113,49 @@ void BindNumber(TSession& session, TByteReader& input) {
     Call([&] { return kCall(reference, key, static_cast<TNumber>(input.Number())); });
 }
 
+// What can be read as a parameter. A text lives as long as its call.
+struct TText {
+    std::string text;
+    operator const char*() const { return text.c_str(); }
+};
+
+kyrIOHandle Handle(TSession& session, TByteReader&) { return &session.fHandle; }
+kyrCIMValueArray Array(TSession& session, TByteReader& input) { return input.Pick(session.fArrays); }
+kyrCIMReference Reference(TSession& session, TByteReader& input) { return input.Pick(session.fReferences); }
+kyrCIMDateTime Time(TSession& session, TByteReader& input) { return input.Pick(session.fDateTimes); }
+const char* ClassName(TSession&, TByteReader& input) { return input.Pick(kClassNames); }
+const char* Key(TSession&, TByteReader& input) { return input.Pick(kPropertyNames); }
+TText Text(TSession&, TByteReader& input) { return {input.Text()}; }
+
+/// The call with the parameters, which are read in their order.
+template <auto kCall, auto... kRead>
+kyrStatusCode Pass(TSession& session, TByteReader& input) {
+    const std::tuple parameters{kRead(session, input)...};
+    return Call([&] { return std::apply(kCall, parameters); });
+}
+
+template <auto kCall, auto... kRead>
+void Run(TSession& session, TByteReader& input) {
+    Pass<kCall, kRead...>(session, input);
+}
+
+template <auto kCall, auto kRead>
+void AddRead(TSession& session, TByteReader& input) {
+    const auto value = kRead(session, input);
+    Add(session, input, [&](const char* name) { return kCall(&session.fHandle, name, value); });
+}
+
 using TOperation = void (*)(TSession&, TByteReader&);
 
 // In the order of the header.
 constexpr TOperation kOperations[] = {
-    [](TSession&, TByteReader& input) {
+    [](TSession& session, TByteReader& input) {
         const auto severity = static_cast<kyrLogSeverity>(input.Byte());
-        const std::string text = input.Text();
-        StatusOf([&] { kyrWriteLog(nullptr, severity, text.c_str()); });
+        const TText text = Text(session, input);
+        StatusOf([&] { kyrWriteLog(nullptr, severity, text); });
     },
-    [](TSession& session, TByteReader& input) {
-        const char* const name = input.Pick(kClassNames);
-        Call([&] { return kyrAddClass(&session.fHandle, name); });
-    },
-    [](TSession& session, TByteReader& input) {
-        const std::string text = input.Text();
-        Add(session, input, [&](const char* name) { return kyrAddProperty(&session.fHandle, name, text.c_str()); });
-    },
+    Run<kyrAddClass, Handle, ClassName>,
+    AddRead<kyrAddProperty, Text>,
     AddNumber<std::int32_t, kyrAddBooleanProperty>,
     AddNumber<std::uint32_t, kyrAddUint8Property>,
     AddNumber<std::int32_t, kyrAddSint8Property>,
@@ -138,20 +165,9 @@ constexpr TOperation kOperations[] = {
     AddNumber<std::int32_t, kyrAddSint32Property>,
     AddNumber<std::uint64_t, kyrAddUint64Property>,
     AddNumber<std::int64_t, kyrAddSint64Property>,
-    [](TSession& session, TByteReader& input) {
-        const std::string text = input.Text();
-        Add(session, input,
-            [&](const char* name) { return kyrAddStringProperty(&session.fHandle, name, text.c_str()); });
-    },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        Add(session, input,
-            [&](const char* name) { return kyrAddReferenceProperty(&session.fHandle, name, reference); });
-    },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
-        Add(session, input, [&](const char* name) { return kyrAddDateTimeProperty(&session.fHandle, name, time); });
-    },
+    AddRead<kyrAddStringProperty, Text>,
+    AddRead<kyrAddReferenceProperty, Reference>,
+    AddRead<kyrAddDateTimeProperty, Time>,
     [](TSession& session, TByteReader& input) {
         const std::string line = input.Text();
         StatusOf([&] {
@@ -161,9 +177,8 @@ constexpr TOperation kOperations[] = {
         });
     },
     [](TSession& session, TByteReader& input) {
-        if (session.fHandle.fCurrentInstance == nullptr) return;  // which this call does not test
-        kyrCIMValueArray const array = input.Pick(session.fArrays);
-        Add(session, input, [&](const char* name) { return kyrAddArrayProperty(&session.fHandle, name, array); });
+        // Which this call does not test.
+        if (session.fHandle.fCurrentInstance != nullptr) AddRead<kyrAddArrayProperty, Array>(session, input);
     },
 
     [](TSession& session, TByteReader& input) {
@@ -178,35 +193,21 @@ constexpr TOperation kOperations[] = {
     AppendNumber<std::int32_t, kyrArrayAddSint32>,
     AppendNumber<std::uint64_t, kyrArrayAddUint64>,
     AppendNumber<std::int64_t, kyrArrayAddSint64>,
+    Run<kyrArrayAddString, Array, Text>,
     [](TSession& session, TByteReader& input) {
-        kyrCIMValueArray const array = input.Pick(session.fArrays);
-        const std::string text = input.Text();
-        Call([&] { return kyrArrayAddString(array, text.c_str()); });
+        CallThatRaises([&] { return Pass<kyrArrayAddReference, Array, Reference>(session, input); });
     },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMValueArray const array = input.Pick(session.fArrays);
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        CallThatRaises([&] { return kyrArrayAddReference(array, reference); });
-    },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMValueArray const array = input.Pick(session.fArrays);
-        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
-        Call([&] { return kyrArrayAddDateTime(array, time); });
-    },
+    Run<kyrArrayAddDateTime, Array, Time>,
 
     [](TSession& session, TByteReader& input) {
         Renew(input.Pick(session.fReferences), kyrDeleteCIMReference,
               [&](kyrCIMReference* place) { return kyrNewCIMReference(place, &session.fHandle); });
     },
+    Run<kyrSetReferenceClassName, Reference, ClassName>,
     [](TSession& session, TByteReader& input) {
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        const char* const name = input.Pick(kClassNames);
-        Call([&] { return kyrSetReferenceClassName(reference, name); });
-    },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        const std::string path = input.Text();
-        const kyrStatusCode status = Call([&] { return kyrSetReferencePath(reference, path.c_str()); });
+        kyrCIMReference const reference = Reference(session, input);
+        const TText path = Text(session, input);
+        const kyrStatusCode status = Call([&] { return kyrSetReferencePath(reference, path); });
         Require(status == (reference != nullptr ? kyrStatusNotImplemented : kyrStatusFail), "no path is ever set");
     },
     BindNumber<std::int32_t, kyrReferenceAddBoolean>,
@@ -218,35 +219,19 @@ constexpr TOperation kOperations[] = {
     BindNumber<std::int32_t, kyrReferenceAddSint32>,
     BindNumber<std::uint64_t, kyrReferenceAddUint64>,
     BindNumber<std::int64_t, kyrReferenceAddSint64>,
+    Run<kyrReferenceAddString, Reference, Key, Text>,
     [](TSession& session, TByteReader& input) {
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        const char* const key = input.Pick(kPropertyNames);
-        const std::string text = input.Text();
-        Call([&] { return kyrReferenceAddString(reference, key, text.c_str()); });
+        if (++session.fNestings <= kMaxNestings)
+            Pass<kyrReferenceAddReference, Reference, Key, Reference>(session, input);
     },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        const char* const key = input.Pick(kPropertyNames);
-        kyrCIMReference const value = input.Pick(session.fReferences);
-        if (++session.fNestings > kMaxNestings) return;
-        Call([&] { return kyrReferenceAddReference(reference, key, value); });
-    },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMReference const reference = input.Pick(session.fReferences);
-        const char* const key = input.Pick(kPropertyNames);
-        kyrCIMDateTime const value = input.Pick(session.fDateTimes);
-        Call([&] { return kyrReferenceAddDateTime(reference, key, value); });
-    },
+    Run<kyrReferenceAddDateTime, Reference, Key, Time>,
 
     [](TSession& session, TByteReader& input) {
         Renew(input.Pick(session.fDateTimes), kyrDeleteCIMDateTime, kyrNewCIMDateTime);
     },
+    Run<kyrGetLocalTime, Time>,
     [](TSession& session, TByteReader& input) {
-        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
-        Call([&] { return kyrGetLocalTime(time); });
-    },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        kyrCIMDateTime const time = Time(session, input);
         const std::uint64_t date = input.Number();
         const std::uint64_t clock = input.Number();
         Call([&] {
@@ -256,7 +241,7 @@ constexpr TOperation kOperations[] = {
         });
     },
     [](TSession& session, TByteReader& input) {
-        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
+        kyrCIMDateTime const time = Time(session, input);
         const std::uint64_t days = input.Number();
         const std::uint64_t clock = input.Number();
         Call([&] {
@@ -264,11 +249,7 @@ constexpr TOperation kOperations[] = {
                                           clock >> 16 & 0xFF, static_cast<std::uint32_t>(clock >> 32));
         });
     },
-    [](TSession& session, TByteReader& input) {
-        kyrCIMDateTime const time = input.Pick(session.fDateTimes);
-        const std::string text = input.Text();
-        Call([&] { return kyrSetDateTimeString(time, text.c_str()); });
-    },
+    Run<kyrSetDateTimeString, Time, Text>,
 };
 
 /// As the core does behind a data entry. An instance that cannot be closed is nobody's, unless it was stored before.

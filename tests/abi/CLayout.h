@@ -5,26 +5,22 @@
 
 #include "kyr/kyrPlugin.h"
 
-/* What a C compiler makes of the interface, for comparison with C++. */
-typedef struct CLayout {
-    size_t infoSize;
-    size_t infoPluginType;
-    size_t infoUrlType;
-    size_t callbacksSize;
-    size_t callbacksGetData;
-    size_t callbacksPrepareForUnload;
-    size_t statusSize;
-    size_t severitySize;
-} CLayout;
+/* What compilers of C and of C++ must both make of the interface; neither compiles this file otherwise. */
+#define EXPECT_LAYOUT(name, found, expected) typedef char name[(found) == (expected) ? 1 : -1]
+EXPECT_LAYOUT(SizeOfInfo, sizeof(kyrPluginInfo), 32);
+EXPECT_LAYOUT(OffsetOfPluginType, offsetof(kyrPluginInfo, pluginType), 24);
+EXPECT_LAYOUT(OffsetOfUrlType, offsetof(kyrPluginInfo, urlType), 28);
+EXPECT_LAYOUT(SizeOfCallbacks, sizeof(kyrPluginCallbacks), 48);
+EXPECT_LAYOUT(OffsetOfGetData, offsetof(kyrPluginCallbacks, getData), 24);
+EXPECT_LAYOUT(OffsetOfPrepareForUnload, offsetof(kyrPluginCallbacks, prepareForUnload), 40);
+EXPECT_LAYOUT(SizeOfStatus, sizeof(kyrStatusCode), 4);
+EXPECT_LAYOUT(SizeOfSeverity, sizeof(kyrLogSeverity), 4);
 
 #ifdef __cplusplus
-extern "C" {
+extern "C"
 #endif
-CLayout LayoutInC(void);
-/* Makes a date-time through the calls and gives the first status that is not kyrStatusOK. */
-kyrStatusCode UseDateTimeFromC(void);
-#ifdef __cplusplus
-}
-#endif
+    /* Makes a date-time through the calls and gives the first status that is not kyrStatusOK. */
+    kyrStatusCode
+    UseDateTimeFromC(void);
 
 #endif
