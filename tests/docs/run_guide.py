@@ -12,7 +12,8 @@ import tempfile
 guide, prefix, *expected = sys.argv[1:]
 with open(guide, encoding="utf-8") as file:
     blocks = re.findall(r"^```(\w+) ?(\S*)\n(.*?)^```$", file.read(), re.M | re.S)
-environment = {**os.environ, "PATH": f"{prefix}/bin:{os.environ['PATH']}", "CMAKE_PREFIX_PATH": prefix}
+environment = {**os.environ, "PATH": f"{prefix}/bin:{os.environ['PATH']}", "CMAKE_PREFIX_PATH": prefix,
+               "CMAKE_GENERATOR": "Ninja"}  # as this tree is built: make need not be there
 printed = ""
 with tempfile.TemporaryDirectory() as folder:
     for language, name, text in blocks:
