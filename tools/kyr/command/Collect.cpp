@@ -6,13 +6,13 @@
 #include "kyr/TContainer.h"
 #include "lookup/ClassNames.h"
 #include "saved/SavedCollection.h"
+#include "states/State.h"
 
 namespace {
 
 // Those that were chosen, and those that tell how complete these are.
 std::vector<TCIMClass*> ClassesToSave(const TContainer& container, std::vector<std::string> names) {
-    constexpr const char* kStates = "MOLTA_CollectionState";
-    if (container.FindClass(kStates) != nullptr) names.emplace_back(kStates);
+    if (container.FindClass(kStateClass) != nullptr) names.emplace_back(kStateClass);
     return SelectClasses(container, names);
 }
 

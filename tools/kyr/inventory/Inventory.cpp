@@ -8,6 +8,7 @@
 #include "saved/SavedCollection.h"
 #include "states/Conclusion.h"
 #include "states/SavedStates.h"
+#include "states/State.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ bool IsState(const TCIMClass* cls, const TCIMClass* states) {
 
 // What tells how complete the rest is comes with the rest: who wants nothing else wants all to be asked.
 std::vector<std::string> WithoutStates(const std::vector<std::string>& names, const TContainer& container) {
-    const TCIMClass* const states = container.FindClass("MOLTA_CollectionState");
+    const TCIMClass* const states = container.FindClass(kStateClass);
     std::vector<std::string> rest;
     for (const std::string& name : names)
         if (!IsState(container.FindClass(name), states)) rest.push_back(name);

@@ -99,7 +99,7 @@ void TSession::Run(const std::vector<std::string>* classNames) {
 void TSession::ShareOutClasses() {
     for (const TLibrary& library : fLibraries)
         for (const TCIMClass* cls : library.classes) fContainer.SetOwner(*cls, &library);
-    for (const TCIMClass* cls : fContainer.GetClass("MOLTA_CollectionState")->EnumerateSubClasses(true))
+    for (const TCIMClass* cls : fContainer.GetClass(kStateClass)->EnumerateSubClasses(true))
         fContainer.SetOwner(*cls, nullptr);
 }
 

@@ -127,7 +127,7 @@ void TPluginProcess::Finish() {
     TPluginReport& report = fLibrary.report;
     const bool readable = ReadReport(fTape, report);
     report.end = Judge(status);
-    if (!readable && report.end.state == eComplete) report.end = {eFailed, "it spoilt what it had delivered"};
+    if (!readable && report.end.state == eComplete) report.end = {eFailed, kTapeSpoilt};
     ReadPrinted();
     close(std::exchange(fPrinted, -1));
 }

@@ -74,6 +74,7 @@ private:
 
 /// Raised by a tape that does not hold what it should.
 class TTapeError {};
+constexpr const char* kTapeSpoilt = "it spoilt what it had delivered";
 
 /// Reads the bytes of a tape, and no others.
 class TTapeReader {

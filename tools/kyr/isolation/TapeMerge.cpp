@@ -27,7 +27,7 @@ bool TTapeMerge::Take(bool associations, TMoment latest) {
     try {
         ended = TakeFrames(associations, latest);
     } catch (const TTapeError&) {
-        Drop({eFailed, "it spoilt what it had delivered"});
+        Drop({eFailed, kTapeSpoilt});
     }
     fContainer.GiveTurn(nullptr);
     TLog::Take();  // each refusal has its reason by now

@@ -7,6 +7,7 @@
 #include "kyr/TCIMProperty.h"
 #include "kyr/TContainer.h"
 #include "states/SavedStates.h"
+#include "states/State.h"
 #include "text/PropertyMarks.h"
 #include "text/Values.h"
 
@@ -33,7 +34,7 @@ public:
 
 private:
     void WriteCollection() {
-        const std::vector<TCIMInstance*> found = StatesOf(fContainer, "MOLTA_Collection");
+        const std::vector<TCIMInstance*> found = StatesOf(fContainer, kCollectionClass);
         const TCIMInstance* const collection = found.empty() ? nullptr : found.front();
         WriteState(collection);
         WritePlain("tool", collection, "Tool");
@@ -45,7 +46,7 @@ private:
     void WritePlugins() {
         fJson.Key("plugins");
         fJson.StartArray();
-        for (const TCIMInstance* plugin : StatesOf(fContainer, "MOLTA_CollectedPlugin")) {
+        for (const TCIMInstance* plugin : StatesOf(fContainer, kCollectedPluginClass)) {
             fJson.StartObject();
             WritePlain("name", plugin, "Name");
             WritePlain("library", plugin, "Library");
@@ -58,7 +59,7 @@ private:
 
     void WriteClasses(const std::vector<TCIMClass*>& classes) {
         std::map<std::string, const TCIMInstance*> states;
-        for (const TCIMInstance* state : StatesOf(fContainer, "MOLTA_CollectedClass"))
+        for (const TCIMInstance* state : StatesOf(fContainer, kCollectedClassClass))
             if (const TCIMProperty* const name = FindFilled(state, "Name"))
                 states.emplace(PlainText(name->GetValue()), state);
         fJson.Key("classes");

@@ -5,6 +5,7 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "lookup/ClassNames.h"
+#include "states/State.h"
 #include "text/Descriptions.h"
 
 namespace {
@@ -143,7 +144,7 @@ private:
         fJson.Key("enum");
         fJson.StartArray();
         fJson.Null();
-        const TCIMClass* const cls = fContainer.FindClass("MOLTA_CollectionState");
+        const TCIMClass* const cls = fContainer.FindClass(kStateClass);
         const TCIMPropertyDecl* const state = cls == nullptr ? nullptr : cls->FindPropertyDecl("State");
         const TCIMValue words = state == nullptr ? TCIMValue() : QualifierValue(*state, "Values", kStringArray);
         if (!words.IsNull())

@@ -8,6 +8,7 @@
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "lookup/SameName.h"
+#include "states/State.h"
 
 namespace {
 
@@ -33,7 +34,7 @@ void Drop(std::vector<TCIMClass*>& classes, TCondition condition) {
 
 std::vector<TCIMClass*> AllButStates(const TContainer& schema) {
     std::vector<TCIMClass*> classes = schema.GetRootClass()->EnumerateSubClasses(true);
-    if (const TCIMClass* const states = schema.FindClass("MOLTA_CollectionState"))
+    if (const TCIMClass* const states = schema.FindClass(kStateClass))
         Drop(classes, [states](const TCIMClass* cls) { return cls->IsSubclassOf(states); });
     return classes;
 }

@@ -6,6 +6,7 @@
 
 #include "states/Judgement.h"
 #include "states/SavedStates.h"
+#include "states/State.h"
 #include "text/Output.h"
 
 namespace {
@@ -41,7 +42,7 @@ bool IsSame(const TVerdict& a, const TVerdict& b) { return a.state == b.state &&
 void TellPlugin(const TContainer& container, const std::string& plugin, const TVerdict& fate) {
     std::vector<std::string> sharing;
     std::vector<std::pair<std::string, TVerdict>> others;
-    for (const TCIMInstance* instance : StatesOf(container, "MOLTA_CollectedClass")) {
+    for (const TCIMInstance* instance : StatesOf(container, kCollectedClassClass)) {
         const TVerdict verdict = VerdictOf(*instance);
         if (TextOf(*instance, "Plugin") != plugin || !IsMissing(verdict)) continue;
         const std::string name = TextOf(*instance, "Name");
@@ -56,7 +57,7 @@ void TellPlugin(const TContainer& container, const std::string& plugin, const TV
 }
 
 void TellPlugins(const TContainer& container) {
-    for (const TCIMInstance* instance : StatesOf(container, "MOLTA_CollectedPlugin"))
+    for (const TCIMInstance* instance : StatesOf(container, kCollectedPluginClass))
         TellPlugin(container, TextOf(*instance, "Name"), VerdictOf(*instance));
 }
 
@@ -80,7 +81,7 @@ EExit StatusOf(const TVerdict& collection) {
 EExit TellWhatIsMissing(const TContainer& container) {
     TellPlugins(container);
     EExit status = eExitComplete;
-    for (const TCIMInstance* instance : StatesOf(container, "MOLTA_Collection")) {
+    for (const TCIMInstance* instance : StatesOf(container, kCollectionClass)) {
         const TVerdict verdict = VerdictOf(*instance);
         if (IsInterruption(verdict.reason)) Complain(verdict.reason);
         status = StatusOf(verdict);

@@ -8,6 +8,7 @@
 #include "kyr/TCIMProperty.h"
 #include "kyr/TContainer.h"
 #include "states/Judgement.h"
+#include "states/State.h"
 
 namespace {
 
@@ -52,17 +53,17 @@ public:
 
     void Narrow() {
         const std::string reason = PluginsReason();
-        for (TCIMInstance* cls : StatesOf(fContainer, "MOLTA_CollectedClass")) NarrowClass(*cls);
-        for (TCIMInstance* plugin : StatesOf(fContainer, "MOLTA_CollectedPlugin")) NarrowPlugin(*plugin);
+        for (TCIMInstance* cls : StatesOf(fContainer, kCollectedClassClass)) NarrowClass(*cls);
+        for (TCIMInstance* plugin : StatesOf(fContainer, kCollectedPluginClass)) NarrowPlugin(*plugin);
         const std::string left = PluginsReason();
-        for (TCIMInstance* collection : StatesOf(fContainer, "MOLTA_Collection"))
+        for (TCIMInstance* collection : StatesOf(fContainer, kCollectionClass))
             if (VerdictOf(*collection).state == ePartial && TextOf(*collection, "Reason") == reason)
                 SetVerdict(*collection, {left.empty() ? eComplete : ePartial, left});
     }
 
 private:
     std::string PluginsReason() const {
-        const std::vector<TCIMInstance*> plugins = StatesOf(fContainer, "MOLTA_CollectedPlugin");
+        const std::vector<TCIMInstance*> plugins = StatesOf(fContainer, kCollectedPluginClass);
         const auto missing = std::count_if(plugins.begin(), plugins.end(),
                                            [](const TCIMInstance* plugin) { return IsMissing(VerdictOf(*plugin)); });
         return PluginsMissing(static_cast<size_t>(missing), plugins.size());

@@ -42,7 +42,7 @@ public:
 
     void WriteCollection(const TVerdict& interruption) {
         const TVerdict verdict = JudgeCollection(interruption);
-        TCIMInstance& state = NewState("MOLTA_Collection", verdict, {});
+        TCIMInstance& state = NewState(kCollectionClass, verdict, {});
         state.SetPropertyValue("Tool", TCIMValue("kyr"));
         state.SetPropertyValue("ToolVersion", TCIMValue(KYRCORE_VERSION));
         state.SetPropertyValue("Superuser", TCIMValue(geteuid() == 0));
@@ -67,7 +67,7 @@ private:
 
     void WritePlugin(const TLibrary& library, const TPluginFacts* plugin) {
         const TVerdict verdict = JudgePlugin(library, plugin, fWanted);
-        TCIMInstance& state = NewState("MOLTA_CollectedPlugin", verdict, NotesOf(library, nullptr));
+        TCIMInstance& state = NewState(kCollectedPluginClass, verdict, NotesOf(library, nullptr));
         state.SetPropertyValue("Library", TCIMValue(library.path));
         state.SetPropertyValue("Name", TCIMValue(NameOf(library, plugin)));
         if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
@@ -80,7 +80,7 @@ private:
         const TVerdict verdict = JudgeClass(library, cls, fWanted);
         const bool isLeftOut = verdict.reason == kReasonUnwanted;  // its document may hold instances all the same
         const auto count = isLeftOut ? 0u : static_cast<unsigned int>(cls.EnumerateInstances(false).size());
-        TCIMInstance& state = NewState("MOLTA_CollectedClass", verdict, NotesOf(library, &cls));
+        TCIMInstance& state = NewState(kCollectedClassClass, verdict, NotesOf(library, &cls));
         const std::vector<TPluginFacts>& plugins = library.report.plugins;
         state.SetPropertyValue("Name", TCIMValue(cls.GetName()));
         state.SetPropertyValue("Plugin", TCIMValue(NameOf(library, plugins.empty() ? nullptr : &plugins.front())));
@@ -111,7 +111,7 @@ private:
 
 // A plugin, or its document, has no say in what is told of it.
 void RemoveStates(const TContainer& container) {
-    for (TCIMClass* const cls : container.GetClass("MOLTA_CollectionState")->EnumerateSubClasses(true))
+    for (TCIMClass* const cls : container.GetClass(kStateClass)->EnumerateSubClasses(true))
         for (auto states = cls->EnumerateInstances(false); !states.empty(); states = cls->EnumerateInstances(false))
             cls->RemoveInstance(*states.front());
 }
