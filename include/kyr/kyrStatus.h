@@ -1,4 +1,7 @@
-/* Status codes: the one language in which the core and its plugins tell success and failure. */
+/*
+ * Status codes: the one language in which the core and its plugins tell success and failure. C calls return them;
+ * inside the core and for C++ hosts they travel in a TKYRException. Details stand in the log. Valid C99 and C++.
+ */
 #ifndef KYR_STATUS_H
 #define KYR_STATUS_H
 
@@ -9,7 +12,42 @@
 /*
  * The one list of codes. The enumeration and the table of texts are both made from it, so they cannot drift
  * apart. The numbers are part of the plugin interface: entries are never moved, and those that the core itself
- * never raises stay, since a plugin may return them.
+ * never raises stay, since a plugin may return them. What the others mean, where the core raises them:
+ *
+ *   NotImplemented               an operation that exists for compatibility alone, such as reading an object path or
+ *                                copying an instance; ordering two arrays
+ *   Fail                         a C call with a NULL parameter; a severity that is none; a plugin without classes; a
+ *                                library whose name gives no document's name; a program that a signal ended; and what
+ *                                has no code of its own
+ *   OutOfMemory                  kyrAddClass has no memory for the instance; none for a document
+ *   InvalidClass                 a class that is not abstract has no key; a property call with no instance open
+ *   InvalidProperty              an array has an element of another type than its own
+ *   InvalidSpecificationDocument no CIM-XML of the kind that is read, or more than 104857600 bytes of it
+ *   FileSystemError              a file or directory cannot be opened, made, read or written, or a library not loaded
+ *   DirectoryAlreadyExists       TOSSpecific::CreateDir
+ *   TypeMismatch                 a value is read or stored as another type than its own; a reference to another class
+ *                                than declared; an override of another type
+ *   NotFound                     no class, property, qualifier, key or instance of that name; no single instance to
+ *                                take the system's name from
+ *   AlreadyExists                a class, qualifier declaration or property declaration of that name is there
+ *   InvalidOpSequence            a reference is filled in the wrong order: class first, then keys
+ *   InvalidInstance              a key is NULL when the instance is stored
+ *   InvalidPlugin                a plugin in C++ that cannot be queried
+ *   InvalidDateTime              a date-time that cannot be set, or a NULL one that is printed, compared or added
+ *   NotAssociation               a reference property in a class without the qualifier ASSOCIATION
+ *   InvalidReference             a reference without a class is used
+ *   InvalidCIMName               a name that is not letters, digits and "_" with no digit first
+ *   FileNotFound                 no such file, or a directory in its place
+ *   AccessDenied                 no permission for the log file or a new directory
+ *   NotOverridable               a qualifier that is there may not be replaced by another one
+ *   InvalidGzipFile              a document with ".gz" in its path that is not gzip-compressed
+ *   CorruptGzipFile              a compressed document of another length than it says
+ *   NotSupported                 a number in a base that its type is not printed in; differences of a container that
+ *                                has none
+ *   ValueIsNULL                  NULL is read or printed
+ *   ConnectionFailed             the upload server is not found or does not answer
+ *   LibCurlFailure               libcurl is not there, or the upload failed otherwise
+ *   InvalidFormat                a machine type or serial number that does not have the form of one
  */
 #define KYR_STATUS_CODES(X)                       \
     X(kyrStatusOK, 0)                             \
@@ -52,7 +90,10 @@
     X(kyrStatusContainerMismatch, 37)             \
     X(kyrStatusEnd, 38) /* the end marker, an ordinary entry of the table */
 
-/* In C++ the underlying type is fixed: a plugin may return any int, and that must stay a defined value. */
+/*
+ * In C++ the underlying type is fixed: a plugin may return any int, and that must stay a defined value. The core hands
+ * such a number on as it is.
+ */
 #ifdef __cplusplus
 enum kyrStatusCode : int {
 #else
