@@ -9,20 +9,24 @@
 class TCIMQualifier;
 
 /// What carries qualifiers: a class or a property declaration. Names are found without regard to case; a malformed
-/// name raises kyrStatusInvalidCIMName.
+/// name raises kyrStatusInvalidCIMName, with "CIM name '...' is invalid" in the log. The scope of a qualifier's
+/// declaration is not tested: any qualifier may be attached to either carrier.
 class KYR_API ICIMAllowQualifiers {
 public:
     virtual ~ICIMAllowQualifiers();
 
     /// Attaches a qualifier, which must have been made with new; the carrier then owns it. One of that name that is
-    /// there already is replaced if it is overridable. If it is not, an equal one (value and flavor) is accepted and
-    /// stays the caller's, and any other raises kyrStatusNotOverridable and stays the caller's too.
+    /// there already is replaced if it is overridable: its own flavor decides, not that of the new one. If it is not
+    /// overridable, an equal one (value and flavor) is accepted without effect and stays the caller's, to be deleted;
+    /// any other raises kyrStatusNotOverridable and stays the caller's too. Compare GetQualifier's result with the
+    /// address that was passed to learn who owns it. Neither case is logged.
     virtual void AddQualifier(TCIMQualifier& qualifier) = 0;
-    /// Raises kyrStatusNotFound.
+    /// The qualifier stays the carrier's, and lives until it is replaced or removed. Raises kyrStatusNotFound.
     virtual TCIMQualifier* GetQualifier(const std::string& name) const = 0;
-    /// In the order of the lower-cased names.
+    /// In the order of the lower-cased names, the inherited ones among them.
     virtual std::vector<const TCIMQualifier*> EnumerateQualifiers() const = 0;
-    /// Destroys the qualifier of that name, be it this one or another; kyrStatusNotFound if there is none.
+    /// Destroys the carrier's qualifier of that name. Only the name counts: if the argument is the carrier's own, it is
+    /// gone afterwards; if it is another one of the same name, it stays. Raises kyrStatusNotFound if there is none.
     virtual void RemoveQualifier(TCIMQualifier& qualifier) = 0;
 };
 
