@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cwrappers/TCPluginCallbacks.h"
 #include "cwrappers/TraceText.h"
 #include "cwrappers/kyriIOHandle.h"
 #include "kyr/ILogger.h"
@@ -23,7 +24,6 @@
 #include "kyr/kyrPlugin.h"
 #include "model/TCIMInstanceImpl.h"
 #include "platform/CoreLog.h"
-#include "plugin/TCPluginCallbacks.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
+#include "cwrappers/TCPluginCallbacks.h"
 #include "cwrappers/kyriIOHandle.h"
 #include "kyr/IPlugin.h"
 #include "kyr/TPluginManager.h"
 #include "kyr/kyrPlugin.h"
-#include "plugin/TCPluginCallbacks.h"
 #include "support/SchemaBuilder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "plugin/TCPluginCallbacks.h"
+#include "cwrappers/TCPluginCallbacks.h"
 
 #include <cstring>
 
