@@ -31,9 +31,6 @@ TCIMQualifierDecl* TContainer::FindQualifierDecl(const std::string& name) const 
 }
 void TContainer::RemoveQualifierDecl(TCIMQualifierDecl& declaration) { fBody->RemoveQualifierDecl(declaration); }
 std::vector<TCIMQualifierDecl*> TContainer::EnumerateQualifiers() const { return fBody->EnumerateQualifiers(); }
-std::vector<TCIMClass*> TContainer::PopulateContainerFromFile(const std::string& path) {
-    return fBody->PopulateContainerFromFile(path);
-}
 void TContainer::hackhack_TurnIntoADiffContainer() { fBody->TurnIntoADiffContainer(); }
 bool TContainer::isDiffContainer() const { return fBody->IsDiffContainer(); }
 void TContainer::setDiffInstances(std::vector<TCIMInstance*> instances) {

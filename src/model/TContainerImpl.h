@@ -38,8 +38,6 @@ public:
     void RemoveQualifierDecl(TCIMQualifierDecl& declaration);
     std::vector<TCIMQualifierDecl*> EnumerateQualifiers() const;
 
-    std::vector<TCIMClass*> PopulateContainerFromFile(const std::string& path);
-
     void TurnIntoADiffContainer() { fIsDiff = true; }
     bool IsDiffContainer() const { return fIsDiff; }
     void SetDiffInstances(std::vector<TCIMInstance*> instances);

@@ -1,4 +1,4 @@
-#include "model/DocumentFile.h"
+#include "xml/DocumentFile.h"
 
 #include <zlib.h>
 

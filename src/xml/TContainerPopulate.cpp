@@ -1,12 +1,14 @@
+// The one operation of a container that needs the reader, which stands above the model.
+
+#include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
-#include "model/DocumentFile.h"
-#include "model/TContainerImpl.h"
 #include "platform/CoreLog.h"
+#include "xml/DocumentFile.h"
 #include "xml/TCIMXMLParser.h"
 
-std::vector<TCIMClass*> TContainerImpl::PopulateContainerFromFile(const std::string& path) {
+std::vector<TCIMClass*> TContainer::PopulateContainerFromFile(const std::string& path) {
     const TDocumentFile document(path);
-    TCIMXMLParser parser(fHandle);
+    TCIMXMLParser parser(this);
     try {
         parser.Parse(document.GetText());
     } catch (const TKYRException& e) {
