@@ -1,5 +1,5 @@
-#ifndef DOCUMENTS_H
-#define DOCUMENTS_H
+#ifndef KYR_BENCH_DOCUMENTS_H
+#define KYR_BENCH_DOCUMENTS_H
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef LINKS_H
-#define LINKS_H
+#ifndef KYR_BENCH_LINKS_H
+#define KYR_BENCH_LINKS_H
 
 #include <string>
 #include <vector>

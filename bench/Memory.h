@@ -1,5 +1,5 @@
-#ifndef MEMORY_H
-#define MEMORY_H
+#ifndef KYR_BENCH_MEMORY_H
+#define KYR_BENCH_MEMORY_H
 
 #include <cstddef>
 

@@ -1,5 +1,5 @@
-#ifndef PEERS_H
-#define PEERS_H
+#ifndef KYR_BENCH_PEERS_H
+#define KYR_BENCH_PEERS_H
 
 #include <cstddef>
 #include <memory>

@@ -1,5 +1,5 @@
-#ifndef RACE_H
-#define RACE_H
+#ifndef KYR_BENCH_RACE_H
+#define KYR_BENCH_RACE_H
 
 #include <functional>
 #include <string>

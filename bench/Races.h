@@ -1,5 +1,5 @@
-#ifndef RACES_H
-#define RACES_H
+#ifndef KYR_BENCH_RACES_H
+#define KYR_BENCH_RACES_H
 
 #include "Race.h"
 

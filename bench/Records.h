@@ -1,5 +1,5 @@
-#ifndef RECORDS_H
-#define RECORDS_H
+#ifndef KYR_BENCH_RECORDS_H
+#define KYR_BENCH_RECORDS_H
 
 #include <cstddef>
 

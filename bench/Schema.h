@@ -1,5 +1,5 @@
-#ifndef SCHEMA_H
-#define SCHEMA_H
+#ifndef KYR_BENCH_SCHEMA_H
+#define KYR_BENCH_SCHEMA_H
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
-#ifndef CALLSSCHEMA_H
-#define CALLSSCHEMA_H
+#ifndef KYR_FUZZ_SUPPORT_CALLSSCHEMA_H
+#define KYR_FUZZ_SUPPORT_CALLSSCHEMA_H
 
 class TContainer;
 

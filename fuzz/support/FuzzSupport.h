@@ -1,5 +1,5 @@
-#ifndef FUZZSUPPORT_H
-#define FUZZSUPPORT_H
+#ifndef KYR_FUZZ_SUPPORT_FUZZSUPPORT_H
+#define KYR_FUZZ_SUPPORT_FUZZSUPPORT_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#ifndef PLUGINS_BUSDEVICE_H
-#define PLUGINS_BUSDEVICE_H
+#ifndef KYR_PLUGINS_COMMON_BUSDEVICE_H
+#define KYR_PLUGINS_COMMON_BUSDEVICE_H
 
 #include <string>
 #include <string_view>

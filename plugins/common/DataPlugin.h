@@ -1,5 +1,5 @@
-#ifndef PLUGINS_DATAPLUGIN_H
-#define PLUGINS_DATAPLUGIN_H
+#ifndef KYR_PLUGINS_COMMON_DATAPLUGIN_H
+#define KYR_PLUGINS_COMMON_DATAPLUGIN_H
 
 #include <algorithm>
 #include <optional>

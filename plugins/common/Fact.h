@@ -1,5 +1,5 @@
-#ifndef PLUGINS_FACT_H
-#define PLUGINS_FACT_H
+#ifndef KYR_PLUGINS_COMMON_FACT_H
+#define KYR_PLUGINS_COMMON_FACT_H
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef PLUGINS_HARDWAREIDS_H
-#define PLUGINS_HARDWAREIDS_H
+#ifndef KYR_PLUGINS_COMMON_HARDWAREIDS_H
+#define KYR_PLUGINS_COMMON_HARDWAREIDS_H
 
 #include <map>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef PLUGINS_SYSTEMROOT_H
-#define PLUGINS_SYSTEMROOT_H
+#ifndef KYR_PLUGINS_COMMON_SYSTEMROOT_H
+#define KYR_PLUGINS_COMMON_SYSTEMROOT_H
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
-#ifndef PLUGINS_TEXT_H
-#define PLUGINS_TEXT_H
+#ifndef KYR_PLUGINS_COMMON_TEXT_H
+#define KYR_PLUGINS_COMMON_TEXT_H
 
 #include <charconv>
 #include <cstdint>

@@ -1,5 +1,5 @@
-#ifndef MEMORY_MEMORYDEVICES_H
-#define MEMORY_MEMORYDEVICES_H
+#ifndef KYR_PLUGINS_MEMORY_MEMORYDEVICES_H
+#define KYR_PLUGINS_MEMORY_MEMORYDEVICES_H
 
 #include <cstdint>
 #include <string>

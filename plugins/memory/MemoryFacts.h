@@ -1,5 +1,5 @@
-#ifndef MEMORY_MEMORYFACTS_H
-#define MEMORY_MEMORYFACTS_H
+#ifndef KYR_PLUGINS_MEMORY_MEMORYFACTS_H
+#define KYR_PLUGINS_MEMORY_MEMORYFACTS_H
 
 #include <cstdint>
 #include <string>

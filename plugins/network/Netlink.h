@@ -1,5 +1,5 @@
-#ifndef NETWORK_NETLINK_H
-#define NETWORK_NETLINK_H
+#ifndef KYR_PLUGINS_NETWORK_NETLINK_H
+#define KYR_PLUGINS_NETWORK_NETLINK_H
 
 #include <cstdint>
 #include <cstring>

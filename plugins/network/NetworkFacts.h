@@ -1,5 +1,5 @@
-#ifndef NETWORK_NETWORKFACTS_H
-#define NETWORK_NETWORKFACTS_H
+#ifndef KYR_PLUGINS_NETWORK_NETWORKFACTS_H
+#define KYR_PLUGINS_NETWORK_NETWORKFACTS_H
 
 #include <array>
 #include <cstdint>

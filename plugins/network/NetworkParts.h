@@ -1,5 +1,5 @@
-#ifndef NETWORK_NETWORKPARTS_H
-#define NETWORK_NETWORKPARTS_H
+#ifndef KYR_PLUGINS_NETWORK_NETWORKPARTS_H
+#define KYR_PLUGINS_NETWORK_NETWORKPARTS_H
 
 #include <map>
 #include <string_view>

@@ -1,5 +1,5 @@
-#ifndef NETWORK_NETWORKREPORT_H
-#define NETWORK_NETWORKREPORT_H
+#ifndef KYR_PLUGINS_NETWORK_NETWORKREPORT_H
+#define KYR_PLUGINS_NETWORK_NETWORKREPORT_H
 
 #include "DataPlugin.h"
 #include "InstanceReport.h"

@@ -1,5 +1,5 @@
-#ifndef PCI_PCIFACTS_H
-#define PCI_PCIFACTS_H
+#ifndef KYR_PLUGINS_PCI_PCIFACTS_H
+#define KYR_PLUGINS_PCI_PCIFACTS_H
 
 #include <cstdint>
 #include <optional>

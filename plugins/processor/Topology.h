@@ -1,5 +1,5 @@
-#ifndef PLUGINS_PROCESSOR_TOPOLOGY_H
-#define PLUGINS_PROCESSOR_TOPOLOGY_H
+#ifndef KYR_PLUGINS_PROCESSOR_TOPOLOGY_H
+#define KYR_PLUGINS_PROCESSOR_TOPOLOGY_H
 
 #include "CpuInfo.h"
 #include "ProcessorFacts.h"

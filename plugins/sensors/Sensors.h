@@ -1,5 +1,5 @@
-#ifndef SENSORS_SENSORS_H
-#define SENSORS_SENSORS_H
+#ifndef KYR_PLUGINS_SENSORS_SENSORS_H
+#define KYR_PLUGINS_SENSORS_SENSORS_H
 
 #include <string>
 #include <vector>

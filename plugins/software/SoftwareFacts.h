@@ -1,5 +1,5 @@
-#ifndef SOFTWARE_FACTS_H
-#define SOFTWARE_FACTS_H
+#ifndef KYR_PLUGINS_SOFTWARE_SOFTWAREFACTS_H
+#define KYR_PLUGINS_SOFTWARE_SOFTWAREFACTS_H
 
 #include <cstdint>
 #include <string>

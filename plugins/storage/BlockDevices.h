@@ -1,5 +1,5 @@
-#ifndef STORAGE_BLOCKDEVICES_H
-#define STORAGE_BLOCKDEVICES_H
+#ifndef KYR_PLUGINS_STORAGE_BLOCKDEVICES_H
+#define KYR_PLUGINS_STORAGE_BLOCKDEVICES_H
 
 #include <initializer_list>
 #include <string_view>

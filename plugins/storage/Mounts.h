@@ -1,5 +1,5 @@
-#ifndef STORAGE_MOUNTS_H
-#define STORAGE_MOUNTS_H
+#ifndef KYR_PLUGINS_STORAGE_MOUNTS_H
+#define KYR_PLUGINS_STORAGE_MOUNTS_H
 
 #include <set>
 #include <string_view>

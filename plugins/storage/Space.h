@@ -1,5 +1,5 @@
-#ifndef STORAGE_SPACE_H
-#define STORAGE_SPACE_H
+#ifndef KYR_PLUGINS_STORAGE_SPACE_H
+#define KYR_PLUGINS_STORAGE_SPACE_H
 
 #include <unordered_map>
 

@@ -1,5 +1,5 @@
-#ifndef STORAGE_FACTS_H
-#define STORAGE_FACTS_H
+#ifndef KYR_PLUGINS_STORAGE_STORAGEFACTS_H
+#define KYR_PLUGINS_STORAGE_STORAGEFACTS_H
 
 #include <cstdint>
 #include <map>

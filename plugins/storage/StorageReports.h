@@ -1,5 +1,5 @@
-#ifndef STORAGE_REPORTS_H
-#define STORAGE_REPORTS_H
+#ifndef KYR_PLUGINS_STORAGE_STORAGEREPORTS_H
+#define KYR_PLUGINS_STORAGE_STORAGEREPORTS_H
 
 #include "InstanceReport.h"
 #include "StorageFacts.h"

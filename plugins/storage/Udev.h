@@ -1,5 +1,5 @@
-#ifndef STORAGE_UDEV_H
-#define STORAGE_UDEV_H
+#ifndef KYR_PLUGINS_STORAGE_UDEV_H
+#define KYR_PLUGINS_STORAGE_UDEV_H
 
 #include <map>
 #include <string>

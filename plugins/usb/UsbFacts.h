@@ -1,5 +1,5 @@
-#ifndef USB_USBFACTS_H
-#define USB_USBFACTS_H
+#ifndef KYR_PLUGINS_USB_USBFACTS_H
+#define KYR_PLUGINS_USB_USBFACTS_H
 
 #include <cstdint>
 #include <optional>

@@ -1,5 +1,5 @@
-#ifndef TCPLUGINCALLBACKS_H
-#define TCPLUGINCALLBACKS_H
+#ifndef KYR_CWRAPPERS_TCPLUGINCALLBACKS_H
+#define KYR_CWRAPPERS_TCPLUGINCALLBACKS_H
 
 #include "kyr/IPluginBasicQueryCallbacks.h"
 #include "kyr/IPluginCallbacks.h"

@@ -1,5 +1,5 @@
-#ifndef TRACETEXT_H
-#define TRACETEXT_H
+#ifndef KYR_CWRAPPERS_TRACETEXT_H
+#define KYR_CWRAPPERS_TRACETEXT_H
 
 #include <algorithm>
 #include <initializer_list>

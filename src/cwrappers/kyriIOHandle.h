@@ -1,5 +1,5 @@
-#ifndef KYRIIOHANDLE_H
-#define KYRIIOHANDLE_H
+#ifndef KYR_CWRAPPERS_KYRIIOHANDLE_H
+#define KYR_CWRAPPERS_KYRIIOHANDLE_H
 
 class IPlugin;
 class TCIMInstance;

@@ -1,5 +1,5 @@
-#ifndef NUMBERTEXT_H
-#define NUMBERTEXT_H
+#ifndef KYR_MODEL_NUMBERTEXT_H
+#define KYR_MODEL_NUMBERTEXT_H
 
 #include <charconv>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef TCIMARRAYVALUEIMPL_H
-#define TCIMARRAYVALUEIMPL_H
+#ifndef KYR_MODEL_TCIMARRAYVALUEIMPL_H
+#define KYR_MODEL_TCIMARRAYVALUEIMPL_H
 
 #include <string>
 #include <utility>

@@ -1,5 +1,5 @@
-#ifndef TCIMCLASSIMPL_H
-#define TCIMCLASSIMPL_H
+#ifndef KYR_MODEL_TCIMCLASSIMPL_H
+#define KYR_MODEL_TCIMCLASSIMPL_H
 
 #include <map>
 #include <set>

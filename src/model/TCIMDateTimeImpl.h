@@ -1,5 +1,5 @@
-#ifndef TCIMDATETIMEIMPL_H
-#define TCIMDATETIMEIMPL_H
+#ifndef KYR_MODEL_TCIMDATETIMEIMPL_H
+#define KYR_MODEL_TCIMDATETIMEIMPL_H
 
 #include <ctime>
 #include <string>

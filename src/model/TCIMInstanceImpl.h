@@ -1,5 +1,5 @@
-#ifndef TCIMINSTANCEIMPL_H
-#define TCIMINSTANCEIMPL_H
+#ifndef KYR_MODEL_TCIMINSTANCEIMPL_H
+#define KYR_MODEL_TCIMINSTANCEIMPL_H
 
 #include <boost/weak_ptr.hpp>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef TCIMPROPERTYIMPL_H
-#define TCIMPROPERTYIMPL_H
+#ifndef KYR_MODEL_TCIMPROPERTYIMPL_H
+#define KYR_MODEL_TCIMPROPERTYIMPL_H
 
 #include <memory>
 #include <optional>

@@ -1,5 +1,5 @@
-#ifndef TCIMREFERENCEIMPL_H
-#define TCIMREFERENCEIMPL_H
+#ifndef KYR_MODEL_TCIMREFERENCEIMPL_H
+#define KYR_MODEL_TCIMREFERENCEIMPL_H
 
 #include <map>
 #include <string>

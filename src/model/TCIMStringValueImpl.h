@@ -1,5 +1,5 @@
-#ifndef TCIMSTRINGVALUEIMPL_H
-#define TCIMSTRINGVALUEIMPL_H
+#ifndef KYR_MODEL_TCIMSTRINGVALUEIMPL_H
+#define KYR_MODEL_TCIMSTRINGVALUEIMPL_H
 
 #include <string>
 #include <utility>

@@ -1,5 +1,5 @@
-#ifndef TCIMVALUEIMPL_H
-#define TCIMVALUEIMPL_H
+#ifndef KYR_MODEL_TCIMVALUEIMPL_H
+#define KYR_MODEL_TCIMVALUEIMPL_H
 
 #include <string>
 #include <vector>

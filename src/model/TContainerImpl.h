@@ -1,5 +1,5 @@
-#ifndef TCONTAINERIMPL_H
-#define TCONTAINERIMPL_H
+#ifndef KYR_MODEL_TCONTAINERIMPL_H
+#define KYR_MODEL_TCONTAINERIMPL_H
 
 #include <boost/shared_ptr.hpp>
 #include <map>

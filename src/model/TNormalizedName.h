@@ -1,5 +1,5 @@
-#ifndef TNORMALIZEDNAME_H
-#define TNORMALIZEDNAME_H
+#ifndef KYR_MODEL_TNORMALIZEDNAME_H
+#define KYR_MODEL_TNORMALIZEDNAME_H
 
 #include <string>
 #include <string_view>

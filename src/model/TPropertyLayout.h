@@ -1,5 +1,5 @@
-#ifndef TPROPERTYLAYOUT_H
-#define TPROPERTYLAYOUT_H
+#ifndef KYR_MODEL_TPROPERTYLAYOUT_H
+#define KYR_MODEL_TPROPERTYLAYOUT_H
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef TQUALIFIERMAP_H
-#define TQUALIFIERMAP_H
+#ifndef KYR_MODEL_TQUALIFIERMAP_H
+#define KYR_MODEL_TQUALIFIERMAP_H
 
 #include <boost/shared_ptr.hpp>
 #include <map>

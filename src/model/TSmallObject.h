@@ -1,5 +1,5 @@
-#ifndef TSMALLOBJECT_H
-#define TSMALLOBJECT_H
+#ifndef KYR_MODEL_TSMALLOBJECT_H
+#define KYR_MODEL_TSMALLOBJECT_H
 
 #include <cstddef>
 #include <new>

@@ -1,5 +1,5 @@
-#ifndef TYPENAME_H
-#define TYPENAME_H
+#ifndef KYR_MODEL_TYPENAME_H
+#define KYR_MODEL_TYPENAME_H
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#ifndef UNITDISPLAY_H
-#define UNITDISPLAY_H
+#ifndef KYR_MODEL_UNITDISPLAY_H
+#define KYR_MODEL_UNITDISPLAY_H
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-#ifndef VALUEMAPTABLE_H
-#define VALUEMAPTABLE_H
+#ifndef KYR_MODEL_VALUEMAPTABLE_H
+#define KYR_MODEL_VALUEMAPTABLE_H
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
-#ifndef CORELOG_H
-#define CORELOG_H
+#ifndef KYR_PLATFORM_CORELOG_H
+#define KYR_PLATFORM_CORELOG_H
 
 #include <string>
 

@@ -1,5 +1,5 @@
-#ifndef DOCUMENTFILE_H
-#define DOCUMENTFILE_H
+#ifndef KYR_XML_DOCUMENTFILE_H
+#define KYR_XML_DOCUMENTFILE_H
 
 #include <boost/scoped_array.hpp>
 #include <cstddef>

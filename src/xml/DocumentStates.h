@@ -1,5 +1,5 @@
-#ifndef DOCUMENTSTATES_H
-#define DOCUMENTSTATES_H
+#ifndef KYR_XML_DOCUMENTSTATES_H
+#define KYR_XML_DOCUMENTSTATES_H
 
 #include "xml/TCIMXMLParser.h"
 

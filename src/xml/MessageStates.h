@@ -1,5 +1,5 @@
-#ifndef MESSAGESTATES_H
-#define MESSAGESTATES_H
+#ifndef KYR_XML_MESSAGESTATES_H
+#define KYR_XML_MESSAGESTATES_H
 
 #include "xml/WrapperStates.h"
 

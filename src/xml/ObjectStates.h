@@ -1,5 +1,5 @@
-#ifndef OBJECTSTATES_H
-#define OBJECTSTATES_H
+#ifndef KYR_XML_OBJECTSTATES_H
+#define KYR_XML_OBJECTSTATES_H
 
 #include <memory>
 

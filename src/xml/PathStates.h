@@ -1,5 +1,5 @@
-#ifndef PATHSTATES_H
-#define PATHSTATES_H
+#ifndef KYR_XML_PATHSTATES_H
+#define KYR_XML_PATHSTATES_H
 
 #include "kyr/TCIMReference.h"
 #include "xml/TCIMXMLParser.h"

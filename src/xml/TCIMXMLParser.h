@@ -1,5 +1,5 @@
-#ifndef TCIMXMLPARSER_H
-#define TCIMXMLPARSER_H
+#ifndef KYR_XML_TCIMXMLPARSER_H
+#define KYR_XML_TCIMXMLPARSER_H
 
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>

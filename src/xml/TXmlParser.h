@@ -1,5 +1,5 @@
-#ifndef TXMLPARSER_H
-#define TXMLPARSER_H
+#ifndef KYR_XML_TXMLPARSER_H
+#define KYR_XML_TXMLPARSER_H
 
 #include <cstddef>
 #include <map>

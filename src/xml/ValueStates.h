@@ -1,5 +1,5 @@
-#ifndef VALUESTATES_H
-#define VALUESTATES_H
+#ifndef KYR_XML_VALUESTATES_H
+#define KYR_XML_VALUESTATES_H
 
 #include "kyr/TCIMReference.h"
 #include "xml/TCIMXMLParser.h"

@@ -1,5 +1,5 @@
-#ifndef WRAPPERSTATES_H
-#define WRAPPERSTATES_H
+#ifndef KYR_XML_WRAPPERSTATES_H
+#define KYR_XML_WRAPPERSTATES_H
 
 #include "kyr/TCIMReference.h"
 #include "xml/TCIMXMLParser.h"
