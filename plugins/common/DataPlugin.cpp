@@ -8,9 +8,9 @@ const char* gName = nullptr;
 kyrStatusCode (*gGetData)(kyrIOHandle, const TWantedClasses&) = nullptr;
 kyrPluginHandle gPlugin = nullptr;
 
-kyrStatusCode Nothing(kyrPluginHandle) { return kyrStatusOK; }
+kyrStatusCode DoNothing(kyrPluginHandle) { return kyrStatusOK; }
 
-// No exception of ours may cross into the core.
+// The core calls this through the C interface, which lets no exception through.
 kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
     try {
         return gGetData(handle, TWantedClasses(classNames, classNames + count));
@@ -33,6 +33,6 @@ void LogAbsentClass(const char* className, EAbsence absence, const std::string& 
 void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&)) {
     gName = name;
     gGetData = getData;
-    kyrPluginCallbacks callbacks = {nullptr, Nothing, Nothing, GetData, GetInfo, Nothing};
+    kyrPluginCallbacks callbacks = {nullptr, DoNothing, DoNothing, GetData, GetInfo, DoNothing};
     kyrRegisterPlugin(&callbacks, &gPlugin);
 }

@@ -12,31 +12,31 @@
 #include "SystemRoot.h"
 #include "kyr/kyrPlugin.h"
 
-/// What a data call asks for.
+/// The classes that a data callback asks for.
 using TWantedClasses = std::vector<std::string_view>;
 
-/// Registers a plugin whose data calls go to the function; once in a library, from a static object's constructor.
+/// Registers a plugin whose data callback is the function. To be called once in a library, from the constructor of a
+/// static object, while the core loads it.
 void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&));
 
-/// Logs why there are no instances of a class, if what they were to be read from could not be had. An error, unless
-/// there is just nothing of the kind.
+/// Logs why a class has no instances: an error if its source could not be read, a warning if it is absent or not
+/// supported.
 void LogAbsentClass(const char* className, EAbsence absence, const std::string& source);
 template <typename T>
 void LogIfAbsent(const char* className, const TFact<T>& list) {
     if (!list) LogAbsentClass(className, list.absence, list.source);
 }
 
-/// Reports the instances of one class; first logs why there are none, if there is a listing that tells.
+/// The function that reports the instances of one class.
 template <typename TFacts>
 struct TClassReport {
     const char* className;
     kyrStatusCode (*report)(kyrIOHandle handle, const TFacts& facts);
-    TListing TFacts::*listing = nullptr;
 };
 
-/// A plugin that reads all its facts and then reports them class by class. The core asks for ordinary classes and for
-/// associations by one call each: what was read for the first serves the second, and is read anew when a class is
-/// asked for again.
+/// A plugin that reads all its facts and then reports them class by class. The core calls it once for ordinary classes
+/// and once for associations. Both calls report the same reading of the machine, so that associations fit the
+/// instances; it is read again when a class is asked for a second time.
 template <typename TFacts>
 class TDataPlugin {
 public:
@@ -53,9 +53,7 @@ private:
             if (!fReported.emplace(name).second) fFacts.reset();
         if (!fFacts) fFacts = fRead(TSystemRoot::FromEnvironment());
         return ReportEach(fReports, [&](const TClassReport<TFacts>& entry) {
-            if (!IsWanted(entry.className, wanted)) return kyrStatusOK;
-            if (entry.listing) LogIfAbsent(entry.className, *fFacts.*entry.listing);
-            return entry.report(handle, *fFacts);
+            return IsWanted(entry.className, wanted) ? entry.report(handle, *fFacts) : kyrStatusOK;
         });
     }
 

@@ -18,7 +18,7 @@ std::string AskHostName() {
     return name;
 }
 
-// Asked once: every device names its system.
+// Cached, because the path of every device holds it.
 const std::string& HostName() {
     static const std::string name = AskHostName();
     return name;
@@ -26,7 +26,7 @@ const std::string& HostName() {
 
 class TReference {
 public:
-    TReference(kyrIOHandle handle, const TPath& path) {
+    TReference(kyrIOHandle handle, const TInstancePath& path) {
         fStatus = kyrNewCIMReference(&fReference, handle);
         if (fStatus != kyrStatusOK) return;
         fStatus = kyrSetReferenceClassName(fReference, path.className.c_str());
@@ -50,29 +50,29 @@ private:
     kyrStatusCode fStatus;
 };
 
-kyrStatusCode AddMoment(kyrIOHandle handle, const char* property, kyrCIMDateTime datetime, TMoment moment) {
-    const time_t shown = static_cast<time_t>(moment.seconds + moment.offsetMinutes * 60);
+kyrStatusCode AddTimestamp(kyrIOHandle handle, const char* property, kyrCIMDateTime datetime, TTimestamp timestamp) {
+    const time_t shown = static_cast<time_t>(timestamp.seconds + timestamp.offsetMinutes * 60);
     struct tm time;
     if (gmtime_r(&shown, &time) == nullptr) return kyrStatusInvalidDateTime;
     char text[32];
     std::snprintf(text, sizeof text, "%04d%02d%02d%02d%02d%02d.000000%+04d", (time.tm_year + 1900) % 10000,
                   (time.tm_mon + 1) % 100, time.tm_mday % 100, time.tm_hour % 100, time.tm_min % 100, time.tm_sec % 100,
-                  moment.offsetMinutes % 1000);
+                  timestamp.offsetMinutes % 1000);
     const kyrStatusCode status = kyrSetDateTimeString(datetime, text);
     return status == kyrStatusOK ? kyrAddDateTimeProperty(handle, property, datetime) : status;
 }
 
 }  // namespace
 
-TPath ComputerSystem() {
+TInstancePath ComputerSystem() {
     const char *className = nullptr, *name = nullptr;
     if (kyrGetSystemCreationClassName(&className) != kyrStatusOK || kyrGetSystemName(&name) != kyrStatusOK)
         return {"MOLTA_ComputerSystem", {{"CreationClassName", "MOLTA_ComputerSystem"}, {"Name", HostName()}}};
     return {className, {{"CreationClassName", className}, {"Name", name}}};
 }
 
-TPath DevicePath(const std::string& className, const std::string& deviceId) {
-    TPath system = ComputerSystem();
+TInstancePath DevicePath(const std::string& className, const std::string& deviceId) {
+    TInstancePath system = ComputerSystem();
     return {className,
             {{"SystemCreationClassName", std::move(system.className)},
              {"SystemName", std::move(system.keys.back().second)},
@@ -80,25 +80,32 @@ TPath DevicePath(const std::string& className, const std::string& deviceId) {
              {"DeviceID", deviceId}}};
 }
 
-TPath ScopedPath(const std::string& className, const std::string& name) {
-    TPath path = DevicePath(className, name);
+TInstancePath ScopedPath(const std::string& className, const std::string& name) {
+    TInstancePath path = DevicePath(className, name);
     path.keys.back().first = "Name";
     return path;
 }
 
 bool IsKnownClass(kyrIOHandle handle, const char* className) {
-    return TReference(handle, TPath{className, {}}).IsGood();
+    return TReference(handle, TInstancePath{className, {}}).IsGood();
 }
 
 TInstanceReport::TInstanceReport(kyrIOHandle handle, const char* className)
     : fHandle(handle), fStatus(kyrAddClass(handle, className)) {}
 
-TInstanceReport::TInstanceReport(kyrIOHandle handle, const TPath& path)
+TInstanceReport::TInstanceReport(kyrIOHandle handle, const TInstancePath& path)
     : TInstanceReport(handle, path.className.c_str()) {
     for (const auto& [key, value] : path.keys) Set(key, value);
 }
 
-// Nothing may be set after kyrAddClass failed: the instance before would get it.
+/// False, with the status kept, if the core cannot make the object or an earlier call failed.
+template <typename T>
+bool TInstanceReport::Create(kyrStatusCode (*make)(T*), T& object) {
+    if (fStatus == kyrStatusOK) Keep(make(&object));
+    return fStatus == kyrStatusOK;
+}
+
+// After a failed kyrAddClass the instance before it is still the current one: a property set now would go there.
 template <typename F, typename T>
 void TInstanceReport::SetBy(F add, const char* property, T value) {
     if (fStatus == kyrStatusOK) Keep(add(fHandle, property, value));
@@ -114,7 +121,7 @@ void TInstanceReport::Set(const char* property, int32_t value) { SetBy(kyrAddSin
 void TInstanceReport::Set(const char* property, int64_t value) { SetBy(kyrAddSint64Property, property, value); }
 void TInstanceReport::Set(const char* property, const char* value) { SetBy(kyrAddStringProperty, property, value); }
 void TInstanceReport::Set(const char* property, const std::string& value) { Set(property, value.c_str()); }
-void TInstanceReport::Set(const char* property, const TPath& value) {
+void TInstanceReport::Set(const char* property, const TInstancePath& value) {
     if (fStatus == kyrStatusOK) Keep(TReference(fHandle, value).AddTo(fHandle, property));
 }
 
@@ -124,10 +131,10 @@ void TInstanceReport::Set(const char* property, double value) {
     SetBy(kyrAddProperty, property, text);
 }
 
-void TInstanceReport::Set(const char* property, TMoment value) {
+void TInstanceReport::Set(const char* property, TTimestamp value) {
     kyrCIMDateTime datetime;
-    if (fStatus != kyrStatusOK || kyrNewCIMDateTime(&datetime) != kyrStatusOK) return;
-    Keep(AddMoment(fHandle, property, datetime, value));
+    if (!Create(kyrNewCIMDateTime, datetime)) return;
+    Keep(AddTimestamp(fHandle, property, datetime, value));
     kyrDeleteCIMDateTime(datetime);
 }
 
@@ -154,7 +161,7 @@ void TInstanceReport::Keep(kyrStatusCode status) {
     if (fStatus == kyrStatusOK) fStatus = status;
 }
 
-// A fact without a source was made up on the way, and there is nothing to tell of it.
+// A value without a source was derived here: it has no file or call to name.
 void TInstanceReport::Note(const char* property, const std::string& source, const char* absence) {
     if (source.empty()) return;
     if (absence == nullptr)
@@ -166,31 +173,31 @@ void TInstanceReport::Note(const char* property, const std::string& source, cons
 template <typename T, typename F>
 void TInstanceReport::SetArray(const char* property, const std::vector<T>& values, F append) {
     kyrCIMValueArray array;
-    if (fStatus != kyrStatusOK || kyrNewCIMValueArray(&array) != kyrStatusOK) return;
+    if (!Create(kyrNewCIMValueArray, array)) return;
     for (const T& value : values) Keep(append(array, value));
     SetBy(kyrAddArrayProperty, property, array);
     kyrDeleteCIMValueArray(array);
 }
 
-kyrStatusCode ReportTie(kyrIOHandle handle, const char* className, const char* firstRole, const TPath& first,
-                        const char* secondRole, const TPath& second) {
-    TInstanceReport tie(handle, className);
-    tie.Set(firstRole, first);
-    tie.Set(secondRole, second);
-    return tie.Finish();
+kyrStatusCode ReportAssociation(kyrIOHandle handle, const char* className, const char* firstRole,
+                                const TInstancePath& first, const char* secondRole, const TInstancePath& second) {
+    TInstanceReport association(handle, className);
+    association.Set(firstRole, first);
+    association.Set(secondRole, second);
+    return association.Finish();
 }
 
-kyrStatusCode ReportSystemDevice(kyrIOHandle handle, const char* className, const TPath& device) {
-    const TPath system = ComputerSystem();
+kyrStatusCode ReportSystemDevice(kyrIOHandle handle, const char* className, const TInstancePath& device) {
+    const TInstancePath system = ComputerSystem();
     if (!IsKnownClass(handle, system.className.c_str())) return kyrStatusOK;
-    return ReportTie(handle, className, "GroupComponent", system, "PartComponent", device);
+    return ReportAssociation(handle, className, "GroupComponent", system, "PartComponent", device);
 }
 
 kyrStatusCode ReportBusDevice(kyrIOHandle handle, const char* className, const TBusDevice& antecedent,
-                              const TPath& dependent) {
+                              const TInstancePath& dependent) {
     const bool isUsb = !antecedent.usbId.empty();
     const char* const deviceClass = isUsb ? "MOLTA_USBDevice" : "MOLTA_PCIDevice";
     const std::string& id = isUsb ? antecedent.usbId : antecedent.pciAddress;
     if (id.empty() || !IsKnownClass(handle, deviceClass)) return kyrStatusOK;
-    return ReportTie(handle, className, "Antecedent", DevicePath(deviceClass, id), "Dependent", dependent);
+    return ReportAssociation(handle, className, "Antecedent", DevicePath(deviceClass, id), "Dependent", dependent);
 }

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -12,38 +11,38 @@
 #include "Fact.h"
 #include "kyr/kyrPlugin.h"
 
-/// Names an instance: its class and the values of its keys, which are strings.
-struct TPath {
+/// The path of an instance: its class and the values of its keys, which are all strings.
+struct TInstancePath {
     std::string className;
     std::vector<std::pair<const char*, std::string>> keys;
 };
 
-/// The computer system that the core has collected; while there is none, one of the name that the kernel knows.
-TPath ComputerSystem();
-/// A class whose keys are those of CIM_LogicalDevice.
-TPath DevicePath(const std::string& className, const std::string& deviceId);
-/// A class whose keys are those of CIM_FileSystem, CIM_Service and CIM_ServiceAccessPoint: a Name within the system.
-TPath ScopedPath(const std::string& className, const std::string& name);
+/// The computer system that the core has collected; before there is one, a MOLTA_ComputerSystem with the host name.
+TInstancePath ComputerSystem();
+/// The path of an instance whose class has the keys of CIM_LogicalDevice.
+TInstancePath DevicePath(const std::string& className, const std::string& deviceId);
+/// The same for the keys of CIM_FileSystem, CIM_Service and CIM_ServiceAccessPoint: a Name within the system.
+TInstancePath ScopedPath(const std::string& className, const std::string& name);
 
-/// False for the class of a plugin that is not there. No reference can name it.
+/// False for a class that no loaded plugin declares; a reference to it cannot be made.
 bool IsKnownClass(kyrIOHandle handle, const char* className);
 
-/// A moment, in seconds since 1970. Reported in UTC unless there is an offset of local time.
-struct TMoment {
+/// Seconds since 1970-01-01 UTC. Reported with the UTC offset given, in minutes.
+struct TTimestamp {
     int64_t seconds;
     int32_t offsetMinutes = 0;
 };
 
-/// One instance on its way to the core. Properties must have the type that the document declares. The first call of
-/// the core that fails is kept, and Finish returns it.
+/// Builds one instance in the core. Properties must have the type that the document declares. The status of the first
+/// call that fails is kept, nothing is set after it, and Finish returns it.
 class TInstanceReport {
 public:
-    TInstanceReport(kyrIOHandle handle, const TPath& path);
+    TInstanceReport(kyrIOHandle handle, const TInstancePath& path);
     TInstanceReport(kyrIOHandle handle, const char* className);
     TInstanceReport(const TInstanceReport&) = delete;
     TInstanceReport& operator=(const TInstanceReport&) = delete;
 
-    /// The value, with a note where it came from; or a note why there is none.
+    /// Sets the property and notes its source in ValueSources; or notes in UnavailableValues why there is no value.
     template <typename T>
     void Add(const char* property, const TFact<T>& fact) {
         if (fact) Set(property, *fact);
@@ -58,21 +57,24 @@ public:
     void Set(const char* property, int16_t value);
     void Set(const char* property, int32_t value);
     void Set(const char* property, int64_t value);
-    void Set(const char* property, double value);  ///< of real32 and real64
+    void Set(const char* property, double value);  ///< for real32 and real64
     void Set(const char* property, const char* value);
     void Set(const char* property, const std::string& value);
-    void Set(const char* property, TMoment value);
+    void Set(const char* property, TTimestamp value);
     void Set(const char* property, const std::vector<std::string>& value);
     void Set(const char* property, const std::vector<uint16_t>& value);
     void Set(const char* property, const std::vector<uint32_t>& value);
-    void Set(const char* property, const TPath& value);  ///< a reference
+    void Set(const char* property, const TInstancePath& value);  ///< a reference
 
-    /// Adds the notes. The instance is stored when the next one begins or the data call ends.
+    /// Adds ValueSources and UnavailableValues. The core stores the instance when the next one begins or the data
+    /// callback returns.
     kyrStatusCode Finish();
 
 private:
     void Keep(kyrStatusCode status);
     void Note(const char* property, const std::string& source, const char* absence);
+    template <typename T>
+    bool Create(kyrStatusCode (*make)(T*), T& object);
     template <typename F, typename T>
     void SetBy(F add, const char* property, T value);
     template <typename T, typename F>
@@ -84,7 +86,7 @@ private:
     std::vector<std::string> fUnavailable;
 };
 
-/// Calls the function with each item, up to the first that cannot be reported.
+/// Calls the function with each item and stops at the first failure, whose status it returns.
 template <typename TItems, typename F>
 kyrStatusCode ReportEach(const TItems& items, F report) {
     for (const auto& item : items)
@@ -95,29 +97,19 @@ template <typename TItems, typename F>
 kyrStatusCode ReportEach(kyrIOHandle handle, const TItems& items, F report) {
     return ReportEach(items, [&](const auto& item) { return report(handle, item); });
 }
-/// The same with each item of a list among the facts, as a TClassReport has it. The function may want the facts too.
-template <auto kList, auto kReport, typename TFacts>
-kyrStatusCode ForEach(kyrIOHandle handle, const TFacts& facts) {
-    return ReportEach(facts.*kList, [&](const auto& item) {
-        if constexpr (std::is_invocable_v<decltype(kReport), kyrIOHandle, const TFacts&, decltype(item)>)
-            return kReport(handle, facts, item);
-        else
-            return kReport(handle, item);
-    });
-}
 
 /// An association of two instances.
-kyrStatusCode ReportTie(kyrIOHandle handle, const char* className, const char* firstRole, const TPath& first,
-                        const char* secondRole, const TPath& second);
-/// A CIM_SystemDevice: the device belongs to the computer system. Nothing, while no plugin declares one.
-kyrStatusCode ReportSystemDevice(kyrIOHandle handle, const char* className, const TPath& device);
-/// The same for each item, whose path the function gives.
+kyrStatusCode ReportAssociation(kyrIOHandle handle, const char* className, const char* firstRole,
+                                const TInstancePath& first, const char* secondRole, const TInstancePath& second);
+/// A CIM_SystemDevice from the computer system to the device. Reports nothing if no plugin declares the system's class.
+kyrStatusCode ReportSystemDevice(kyrIOHandle handle, const char* className, const TInstancePath& device);
+/// The same for each item; the function returns the item's path.
 template <typename TItems, typename F>
 kyrStatusCode ReportSystemDevices(kyrIOHandle handle, const char* className, const TItems& items, F pathOf) {
     return ReportEach(items, [&](const auto& item) { return ReportSystemDevice(handle, className, pathOf(item)); });
 }
-/// A CIM_Dependency on the bus device that something is on. Nothing, if that is none or no plugin declares its class.
+/// A CIM_Dependency on a PCI or USB device. Reports nothing if there is none or no plugin declares its class.
 kyrStatusCode ReportBusDevice(kyrIOHandle handle, const char* className, const TBusDevice& antecedent,
-                              const TPath& dependent);
+                              const TInstancePath& dependent);
 
 #endif

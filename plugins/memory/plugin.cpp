@@ -12,15 +12,15 @@ constexpr const char* kSystemMemoryDevice = "MOLTA_SystemMemoryDevice";
 constexpr const char* kSystemMemoryHardware = "MOLTA_SystemMemoryHardware";
 constexpr const char* kMemoryArrayModule = "MOLTA_MemoryArrayModule";
 
-TPath SystemMemoryPath() { return DevicePath(kSystemMemory, "memory"); }
-TPath SwapAreaPath(const TSwapArea& area) { return DevicePath(kSwapArea, area.path); }
+TInstancePath SystemMemoryPath() { return DevicePath(kSystemMemory, "memory"); }
+TInstancePath SwapAreaPath(const TSwapArea& area) { return DevicePath(kSwapArea, area.path); }
 
-TPath HardwarePath(const char* className, const std::string& tag) {
+TInstancePath HardwarePath(const char* className, const std::string& tag) {
     return {className, {{"CreationClassName", className}, {"Tag", tag}}};
 }
 
-TPath ArrayPath(const TMemoryArray& array) { return HardwarePath(kMemoryArray, array.tag); }
-TPath ModulePath(const TMemoryModule& module) { return HardwarePath(kPhysicalMemory, module.tag); }
+TInstancePath ArrayPath(const TMemoryArray& array) { return HardwarePath(kMemoryArray, array.tag); }
+TInstancePath ModulePath(const TMemoryModule& module) { return HardwarePath(kPhysicalMemory, module.tag); }
 
 struct TUsageProperty {
     const char* name;
@@ -113,6 +113,11 @@ kyrStatusCode ReportModule(kyrIOHandle handle, const TMemoryModule& module) {
     return report.Finish();
 }
 
+kyrStatusCode ReportSwapAreas(kyrIOHandle handle, const TMemoryFacts& facts) {
+    LogIfAbsent(kSwapArea, facts.swapListing);
+    return ReportEach(handle, facts.swapAreas, ReportSwapArea);
+}
+
 kyrStatusCode ReportArrays(kyrIOHandle handle, const TMemoryFacts& facts) {
     LogIfAbsent(kMemoryArray, facts.hardware.installedModules);
     return ReportEach(handle, facts.hardware.arrays, ReportArray);
@@ -138,15 +143,14 @@ kyrStatusCode ReportSystemMemoryHardware(kyrIOHandle handle, const TMemoryFacts&
 kyrStatusCode ReportArrayModules(kyrIOHandle handle, const TMemoryFacts& facts) {
     return ReportEach(facts.hardware.modules, [&](const TMemoryModule& module) {
         if (module.arrayTag.empty()) return kyrStatusOK;
-        return ReportTie(handle, kMemoryArrayModule, "GroupComponent", HardwarePath(kMemoryArray, module.arrayTag),
-                         "PartComponent", ModulePath(module));
+        return ReportAssociation(handle, kMemoryArrayModule, "GroupComponent",
+                                 HardwarePath(kMemoryArray, module.arrayTag), "PartComponent", ModulePath(module));
     });
 }
 
 const TDataPlugin<TMemoryFacts> gPlugin("memory", ReadMemory,
                                         {{kSystemMemory, ReportSystemMemory},
-                                         {kSwapArea, ForEach<&TMemoryFacts::swapAreas, ReportSwapArea>,
-                                          &TMemoryFacts::swapListing},
+                                         {kSwapArea, ReportSwapAreas},
                                          {kMemoryArray, ReportArrays},
                                          {kPhysicalMemory, ReportModules},
                                          {kSystemMemoryDevice, ReportSystemMemoryDevices},

@@ -54,11 +54,11 @@ kyrStatusCode ReportAdapter(kyrIOHandle handle, const TAdapter& adapter) {
 
 }  // namespace
 
-TPath AdapterPath(const std::string& name) { return DevicePath(kAdapter, name); }
+TInstancePath AdapterPath(const std::string& name) { return DevicePath(kAdapter, name); }
 
 kyrStatusCode ReportAdapters(kyrIOHandle handle, const TNetworkFacts& facts) {
     LogIfAbsent(kAdapter, facts.adapterListing);
-    return ReportEach(facts.adapters, [handle](const TAdapter& adapter) { return ReportAdapter(handle, adapter); });
+    return ReportEach(handle, facts.adapters, ReportAdapter);
 }
 
 kyrStatusCode ReportSystemAdapters(kyrIOHandle handle, const TNetworkFacts& facts) {
@@ -70,16 +70,16 @@ kyrStatusCode ReportSystemAdapters(kyrIOHandle handle, const TNetworkFacts& fact
 kyrStatusCode ReportAdapterMembers(kyrIOHandle handle, const TNetworkFacts& facts) {
     return ReportEach(facts.adapters, [handle](const TAdapter& adapter) {
         if (adapter.master.empty()) return kyrStatusOK;
-        return ReportTie(handle, "MOLTA_NetworkAdapterMember", "GroupComponent", AdapterPath(adapter.master),
-                         "PartComponent", AdapterPath(adapter.name));
+        return ReportAssociation(handle, "MOLTA_NetworkAdapterMember", "GroupComponent", AdapterPath(adapter.master),
+                                 "PartComponent", AdapterPath(adapter.name));
     });
 }
 
 kyrStatusCode ReportLowerAdapters(kyrIOHandle handle, const TNetworkFacts& facts) {
     return ReportEach(facts.adapters, [handle](const TAdapter& adapter) {
         if (adapter.lower.empty()) return kyrStatusOK;
-        return ReportTie(handle, "MOLTA_LowerNetworkAdapter", "Antecedent", AdapterPath(adapter.lower), "Dependent",
-                         AdapterPath(adapter.name));
+        return ReportAssociation(handle, "MOLTA_LowerNetworkAdapter", "Antecedent", AdapterPath(adapter.lower),
+                                 "Dependent", AdapterPath(adapter.name));
     });
 }
 

@@ -50,7 +50,7 @@ std::string WithPrefix(const TIPAddress& address) {
     return address.address + '/' + std::to_string(address.prefixLength);
 }
 
-TPath AddressPath(const TIPAddress& address) {
+TInstancePath AddressPath(const TIPAddress& address) {
     std::string name = address.adapter + ' ' + WithPrefix(address);
     if (address.peer) name += " to " + *address.peer;
     return ScopedPath(kAddress, name);
@@ -87,12 +87,12 @@ kyrStatusCode ReportAddress(kyrIOHandle handle, const TIPAddress& address) {
 
 kyrStatusCode ReportAddresses(kyrIOHandle handle, const TNetworkFacts& facts) {
     LogIfAbsent(kAddress, facts.addressListing);
-    return ReportEach(facts.addresses, [handle](const TIPAddress& address) { return ReportAddress(handle, address); });
+    return ReportEach(handle, facts.addresses, ReportAddress);
 }
 
 kyrStatusCode ReportAddressAdapters(kyrIOHandle handle, const TNetworkFacts& facts) {
     return ReportEach(facts.addresses, [handle](const TIPAddress& address) {
-        return ReportTie(handle, "MOLTA_NetworkAdapterAddress", "Antecedent", AdapterPath(address.adapter), "Dependent",
-                         AddressPath(address));
+        return ReportAssociation(handle, "MOLTA_NetworkAdapterAddress", "Antecedent", AdapterPath(address.adapter),
+                                 "Dependent", AddressPath(address));
     });
 }

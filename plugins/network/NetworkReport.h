@@ -5,9 +5,9 @@
 #include "InstanceReport.h"
 #include "NetworkFacts.h"
 
-// What plugin.cpp tells the core of, class by class.
+// The functions that report the instances of one class each; the table in plugin.cpp names them.
 
-TPath AdapterPath(const std::string& name);
+TInstancePath AdapterPath(const std::string& name);
 
 kyrStatusCode ReportAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
 kyrStatusCode ReportSystemAdapters(kyrIOHandle handle, const TNetworkFacts& facts);

@@ -30,7 +30,7 @@ std::string InstanceId(const TRoute& route) {
     return id + " proto " + std::to_string(route.protocol);
 }
 
-TPath RoutePath(const TRoute& route) { return {kRoute, {{"InstanceID", InstanceId(route)}}}; }
+TInstancePath RoutePath(const TRoute& route) { return {kRoute, {{"InstanceID", InstanceId(route)}}}; }
 
 template <typename T>
 void Add(TInstanceReport& report, const char* property, T value) {
@@ -63,13 +63,13 @@ kyrStatusCode ReportRoute(kyrIOHandle handle, const TRoute& route) {
 
 kyrStatusCode ReportRoutes(kyrIOHandle handle, const TNetworkFacts& facts) {
     LogIfAbsent(kRoute, facts.routeListing);
-    return ReportEach(facts.routes, [handle](const TRoute& route) { return ReportRoute(handle, route); });
+    return ReportEach(handle, facts.routes, ReportRoute);
 }
 
 kyrStatusCode ReportRouteAdapters(kyrIOHandle handle, const TNetworkFacts& facts) {
     return ReportEach(facts.routes, [handle](const TRoute& route) {
         if (route.adapter.empty()) return kyrStatusOK;
-        return ReportTie(handle, "MOLTA_RouteAdapter", "Antecedent", AdapterPath(route.adapter), "Dependent",
-                         RoutePath(route));
+        return ReportAssociation(handle, "MOLTA_RouteAdapter", "Antecedent", AdapterPath(route.adapter), "Dependent",
+                                 RoutePath(route));
     });
 }

@@ -9,6 +9,8 @@ constexpr const char* kDevice = "MOLTA_PCIDevice";
 constexpr const char* kSystemDevice = "MOLTA_SystemPCIDevice";
 constexpr const char* kBridgeDevice = "MOLTA_PCIBridgeDevice";
 
+TInstancePath PciDevicePath(const TPciFunction& function) { return DevicePath(kDevice, function.address); }
+
 // "Ethernet controller: Intel Corporation 82540EM Gigabit Ethernet Controller"
 std::string Caption(const TPciIdentity& identity) {
     std::string caption = identity.className.ValueOr("PCI device");
@@ -47,7 +49,7 @@ void AddLink(TInstanceReport& report, const TPciLink& link) {
 }
 
 kyrStatusCode ReportDevice(kyrIOHandle handle, const TPciFunction& function) {
-    TInstanceReport report(handle, DevicePath(kDevice, function.address));
+    TInstanceReport report(handle, PciDevicePath(function));
     report.Set("Name", function.address);
     AddIdentity(report, function.identity);
     if (function.identity.HasSubsystem()) AddSubsystem(report, function.identity);
@@ -59,19 +61,26 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TPciFunction& function) {
     return report.Finish();
 }
 
-kyrStatusCode TieToSystem(kyrIOHandle handle, const TPciFunction& function) {
-    return ReportSystemDevice(handle, kSystemDevice, DevicePath(kDevice, function.address));
+kyrStatusCode ReportDevices(kyrIOHandle handle, const TPciFacts& facts) {
+    LogIfAbsent(kDevice, facts.listing);
+    return ReportEach(handle, facts.functions, ReportDevice);
 }
 
-kyrStatusCode TieToBridge(kyrIOHandle handle, const TPciFunction& function) {
-    if (function.bridge.empty()) return kyrStatusOK;
-    return ReportTie(handle, kBridgeDevice, "Antecedent", DevicePath(kDevice, function.bridge), "Dependent",
-                     DevicePath(kDevice, function.address));
+kyrStatusCode ReportSystemPciDevices(kyrIOHandle handle, const TPciFacts& facts) {
+    return ReportSystemDevices(handle, kSystemDevice, facts.functions, PciDevicePath);
+}
+
+kyrStatusCode ReportBridgeDevices(kyrIOHandle handle, const TPciFacts& facts) {
+    return ReportEach(facts.functions, [handle](const TPciFunction& function) {
+        if (function.bridge.empty()) return kyrStatusOK;
+        return ReportAssociation(handle, kBridgeDevice, "Antecedent", DevicePath(kDevice, function.bridge), "Dependent",
+                                 PciDevicePath(function));
+    });
 }
 
 const TDataPlugin<TPciFacts> gPlugin("pci", ReadPci,
-                                     {{kDevice, ForEach<&TPciFacts::functions, ReportDevice>, &TPciFacts::listing},
-                                      {kSystemDevice, ForEach<&TPciFacts::functions, TieToSystem>},
-                                      {kBridgeDevice, ForEach<&TPciFacts::functions, TieToBridge>}});
+                                     {{kDevice, ReportDevices},
+                                      {kSystemDevice, ReportSystemPciDevices},
+                                      {kBridgeDevice, ReportBridgeDevices}});
 
 }  // namespace

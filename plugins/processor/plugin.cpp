@@ -1,3 +1,4 @@
+// The plugin "processor": packages, cores, threads, caches, NUMA nodes and vulnerabilities.
 #include <algorithm>
 
 #include "DataPlugin.h"
@@ -13,13 +14,13 @@ constexpr const char* kCache = "MOLTA_CacheMemory";
 constexpr const char* kNode = "MOLTA_NUMANode";
 constexpr const char* kVulnerability = "MOLTA_ProcessorVulnerability";
 
-// Numbers of ValueMap.
+// Numbers of the ValueMaps in processor.properties.xml.
 constexpr uint16_t kCpuEnabled = 1;
 constexpr uint16_t kHardwareThread = 5;
 constexpr uint16_t kEnabled = 2, kDisabled = 3;
 constexpr uint16_t kUnknown = 0, kNotAffected = 1, kMitigated = 2, kVulnerable = 3;
 
-/// What the kernel's word for a feature means by DMTF's numbers.
+/// A CPU flag of /proc/cpuinfo and its number in the ValueMap of Characteristics.
 struct TCharacteristic {
     const char* flag;
     uint16_t number;
@@ -29,7 +30,7 @@ constexpr TCharacteristic kCharacteristics[] = {
     {"lm", 2}, {"vmx", 4}, {"svm", 4}, {"nx", 6}, {"ida", 8}, {"cpb", 8},
 };
 
-/// How the kernel's words for a weakness begin. Some matter to guests of KVM only, and it says so in front.
+/// The beginning of a file in /sys/devices/system/cpu/vulnerabilities. "KVM:" marks what concerns KVM guests only.
 struct TStateWord {
     std::string_view start;
     uint16_t state;
@@ -41,7 +42,7 @@ constexpr TStateWord kStateWords[] = {
     {"Unknown", kUnknown},
 };
 
-// sic: the flag "ht" stands also with processors whose cores have one thread each.
+// The flag "ht" does not tell: the kernel shows it for processors with one thread per core as well.
 bool HasHardwareThreads(const TPackage& package) {
     return package.threadCount.ValueOr(0) > package.coreCount.ValueOr(0);
 }
@@ -67,11 +68,15 @@ std::optional<uint16_t> NumberOf(E value) {
     return static_cast<uint16_t>(value);
 }
 
-TPath ProcessorPath(const TPackage& package) { return DevicePath(kProcessor, "socket" + std::to_string(package.id)); }
-TPath CorePath(const TCore& core) { return {kCore, {{"InstanceID", core.name}}}; }
-TPath ThreadPath(const TThread& thread) { return {kThread, {{"InstanceID", "cpu" + std::to_string(thread.number)}}}; }
-TPath CachePath(const TCache& cache) { return DevicePath(kCache, cache.name); }
-TPath NodePath(const TNumaNode& node) { return {kNode, {{"InstanceID", node.name}}}; }
+TInstancePath ProcessorPath(const TPackage& package) {
+    return DevicePath(kProcessor, "socket" + std::to_string(package.id));
+}
+TInstancePath CorePath(const TCore& core) { return {kCore, {{"InstanceID", core.name}}}; }
+TInstancePath ThreadPath(const TThread& thread) {
+    return {kThread, {{"InstanceID", "cpu" + std::to_string(thread.number)}}};
+}
+TInstancePath CachePath(const TCache& cache) { return DevicePath(kCache, cache.name); }
+TInstancePath NodePath(const TNumaNode& node) { return {kNode, {{"InstanceID", node.name}}}; }
 
 void AddIdentity(TInstanceReport& report, const TPackage& package) {
     report.Add("Caption", package.modelName);
@@ -165,60 +170,94 @@ kyrStatusCode ReportVulnerability(kyrIOHandle handle, const TVulnerability& vuln
     return report.Finish();
 }
 
-kyrStatusCode TieProcessor(kyrIOHandle handle, const TPackage& package) {
-    return ReportSystemDevice(handle, "MOLTA_SystemProcessor", ProcessorPath(package));
+kyrStatusCode ReportProcessors(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportEach(handle, facts.packages, ReportProcessor);
 }
 
-kyrStatusCode TieCore(kyrIOHandle handle, const TProcessorFacts& facts, const TCore& core) {
-    return ReportTie(handle, "MOLTA_CoreOfProcessor", "GroupComponent", ProcessorPath(facts.packages[core.package]),
-                     "PartComponent", CorePath(core));
+kyrStatusCode ReportCores(kyrIOHandle handle, const TProcessorFacts& facts) {
+    LogIfAbsent(kCore, facts.threadListing);
+    return ReportEach(handle, facts.cores, ReportCore);
 }
 
-kyrStatusCode TieThread(kyrIOHandle handle, const TProcessorFacts& facts, const TThread& thread) {
-    if (!thread.core) return kyrStatusOK;
-    return ReportTie(handle, "MOLTA_ThreadOfCore", "GroupComponent", CorePath(facts.cores[*thread.core]),
-                     "PartComponent", ThreadPath(thread));
+kyrStatusCode ReportThreads(kyrIOHandle handle, const TProcessorFacts& facts) {
+    LogIfAbsent(kThread, facts.threadListing);
+    return ReportEach(handle, facts.threads, ReportThread);
 }
 
-kyrStatusCode TieCache(kyrIOHandle handle, const TCache& cache) {
-    return ReportSystemDevice(handle, "MOLTA_SystemCacheMemory", CachePath(cache));
+kyrStatusCode ReportCaches(kyrIOHandle handle, const TProcessorFacts& facts) {
+    LogIfAbsent(kCache, facts.cacheListing);
+    return ReportEach(handle, facts.caches, ReportCache);
 }
 
-kyrStatusCode TieCacheToProcessor(kyrIOHandle handle, const TProcessorFacts& facts, const TCache& cache) {
-    return ReportTie(handle, "MOLTA_AssociatedCacheMemory", "Antecedent", CachePath(cache), "Dependent",
-                     ProcessorPath(facts.packages[cache.package]));
+kyrStatusCode ReportNodes(kyrIOHandle handle, const TProcessorFacts& facts) {
+    LogIfAbsent(kNode, facts.nodeListing);
+    return ReportEach(handle, facts.nodes, ReportNode);
 }
 
-kyrStatusCode TieNode(kyrIOHandle handle, const TNumaNode& node) {
-    return ReportTie(handle, "MOLTA_SystemNUMANode", "GroupComponent", ComputerSystem(), "PartComponent",
-                     NodePath(node));
+kyrStatusCode ReportVulnerabilities(kyrIOHandle handle, const TProcessorFacts& facts) {
+    LogIfAbsent(kVulnerability, facts.vulnerabilityListing);
+    return ReportEach(handle, facts.vulnerabilities, ReportVulnerability);
 }
 
-kyrStatusCode TieNodeToProcessors(kyrIOHandle handle, const TProcessorFacts& facts, const TNumaNode& node) {
-    return ReportEach(node.packages, [&](size_t package) {
-        return ReportTie(handle, "MOLTA_NUMANodeProcessor", "Antecedent", NodePath(node), "Dependent",
-                         ProcessorPath(facts.packages[package]));
+kyrStatusCode ReportSystemProcessors(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportSystemDevices(handle, "MOLTA_SystemProcessor", facts.packages, ProcessorPath);
+}
+
+kyrStatusCode ReportCoresOfProcessors(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportEach(facts.cores, [&](const TCore& core) {
+        return ReportAssociation(handle, "MOLTA_CoreOfProcessor", "GroupComponent",
+                                 ProcessorPath(facts.packages[core.package]), "PartComponent", CorePath(core));
     });
 }
 
-using TFacts = TProcessorFacts;
+kyrStatusCode ReportThreadsOfCores(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportEach(facts.threads, [&](const TThread& thread) {
+        if (!thread.core) return kyrStatusOK;
+        return ReportAssociation(handle, "MOLTA_ThreadOfCore", "GroupComponent", CorePath(facts.cores[*thread.core]),
+                                 "PartComponent", ThreadPath(thread));
+    });
+}
 
-const TDataPlugin<TFacts> kPlugin("processor", ReadProcessors,
-                                  {
-                                      {kProcessor, ForEach<&TFacts::packages, ReportProcessor>},
-                                      {kCore, ForEach<&TFacts::cores, ReportCore>, &TFacts::threadListing},
-                                      {kThread, ForEach<&TFacts::threads, ReportThread>, &TFacts::threadListing},
-                                      {kCache, ForEach<&TFacts::caches, ReportCache>, &TFacts::cacheListing},
-                                      {kNode, ForEach<&TFacts::nodes, ReportNode>, &TFacts::nodeListing},
-                                      {kVulnerability, ForEach<&TFacts::vulnerabilities, ReportVulnerability>,
-                                       &TFacts::vulnerabilityListing},
-                                      {"MOLTA_SystemProcessor", ForEach<&TFacts::packages, TieProcessor>},
-                                      {"MOLTA_CoreOfProcessor", ForEach<&TFacts::cores, TieCore>},
-                                      {"MOLTA_ThreadOfCore", ForEach<&TFacts::threads, TieThread>},
-                                      {"MOLTA_SystemCacheMemory", ForEach<&TFacts::caches, TieCache>},
-                                      {"MOLTA_AssociatedCacheMemory", ForEach<&TFacts::caches, TieCacheToProcessor>},
-                                      {"MOLTA_SystemNUMANode", ForEach<&TFacts::nodes, TieNode>},
-                                      {"MOLTA_NUMANodeProcessor", ForEach<&TFacts::nodes, TieNodeToProcessors>},
-                                  });
+kyrStatusCode ReportSystemCaches(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportSystemDevices(handle, "MOLTA_SystemCacheMemory", facts.caches, CachePath);
+}
+
+kyrStatusCode ReportCachesOfProcessors(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportEach(facts.caches, [&](const TCache& cache) {
+        return ReportAssociation(handle, "MOLTA_AssociatedCacheMemory", "Antecedent", CachePath(cache), "Dependent",
+                                 ProcessorPath(facts.packages[cache.package]));
+    });
+}
+
+kyrStatusCode ReportSystemNodes(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportEach(facts.nodes, [&](const TNumaNode& node) {
+        return ReportAssociation(handle, "MOLTA_SystemNUMANode", "GroupComponent", ComputerSystem(), "PartComponent",
+                                 NodePath(node));
+    });
+}
+
+kyrStatusCode ReportProcessorsOfNodes(kyrIOHandle handle, const TProcessorFacts& facts) {
+    return ReportEach(facts.nodes, [&](const TNumaNode& node) {
+        return ReportEach(node.packages, [&](size_t package) {
+            return ReportAssociation(handle, "MOLTA_NUMANodeProcessor", "Antecedent", NodePath(node), "Dependent",
+                                     ProcessorPath(facts.packages[package]));
+        });
+    });
+}
+
+const TDataPlugin<TProcessorFacts> gPlugin("processor", ReadProcessors,
+                                           {{kProcessor, ReportProcessors},
+                                            {kCore, ReportCores},
+                                            {kThread, ReportThreads},
+                                            {kCache, ReportCaches},
+                                            {kNode, ReportNodes},
+                                            {kVulnerability, ReportVulnerabilities},
+                                            {"MOLTA_SystemProcessor", ReportSystemProcessors},
+                                            {"MOLTA_CoreOfProcessor", ReportCoresOfProcessors},
+                                            {"MOLTA_ThreadOfCore", ReportThreadsOfCores},
+                                            {"MOLTA_SystemCacheMemory", ReportSystemCaches},
+                                            {"MOLTA_AssociatedCacheMemory", ReportCachesOfProcessors},
+                                            {"MOLTA_SystemNUMANode", ReportSystemNodes},
+                                            {"MOLTA_NUMANodeProcessor", ReportProcessorsOfNodes}});
 
 }  // namespace

@@ -20,12 +20,12 @@ constexpr const char* kPowerSupply = "MOLTA_PowerSupply";
 constexpr const char* kSystemSensor = "MOLTA_SystemSensor";
 constexpr const char* kSystemPowerSource = "MOLTA_SystemPowerSource";
 
-TPath SensorPath(const TSensor& sensor) {
+TInstancePath SensorPath(const TSensor& sensor) {
     return DevicePath(kSensorClasses[static_cast<size_t>(sensor.kind)], sensor.id);
 }
 
-TPath BatteryPath(const TBattery& battery) { return DevicePath(kBattery, battery.name); }
-TPath PowerSupplyPath(const TPowerSupply& supply) { return DevicePath(kPowerSupply, supply.name); }
+TInstancePath BatteryPath(const TBattery& battery) { return DevicePath(kBattery, battery.name); }
+TInstancePath PowerSupplyPath(const TPowerSupply& supply) { return DevicePath(kPowerSupply, supply.name); }
 
 struct TReading {
     const char* property;

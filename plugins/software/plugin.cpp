@@ -8,13 +8,13 @@ constexpr const char* kPackage = "MOLTA_Package";
 constexpr const char* kModule = "MOLTA_KernelModule";
 constexpr const char* kService = "MOLTA_Service";
 
-TPath PathOf(const TPackage& package) {
+TInstancePath PathOf(const TPackage& package) {
     return {kPackage, {{"Name", package.name}, {"SoftwareElementID", package.architecture}}};
 }
 
-TPath PathOf(const TKernelModule& module) { return {kModule, {{"Name", module.name}}}; }
+TInstancePath PathOf(const TKernelModule& module) { return {kModule, {{"Name", module.name}}}; }
 
-TPath PathOf(const TService& service) { return ScopedPath(kService, service.name); }
+TInstancePath PathOf(const TService& service) { return ScopedPath(kService, service.name); }
 
 void AddTo(TInstanceReport& report, const TPackage& package) {
     report.Add("Version", package.version);
@@ -70,22 +70,23 @@ kyrStatusCode ReportServices(kyrIOHandle handle, const TSoftware& software) {
 kyrStatusCode ReportModuleDependencies(kyrIOHandle handle, const TSoftware& software) {
     return ReportEachOf(software.modules, [handle](const TKernelModule& module) {
         return ReportEach(module.users, [&](const std::string& user) {
-            return ReportTie(handle, "MOLTA_ModuleDependency", "Antecedent", PathOf(module), "Dependent",
-                             TPath{kModule, {{"Name", user}}});
+            return ReportAssociation(handle, "MOLTA_ModuleDependency", "Antecedent", PathOf(module), "Dependent",
+                                     TInstancePath{kModule, {{"Name", user}}});
         });
     });
 }
 
 kyrStatusCode ReportHostedServices(kyrIOHandle handle, const TSoftware& software) {
     return ReportEachOf(software.services, [handle](const TService& service) {
-        return ReportTie(handle, "MOLTA_HostedService", "Antecedent", ComputerSystem(), "Dependent", PathOf(service));
+        return ReportAssociation(handle, "MOLTA_HostedService", "Antecedent", ComputerSystem(), "Dependent",
+                                 PathOf(service));
     });
 }
 
 kyrStatusCode ReportInstalledPackages(kyrIOHandle handle, const TSoftware& software) {
     return ReportEachOf(software.packages, [handle](const TPackage& package) {
-        return ReportTie(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
-                         PathOf(package));
+        return ReportAssociation(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
+                                 PathOf(package));
     });
 }
 

@@ -4,7 +4,7 @@
 namespace {
 
 constexpr const char* kClasses[] = {kDisk, kPartition, kVolume, kDiskPath};  // by EDeviceKind
-// Of other plugins, which need not be there.
+// Declared by the plugin "memory", which may be missing.
 constexpr const char* kSwapArea = "MOLTA_SwapArea";
 
 void SetIfAny(TInstanceReport& report, const char* property, const std::string& text) {
@@ -90,34 +90,35 @@ kyrStatusCode ReportVolume(kyrIOHandle handle, const TVolume& volume) {
     return report.Finish();
 }
 
-// Nothing is tied to a device that is not reported.
+// An association to a device that is not reported would refer to nothing, so it is left out.
 kyrStatusCode ReportBasedOn(kyrIOHandle handle, const char* className, const TStorage& storage,
-                            const std::string& antecedent, const TPath& dependent) {
+                            const std::string& antecedent, const TInstancePath& dependent) {
     const auto found = storage.devices.find(antecedent);
     if (found == storage.devices.end()) return kyrStatusOK;
-    return ReportTie(handle, className, "Antecedent", PathOf(found->second), "Dependent", dependent);
+    return ReportAssociation(handle, className, "Antecedent", PathOf(found->second), "Dependent", dependent);
 }
 
 }  // namespace
 
-TPath PathOf(const TDeviceKey& device) { return DevicePath(kClasses[static_cast<int>(device.kind)], device.path); }
+TInstancePath PathOf(const TDeviceKey& device) {
+    return DevicePath(kClasses[static_cast<int>(device.kind)], device.path);
+}
 
 kyrStatusCode ReportDisks(kyrIOHandle handle, const TStorage& storage) {
     LogIfAbsent(kDisk, storage.deviceNames);
-    return ReportEach(storage.disks, [&](const TDisk& disk) { return ReportDisk(handle, disk); });
+    return ReportEach(handle, storage.disks, ReportDisk);
 }
 
 kyrStatusCode ReportDiskPaths(kyrIOHandle handle, const TStorage& storage) {
-    return ReportEach(storage.diskPaths, [&](const TDiskPath& path) { return ReportDiskPath(handle, path); });
+    return ReportEach(handle, storage.diskPaths, ReportDiskPath);
 }
 
 kyrStatusCode ReportPartitions(kyrIOHandle handle, const TStorage& storage) {
-    return ReportEach(storage.partitions,
-                      [&](const TPartition& partition) { return ReportPartition(handle, partition); });
+    return ReportEach(handle, storage.partitions, ReportPartition);
 }
 
 kyrStatusCode ReportVolumes(kyrIOHandle handle, const TStorage& storage) {
-    return ReportEach(storage.volumes, [&](const TVolume& volume) { return ReportVolume(handle, volume); });
+    return ReportEach(handle, storage.volumes, ReportVolume);
 }
 
 kyrStatusCode ReportSystemStorage(kyrIOHandle handle, const TStorage& storage) {
@@ -126,23 +127,23 @@ kyrStatusCode ReportSystemStorage(kyrIOHandle handle, const TStorage& storage) {
     });
 }
 
-kyrStatusCode ReportPartitionTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportPartitionAssociations(kyrIOHandle handle, const TStorage& storage) {
     return ReportEach(storage.partitions, [&](const TPartition& partition) {
         return ReportBasedOn(handle, kPartitionBasedOn, storage, partition.parent,
                              PathOf({EDeviceKind::ePartition, partition.path}));
     });
 }
 
-kyrStatusCode ReportVolumeTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportVolumeAssociations(kyrIOHandle handle, const TStorage& storage) {
     return ReportEach(storage.volumes, [&](const TVolume& volume) {
-        const TPath path = PathOf({EDeviceKind::eVolume, volume.path});
+        const TInstancePath path = PathOf({EDeviceKind::eVolume, volume.path});
         return ReportEach(volume.components, [&](const std::string& component) {
             return ReportBasedOn(handle, kVolumeBasedOn, storage, component, path);
         });
     });
 }
 
-kyrStatusCode ReportDiskPathTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportDiskPathAssociations(kyrIOHandle handle, const TStorage& storage) {
     return ReportEach(storage.diskPaths, [&](const TDiskPath& path) {
         const auto disk = storage.devices.find(path.disk);
         if (disk == storage.devices.end()) return kyrStatusOK;
@@ -150,23 +151,23 @@ kyrStatusCode ReportDiskPathTies(kyrIOHandle handle, const TStorage& storage) {
     });
 }
 
-kyrStatusCode ReportFileSystemTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportFileSystemAssociations(kyrIOHandle handle, const TStorage& storage) {
     return ReportEach(storage.fileSystems, [&](const TFileSystem& fileSystem) {
-        const TPath path = ScopedPath(kFileSystem, fileSystem.name);
+        const TInstancePath path = ScopedPath(kFileSystem, fileSystem.name);
         return ReportEach(fileSystem.devices, [&](const std::string& device) {
             return ReportBasedOn(handle, kResidesOn, storage, device, path);
         });
     });
 }
 
-kyrStatusCode ReportSwapTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportSwapAssociations(kyrIOHandle handle, const TStorage& storage) {
     if (!IsKnownClass(handle, kSwapArea)) return kyrStatusOK;
     return ReportEach(storage.swaps, [&](const TSwap& swap) {
         return ReportBasedOn(handle, kSwapResidesOn, storage, swap.device, DevicePath(kSwapArea, swap.path));
     });
 }
 
-kyrStatusCode ReportControllerTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportControllerAssociations(kyrIOHandle handle, const TStorage& storage) {
     const kyrStatusCode status = ReportEach(storage.disks, [&](const TDisk& disk) {
         return ReportBusDevice(handle, kController, disk.controller, PathOf({EDeviceKind::eDisk, disk.path}));
     });

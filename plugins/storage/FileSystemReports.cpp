@@ -3,12 +3,13 @@
 
 namespace {
 
-// A number of the file system's space under a property of its own, unless it is none.
+// Sets the property to one number of the file system's space.
 void AddSpace(const TFact<TSpace>& space, uint64_t TSpace::*number, const char* property, TInstanceReport& report) {
     report.Add(property, space.Map([number](const TSpace& all) { return std::optional(all.*number); }));
 }
 
-// Some, of size 0, have no bounds. One in a pool has none of its own: what it may take depends on what others leave.
+// A file system of size 0, such as an unlimited tmpfs, has no space to report. A zfs data set shares the space of its
+// pool, so that it has no size of its own.
 void AddSpaces(const TFileSystem& fileSystem, TInstanceReport& report) {
     const TFact<TSpace>& space = fileSystem.space;
     if (!space || space->size > 0) {
@@ -52,8 +53,7 @@ kyrStatusCode ReportMount(kyrIOHandle handle, const TMount& mount, const std::st
 }  // namespace
 
 kyrStatusCode ReportFileSystems(kyrIOHandle handle, const TStorage& storage) {
-    return ReportEach(storage.fileSystems,
-                      [&](const TFileSystem& fileSystem) { return ReportFileSystem(handle, fileSystem); });
+    return ReportEach(handle, storage.fileSystems, ReportFileSystem);
 }
 
 kyrStatusCode ReportMounts(kyrIOHandle handle, const TStorage& storage) {
@@ -68,10 +68,10 @@ kyrStatusCode ReportHostedFileSystems(kyrIOHandle handle, const TStorage& storag
     });
 }
 
-kyrStatusCode ReportMountTies(kyrIOHandle handle, const TStorage& storage) {
+kyrStatusCode ReportMountAssociations(kyrIOHandle handle, const TStorage& storage) {
     return ReportEach(storage.mounts.ValueOr({}), [&](const TMount& mount) {
         if (mount.fileSystem.empty()) return kyrStatusOK;
-        return ReportTie(handle, kMounted, "Antecedent", ScopedPath(kFileSystem, mount.fileSystem), "Dependent",
-                         ScopedPath(kMount, mount.name));
+        return ReportAssociation(handle, kMounted, "Antecedent", ScopedPath(kFileSystem, mount.fileSystem), "Dependent",
+                                 ScopedPath(kMount, mount.name));
     });
 }

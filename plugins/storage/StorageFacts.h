@@ -131,7 +131,7 @@ struct TFileSystem {
     TFact<TSpace> space;
 };
 
-/// Only what ties it to a device: the rest is the memory's.
+/// A swap area and the device it is on. The plugin "memory" reports its size and use.
 struct TSwap {
     std::string path;  ///< as the kernel tells it
     std::string device;

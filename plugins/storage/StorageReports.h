@@ -20,7 +20,7 @@ inline constexpr const char* kMounted = "MOLTA_MountedFileSystem";
 inline constexpr const char* kSwapResidesOn = "MOLTA_SwapResidesOnExtent";
 inline constexpr const char* kController = "MOLTA_StorageController";
 
-TPath PathOf(const TDeviceKey& device);
+TInstancePath PathOf(const TDeviceKey& device);
 
 kyrStatusCode ReportDisks(kyrIOHandle handle, const TStorage& storage);
 kyrStatusCode ReportDiskPaths(kyrIOHandle handle, const TStorage& storage);
@@ -31,12 +31,12 @@ kyrStatusCode ReportMounts(kyrIOHandle handle, const TStorage& storage);
 
 kyrStatusCode ReportSystemStorage(kyrIOHandle handle, const TStorage& storage);
 kyrStatusCode ReportHostedFileSystems(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportPartitionTies(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportVolumeTies(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportDiskPathTies(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportFileSystemTies(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportMountTies(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportSwapTies(kyrIOHandle handle, const TStorage& storage);
-kyrStatusCode ReportControllerTies(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportPartitionAssociations(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportVolumeAssociations(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportDiskPathAssociations(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportFileSystemAssociations(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportMountAssociations(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportSwapAssociations(kyrIOHandle handle, const TStorage& storage);
+kyrStatusCode ReportControllerAssociations(kyrIOHandle handle, const TStorage& storage);
 
 #endif

@@ -3,21 +3,21 @@
 
 namespace {
 
-TDataPlugin<TStorage> gStorage("storage", ReadStorage,
-                               {{kDisk, ReportDisks},
-                                {kDiskPath, ReportDiskPaths},
-                                {kPartition, ReportPartitions},
-                                {kVolume, ReportVolumes},
-                                {kFileSystem, ReportFileSystems},
-                                {kMount, ReportMounts},
-                                {kSystemStorage, ReportSystemStorage},
-                                {kHostedFileSystem, ReportHostedFileSystems},
-                                {kPartitionBasedOn, ReportPartitionTies},
-                                {kVolumeBasedOn, ReportVolumeTies},
-                                {kDiskReachedBy, ReportDiskPathTies},
-                                {kResidesOn, ReportFileSystemTies},
-                                {kMounted, ReportMountTies},
-                                {kSwapResidesOn, ReportSwapTies},
-                                {kController, ReportControllerTies}});
+const TDataPlugin<TStorage> gPlugin("storage", ReadStorage,
+                                    {{kDisk, ReportDisks},
+                                     {kDiskPath, ReportDiskPaths},
+                                     {kPartition, ReportPartitions},
+                                     {kVolume, ReportVolumes},
+                                     {kFileSystem, ReportFileSystems},
+                                     {kMount, ReportMounts},
+                                     {kSystemStorage, ReportSystemStorage},
+                                     {kHostedFileSystem, ReportHostedFileSystems},
+                                     {kPartitionBasedOn, ReportPartitionAssociations},
+                                     {kVolumeBasedOn, ReportVolumeAssociations},
+                                     {kDiskReachedBy, ReportDiskPathAssociations},
+                                     {kResidesOn, ReportFileSystemAssociations},
+                                     {kMounted, ReportMountAssociations},
+                                     {kSwapResidesOn, ReportSwapAssociations},
+                                     {kController, ReportControllerAssociations}});
 
 }  // namespace

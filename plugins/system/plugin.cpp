@@ -60,12 +60,12 @@ constexpr TTextProperty kBoardTexts[] = {
     {"AssetTag", &TSystemFacts::boardAssetTag},
 };
 
-// Keys need a value even on a machine that tells none.
-TPath ComputerPath(const TSystemFacts& facts) {
+// A key must have a value, even where the machine names none.
+TInstancePath ComputerPath(const TSystemFacts& facts) {
     return {kComputerSystem, {{"CreationClassName", kComputerSystem}, {"Name", facts.hostName.ValueOr("localhost")}}};
 }
 
-TPath OperatingSystemPath(const TSystemFacts& facts) {
+TInstancePath OperatingSystemPath(const TSystemFacts& facts) {
     return {kOperatingSystem,
             {{"CSCreationClassName", kComputerSystem},
              {"CSName", facts.hostName.ValueOr("localhost")},
@@ -73,18 +73,18 @@ TPath OperatingSystemPath(const TSystemFacts& facts) {
              {"Name", facts.osName.ValueOr("Linux")}}};
 }
 
-TPath BoardPath() { return {kBaseBoard, {{"CreationClassName", kBaseBoard}, {"Tag", "Base board"}}}; }
+TInstancePath BoardPath() { return {kBaseBoard, {{"CreationClassName", kBaseBoard}, {"Tag", "Base board"}}}; }
 
 template <size_t N>
 void AddTexts(TInstanceReport& report, const TTextProperty (&properties)[N], const TSystemFacts& facts) {
     for (const TTextProperty& property : properties) report.Add(property.name, facts.*property.fact);
 }
 
-void AddMoment(TInstanceReport& report, const char* property, const TFact<int64_t>& seconds) {
-    report.Add(property, seconds.Map([](int64_t value) { return std::optional<TMoment>({value}); }));
+void AddTimestamp(TInstanceReport& report, const char* property, const TFact<int64_t>& seconds) {
+    report.Add(property, seconds.Map([](int64_t value) { return std::optional<TTimestamp>({value}); }));
 }
 
-TMoment LocalTime() {
+TTimestamp LocalTime() {
     const time_t now = time(nullptr);
     struct tm local {};
     localtime_r(&now, &local);
@@ -103,7 +103,7 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
     AddTexts(report, kOperatingSystemTexts, facts);
     report.Set("OSType", kOSTypeLinux);
     report.Add("SystemUpTime", facts.upTime);
-    AddMoment(report, "LastBootUpTime", facts.bootTime);
+    AddTimestamp(report, "LastBootUpTime", facts.bootTime);
     if (facts.isRunning) report.Set("LocalDateTime", LocalTime());
     return report.Finish();
 }
@@ -111,11 +111,11 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
 kyrStatusCode ReportBios(kyrIOHandle handle, const TSystemFacts& facts) {
     TInstanceReport report(handle, {kBiosElement, {{"Name", "System firmware"}, {"SoftwareElementID", "0"}}});
     AddTexts(report, kBiosTexts, facts);
-    AddMoment(report, "ReleaseDate", facts.biosDate);
+    AddTimestamp(report, "ReleaseDate", facts.biosDate);
     return report.Finish();
 }
 
-// On many virtual machines there is none.
+// Many virtual machines describe no board.
 bool HasBoard(const TSystemFacts& facts) {
     return std::any_of(std::begin(kBoardTexts), std::end(kBoardTexts),
                        [&](const TTextProperty& property) { return bool(facts.*property.fact); });
@@ -146,16 +146,16 @@ kyrStatusCode ReportProduct(kyrIOHandle handle, const TSystemFacts&) {
 }
 
 kyrStatusCode ReportInstalledOs(kyrIOHandle handle, const TSystemFacts& facts) {
-    return ReportTie(handle, kInstalledOs, "GroupComponent", ComputerPath(facts), "PartComponent",
-                     OperatingSystemPath(facts));
+    return ReportAssociation(handle, kInstalledOs, "GroupComponent", ComputerPath(facts), "PartComponent",
+                             OperatingSystemPath(facts));
 }
 
 kyrStatusCode ReportSystemBoard(kyrIOHandle handle, const TSystemFacts& facts) {
     if (!HasBoard(facts)) return kyrStatusOK;
-    return ReportTie(handle, kSystemBoard, "GroupComponent", ComputerPath(facts), "PartComponent", BoardPath());
+    return ReportAssociation(handle, kSystemBoard, "GroupComponent", ComputerPath(facts), "PartComponent", BoardPath());
 }
 
-const TDataPlugin<TSystemFacts> kPlugin("system", ReadSystem,
+const TDataPlugin<TSystemFacts> gPlugin("system", ReadSystem,
                                         {{kComputerSystem, ReportComputerSystem},
                                          {kOperatingSystem, ReportOperatingSystem},
                                          {kBiosElement, ReportBios},

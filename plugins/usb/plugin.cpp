@@ -13,7 +13,9 @@ constexpr const char* kSystemDevice = "MOLTA_SystemUSBDevice";
 constexpr const char* kHubDevice = "MOLTA_USBHubDevice";
 constexpr const char* kControllerHub = "MOLTA_USBControllerHub";
 
-// The first that there is.
+TInstancePath UsbDevicePath(const TUsbDevice& device) { return DevicePath(kDevice, device.id); }
+
+// The first of the two that has a value, or an empty text.
 std::string FirstOf(const TFact<std::string>& first, const TFact<std::string>& second) {
     return first.ValueOr(second.ValueOr(""));
 }
@@ -25,7 +27,7 @@ std::string Caption(const TUsbDevice& device) {
     return maker.empty() || product.empty() ? maker + product : maker + ' ' + product;
 }
 
-// What there is of a fact of the interfaces, each value once; or why the first has none.
+// Sets the property to the distinct values of the interfaces; if none has one, notes why the first has none.
 template <typename F>
 void AddInterfaceTexts(TInstanceReport& report, const char* property, const TUsbDevice& device, F factOf) {
     std::vector<std::string> texts;
@@ -65,7 +67,7 @@ void AddClasses(TInstanceReport& report, const TUsbDevice& device) {
 }
 
 kyrStatusCode ReportDevice(kyrIOHandle handle, const TUsbDevice& device) {
-    TInstanceReport report(handle, DevicePath(kDevice, device.id));
+    TInstanceReport report(handle, UsbDevicePath(device));
     report.Set("Name", device.id);
     AddIdentity(report, device);
     AddClasses(report, device);
@@ -78,26 +80,35 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TUsbDevice& device) {
     return report.Finish();
 }
 
-kyrStatusCode TieToSystem(kyrIOHandle handle, const TUsbDevice& device) {
-    return ReportSystemDevice(handle, kSystemDevice, DevicePath(kDevice, device.id));
+kyrStatusCode ReportDevices(kyrIOHandle handle, const TUsbFacts& facts) {
+    LogIfAbsent(kDevice, facts.listing);
+    return ReportEach(handle, facts.devices, ReportDevice);
 }
 
-kyrStatusCode TieToHub(kyrIOHandle handle, const TUsbDevice& device) {
-    if (device.hub.empty()) return kyrStatusOK;
-    return ReportTie(handle, kHubDevice, "Antecedent", DevicePath(kDevice, device.hub), "Dependent",
-                     DevicePath(kDevice, device.id));
+kyrStatusCode ReportSystemUsbDevices(kyrIOHandle handle, const TUsbFacts& facts) {
+    return ReportSystemDevices(handle, kSystemDevice, facts.devices, UsbDevicePath);
 }
 
-kyrStatusCode TieToController(kyrIOHandle handle, const TUsbDevice& device) {
-    if (device.controller.empty() || !IsKnownClass(handle, kPciDevice)) return kyrStatusOK;
-    return ReportTie(handle, kControllerHub, "Antecedent", DevicePath(kPciDevice, device.controller), "Dependent",
-                     DevicePath(kDevice, device.id));
+kyrStatusCode ReportHubDevices(kyrIOHandle handle, const TUsbFacts& facts) {
+    return ReportEach(facts.devices, [handle](const TUsbDevice& device) {
+        if (device.hub.empty()) return kyrStatusOK;
+        return ReportAssociation(handle, kHubDevice, "Antecedent", DevicePath(kDevice, device.hub), "Dependent",
+                                 UsbDevicePath(device));
+    });
+}
+
+kyrStatusCode ReportControllerHubs(kyrIOHandle handle, const TUsbFacts& facts) {
+    return ReportEach(facts.devices, [handle](const TUsbDevice& device) {
+        if (device.controller.empty() || !IsKnownClass(handle, kPciDevice)) return kyrStatusOK;
+        return ReportAssociation(handle, kControllerHub, "Antecedent", DevicePath(kPciDevice, device.controller),
+                                 "Dependent", UsbDevicePath(device));
+    });
 }
 
 const TDataPlugin<TUsbFacts> gPlugin("usb", ReadUsb,
-                                     {{kDevice, ForEach<&TUsbFacts::devices, ReportDevice>, &TUsbFacts::listing},
-                                      {kSystemDevice, ForEach<&TUsbFacts::devices, TieToSystem>},
-                                      {kHubDevice, ForEach<&TUsbFacts::devices, TieToHub>},
-                                      {kControllerHub, ForEach<&TUsbFacts::devices, TieToController>}});
+                                     {{kDevice, ReportDevices},
+                                      {kSystemDevice, ReportSystemUsbDevices},
+                                      {kHubDevice, ReportHubDevices},
+                                      {kControllerHub, ReportControllerHubs}});
 
 }  // namespace
