@@ -56,21 +56,6 @@ void TCIMXMLParser::TStateIMethodCall::HandleAttrs(TCIMXMLParser& parser, TAttri
         parser.FatalError("Unexpected IMethodCall method " + fName);
 }
 
-// class | instance
-void TCIMXMLParser::TStateIParamValue::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (Is(name, "class")) return EnterClass(parser, attributes, 1);
-            if (Is(name, "instance")) return EnterInstance(parser, attributes, 1);
-            break;
-        case 1:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
-}
-
 void TCIMXMLParser::TStateIParamValue::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
     for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
         HandleCIMName(attribute, &fName);
@@ -78,6 +63,7 @@ void TCIMXMLParser::TStateIParamValue::HandleAttrs(TCIMXMLParser& parser, TAttri
 }
 
 void TCIMXMLParser::TStateIParamValue::EndElement(TCIMXMLParser& parser, std::string& name) {
-    AddToContainer(parser, 1);  // sic: unlike below a declaration, the class is not collected
+    AddToContainer(
+        parser);  // Compatibility: the class is not collected, unlike below a declaration; see docs/oddities.md.
     TParseState::EndElement(parser, name);
 }

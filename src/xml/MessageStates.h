@@ -32,7 +32,7 @@ private:
 
 class TCIMXMLParser::TStateIParamValue : public TCIMXMLParser::TStateAnyWrapper {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    TStateIParamValue() : TStateAnyWrapper(eEither) {}
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser, std::string& name) override;
 

@@ -16,22 +16,33 @@ bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 }  // namespace
 
+void TCIMXMLParser::TStateTwoElements::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    const int position = fPhase++;
+    if (position == 0 && EnterFirst(parser, name, attributes)) return;
+    if (position == 1 && EnterSecond(parser, name, attributes)) return;
+    parser.Unexpected(name);
+}
+
 // host, localnamespacepath
 void TCIMXMLParser::TStateNamespacePath::StartElement(TCIMXMLParser& parser, std::string& name,
                                                       TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (!Is(name, "host")) break;
-            fPhase = 1;
-            return parser.Enter<TStateHost>(attributes, parser, fHost);
-        case 1:
-            if (!Is(name, "localnamespacepath")) break;
-            fPhase = 2;
-            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
-        default:
-            parser.Corrupt();  // sic: a third child is answered with this, too
-    }
-    parser.Unexpected(name);
+    // Compatibility: a third child is refused in other words than elsewhere; see docs/oddities.md.
+    if (fPhase == 2) parser.Corrupt();
+    TStateTwoElements::StartElement(parser, name, attributes);
+}
+
+bool TCIMXMLParser::TStateNamespacePath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
+                                                    TAttributes& attributes) {
+    if (!Is(name, "host")) return false;
+    parser.Enter<TStateHost>(attributes, parser, fHost);
+    return true;
+}
+
+bool TCIMXMLParser::TStateNamespacePath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+                                                     TAttributes& attributes) {
+    if (!Is(name, "localnamespacepath")) return false;
+    parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+    return true;
 }
 
 // namespace+
@@ -63,42 +74,33 @@ void TCIMXMLParser::TStateNamespace::HandleAttrs(TCIMXMLParser&, TAttributes& at
 }
 
 // namespacepath, classname
-void TCIMXMLParser::TStateClassPath::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (!Is(name, "namespacepath")) break;
-            fPhase = 1;
-            return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
-        case 1:
-            if (!Is(name, "classname")) break;
-            fPhase = 2;
-            return parser.Enter<TStateClassName>(attributes, fClassName);
-        case 2:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
+bool TCIMXMLParser::TStateClassPath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
+                                                TAttributes& attributes) {
+    if (!Is(name, "namespacepath")) return false;
+    parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
+    return true;
+}
+
+bool TCIMXMLParser::TStateClassPath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+                                                 TAttributes& attributes) {
+    if (!Is(name, "classname")) return false;
+    parser.Enter<TStateClassName>(attributes, fClassName);
+    return true;
 }
 
 // localnamespacepath, classname
-void TCIMXMLParser::TStateLocalClassPath::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                       TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (!Is(name, "localnamespacepath")) break;
-            fPhase = 1;
-            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
-        case 1:
-            if (!Is(name, "classname")) break;
-            fPhase = 2;
-            return parser.Enter<TStateClassName>(attributes, fClassName);
-        case 2:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
+bool TCIMXMLParser::TStateLocalClassPath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
+                                                     TAttributes& attributes) {
+    if (!Is(name, "localnamespacepath")) return false;
+    parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+    return true;
+}
+
+bool TCIMXMLParser::TStateLocalClassPath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+                                                      TAttributes& attributes) {
+    if (!Is(name, "classname")) return false;
+    parser.Enter<TStateClassName>(attributes, fClassName);
+    return true;
 }
 
 // nothing
@@ -112,43 +114,33 @@ void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser&, TAttributes& at
 }
 
 // namespacepath, instancename
-void TCIMXMLParser::TStateInstancePath::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                     TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (!Is(name, "namespacepath")) break;
-            fPhase = 1;
-            return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
-        case 1:
-            if (!Is(name, "instancename")) break;
-            fPhase = 2;
-            return parser.Enter<TStateInstanceName>(attributes, fReference);
-        case 2:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
+bool TCIMXMLParser::TStateInstancePath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
+                                                   TAttributes& attributes) {
+    if (!Is(name, "namespacepath")) return false;
+    parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
+    return true;
+}
+
+bool TCIMXMLParser::TStateInstancePath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+                                                    TAttributes& attributes) {
+    if (!Is(name, "instancename")) return false;
+    parser.Enter<TStateInstanceName>(attributes, fReference);
+    return true;
 }
 
 // localnamespacepath, instancename
-void TCIMXMLParser::TStateLocalInstancePath::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                          TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (!Is(name, "localnamespacepath")) break;
-            fPhase = 1;
-            return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
-        case 1:
-            if (!Is(name, "instancename")) break;
-            fPhase = 2;
-            return parser.Enter<TStateInstanceName>(attributes, fReference);
-        case 2:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
+bool TCIMXMLParser::TStateLocalInstancePath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
+                                                        TAttributes& attributes) {
+    if (!Is(name, "localnamespacepath")) return false;
+    parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+    return true;
+}
+
+bool TCIMXMLParser::TStateLocalInstancePath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+                                                         TAttributes& attributes) {
+    if (!Is(name, "instancename")) return false;
+    parser.Enter<TStateInstanceName>(attributes, fReference);
+    return true;
 }
 
 // keybinding* | keyvalue | value.reference

@@ -4,14 +4,28 @@
 #include "kyr/TCIMReference.h"
 #include "xml/TCIMXMLParser.h"
 
-// What these states fill belongs to the states below them on the stack.
+// These states write into variables of the states below them on the stack.
 
-class TCIMXMLParser::TStateNamespacePath : public TCIMXMLParser::TParseState {
+/// An element whose content is two elements in a fixed order.
+class TCIMXMLParser::TStateTwoElements : public TCIMXMLParser::TParseState {
+public:
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+
+private:
+    /// Each enters the child with this name; false if another one must stand here.
+    virtual bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) = 0;
+    virtual bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) = 0;
+};
+
+class TCIMXMLParser::TStateNamespacePath : public TCIMXMLParser::TStateTwoElements {
 public:
     TStateNamespacePath(std::string& host, std::string& nameSpace) : fHost(host), fNamespace(nameSpace) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
 
 private:
+    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string& fHost;
     std::string& fNamespace;
 };
@@ -47,25 +61,29 @@ private:
     std::string& fName;
 };
 
-class TCIMXMLParser::TStateClassPath : public TCIMXMLParser::TParseState {
+class TCIMXMLParser::TStateClassPath : public TCIMXMLParser::TStateTwoElements {
 public:
     TStateClassPath(std::string& host, std::string& nameSpace, std::string& className)
         : fHost(host), fNamespace(nameSpace), fClassName(className) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
 
 private:
+    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string& fHost;
     std::string& fNamespace;
     std::string& fClassName;
 };
 
-class TCIMXMLParser::TStateLocalClassPath : public TCIMXMLParser::TParseState {
+class TCIMXMLParser::TStateLocalClassPath : public TCIMXMLParser::TStateTwoElements {
 public:
     TStateLocalClassPath(std::string& nameSpace, std::string& className)
         : fNamespace(nameSpace), fClassName(className) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
 
 private:
+    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string& fNamespace;
     std::string& fClassName;
 };
@@ -80,25 +98,29 @@ private:
     std::string& fName;
 };
 
-class TCIMXMLParser::TStateInstancePath : public TCIMXMLParser::TParseState {
+class TCIMXMLParser::TStateInstancePath : public TCIMXMLParser::TStateTwoElements {
 public:
     TStateInstancePath(std::string& host, std::string& nameSpace, TCIMReference& reference)
         : fHost(host), fNamespace(nameSpace), fReference(reference) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
 
 private:
+    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string& fHost;
     std::string& fNamespace;
     TCIMReference& fReference;
 };
 
-class TCIMXMLParser::TStateLocalInstancePath : public TCIMXMLParser::TParseState {
+class TCIMXMLParser::TStateLocalInstancePath : public TCIMXMLParser::TStateTwoElements {
 public:
     TStateLocalInstancePath(std::string& nameSpace, TCIMReference& reference)
         : fNamespace(nameSpace), fReference(reference) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
 
 private:
+    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string& fNamespace;
     TCIMReference& fReference;
 };

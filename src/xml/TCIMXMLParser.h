@@ -101,6 +101,7 @@ protected:
     class TStateValueReference;
     class TStateValueRefArray;  // no element leads here
     // Paths and references.
+    class TStateTwoElements;
     class TStateNamespacePath;
     class TStateLocalNamespacePath;
     class TStateHost;

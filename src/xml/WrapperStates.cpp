@@ -1,5 +1,7 @@
 #include "xml/WrapperStates.h"
 
+#include <utility>
+
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "model/InstanceCloser.h"
@@ -12,21 +14,23 @@ TCIMXMLParser::TStateAnyWrapper::~TStateAnyWrapper() {
     delete fInstance;
 }
 
-void TCIMXMLParser::TStateAnyWrapper::EnterClass(TCIMXMLParser& parser, TAttributes& attributes, int nextPhase) {
-    fPhase = nextPhase;
-    fIsClass = true;
-    parser.Enter<TStateClass>(attributes, &fClass);
+// (a name or path)?, (class | instance)
+void TCIMXMLParser::TStateAnyWrapper::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+    const EObject allowed = std::exchange(fAllowed, eNoObject);
+    const bool isPathAllowed = std::exchange(fIsPathAllowed, false);
+    if ((allowed & eClass) != 0 && Is(name, "class")) return parser.Enter<TStateClass>(attributes, &fClass);
+    if ((allowed & eInstance) != 0 && Is(name, "instance")) return parser.Enter<TStateInstance>(attributes, &fInstance);
+    if (isPathAllowed) fAllowed = EnterPath(parser, name, attributes);
+    if (fAllowed == eNoObject) parser.Unexpected(name);
 }
 
-void TCIMXMLParser::TStateAnyWrapper::EnterInstance(TCIMXMLParser& parser, TAttributes& attributes, int nextPhase) {
-    fPhase = nextPhase;
-    parser.Enter<TStateInstance>(attributes, &fInstance);
+auto TCIMXMLParser::TStateAnyWrapper::EnterPath(TCIMXMLParser&, const std::string&, TAttributes&) -> EObject {
+    return eNoObject;
 }
 
-TCIMClass* TCIMXMLParser::TStateAnyWrapper::AddToContainer(TCIMXMLParser& parser, int completePhase) {
-    if (fPhase != completePhase || (fIsClass ? fClass == nullptr : fInstance == nullptr))
-        parser.FatalError("CIM element syntax error");
-    if (!fIsClass) {
+TCIMClass* TCIMXMLParser::TStateAnyWrapper::AddToContainer(TCIMXMLParser& parser) {
+    if (fClass == nullptr && fInstance == nullptr) parser.FatalError("CIM element syntax error");
+    if (fInstance != nullptr) {
         CloseInstance(fInstance);
         fInstance = nullptr;
         return nullptr;
@@ -39,138 +43,54 @@ void TCIMXMLParser::TStateAnyWrapper::AddClass() {
     try {
         fClass->AddToContainer();
     } catch (...) {
-        if (fClass->GetBody()->IsAdded()) fClass = nullptr;  // failed behind the point where the container took it
+        if (fClass->GetBody()->IsAdded()) fClass = nullptr;  // it failed after the container had taken the class over
         throw;
     }
     fClass = nullptr;
 }
 
-void TCIMXMLParser::TStateAnyWrapper::Finish(TCIMXMLParser& parser, std::string& name, int completePhase) {
-    TCIMClass* const cls = AddToContainer(parser, completePhase);
+void TCIMXMLParser::TStateAnyWrapper::EndElement(TCIMXMLParser& parser, std::string& name) {
+    TCIMClass* const cls = AddToContainer(parser);
     if (cls != nullptr) parser.fClassesCollected.push_back(cls);
     TParseState::EndElement(parser, name);
 }
 
-// class | instance
-void TCIMXMLParser::TStateValueObject::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (Is(name, "class")) return EnterClass(parser, attributes, 1);
-            if (Is(name, "instance")) return EnterInstance(parser, attributes, 1);
-            break;
-        case 1:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
-}
-
-void TCIMXMLParser::TStateValueObject::EndElement(TCIMXMLParser& parser, std::string& name) { Finish(parser, name, 1); }
-
 // class | (instancename, instance)
-void TCIMXMLParser::TStateValueNamedObject::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                         TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (Is(name, "class")) return EnterClass(parser, attributes, 2);
-            if (!Is(name, "instancename")) break;
-            fPhase = 1;
-            return parser.Enter<TStateInstanceName>(attributes, fReference);
-        case 1:
-            if (Is(name, "instance")) return EnterInstance(parser, attributes, 2);
-            break;
-        case 2:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
-}
-
-void TCIMXMLParser::TStateValueNamedObject::EndElement(TCIMXMLParser& parser, std::string& name) {
-    Finish(parser, name, 2);
+auto TCIMXMLParser::TStateValueNamedObject::EnterPath(TCIMXMLParser& parser, const std::string& name,
+                                                      TAttributes& attributes) -> EObject {
+    if (!Is(name, "instancename")) return eNoObject;
+    parser.Enter<TStateInstanceName>(attributes, fReference);
+    return eInstance;
 }
 
 // (classpath, class) | (instancepath, instance)
-void TCIMXMLParser::TStateValueObjectWithPath::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                            TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (Is(name, "classpath")) {
-                fPhase = 1;
-                return parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
-            }
-            if (!Is(name, "instancepath")) break;
-            fPhase = 2;
-            return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
-        case 1:
-            if (Is(name, "class")) return EnterClass(parser, attributes, 3);
-            break;
-        case 2:
-            if (Is(name, "instance")) return EnterInstance(parser, attributes, 3);
-            break;
-        case 3:
-            break;
-        default:
-            parser.Corrupt();
+auto TCIMXMLParser::TStateValueObjectWithPath::EnterPath(TCIMXMLParser& parser, const std::string& name,
+                                                         TAttributes& attributes) -> EObject {
+    if (Is(name, "classpath")) {
+        parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
+        return eClass;
     }
-    parser.Unexpected(name);
-}
-
-void TCIMXMLParser::TStateValueObjectWithPath::EndElement(TCIMXMLParser& parser, std::string& name) {
-    Finish(parser, name, 3);
+    if (!Is(name, "instancepath")) return eNoObject;
+    parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
+    return eInstance;
 }
 
 // (localclasspath, class) | (localinstancepath, instance)
-void TCIMXMLParser::TStateValueObjectWithLocalPath::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                                 TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (Is(name, "localclasspath")) {
-                fPhase = 1;
-                return parser.Enter<TStateLocalClassPath>(attributes, fNamespace, fClassName);
-            }
-            if (!Is(name, "localinstancepath")) break;
-            fPhase = 2;
-            return parser.Enter<TStateLocalInstancePath>(attributes, fNamespace, fReference);
-        case 1:
-            if (Is(name, "class")) return EnterClass(parser, attributes, 3);
-            break;
-        case 2:
-            if (Is(name, "instance")) return EnterInstance(parser, attributes, 3);
-            break;
-        case 3:
-            break;
-        default:
-            parser.Corrupt();
+auto TCIMXMLParser::TStateValueObjectWithLocalPath::EnterPath(TCIMXMLParser& parser, const std::string& name,
+                                                              TAttributes& attributes) -> EObject {
+    if (Is(name, "localclasspath")) {
+        parser.Enter<TStateLocalClassPath>(attributes, fNamespace, fClassName);
+        return eClass;
     }
-    parser.Unexpected(name);
-}
-
-void TCIMXMLParser::TStateValueObjectWithLocalPath::EndElement(TCIMXMLParser& parser, std::string& name) {
-    Finish(parser, name, 3);
+    if (!Is(name, "localinstancepath")) return eNoObject;
+    parser.Enter<TStateLocalInstancePath>(attributes, fNamespace, fReference);
+    return eInstance;
 }
 
 // instancename, instance
-void TCIMXMLParser::TStateValueNamedInstance::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                           TAttributes& attributes) {
-    switch (fPhase) {
-        case 0:
-            if (!Is(name, "instancename")) break;
-            fPhase = 1;
-            return parser.Enter<TStateInstanceName>(attributes, fReference);
-        case 1:
-            if (Is(name, "instance")) return EnterInstance(parser, attributes, 2);
-            break;
-        case 2:
-            break;
-        default:
-            parser.Corrupt();
-    }
-    parser.Unexpected(name);
-}
-
-void TCIMXMLParser::TStateValueNamedInstance::EndElement(TCIMXMLParser& parser, std::string& name) {
-    Finish(parser, name, 2);
+auto TCIMXMLParser::TStateValueNamedInstance::EnterPath(TCIMXMLParser& parser, const std::string& name,
+                                                        TAttributes& attributes) -> EObject {
+    if (!Is(name, "instancename")) return eNoObject;
+    parser.Enter<TStateInstanceName>(attributes, fReference);
+    return eInstance;
 }

@@ -4,49 +4,55 @@
 #include "kyr/TCIMReference.h"
 #include "xml/TCIMXMLParser.h"
 
-/// What holds exactly one class or instance. The object is made at its start tag and joins the container at the end
-/// of the wrapper, which owns it until then.
+/// An element that holds exactly one class or instance, with its name or path in front where the element has one. The
+/// object is made at its start tag and joins the container at the end of the wrapper, which owns it until then.
 class TCIMXMLParser::TStateAnyWrapper : public TCIMXMLParser::TParseState {
 public:
     ~TStateAnyWrapper() override;
+    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void EndElement(TCIMXMLParser& parser, std::string& name) override;
 
 protected:
-    void EnterClass(TCIMXMLParser& parser, TAttributes& attributes, int nextPhase);
-    void EnterInstance(TCIMXMLParser& parser, TAttributes& attributes, int nextPhase);
-    /// The class, if one has joined the container.
-    TCIMClass* AddToContainer(TCIMXMLParser& parser, int completePhase);
-    /// EndElement of those below a declaration.
-    void Finish(TCIMXMLParser& parser, std::string& name, int completePhase);
+    enum EObject { eNoObject = 0, eClass = 1, eInstance = 2, eEither = eClass | eInstance };
+
+    /// Takes the objects that may come without a name or path in front.
+    explicit TStateAnyWrapper(EObject allowed) : fAllowed(allowed) {}
+    /// Adds the object to the container. Returns the class if there is one and the container did not have it before.
+    TCIMClass* AddToContainer(TCIMXMLParser& parser);
 
 private:
+    /// Enters a name or path and returns the object that must follow it; eNoObject if this is another element.
+    virtual EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes);
     void AddClass();
 
-    bool fIsClass = false;
+    EObject fAllowed;  // as the next child
+    bool fIsPathAllowed = true;
     TCIMClass* fClass = nullptr;
     TCIMInstance* fInstance = nullptr;
 };
 
 class TCIMXMLParser::TStateValueObject : public TCIMXMLParser::TStateAnyWrapper {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    TStateValueObject() : TStateAnyWrapper(eEither) {}
 };
 
 class TCIMXMLParser::TStateValueNamedObject : public TCIMXMLParser::TStateAnyWrapper {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    TStateValueNamedObject() : TStateAnyWrapper(eClass) {}
 
 private:
+    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     TCIMReference fReference = nullptr;
 };
 
 class TCIMXMLParser::TStateValueObjectWithPath : public TCIMXMLParser::TStateAnyWrapper {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    TStateValueObjectWithPath() : TStateAnyWrapper(eNoObject) {}
 
 private:
+    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string fHost;
     std::string fNamespace;
     std::string fClassName;
@@ -55,10 +61,11 @@ private:
 
 class TCIMXMLParser::TStateValueObjectWithLocalPath : public TCIMXMLParser::TStateAnyWrapper {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    TStateValueObjectWithLocalPath() : TStateAnyWrapper(eNoObject) {}
 
 private:
+    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     std::string fNamespace;
     std::string fClassName;
     TCIMReference fReference = nullptr;
@@ -66,10 +73,11 @@ private:
 
 class TCIMXMLParser::TStateValueNamedInstance : public TCIMXMLParser::TStateAnyWrapper {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    TStateValueNamedInstance() : TStateAnyWrapper(eNoObject) {}
 
 private:
+    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+
     TCIMReference fReference = nullptr;
 };
 
