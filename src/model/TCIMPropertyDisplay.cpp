@@ -11,7 +11,7 @@
 namespace {
 using TType = TCIMValue::TCIMType;
 
-// The value of a qualifier that counts: null if it is not there or NULL.
+// The value of a qualifier; null if the declaration does not have it or its value is NULL.
 const TCIMValue* FindValue(const TCIMPropertyDecl& declaration, const char* name) {
     const TCIMQualifier* const qualifier = declaration.FindQualifier(name);
     if (qualifier == nullptr) return nullptr;
@@ -39,7 +39,7 @@ bool Complain(const TCIMPropertyDecl& declaration, const char* text) {
     return false;
 }
 
-// False for the types that have neither words nor units.
+// False for types that are displayed with neither the words of a ValueMap nor units.
 bool ReadUnsigned(const TCIMValue& value, unsigned long& number) {
     switch (value.GetType()) {
         case TType::eCIMBoolean:
@@ -62,7 +62,7 @@ bool ReadUnsigned(const TCIMValue& value, unsigned long& number) {
     }
 }
 
-// Whether words may stand for values of the type, or for the elements of an array of it.
+// Whether values of the type, or elements of an array of it, may be displayed as words of a ValueMap.
 bool HasWords(TType type) {
     switch (type & ~TType::eCIMArrayFlag) {
         case TType::eCIMBoolean:
@@ -96,7 +96,7 @@ std::string TCIMPropertyImpl::ToStringWithQualifiers(const TCIMValue& value) con
     const TScaledUnit* const scaled = FindScaledUnit(unit.name);
     if (scaled == nullptr) return ToStringWithBase(value);
     const std::string* const fixed = FindText(*fDeclaration, "DISPLAYFIXEDUNITS");
-    return DisplayScaled(number, unit.magnitude, *scaled, fixed != nullptr ? FixedMagnitude(*fixed) : 0,
+    return DisplayScaled(number, unit.magnitude, *scaled, fixed != nullptr ? FindFixedMagnitude(*fixed) : std::nullopt,
                          FindValue(*fDeclaration, "ABBREVIATEUNITS") != nullptr);
 }
 

@@ -20,12 +20,12 @@ constexpr TMagnitude kMagnitudes[eMagnitudeEnd] = {
 
 constexpr TScaledUnit kScaledUnits[] = {
     {"Bytes", 1024, "B"},
-    {"Bits", 1024, "Bits"},  // sic: reports show "KBits"
+    {"Bits", 1024, "Bits"},  // Compatibility: hosts show "KBits"; see docs/oddities.md.
     {"Bytes per Second", 1024, "B/s"},
     {"Bits per Second", 1000, "bps"},
 };
 
-// Thousands are grouped and a decimal that is 0 is left out: "1,536" and "1.5".
+// With one decimal, left out if it is 0, and thousands separators: "1.5", "1,536".
 std::string GroupedNumber(float number) {
     char digits[32];
     char* const end =
@@ -37,7 +37,7 @@ std::string GroupedNumber(float number) {
     return text;
 }
 
-// All in small letters but the first: "Megabits per second".
+// In lower case except for the first letter: "Megabits per second".
 std::string UnitWords(std::string_view magnitude, std::string_view unit) {
     std::string text(magnitude);
     text += unit;
@@ -60,10 +60,10 @@ const TScaledUnit* FindScaledUnit(std::string_view name) {
     return nullptr;
 }
 
-size_t FixedMagnitude(std::string_view word) {
+std::optional<size_t> FindFixedMagnitude(std::string_view word) {
     for (size_t i = eTera; i <= eKilo; ++i)
         if (kMagnitudes[i].word == word) return i;
-    return 0;
+    return std::nullopt;
 }
 
 std::string DisplayTimeSpan(unsigned long count, size_t magnitude, bool isShort) {
@@ -82,15 +82,16 @@ std::string DisplayTimeSpan(unsigned long count, size_t magnitude, bool isShort)
             span = TCIMDateTimeImpl::Interval(count / 1000000000, static_cast<unsigned int>(count / 1000 % 1000000));
             break;
         default:
-            break;  // stays NULL, which cannot be displayed
+            break;  // stays NULL, so that displaying it raises
     }
     return isShort ? span.ToAbbrUIString() : span.ToUIString();
 }
 
-std::string DisplayScaled(unsigned long count, size_t magnitude, const TScaledUnit& unit, size_t fixedMagnitude,
-                          bool isShort) {
+std::string DisplayScaled(unsigned long count, size_t magnitude, const TScaledUnit& unit,
+                          std::optional<size_t> fixedMagnitude, bool isShort) {
     auto number = static_cast<float>(count);
-    while (magnitude > fixedMagnitude && (fixedMagnitude != 0 || number > unit.step)) {
+    const size_t highest = fixedMagnitude.value_or(ePeta);
+    while (magnitude > highest && (fixedMagnitude || number > unit.step)) {
         number /= unit.step;
         --magnitude;
     }

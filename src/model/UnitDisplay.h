@@ -1,16 +1,17 @@
 #ifndef KYR_MODEL_UNITDISPLAY_H
 #define KYR_MODEL_UNITDISPLAY_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
-/// A unit as a schema declares it, such as "KiloBytes", taken apart. The name refers to the text it was read from.
+/// The parts of a UNITS qualifier such as "KiloBytes". The name points into the text of the qualifier.
 struct TDeclaredUnit {
-    size_t magnitude;  // an index of the table of magnitudes, 0 for Peta
+    size_t magnitude;  // an index of the table of magnitudes
     std::string_view name;
 };
 
-/// A unit whose numbers are brought to a fitting magnitude.
+/// A unit whose numbers are shown with the magnitude that fits them.
 struct TScaledUnit {
     std::string_view name;
     float step;  // from one magnitude to the next
@@ -18,15 +19,15 @@ struct TScaledUnit {
 };
 
 TDeclaredUnit ReadUnit(std::string_view units);
-/// Null for a unit whose numbers are shown as they are.
+/// Null for a unit whose numbers are shown as declared.
 const TScaledUnit* FindScaledUnit(std::string_view name);
-/// The magnitude to stop at; 0 for a word that names none.
-size_t FixedMagnitude(std::string_view word);
+/// The magnitude that DISPLAYFIXEDUNITS names.
+std::optional<size_t> FindFixedMagnitude(std::string_view word);
 
 /// "1 minute 30 seconds ", or "00:01:30.000" in short. Raises kyrStatusInvalidDateTime for magnitudes above seconds.
 std::string DisplayTimeSpan(unsigned long count, size_t magnitude, bool isShort);
-/// "1.5 Kilobytes", or "1.5 KB" in short. A fixed magnitude of 0 fits the magnitude to the number.
-std::string DisplayScaled(unsigned long count, size_t magnitude, const TScaledUnit& unit, size_t fixedMagnitude,
-                          bool isShort);
+/// "1.5 Kilobytes", or "1.5 KB" in short. Without a fixed magnitude, the one that fits the number.
+std::string DisplayScaled(unsigned long count, size_t magnitude, const TScaledUnit& unit,
+                          std::optional<size_t> fixedMagnitude, bool isShort);
 
 #endif
