@@ -28,7 +28,7 @@ std::uint32_t ReadLittleEndian(std::ifstream& stream, int size) {
     return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
 }
 
-/// What the trailer claims: the size modulo 2^32 of the last member.
+/// The size in the gzip trailer: that of the last member, modulo 2^32.
 std::uint32_t ReadInflatedSize(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     Require(stream.is_open(), kyrStatusFileSystemError);
@@ -53,7 +53,7 @@ void TDocumentFile::ReadPlain(const std::string& path, unsigned long long size) 
     Require(file != nullptr, kyrStatusFileSystemError);
     const std::size_t length = fread(GetText(), 1, size, file.get());
     Require(ferror(file.get()) == 0, kyrStatusFileSystemError);
-    Terminate(length);  // a file that has shrunk meanwhile reads short
+    Terminate(length);  // shorter than size if the file has shrunk meanwhile
 }
 
 void TDocumentFile::ReadCompressed(const std::string& path) {

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string>
 
-/// A document read whole into one buffer, plain or, when its path holds ".gz" anywhere, gzip-compressed. A readable
-/// NUL stands in front of the text as well as behind it, as the tokeniser wants.
+/// The content of a document in one buffer, decompressed if its path contains ".gz". There is a NUL before the text and
+/// one after it, as TXmlParser::Parse requires.
 class TDocumentFile {
 public:
     static constexpr unsigned int kMaxSize = 104857600;

@@ -119,11 +119,12 @@ bool TCIMXMLParser::TStateQualifierDeclaration::IsConsistent() const {
     if (fIsArraySet && fArraySize != 0 && !fIsArray) return false;
     if (!fHasValue) return true;
     if (fIsArraySet && fValue.IsArray() != fIsArray) return false;
-    return fValue.IsArray() == (fArraySize != 0);  // sic: an array's default needs a size, unlike in the DTD
+    return fValue.IsArray() == (fArraySize != 0);  // an array needs ARRAYSIZE, unlike in the DTD; see docs/oddities.md
 }
 
 void TCIMXMLParser::TStateScope::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
-    for (const auto& [name, value] : attributes) {  // sic: the name alone counts, also with the value "false"
+    // Compatibility: the value is ignored, "false" too; see docs/oddities.md.
+    for (const auto& [name, value] : attributes) {
         if (name == "class") fDeclaration.AddScope(TCIMQualifierDecl::eScopeClass);
         if (name == "association") fDeclaration.AddScope(TCIMQualifierDecl::eScopeAssociation);
         if (name == "reference") fDeclaration.AddScope(TCIMQualifierDecl::eScopeReference);

@@ -24,11 +24,11 @@ public:
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
 
 protected:
-    /// False for a child that is no object of this group.
+    /// Enters a child that holds an object; false if this group does not allow this element.
     virtual bool EnterObject(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes);
 
 private:
-    // Read for their form: everything goes into the one container.
+    // Read to check the syntax only; all objects go into the one container.
     std::string fHost;
     std::string fNamespace;
 };

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Runs an action and says in the log what was missing if it fails with kyrStatusNotFound.
+/// Runs an action; if it raises kyrStatusNotFound, logs the text with the name that was not found.
 template <typename TAction>
 void LogMissing(const char* text, const std::string& name, TAction&& action) {
     try {
@@ -40,7 +40,8 @@ void TCIMXMLParser::TStateClass::StartElement(TCIMXMLParser& parser, std::string
             fPhase = 2;
             [[fallthrough]];
         case 2:
-            // sic: methods are neither read nor skipped; one replaces the class by an empty one of its own name.
+            // Compatibility: METHOD has no state, so that its attributes replace the class by an empty one named like
+            // the method; see docs/oddities.md.
             if (Is(name, "method")) return parser.HandleAttrsOnTop(attributes);
             parser.Unexpected(name);
         default:
@@ -61,7 +62,7 @@ void TCIMXMLParser::TStateClass::HandleAttrs(TCIMXMLParser& parser, TAttributes&
 void TCIMXMLParser::TStateInstance::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
     switch (fPhase) {
         case 0:
-            // sic: instances have no qualifiers; one makes the instance anew.
+            // Compatibility: QUALIFIER has no state here and makes the instance anew; see docs/oddities.md.
             if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
             fPhase = 1;
             [[fallthrough]];
@@ -107,7 +108,7 @@ void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttribu
 }
 
 void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser, std::string& name) {
-    // What a document marks as propagated, the class has inherited by its own rules.
+    // A propagated qualifier is already there, inherited from the superclass.
     if (!fPropagated) LogMissing("TCIMXMLParser: Couldn't find qualifier ", fName, [this] { AddQualifier(); });
     TParseState::EndElement(parser, name);
 }
@@ -116,7 +117,7 @@ void TCIMXMLParser::TStateQualifier::AddQualifier() {
     if (!fHasValue) fValue = TCIMValue(fDeclaration->GetType(), 0);
     std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(*fDeclaration, fValue, fFlavor));
     fTarget.AddQualifier(*qualifier);
-    // An equal one that was there may have stayed in its place.
+    // An equal qualifier may have been kept instead, and then this one is still ours.
     if (fTarget.GetQualifier(qualifier->GetName()) == qualifier.get()) qualifier.release();
 }
 
@@ -125,7 +126,7 @@ bool TCIMXMLParser::TStateAnyPropertyDecl::HandleCommonAttr(TAttribute attribute
            HandlePropagated(attribute, &fPropagated);
 }
 
-/// The declaration exists from its start tag on, so that qualifiers can be attached to it.
+/// Called at the start tag, because qualifiers are attached to the declaration before its end.
 void TCIMXMLParser::TStateAnyPropertyDecl::MakeDeclaration() {
     fDeclaration.reset(new TCIMPropertyDecl(fName, fClass, TCIMValue()));
 }
@@ -215,7 +216,8 @@ TCIMProperty& TCIMXMLParser::TStateProperty::GetProperty() {
 }
 
 // (qualifier | value)*
-// sic: no state reads a qualifier here. Its attributes are taken for the property's, and its end tag ends the property.
+// Compatibility: QUALIFIER has no state here. Its attributes are taken for those of the property, and its end tag ends
+// the property. See docs/oddities.md.
 void TCIMXMLParser::TStateProperty::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
     if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
     if (!Is(name, "value")) parser.Unexpected(name);
@@ -272,7 +274,7 @@ void TCIMXMLParser::TStatePropertyReference::StartElement(TCIMXMLParser& parser,
 void TCIMXMLParser::TStatePropertyReference::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
     for (TAttribute attribute = attributes.begin(); attribute != attributes.end(); ++attribute)
         HandleCommonAttr(attribute) || HandleReferenceClass(attribute, &fReferenceClass);
-    fInstance.GetClass()->GetPropertyDecl(fName);  // must exist
+    fInstance.GetClass()->GetPropertyDecl(fName);  // raises if the class does not declare it
 }
 
 void TCIMXMLParser::TStatePropertyReference::EndElement(TCIMXMLParser& parser, std::string& name) {

@@ -8,7 +8,7 @@
 
 class TCIMProperty;
 
-// A class and an instance belong to the wrapper whose pointer their state is given.
+// TStateClass and TStateInstance store the object in a pointer of the wrapper state below them, which owns it.
 
 class TCIMXMLParser::TStateClass : public TCIMXMLParser::TParseState {
 public:
@@ -53,7 +53,7 @@ private:
     bool fHasValue = false;
 };
 
-/// What the three kinds of declaration have in common.
+/// Base of the three kinds of property declaration.
 class TCIMXMLParser::TStateAnyPropertyDecl : public TCIMXMLParser::TParseState {
 public:
     explicit TStateAnyPropertyDecl(TCIMClass& cls) : fClass(cls) {}
@@ -73,7 +73,7 @@ private:
     std::string fName;
     std::string fClassOrigin;
     bool fPropagated = false;
-    std::unique_ptr<TCIMPropertyDecl> fDeclaration;  // the class takes it at the end
+    std::unique_ptr<TCIMPropertyDecl> fDeclaration;  // until the class owns it
 };
 
 class TCIMXMLParser::TStatePropertyDecl : public TCIMXMLParser::TStateAnyPropertyDecl {
@@ -116,7 +116,7 @@ private:
     std::string fReferenceClass;
 };
 
-/// What the three kinds of an instance's property have in common.
+/// Base of the three kinds of property of an instance.
 class TCIMXMLParser::TStateAnyProperty : public TCIMXMLParser::TParseState {
 public:
     explicit TStateAnyProperty(TCIMInstance& instance) : fInstance(instance) {}
@@ -145,7 +145,7 @@ public:
 private:
     TCIMProperty& GetProperty();
 
-    TCIMProperty* fProperty = nullptr;  // the instance's, once it has been looked up by fName
+    TCIMProperty* fProperty = nullptr;  // of the instance; null until looked up by fName
 };
 
 class TCIMXMLParser::TStatePropertyArray : public TCIMXMLParser::TStateAnyProperty {

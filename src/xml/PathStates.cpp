@@ -63,7 +63,7 @@ void TCIMXMLParser::TStateLocalNamespacePath::EndElement(TCIMXMLParser& parser, 
 void TCIMXMLParser::TStateHost::EndElement(TCIMXMLParser& parser, std::string& name) {
     const std::string& text = parser.fText;
     std::size_t length = text.size();
-    while (length > 1 && IsBlank(text[length - 1])) --length;  // sic: the first byte stays, blank or not
+    while (length > 1 && IsBlank(text[length - 1])) --length;  // keeps the first byte, blank or not
     fHost.assign(text, 0, length);
     TParseState::EndElement(parser, name);
 }
@@ -214,14 +214,16 @@ void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser, std::str
 }
 
 void TCIMXMLParser::TStateKeyBinding::BindText(TCIMXMLParser& parser) {
-    if (fClass == nullptr) parser.FatalError("Couldn't find class name ");  // none was named
+    if (fClass == nullptr) parser.FatalError("Couldn't find class name ");  // there was no CLASSNAME
     const TCIMPropertyDecl* const declaration = fClass->FindPropertyDecl(fName);
     if (declaration == nullptr)
         parser.FatalError("Couldn't find property name " + fName + " in class " + fClass->GetName());
     if (IsKey(*declaration))
         fReference.AddKeyValue(fName, parser.ParseValue(declaration->GetType(), fKeyText));
     else if (!parser.fContainer->isDiffContainer())
-        parser.FatalError("Class " + fClass->GetName() + " doesn't have any key properties");  // sic: it may have
+        // Compatibility: the text is that of a class without keys, though only this property is no key; see
+        // docs/oddities.md.
+        parser.FatalError("Class " + fClass->GetName() + " doesn't have any key properties");
 }
 
 void TCIMXMLParser::TStateKeyValue::EndElement(TCIMXMLParser& parser, std::string& name) {

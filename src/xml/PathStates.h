@@ -141,7 +141,7 @@ private:
     TCIMValue fValue;
     bool fHasKeyValue = false;
     bool fHasReference = false;
-    TCIMClass* fClass = nullptr;  // null as long as no class has been named
+    TCIMClass* fClass = nullptr;  // null until the attribute CLASSNAME is read
 };
 
 class TCIMXMLParser::TStateKeyBinding : public TCIMXMLParser::TParseState {
@@ -182,7 +182,7 @@ private:
     std::string& fHost;
     std::string& fNamespace;
     TCIMReference& fReference;
-    std::string fClassName;  // sic: a copy, so that the class read here reaches nobody
+    std::string fClassName;  // a copy: the class name that is read is dropped
 };
 
 #endif

@@ -22,7 +22,7 @@ TCIMXMLParser::TCIMXMLParser(TContainer* container) : fContainer(container) {
 }
 
 TCIMXMLParser::~TCIMXMLParser() {
-    while (!fStates.empty()) fStates.pop();  // children first: they hold references into their parents
+    while (!fStates.empty()) fStates.pop();  // children before parents, whose members they refer to
 }
 
 std::string& TCIMXMLParser::LowerCase(const char* name) {
@@ -31,8 +31,8 @@ std::string& TCIMXMLParser::LowerCase(const char* name) {
     return fName;
 }
 
-// After a child element that has no state of its own, the end tags outnumber the states; what is left over does
-// nothing.
+// A child element without a state of its own has an end tag all the same, which pops its parent. The stack is then
+// empty before the document ends, and the remaining elements are ignored.
 void TCIMXMLParser::StartElement(const char* name, TAttributes& attributes) {
     if (fStates.empty()) return;
     try {

@@ -23,16 +23,16 @@ class TCIMPropertyDecl;
 class TCIMReference;
 class TContainer;
 
-/// Builds the objects of one CIM-XML document in a container. A stack of states follows the open elements; the one
-/// on top decides what a child means.
+/// Builds the objects of one CIM-XML document in a container. There is a stack with one state for each open element;
+/// the state on top handles the child elements and the end tag.
 class TCIMXMLParser : public TXmlParser {
 public:
     explicit TCIMXMLParser(TContainer* container);
     ~TCIMXMLParser() override;
 
-    /// Takes a property of an instance with the type of its declaration, whatever its own type attribute says.
+    /// Instance properties then have the type of their declaration, and their TYPE attribute is not checked.
     void SetTR907Mode() { fTR907Mode = true; }
-    /// The classes that the document has added, in order. The container owns them.
+    /// The classes that the document has added, in document order. The container owns them.
     std::vector<TCIMClass*> GetClassesCollected() const { return fClassesCollected; }
 
     void StartElement(const char* name, TAttributes& attributes) override;
@@ -40,16 +40,15 @@ public:
     void processingInstruction(const char* target, const char* data) override;
     void characters(const char* text, unsigned int length) override;
     void notationDecl(const char* name, const char* first, const char* second) override;
-    /// Refuses the document: logs the message with its line, and raises kyrStatusInvalidSpecificationDocument.
+    /// Logs the message with the line number and raises kyrStatusInvalidSpecificationDocument.
     [[noreturn]] void FatalError(const char* message) final;
 
-    /// A bad date-time becomes 1970-01-01, with a line in the log; any other text or type that cannot be read, a
-    /// default value.
+    /// A bad date-time is logged and becomes 1970-01-01; any other failure gives a default TCIMValue.
     TCIMValue ParseValue(TCIMValue::TCIMType type, std::string& text);
     static bool ConvertBool(std::string& text);
     static unsigned int ConvertUnsignedInt(std::string& text);
 
-    // Each takes one attribute if it has the right name; false: it is another.
+    // Each stores the value of one attribute if the attribute has the right name, and returns whether it had.
     using TAttribute = TAttributes::iterator;
     static bool HandleCIMName(TAttribute attribute, std::string* target);
     static bool HandleCIMType(TAttribute attribute, TCIMValue::TCIMType* target);
@@ -62,7 +61,7 @@ public:
     static bool HandleQualifierFlavor(TAttribute attribute, TCIMQualifierDecl::EFlavor* target);
 
 protected:
-    /// One open element. fPhase is the position in its content model.
+    /// The state of one open element. fPhase is the position in its content model.
     class TParseState {
     public:
         TParseState() = default;
@@ -71,7 +70,7 @@ protected:
         virtual ~TParseState();
 
         virtual void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes);
-        /// Pops the stack, and with it this state: the last act of every override.
+        /// Pops this state off the stack, which destroys it: the last call in every override.
         virtual void EndElement(TCIMXMLParser& parser, std::string& name);
         virtual void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes);
 
@@ -88,18 +87,18 @@ protected:
     class TStateDeclGroupWithPath;
     class TStateQualifierDeclaration;
     class TStateScope;
-    // What carries a class or an instance into the container.
+    // Elements that hold one class or instance.
     class TStateAnyWrapper;
     class TStateValueObject;
     class TStateValueNamedObject;
     class TStateValueObjectWithPath;
     class TStateValueObjectWithLocalPath;
-    class TStateValueNamedInstance;  // no element leads here
+    class TStateValueNamedInstance;  // no element of a document leads to this state
     // Values.
     class TStateValue;
     class TStateValueArray;
     class TStateValueReference;
-    class TStateValueRefArray;  // no element leads here
+    class TStateValueRefArray;  // no element of a document leads to this state
     // Paths and references.
     class TStateTwoElements;
     class TStateNamespacePath;
@@ -114,7 +113,7 @@ protected:
     class TStateInstanceName;
     class TStateKeyBinding;
     class TStateKeyValue;
-    class TStateObjectPath;  // no element leads here
+    class TStateObjectPath;  // no element of a document leads to this state
     // Classes, instances, properties and qualifiers.
     class TStateClass;
     class TStateInstance;
@@ -134,16 +133,17 @@ protected:
     class TStateIMethodCall;
     class TStateIParamValue;
 
-    /// Pushes the state of a child and shows it the attributes. A parent has changed its own fields before.
+    /// Pushes the state of a child element and gives it the attributes. The caller must have updated its own fields
+    /// before.
     template <typename TState, typename... TArguments>
     void Enter(TAttributes& attributes, TArguments&&... arguments) {
         fStates.push(boost::make_shared<TState>(std::forward<TArguments>(arguments)...));
         fStates.top()->HandleAttrs(*this, attributes);
     }
-    /// Shows a child's attributes to the state on top, which is the parent itself when the child has no state.
+    /// Gives attributes to the state on top. For a child element without a state that is the parent's own state.
     void HandleAttrsOnTop(TAttributes& attributes);
 
-    /// Runs what adds an object that the container may have already; false if it has.
+    /// Runs the action, which adds an object; false if it raised kyrStatusAlreadyExists.
     template <typename TAction>
     static bool AddUnlessPresent(TAction&& add) {
         try {
@@ -166,7 +166,7 @@ protected:
     bool fTR907Mode = false;
 
 private:
-    /// Counts the states on the stack that will read fText, since text outside them is lost anyway.
+    /// While one of these lives, text is collected in fText; otherwise nobody would read it.
     class TTextReader {
     public:
         explicit TTextReader(TCIMXMLParser& parser) : fCount(parser.fTextReaders) {
@@ -185,10 +185,10 @@ private:
     [[noreturn]] void ReportAndThrow(const TKYRException& e);
 
     unsigned int fTextReaders = 0;
-    std::string fName;  // of the present element, in lower case
+    std::string fName;  // of the current element, in lower case
 };
 
-/// Whether a name is this literal.
+/// Compares a name with a literal.
 template <std::size_t kSize>
 inline bool Is(const std::string& name, const char (&literal)[kSize]) {
     return name.size() == kSize - 1 && std::memcmp(name.data(), literal, kSize - 1) == 0;

@@ -1,4 +1,4 @@
-// The one operation of a container that needs the reader, which stands above the model.
+// The only operation of TContainer that needs the parser. It is defined here because the model is a layer below xml.
 
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"

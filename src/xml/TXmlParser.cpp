@@ -35,13 +35,13 @@ char* SkipAll(char* next, EByteClass kind) {
     return next;
 }
 
-/// As std::string_view does; names mostly differ in their first character.
+/// std::string_view::compare with a fast path, since names mostly differ in their first character.
 int Compare(std::string_view a, std::string_view b) {
     if (!a.empty() && a[0] != b[0]) return static_cast<unsigned char>(a[0]) - static_cast<unsigned char>(b[0]);
     return a.compare(b);
 }
 
-/// The next '<', '&' or NUL, sixteen bytes at a time where the text is long enough.
+/// Finds the next '<', '&' or NUL, sixteen bytes at a time while the text is long enough.
 char* FindMarkup(char* next, const char* end) {
     for (; end - next >= 16; next += 16) {
         const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(next));
@@ -144,7 +144,8 @@ bool TXmlParser::ParseProlog() {
 }
 
 bool TXmlParser::ParseMisc() {
-    if (GetChar() != '<') return SkipWhitespace();  // sic: eats any character, so one blank alone ends the loop
+    // Compatibility: any character but '<' is skipped here, and then blanks must follow; see docs/oddities.md.
+    if (GetChar() != '<') return SkipWhitespace();
     const int second = GetChar();
     if (second == '?') {
         Unget(2);
@@ -184,7 +185,7 @@ bool TXmlParser::ParseNotationDecl() {
 bool TXmlParser::SkipComment() {
     for (const char* expected = "<!--"; *expected != '\0'; ++expected) {
         if (GetChar() == *expected) continue;
-        Unget(4);  // sic: however many were read
+        Unget(4);  // four, even if fewer were read; see docs/oddities.md
         return false;
     }
     return SkipBehind("-->");
@@ -199,7 +200,7 @@ bool TXmlParser::SkipWhitespace() {
 bool TXmlParser::ValidateName() {
     if (!kBytes.Is(static_cast<char>(GetChar()), eNameStart)) return Refuse("Invalid element/attribute name");
     fNext = SkipAll(fNext, eName);
-    if (*fNext == '\0') UngetChar();  // sic: at the end of the text, the last character of the name is left over
+    if (*fNext == '\0') UngetChar();  // at the end of the text a name loses its last character; see docs/oddities.md
     return true;
 }
 
@@ -232,7 +233,7 @@ bool TXmlParser::ParseContent() {
         if (*fNext != '<') return Refuse("Unexpected character where element expected");
         const char kind = fNext[1];
         if (kind == '/') break;
-        if (kind == '\0') UngetChar();  // sic: two characters are put back, and only one was there
+        if (kind == '\0') UngetChar();  // one step back too many behind a last '<'; see docs/oddities.md
         const bool good = kind == '?' ? ParseProcessingInstruction() : kind == '!' ? SkipComment() : ParseElement();
         if (!good) return false;
     }
@@ -283,14 +284,15 @@ bool TXmlParser::ParseAttribute(TAttributes& attributes) {
     const TAttribute attribute = {{name, static_cast<std::size_t>(nameEnd - name)},
                                   {value, static_cast<std::size_t>(valueEnd - value)}};
     if (TakeAttribute(attributes, attribute)) return true;
-    *nameEnd = *valueEnd = '\0';  // sic: a line end behind the name is not counted in this report
+    *nameEnd = *valueEnd = '\0';  // the NUL hides a line feed from the line number of the message; see docs/oddities.md
     return Refuse("Attribute appears twice");
 }
 
 bool TXmlParser::SkipToQuote(char quote) {
     for (;;) {
         fNext = SkipAll(fNext, eValue);
-        // Volatile, since a loop without an effect need not be kept, and this one has no other way out at the NUL.
+        // Compatibility: without a closing quote this loops forever at the NUL; see docs/oddities.md. The read is
+        // volatile, because a compiler may remove an endless loop that has no effect.
         const char end = *const_cast<const volatile char*>(fNext);
         if (end == '\0') continue;
         ++fNext;
@@ -299,7 +301,7 @@ bool TXmlParser::SkipToQuote(char quote) {
     }
 }
 
-/// False if the element has an attribute of that name already.
+/// Adds an attribute; false if the element has one of that name.
 bool TXmlParser::TakeAttribute(TAttributes& attributes, const TAttribute& attribute) {
     if (fAttributeCount > kFewAttributes) return attributes.emplace(attribute.name, attribute.value).second;
     TAttribute* place = fAttributes + fAttributeCount;
@@ -314,7 +316,7 @@ bool TXmlParser::TakeAttribute(TAttributes& attributes, const TAttribute& attrib
     return true;
 }
 
-/// Makes the map hold fAttributes, whatever it holds, and takes what it can of its nodes over.
+/// Replaces the content of the map by fAttributes and reuses its nodes.
 void TXmlParser::FillAttributes(TAttributes& attributes) {
     auto old = attributes.begin();
     for (const TAttribute* attribute = fAttributes; attribute != fAttributes + fAttributeCount; ++attribute) {
@@ -350,7 +352,7 @@ bool TXmlParser::ParseCharData() {
     return fNext != begin;
 }
 
-/// A run up to the next markup; true if that is a reference.
+/// Reports the text up to the next markup; true if a reference follows.
 bool TXmlParser::ParseText() {
     char* const run = fNext;
     fNext = FindMarkup(run, fEnd);
@@ -380,7 +382,7 @@ void TXmlParser::ParseNumericReference() {
     char text[2] = {};
     for (bool isFirst = true; isFirst || c != ';'; isFirst = false) {
         const int digit = DigitOf(c, base);
-        // One byte and no more: the number is taken modulo 256.
+        // Compatibility: one byte, so the number is taken modulo 256; see docs/oddities.md.
         if (digit >= 0) text[0] = static_cast<char>(static_cast<unsigned char>(text[0]) * base + digit);
         if (digit < 0) FatalError(c == ';' ? "Invalid hex character" : "Unknown entity reference");
         if (c == '\0') return;
@@ -389,7 +391,7 @@ void TXmlParser::ParseNumericReference() {
     characters(text, 1);
 }
 
-/// Puts a NUL behind the name of an element, and back what was there.
+/// Replaces the byte after an element's name by a NUL and returns it; ShowByte restores it.
 char TXmlParser::HideByte(char* position) {
     if (*position == '\n') ++fHiddenLineEnds;
     return std::exchange(*position, '\0');

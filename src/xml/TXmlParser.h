@@ -8,9 +8,8 @@
 #include <string_view>
 #include <vector>
 
-/// A small non-validating XML reader: one forward pass over a text that it changes in place, reported through the
-/// virtual callbacks. It works on bytes and takes and refuses what CIM-XML documents in the field need; it is no
-/// general XML parser.
+/// A small non-validating XML parser: one forward pass over a text in memory, which it changes in place, with a virtual
+/// callback for each event. It works on bytes and accepts what existing CIM-XML documents use; it is no general parser.
 class TXmlParser {
 public:
     using TAttributes = std::map<std::string, std::string>;
@@ -20,21 +19,21 @@ public:
     TXmlParser& operator=(const TXmlParser&) = delete;
     virtual ~TXmlParser();
 
-    /// The attributes by their lower-cased names. They stay until the element ends and may be changed freely.
+    /// The attributes are keyed by their lower-cased names. The map is valid until the element ends and may be changed.
     virtual void StartElement(const char* name, TAttributes& attributes) = 0;
     virtual void EndElement(const char* name) = 0;
     virtual void processingInstruction(const char* target, const char* data) = 0;
-    /// Once for each run of text and for each reference; the text ends with a NUL.
+    /// Called for each run of text and for each reference; the text ends with a NUL.
     virtual void characters(const char* text, unsigned int length) = 0;
     virtual void notationDecl(const char* name, const char* first, const char* second) = 0;
-    /// On each refused construct. It need not return.
+    /// Called for each syntax error. An override may raise an exception.
     virtual void FatalError(const char* message) = 0;
 
-    /// Reads a document: a text that ends with a NUL and has another readable NUL in front of it. Attribute names
-    /// come out lower-cased; after an exception the whole text is spoiled. An attribute value that is not closed
-    /// before the end of the text keeps the call from returning.
+    /// Parses a text that ends with a NUL and has another readable NUL before its first byte. Attribute names in the
+    /// text are lower-cased; after an exception the text is unusable. An attribute value without its closing quote
+    /// makes this call loop forever.
     void Parse(char* text);
-    /// The line of the next character, from 1; only line feeds count.
+    /// The line number of the next character, counted in line feeds from 1.
     unsigned int GetCurLine();
 
     bool ParseProlog();
@@ -49,7 +48,7 @@ public:
     bool SkipComment();
     bool SkipWhitespace();
 
-    /// At the end of the text GetChar gives 0 and stands still, but UngetChar steps back from there, too.
+    /// At the end of the text GetChar returns 0 and does not advance; UngetChar steps back even then.
     int GetChar() { return *fNext == '\0' ? 0 : *fNext++; }
     int PeekChar() const { return *fNext; }
     void UngetChar() { --fNext; }
@@ -58,7 +57,7 @@ protected:
     char* fNext = nullptr;
     char* fStart = nullptr;
 
-    /// What tolower makes of each byte.
+    /// tolower, from a table.
     char ToLower(int c) const { return fLower[static_cast<unsigned char>(c)]; }
 
 private:
@@ -76,8 +75,7 @@ private:
     void ParseNumericReference();
     void InsertAttribute(TAttributes& attributes, TAttributes::iterator hint, const TAttribute& attribute);
 
-    // Called for every element, and from the source file alone: inline, so that the compiler melts them into one piece
-    // of code there.
+    // Inline, because they are called for every element and the calls would show in the time of a document.
     inline TAttributes& AttributesOfLevel();
     inline bool ParseAttributes(TAttributes& attributes);
     inline bool ParseAttribute(TAttributes& attributes);
@@ -90,22 +88,23 @@ private:
     inline void ShowByte(char* position, char byte);
 
     char fLower[256];
-    const char* fEnd = nullptr;  // of the text, at its NUL
-    // Maps of the open elements; one is filled again, nodes and all, by the next element of its level.
+    const char* fEnd = nullptr;  // the NUL at the end of the text
+    // One map for each nesting level. The next element of a level reuses the map with its nodes.
     std::vector<std::unique_ptr<TAttributes>> fLevels;
     std::size_t fDepth = 0;
-    // Those of the tag being read, in order of their names. With one more the map is filled, and takes and tests the
-    // rest itself.
+    // The attributes of the tag being read, sorted by name. If they are more than kFewAttributes, they go into the map,
+    // and further ones are added there.
     static constexpr std::size_t kFewAttributes = 16;
     TAttribute fAttributes[kFewAttributes + 1];
     std::size_t fAttributeCount = 0;
     std::vector<TAttributes::node_type> fSpareNodes;
 
-    // Line ends between fStart and fCountedTo, less those that a NUL behind the name of an open element hides.
+    // Line feeds between fStart and fCountedTo. A line feed that follows an element's name is replaced by a NUL while
+    // the element is open, and is not counted then; see docs/oddities.md.
     const char* fCountedTo = nullptr;
     unsigned int fCountedLineEnds = 0;
-    unsigned int fHiddenLineEnds = 0;     // now
-    unsigned int fHiddenWhenCounted = 0;  // of those, the ones in front of fCountedTo
+    unsigned int fHiddenLineEnds = 0;     // replaced by a NUL at present
+    unsigned int fHiddenWhenCounted = 0;  // those of them before fCountedTo
 };
 
 #endif

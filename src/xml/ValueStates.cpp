@@ -5,8 +5,8 @@
 
 namespace {
 
-/// The vector's own growth would copy each value.
-void MakeRoom(std::vector<TCIMValue>& values) {
+/// Grows the vector by moving its values; std::vector would copy them, since TCIMValue cannot be moved.
+void Grow(std::vector<TCIMValue>& values) {
     std::vector<TCIMValue> larger;
     larger.reserve(2 * values.size() + 4);
     for (TCIMValue& value : values) {
@@ -27,7 +27,7 @@ void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser, std::string& 
 // value*
 void TCIMXMLParser::TStateValueArray::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
     if (!Is(name, "value")) parser.Unexpected(name);
-    if (fElements.size() == fElements.capacity()) MakeRoom(fElements);
+    if (fElements.size() == fElements.capacity()) Grow(fElements);
     fElements.emplace_back(fType, 0);
     parser.Enter<TStateValue>(attributes, parser, fElements.back(), fType);
 }
@@ -38,7 +38,8 @@ void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::str
 }
 
 // (classpath | localclasspath | classname | instancepath | localinstancepath | instancename)*
-// sic: below a path the reference has no container, so that only the two plain names can be read to the end.
+// Compatibility: within a path the reference has no container, so that the document is refused; only CLASSNAME and
+// INSTANCENAME work. See docs/oddities.md.
 void TCIMXMLParser::TStateValueReference::StartElement(TCIMXMLParser& parser, std::string& name,
                                                        TAttributes& attributes) {
     if (Is(name, "instancename")) {

@@ -27,7 +27,7 @@ private:
     TCIMValue* fTarget;
     TCIMValue::TCIMType fType;
     unsigned int fArraySize;
-    std::vector<TCIMValue> fElements;  // grows only between elements: a TStateValue points to the last one
+    std::vector<TCIMValue> fElements;  // must not grow while a TStateValue points to the last element
 };
 
 class TCIMXMLParser::TStateValueReference : public TCIMXMLParser::TParseState {
