@@ -13,21 +13,21 @@
 
 namespace {
 
-// Leaks that are meant have functions of their own, so that a leak checker can tell them from others.
+// Memory that is leaked on purpose is allocated in functions of their own, which tests/leaks.supp names.
 
-/// A second Init does not free the first copy, for the plugin may have kept it.
+/// A second Init leaks the first copy, because the plugin may have kept the pointer.
 [[gnu::noinline]] char* kyriLeakPluginPath(const std::string& path) {
     return static_cast<char*>(std::memcpy(new char[path.size() + 1], path.c_str(), path.size() + 1));
 }
 
-/// Never freed.
+/// Compatibility: never freed, because a plugin may keep the array; see docs/oddities.md.
 [[gnu::noinline]] const char** kyriLeakClassNameArray(const std::vector<std::string>& names) {
     const char** array = new const char*[names.size()];
     for (size_t i = 0; i < names.size(); ++i) array[i] = names[i].c_str();
     return array;
 }
 
-/// After the closing of the last instance has failed: it is the class's, if it was stored before, or nobody's.
+/// Frees an instance that could not be stored, unless a class owns it because it was stored before.
 void DropUnlessStored(const TCIMInstance* instance) {
     if (instance && !TCIMInstanceImpl::Of(*instance).IsAdopted()) delete instance;
 }

@@ -5,11 +5,11 @@
 #include "kyr/IPluginCallbacks.h"
 #include "kyr/kyrPlugin.h"
 
-/// A plugin's C entries, seen as the interfaces of the core; at the same time the plugin's handle. It belongs to
-/// nobody: only PrepareForUnload destroys it.
+/// Implements the core's plugin interfaces by the C callbacks of a plugin; also what a kyrPluginHandle points to. It
+/// destroys itself in PrepareForUnload.
 class KYR_API TCPluginCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
 public:
-    /// Registers with the plugin manager.
+    /// Registers the plugin with the plugin manager.
     explicit TCPluginCallbacks(const kyrPluginCallbacks& entries);
     ~TCPluginCallbacks() override;
     TCPluginCallbacks(const TCPluginCallbacks&) = delete;
@@ -31,7 +31,7 @@ public:
 
 private:
     kyrPluginCallbacks fEntries;
-    IPlugin* fHandle;   // the manager's
+    IPlugin* fHandle;   // owned by the plugin manager
     char* fPluginPath;  // owned
 };
 

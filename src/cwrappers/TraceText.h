@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-/// A trace line's text, in one buffer that is used again and again. The buffer is away while the object lives: writing
-/// to the log asks the plugin for its name, and the plugin may call back.
+/// The text of a trace line, in a buffer that the next line reuses. While an object lives, the buffer is its own:
+/// logging asks the plugin for its name, and the plugin may make another call that is traced.
 class TTraceText {
 public:
     explicit TTraceText(std::initializer_list<std::string_view> parts) : TTraceText() {
@@ -33,7 +33,7 @@ private:
 
     static constexpr size_t kMaxKept = 64 * 1024;
 
-    static inline std::string* fgSpare = nullptr;  // a plain pointer: the log is written to until the very end
+    static inline std::string* fgSpare = nullptr;  // no destructor, because lines are traced until the process ends
 
     std::string* fText;
 };

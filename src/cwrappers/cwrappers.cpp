@@ -27,7 +27,7 @@
 
 namespace {
 
-/// A parameter that may not be NULL was.
+/// Logs that a required parameter is NULL.
 kyrStatusCode Refuse(const IPlugin* plugin, const char* text) {
     TRootObject::GetCoreLogger()->OutputLogEntry(plugin, kyrLogError, text);
     return kyrStatusFail;
@@ -38,7 +38,7 @@ kyrStatusCode Fail(kyrStatusCode code, const std::string& text) {
     return code;
 }
 
-/// Turns a failure of the work into its status, without a word in the log.
+/// Runs the work and returns the status that it raised. Logs nothing.
 template <typename TWork>
 kyrStatusCode Silently(TWork&& work) {
     try {
@@ -49,7 +49,7 @@ kyrStatusCode Silently(TWork&& work) {
     return kyrStatusOK;
 }
 
-/// Stores a new object through the parameter. A throwing allocator never gives the null that plugins are told of.
+/// Stores a new object in *object. Plugins are promised kyrStatusOutOfMemory, though operator new raises before that.
 template <typename TObject, typename... TArguments>
 kyrStatusCode New(TObject** object, TArguments... arguments) {
     *object = new TObject(arguments...);
@@ -76,13 +76,14 @@ kyrStatusCode AddKey(kyrCIMReference reference, const char* key, const TValue& v
     });
 }
 
-/// The text is built whatever the threshold: a value that cannot be printed fails here.
+/// Compatibility: the text is built even if it is not logged, so that a value without a text raises; see
+/// docs/oddities.md.
 void Trace(const kyriIOHandle& handle, std::initializer_list<std::string_view> parts) {
     const TTraceText text(parts);
     TRootObject::GetCoreLogger()->OutputLogEntry(handle.fPlugin, kyrLogVerbose, *text);
 }
 
-/// The road of every property that comes as a value: set(instance, name) puts it in place.
+/// Common part of all calls that add a property from a value; set(instance, name) stores it.
 template <typename TSet>
 kyrStatusCode AddValue(kyrIOHandle handle, const char* name, const TCIMValue* value, TSet&& set) {
     if (!handle) return Refuse(nullptr, "kyrAddCIMValueProperty: NULL kyrIOHandle parameter");
@@ -99,7 +100,7 @@ kyrStatusCode AddValue(kyrIOHandle handle, const char* name, const TCIMValue* va
     return kyrStatusOK;
 }
 
-/// For a value of the core's own, which is used up.
+/// The same for a temporary, whose content is moved.
 kyrStatusCode AddTemporary(kyrIOHandle handle, const char* name, TCIMValue&& value) {
     return AddValue(handle, name, &value, [&value](TCIMInstance& instance, const char* property) {
         TCIMInstanceImpl::Of(instance).TakePropertyValue(property, value);
@@ -129,7 +130,7 @@ kyrStatusCode OpenInstance(kyriIOHandle& handle, TCIMClass& cls) {
         return Fail(e.fCode,
                     "kyrAddClass: Allocate instance (CIM class " + cls.GetName() + ") threw exception " + e.what());
     } catch (const std::bad_alloc&) {
-        // sic: the class of the instance before this one.
+        // Compatibility: names the class of the previous instance; see docs/oddities.md.
         const TCIMInstance* previous = handle.fCurrentInstance;
         return Fail(kyrStatusOutOfMemory,
                     "kyrAddClass: CIM class " + (previous ? previous->GetClass()->GetName() : "") + ": no memory");
@@ -139,7 +140,7 @@ kyrStatusCode OpenInstance(kyriIOHandle& handle, TCIMClass& cls) {
 
 using TSystemFact = std::string (*)(TContainer*);
 
-/// Plugins keep the pointer: what a cache holds is never freed and never changes.
+/// Asks once and caches the answer. Plugins keep the pointer, so that the text is never freed or changed.
 kyrStatusCode GetSystemFact(char*& cache, TSystemFact ask, const char** name) {
     if (!cache) {
         std::string text;
@@ -278,7 +279,8 @@ kyrStatusCode kyrAddDateTimeProperty(kyrIOHandle handle, const char* name, kyrCI
     return AddTemporary(handle, name, TCIMValue(*datetime));
 }
 
-// sic: neither the handle nor the open instance is tested, and what the look-up raises passes.
+// Compatibility: handle and current instance are not checked, and exceptions of the look-up reach the plugin; see
+// docs/oddities.md.
 kyrStatusCode kyrAddArrayProperty(kyrIOHandle handle, const char* name, kyrCIMValueArray array) {
     if (!name || !array) return Refuse(nullptr, "kyrAddArrayProperty: NULL name and/or pArray parameter");
     const TCIMPropertyDecl* declaration = handle->fCurrentInstance->GetClass()->GetPropertyDecl(name);
@@ -308,7 +310,8 @@ kyrStatusCode kyrArrayAddUint8(kyrCIMValueArray array, uint32_t value) {
 }
 
 kyrStatusCode kyrArrayAddSint8(kyrCIMValueArray array, int32_t value) {
-    if (!array) return Refuse(nullptr, "kyrArrayAddUint8: NULL array parameter");  // sic
+    // Compatibility: the text names another call; see docs/oddities.md.
+    if (!array) return Refuse(nullptr, "kyrArrayAddUint8: NULL array parameter");
     return Append(array, static_cast<signed char>(value));
 }
 
@@ -457,7 +460,7 @@ kyrStatusCode kyrDeleteCIMDateTime(kyrCIMDateTime datetime) {
 }
 
 kyrStatusCode kyrGetLocalTime(kyrCIMDateTime datetime) {
-    if (!datetime) return Refuse(nullptr, "kyrGetLocalTime: NULL datetime ");  // sic
+    if (!datetime) return Refuse(nullptr, "kyrGetLocalTime: NULL datetime ");  // see docs/oddities.md
     *datetime = TOSSpecific::GetLocalTime();
     return kyrStatusOK;
 }

@@ -20,7 +20,7 @@ void CoreInit() {}
 
 namespace {
 
-/// What loading the library runs.
+/// Runs when the library is loaded.
 const struct TLoader {
     TLoader() { CoreInit(); }
     std::ios_base::Init fStreams;

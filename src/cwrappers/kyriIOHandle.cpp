@@ -8,7 +8,7 @@
 
 void kyriIOHandle::CloseCurrentInstance() {
     if (!fCurrentInstance) return;
-    const TCIMClass* cls = fCurrentInstance->GetClass();  // the instance may not outlive the attempt
+    const TCIMClass* cls = fCurrentInstance->GetClass();  // now, because a failure may destroy the instance
     try {
         CloseInstance(fCurrentInstance);
     } catch (const TKYRException& e) {

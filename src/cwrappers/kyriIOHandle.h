@@ -5,18 +5,18 @@ class IPlugin;
 class TCIMInstance;
 class TContainer;
 
-/// One running data callback; what a kyrIOHandle points to.
+/// The state of one data callback; what a kyrIOHandle points to.
 struct kyriIOHandle {
     kyriIOHandle(TContainer* container, IPlugin* plugin)
         : fPlugin(plugin), fContainer(container), fCurrentInstance(nullptr) {}
 
-    /// Hands the open instance, if there is one, to its class. A failure is logged, then raised. The instance then
-    /// stays the current one, unless the failure has destroyed it.
+    /// Stores the current instance, if there is one, in its class. Logs and raises a failure; the instance is then
+    /// still the current one, unless the failure has destroyed it.
     void CloseCurrentInstance();
 
-    IPlugin* fPlugin;  // whose entry it is
+    IPlugin* fPlugin;  // whose callback is running
     TContainer* fContainer;
-    TCIMInstance* fCurrentInstance;  // null until a class is opened; its class's, once it has been closed
+    TCIMInstance* fCurrentInstance;  // null before the first kyrAddClass; owned by its class once stored
 };
 
 #endif

@@ -22,7 +22,8 @@ struct TModel {
     const char* mtm;
 };
 
-// sic: names are trimmed before they are looked up, so that rows with blanks never match.
+// Compatibility: names are trimmed before the look-up, so the rows with trailing blanks never match; see
+// docs/oddities.md.
 constexpr TModel kModels[] = {
     {"Kestrel 3100    ", "4170xxx"}, {"Kestrel 3100", "4170xxx"}, {"Kestrel 3100 M10", "4171xxx"},
     {"Kestrel 3400    ", "4182xxx"}, {"Kestrel 3400", "4182xxx"}, {"Kestrel 6200 M10", "4190xxx"},
@@ -46,7 +47,7 @@ TCIMValue ReadSole(TContainer* container, const std::string& className, const st
     throw TKYRException(kyrStatusNotFound);
 }
 
-/// A string of the one computer system; the reason goes to the log if there is none.
+/// A string property of the only computer system. Logs and raises if it cannot be had.
 std::string ReadSystemText(TContainer* container, const std::string& propertyName) {
     const TCIMClass* cls = container->FindClass(TCIMSchemaHelper::kSystemCreationClassName);
     if (!cls) Missing("no computer system");
@@ -60,7 +61,7 @@ std::string ReadSystemText(TContainer* container, const std::string& propertyNam
     return static_cast<std::string>(value);
 }
 
-/// NULL if there is nothing of the kind.
+/// NULL if no firmware instance or no such property is there.
 TCIMValue ReadBIOSModel(TContainer* container) {
     const TCIMClass* cls = container->FindClass(kBIOSElementClassName);
     if (!cls) return TCIMValue();
@@ -90,15 +91,16 @@ bool IsToralName(const std::string& text) {
            TCIMSchemaHelper::IsValidMTM(text.substr(18, 7));
 }
 
-/// True if the bracket that opens at the position holds that many characters and is followed by a hyphen.
-bool Holds(const std::string& text, size_t open, size_t count) {
+/// True if "-[" at the position is followed by that many characters and "]-".
+bool HasBracketsOf(const std::string& text, size_t open, size_t count) {
     const size_t close = open + 2 + count;
     return text.size() > close + 1 && text.compare(close, 2, "]-") == 0;
 }
 
 std::string ReadBrackets(const std::string& text, size_t open) {
-    if (Holds(text, open, 7) && TCIMSchemaHelper::IsValidMTM(text.substr(open + 2, 7))) return text.substr(open + 2, 7);
-    if (Holds(text, open, 4) && TCIMSchemaHelper::IsValidMachineType(text.substr(open + 2, 4)))
+    if (HasBracketsOf(text, open, 7) && TCIMSchemaHelper::IsValidMTM(text.substr(open + 2, 7)))
+        return text.substr(open + 2, 7);
+    if (HasBracketsOf(text, open, 4) && TCIMSchemaHelper::IsValidMachineType(text.substr(open + 2, 4)))
         return text.substr(open + 2, 4) + kUnknownModel;
     throw TKYRException(kyrStatusInvalidFormat);
 }
@@ -112,7 +114,7 @@ std::string ReadMTM(const std::string& text) {
 
 std::string DeriveMTM(const std::string& text) {
     if (const char* mtm = FindModel(text)) return mtm;
-    if (IsToralName(text)) return text.substr(18, 7);  // sic: a blank model stays blank here
+    if (IsToralName(text)) return text.substr(18, 7);  // Compatibility: blanks are kept here; see docs/oddities.md.
     const std::string mtm = ReadMTM(text);
     return mtm.compare(4, 3, "   ") == 0 ? mtm.substr(0, 4) + kUnknownModel : mtm;
 }
@@ -196,7 +198,8 @@ std::string TCIMSchemaHelper::GetDataSourceMajorVersion(TContainer* container) {
 std::string TCIMSchemaHelper::GetDataSourceMinorVersion(TContainer* container) {
     const std::string version = ReadVersion(container);
     const size_t begin = version.find('.') + 1;
-    return version.substr(begin, begin);  // sic: as long as the major part and its dot
+    return version.substr(begin,
+                          begin);  // Compatibility: cut to the length of the major version; see docs/oddities.md.
 }
 
 std::string TCIMSchemaHelper::GetDataSourceBuildVersion(TContainer* container) {

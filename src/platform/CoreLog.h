@@ -6,12 +6,12 @@
 #include "kyr/kyrLog.h"
 #include "kyr/kyrStatus.h"
 
-/// Writes a line of the core's own to the core logger.
+/// Logs a message of the core itself.
 void LogCore(kyrLogSeverity severity, const std::string& text);
 
 inline void LogCoreError(const std::string& text) { LogCore(kyrLogError, text); }
 
-/// The usual end of a refused operation: an error line, then the exception.
+/// Logs an error and raises TKYRException.
 [[noreturn]] void LogAndThrow(kyrStatusCode code, const std::string& text);
 
 #endif

@@ -7,7 +7,7 @@
 TCIMDateTime TOSSpecific::GetLocalTime() {
     timeval now;
     gettimeofday(&now, nullptr);
-    // localtime_r would not read TZ again.
+    // Not localtime_r, which does not notice that the host has changed TZ.
     const tm local = *localtime(&now.tv_sec);
     return TCIMDateTime(static_cast<unsigned short>(local.tm_year + 1900),
                         static_cast<unsigned short>(local.tm_mon + 1), static_cast<unsigned int>(local.tm_mday),

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The terminal on standard input without line mode, echo and signals, as long as the object lives.
+/// Puts the terminal on standard input into raw mode and restores it at the end.
 class TRawTerminal {
 public:
     TRawTerminal() : fSaved() {

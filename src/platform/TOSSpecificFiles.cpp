@@ -23,7 +23,7 @@ bool OpenForCopy(const std::string& source, const std::string& target, int& from
     return to != -1;
 }
 
-/// Returns the count that ended the copying, 0 for the end of the source.
+/// Returns the last result of read or write: 0 at the end of the source, negative for a failure.
 ssize_t CopyBlocks(int from, int to) {
     const boost::scoped_array<char> block(new char[kCopyBlock]);
     ssize_t count;
@@ -74,13 +74,14 @@ std::vector<std::string> TOSSpecific::ListDir(std::string path) {
         const std::string name = entry->d_name;
         if (name != "." && name != "..") names.push_back(name);
     }
-    return names;  // sic: the directory stays open
+    return names;  // the directory is never closed; see docs/oddities.md
 }
 
 void TOSSpecific::FileCopy(std::string source, std::string target) {
     int from = 0;
     int to = 0;
-    // sic: with a source that does not exist, both stay 0, and standard input is copied onto itself.
+    // Compatibility: if the source does not exist, both are still 0: standard input is copied onto itself and closed;
+    // see docs/oddities.md.
     if (!OpenForCopy(source, target, from, to) && from != 0) {
         close(from);
         throw TKYRException(kyrStatusFileSystemError);
@@ -92,7 +93,8 @@ void TOSSpecific::FileCopy(std::string source, std::string target) {
 }
 
 std::string TOSSpecific::GetCurrentDir() {
-    // sic: Linux knows no such name for pathconf, and success of getcwd counts as failure. Hosts rely on the refusal.
+    // Compatibility: hosts rely on this call failing. There is no pathconf name 4096, and a success of getcwd is taken
+    // for a failure. See docs/oddities.md.
     const long size = pathconf(".", 4096);
     if (size <= 0) throw TKYRException(kyrStatusFail);
     const boost::scoped_array<char> buffer(new char[static_cast<size_t>(size)]());

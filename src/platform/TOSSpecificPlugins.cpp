@@ -11,7 +11,9 @@ const std::string TOSSpecific::kFileSeparator = "/";
 std::vector<std::string> TOSSpecific::FindPlugins(std::string root) {
     std::vector<std::string> libraries;
     for (const std::string& folder : ListDir(root)) {
-        if (!DirExists(folder)) continue;  // sic: the bare name, so that the current directory must have it too
+        // Compatibility: hosts change into the root first, since the name is looked up in the current directory; see
+        // docs/oddities.md.
+        if (!DirExists(folder)) continue;
         const std::string path = root + "/" + folder + "/";
         for (const std::string& file : ListDir(path))
             if (file.find(kPluginExtension) != std::string::npos) libraries.push_back(path + file);
@@ -30,7 +32,7 @@ std::string TOSSpecific::BuildSpecificationPath(std::string libraryPath) {
     const size_t extension = libraryPath.find(kPluginExtension);
     if (extension == std::string::npos) throw TKYRException(kyrStatusFail);
     std::string path = libraryPath.substr(0, extension);
-    // sic: the first of the path, be it in the name of a directory.
+    // Compatibility: the first "lib" of the whole path, even in the name of a directory; see docs/oddities.md.
     const size_t prefix = path.find("lib");
     if (prefix == std::string::npos) throw TKYRException(kyrStatusFail);
     return path.erase(prefix, 3) + kSpecificationExtension;

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// In a function of its own, so that a leak checker can tell it: a failure to spawn does not free the vector.
+/// A function of its own, so that tests/leaks.supp can name it: a failure to spawn leaks the array.
 [[gnu::noinline]] char** kyriLeakSpawnArgv(std::string& path, std::vector<std::string>& arguments) {
     char** argv = new char*[arguments.size() + 2];
     size_t count = 0;
@@ -18,7 +18,8 @@ namespace {
     return argv;
 }
 
-/// Between fork and exec only what is safe there; _exit, so that the host's buffers and objects are left alone.
+/// Runs in the child: only async-signal-safe calls, and _exit, which neither flushes the host's buffers nor runs its
+/// destructors.
 [[noreturn]] void RunProgram(const int (&ends)[2], char** argv) {
     if (dup2(ends[1], STDOUT_FILENO) != -1 && dup2(ends[1], STDERR_FILENO) != -1 && close(STDIN_FILENO) == 0 &&
         close(ends[0]) == 0)
@@ -67,5 +68,5 @@ std::string TOSSpecific::GetFileContents(int descriptor) {
 std::string TOSSpecific::CaptureFile(std::string path) {
     const int descriptor = open(path.c_str(), O_RDONLY);
     if (descriptor == -1) LogAndThrow(kyrStatusFileNotFound, "ERROR: CaptureFile failed to open: " + path);
-    return GetFileContents(descriptor);  // sic: the descriptor stays open
+    return GetFileContents(descriptor);  // the descriptor is never closed; see docs/oddities.md
 }

@@ -10,7 +10,8 @@
 
 namespace {
 
-// Of libcurl's interface only what is used: its headers are not needed to build.
+// The constants of libcurl that are used here. Its headers are not needed to build, and the library is loaded on
+// demand.
 constexpr long kGlobalInitAll = 3;
 constexpr int kOptionErrorBuffer = 10010;
 constexpr int kOptionUpload = 46;
@@ -41,8 +42,8 @@ template <typename TFunction>
 void Resolve(void* library, const char* name, TFunction& function) {
     function = reinterpret_cast<TFunction>(dlsym(library, name));
     if (!dlerror()) return;
-    // sic: the first question has taken the reason, so that this text is usually made from a null pointer, and a
-    // std::logic_error leaves the upload in place of the line.
+    // Compatibility: the first dlerror call has cleared the message, so that this one usually returns null and
+    // std::logic_error is raised instead of a status; see docs/oddities.md.
     const std::string reason(dlerror());
     LogAndThrow(kyrStatusLibCurlFailure, "TOSSpecific|FTPFile: Error loading curl library: " + reason);
 }
@@ -94,7 +95,7 @@ void Perform(const TCurl& curl, void* handle, const char* errorText) {
 bool TOSSpecific::FTPFile(std::string localPath, std::string name) {
     const std::string target =
         std::string("ftp://") + KYRCORE_UPLOAD_HOST + "/zenhost/tohalvex/grumline/kyr_upload/" + name + ".xml.gz";
-    // sic: a failure from here on closes nothing of what is open by then.
+    // Library, stream and handle are not closed if something below raises.
     void* library = OpenLibrary();
     const TCurl curl = ResolveAll(library);
     FILE* stream = OpenStream(localPath);

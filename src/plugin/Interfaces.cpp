@@ -1,4 +1,4 @@
-// Here stand the type information and tables of the interfaces, for every library that uses them.
+// Defined here, so that vtable and type information of each interface are emitted once, in the library.
 
 #include "kyr/IPlugin.h"
 #include "kyr/IPluginBasicQueryCallbacks.h"

@@ -10,10 +10,10 @@
 
 namespace {
 
-void Mark(TCIMClass& cls, const TCIMQualifierDecl& declaration, const std::string& text) {
+void AddTextQualifier(TCIMClass& cls, const TCIMQualifierDecl& declaration, const std::string& text) {
     std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(declaration, TCIMValue(text)));
     cls.AddQualifier(*qualifier);
-    // A class that is marked alike and for good keeps the mark that it has.
+    // An equal qualifier that must not be overridden is kept instead, and then this one is still ours.
     if (cls.FindQualifier(declaration.GetName()) == qualifier.get()) qualifier.release();
 }
 
@@ -59,7 +59,7 @@ void TPluginManager::TPlugin::MarkCollectedClasses() {
         LogAndThrow(e.fCode, "Couldn't find PLUGINNAME/PLUGINVERSION qualifier decl");
     }
     for (TCIMClass* cls : fClassesCollected) {
-        Mark(*cls, *name, fCallbacks->GetName());
-        Mark(*cls, *version, fCallbacks->GetVersion());
+        AddTextQualifier(*cls, *name, fCallbacks->GetName());
+        AddTextQualifier(*cls, *version, fCallbacks->GetVersion());
     }
 }

@@ -26,7 +26,7 @@ void TPluginManager::FindAndLoadPlugins() {
         try {
             LoadPlugin(path);
         } catch (const TKYRException&) {
-            // A bad plugin does not stop the others.
+            // A plugin that cannot be loaded does not stop the others.
         }
     }
 }
@@ -72,7 +72,7 @@ void TPluginManager::InitializeProviders(const std::string& path) {
         try {
             plugin->Initialize();
         } catch (...) {
-            continue;  // listed, but without a document
+            continue;  // it stays in the list without a document; see docs/oddities.md
         }
         const int32_t type = plugin->GetCallbacks()->GetType();
         if (type == kyrPluginDataCollector || type == kyrPluginDocumentOnly) plugin->LoadSpecificationDocument();
