@@ -1,4 +1,4 @@
-// The walks over associations, of classes through the schema and of instances through the data.
+// Reference and associator traversal, for classes in the schema and for instances in the data.
 
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMPropertyDecl.h"
@@ -13,19 +13,20 @@
 
 namespace {
 
-bool PointsInto(const TCIMValue& value, const TCIMClass& cls) {
+bool RefersToClass(const TCIMValue& value, const TCIMClass& cls) {
     if (!value.IsReference()) return false;
     const TCIMClass* referenced = value.GetReferencedClass();
     return referenced != nullptr && referenced->IsSubclassOf(&cls);
 }
 
-/// What a reference value names; null if that is not there. A NULL reference raises kyrStatusValueIsNULL.
+/// The element that a reference value refers to; null if it does not exist. Raises kyrStatusValueIsNULL for a NULL
+/// value.
 ICIMElement* FindTarget(const TCIMValue& value) {
     if (value.IsNull()) throw TKYRException(kyrStatusValueIsNULL);
     return TCIMReferenceImpl::Of(TCIMReferenceValueImpl::ReferenceOf(value)).FindCIMElement();
 }
 
-/// A reference without keys names a class, which is nobody's associated instance.
+/// Ignores a class: a reference without keys refers to one.
 void AddInstance(ICIMElement* element, std::vector<TCIMInstance*>& instances) {
     if (auto* instance = dynamic_cast<TCIMInstance*>(element)) instances.push_back(instance);
 }
@@ -40,19 +41,20 @@ std::vector<TCIMClass*> TCIMClassImpl::References(const std::string& assocClass,
     return FindAssociations(*association, role);
 }
 
-/// An association is entered only with the most general class that it references, hence the climb.
+/// Looks in the superclasses too, because an association is registered only with the most general class it references.
 std::vector<TCIMClass*> TCIMClassImpl::FindAssociations(const TCIMClass& assocClass, const std::string& role) const {
     std::vector<TCIMClass*> found;
     const TCIMClass* root = fContainer->GetRootClass();
     for (const TCIMClass* cls = fHandle; cls != root && cls->GetSuperClass() != nullptr; cls = cls->GetSuperClass()) {
         for (TCIMClass* association : Of(*cls).fAssociations)
-            if (association->IsSubclassOf(&assocClass) && PointsHere(*association, role)) found.push_back(association);
+            if (association->IsSubclassOf(&assocClass) && RefersToThis(*association, role))
+                found.push_back(association);
     }
     return found;
 }
 
-/// A role that reaches this class only through its superclass does not count.
-bool TCIMClassImpl::PointsHere(const TCIMClass& association, const std::string& role) const {
+/// True if the role refers to exactly this class; a reference to its superclass is not enough.
+bool TCIMClassImpl::RefersToThis(const TCIMClass& association, const std::string& role) const {
     if (role.empty()) return true;
     const TCIMPropertyDecl* end = association.FindPropertyDecl(role);
     return end != nullptr && end->GetValue().IsReference() && end->GetValue().GetReferencedClass() == fHandle;
@@ -72,13 +74,13 @@ std::vector<TCIMClass*> TCIMClassImpl::Associators(const std::string& assocClass
             continue;
         }
         const TCIMPropertyDecl* end = found->FindPropertyDecl(resultRole);
-        if (end != nullptr && PointsInto(end->GetValue(), *wanted))
+        if (end != nullptr && RefersToClass(end->GetValue(), *wanted))
             result.push_back(end->GetValue().GetReferencedClass());
     }
     return result;
 }
 
-/// Leaves out the first end that is this class's own, and only that.
+/// Adds the classes of all ends but the first one that is this class's own.
 void TCIMClassImpl::AddOtherEnds(const TCIMClass& association, const TCIMClass& resultClass, const std::string& role,
                                  std::vector<TCIMClass*>& result) const {
     bool ownEndFound = false;
@@ -90,7 +92,7 @@ void TCIMClassImpl::AddOtherEnds(const TCIMClass& association, const TCIMClass& 
             ownEndFound = true;
             continue;
         }
-        if (PointsInto(value, resultClass)) result.push_back(value.GetReferencedClass());
+        if (RefersToClass(value, resultClass)) result.push_back(value.GetReferencedClass());
     }
 }
 
@@ -98,23 +100,23 @@ std::vector<TCIMInstance*> TCIMInstanceImpl::References(const std::string& assoc
     std::vector<TCIMInstance*> found;
     for (const TCIMClass* association : fClass->References(assocClass, role)) {
         for (TCIMInstance* instance : association->EnumerateInstances(false))
-            if (IsNamedBy(*instance, role)) found.push_back(instance);
+            if (IsReferredToBy(*instance, role)) found.push_back(instance);
     }
     return found;
 }
 
-bool TCIMInstanceImpl::IsNamedBy(const TCIMInstance& association, const std::string& role) const {
+bool TCIMInstanceImpl::IsReferredToBy(const TCIMInstance& association, const std::string& role) const {
     const TCIMInstanceImpl& body = Of(association);
     if (!role.empty()) {
         const TCIMProperty* end = body.FindProperty(role);
-        return end != nullptr && IsNamedBy(*end);
+        return end != nullptr && IsReferredToBy(*end);
     }
     for (const TCIMProperty& property : body.fProperties)
-        if (IsNamedBy(property)) return true;
+        if (IsReferredToBy(property)) return true;
     return false;
 }
 
-bool TCIMInstanceImpl::IsNamedBy(const TCIMProperty& property) const {
+bool TCIMInstanceImpl::IsReferredToBy(const TCIMProperty& property) const {
     const TCIMValue& value = ValueOf(property);
     return value.IsReference() && FindTarget(value) == fHandle;
 }
@@ -132,16 +134,16 @@ std::vector<TCIMInstance*> TCIMInstanceImpl::Associators(const std::string& asso
             continue;
         }
         const TCIMProperty* end = association->FindProperty(resultRole);
-        if (end == nullptr || !PointsInto(ValueOf(*end), *wanted)) continue;
+        if (end == nullptr || !RefersToClass(ValueOf(*end), *wanted)) continue;
         ICIMElement* target = FindTarget(ValueOf(*end));
-        if (target == nullptr) throw TKYRException(kyrStatusNotFound);  // whoever names an end wants it to be there
+        if (target == nullptr) throw TKYRException(kyrStatusNotFound);  // a result role demands that its target exists
         AddInstance(target, result);
     }
     return result;
 }
 
-/// The own end goes by class, not by instance: of an association between instances of one class the first reference
-/// counts as the own end, whichever instance it names.
+/// The own end is found by class, not by instance. In an association of a class with itself the first reference is
+/// taken for the own end, whichever instance it refers to; see docs/oddities.md.
 void TCIMInstanceImpl::AddOtherEnds(const TCIMInstance& association, const TCIMClass& resultClass,
                                     const std::string& role, std::vector<TCIMInstance*>& result) const {
     const TCIMInstanceImpl& body = Of(association);
@@ -155,6 +157,6 @@ void TCIMInstanceImpl::AddOtherEnds(const TCIMInstance& association, const TCIMC
             ownEndFound = true;
             continue;
         }
-        if (PointsInto(value, resultClass)) AddInstance(FindTarget(value), result);
+        if (RefersToClass(value, resultClass)) AddInstance(FindTarget(value), result);
     }
 }

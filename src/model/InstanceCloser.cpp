@@ -7,7 +7,7 @@ void CloseInstance(TCIMInstance*& instance) {
     try {
         instance->AddToContainer();
     } catch (...) {
-        if (body.unique()) instance = nullptr;  // the handle, the only other owner, is gone
+        if (body.unique()) instance = nullptr;  // the failure has destroyed the handle, which had shared the body
         throw;
     }
 }

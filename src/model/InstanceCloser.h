@@ -3,8 +3,8 @@
 
 class TCIMInstance;
 
-/// Adds an instance to its class, which owns it from then on. On failure the exception goes up; a failure that
-/// destroyed the instance has set the pointer to null, and any other leaves the instance with its owner.
+/// Adds an instance to its class, which owns it from then on. If that raises, the pointer is null when the failure has
+/// destroyed the instance; otherwise the instance is still the caller's.
 void CloseInstance(TCIMInstance*& instance);
 
 #endif

@@ -1,6 +1,6 @@
 #include "kyr/ICIMAllowQualifiers.h"
 #include "kyr/ICIMElement.h"
 
-// Out of line, so that the type information of each interface stands in the library alone.
+// Defined here, so that vtable and type information of each interface are emitted once, in the library.
 ICIMElement::~ICIMElement() = default;
 ICIMAllowQualifiers::~ICIMAllowQualifiers() = default;

@@ -6,8 +6,8 @@
 #include <type_traits>
 
 namespace {
-/// Digits with at most one point among them, and too few of them to leave the range of a float: what the library
-/// reads faster than a stream does, and to the same number.
+/// True for digits with at most one decimal point, and few enough to be in the range of a float: std::from_chars gives
+/// the same number for them as a stream, faster.
 bool IsPlainReal(std::string_view text) {
     if (!text.empty() && text[0] == '-') text.remove_prefix(1);
     const size_t whole = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -18,7 +18,7 @@ bool IsPlainReal(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-std::istringstream BaselessStream(const std::string& text) {
+std::istringstream NumberStream(const std::string& text) {
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());
     stream.setf(std::ios_base::boolalpha);
@@ -43,8 +43,8 @@ template <typename T>
 T ReadNumber(const std::string& text) {
     T number{};
     if (ReadQuickly(text, number)) return number;
-    number = T{};  // the stream leaves it alone when the text is blank
-    BaselessStream(text) >> number;
+    number = T{};  // the stream does not set it if the text is blank
+    NumberStream(text) >> number;
     return number;
 }
 
@@ -67,7 +67,7 @@ unsigned long ReadNumberAndTail(const std::string& text, char& first, char& seco
         return number;
     }
     number = 0;
-    BaselessStream(text) >> number >> first >> second;
+    NumberStream(text) >> number >> first >> second;
     return number;
 }
 

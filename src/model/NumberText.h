@@ -6,8 +6,8 @@
 #include <string_view>
 #include <system_error>
 
-/// Reads a whole text of nothing but a decimal or "0x" number that fits; false for every other text, also for many
-/// that a stream would read.
+/// Fast path for a text that is nothing but a decimal or "0x" number in range. False for any other text, including many
+/// that ReadNumber takes.
 template <typename T>
 bool ReadPlainNumber(std::string_view text, T& number) {
     int base = 10;
@@ -22,14 +22,14 @@ bool ReadPlainNumber(std::string_view text, T& number) {
     return error == std::errc() && end == last;
 }
 
-/// Reads a number at the beginning of a text as an input stream of the classic locale does that forces no base: "0x"
-/// and "0" prefixes count, a bool is "true" or "false", the rest of the text is not looked at, a number out of range
-/// gives the nearest one, and text that is no number 0. For bool, the integers from 16 bits up, float and double.
+/// Reads a number at the beginning of a text, like a std::istream in the classic locale without a fixed base: the
+/// prefixes "0x" and "0" choose the base, a bool is "true" or "false", and what follows the number is ignored. A number
+/// out of range gives the nearest one in range; a text that is no number gives 0.
 template <typename T>
 T ReadNumber(const std::string& text);
 
-/// The same for the number of a text that goes on: the first two characters behind it, blanks skipped, go to `first`
-/// and `second`, which stay as they are where the text ends or was no number.
+/// The same, and stores the two characters that follow the number, blanks skipped. `first` and `second` keep their
+/// values if the text ends before them or does not begin with a number.
 unsigned long ReadNumberAndTail(const std::string& text, char& first, char& second);
 
 /// Appends a decimal number, filled with leading zeros to the width.

@@ -13,7 +13,7 @@ public:
 
     static std::vector<TCIMValue>& ElementsOf(const TCIMValue& value);
 
-    /// Raises kyrStatusInvalidProperty, with a line in the log, for the first element that is not of the type.
+    /// Logs and raises kyrStatusInvalidProperty if an element has another type.
     void RequireElementType(TCIMValue::TCIMType type) const;
 
     operator std::vector<TCIMValue>&() const override { return fElements; }
@@ -22,7 +22,8 @@ public:
     bool operator<(const TCIMValue& other) const override;
 
 private:
-    mutable std::vector<TCIMValue> fElements;  // sic: a constant value hands it out to be changed
+    mutable std::vector<TCIMValue>
+        fElements;  // mutable: hosts change the elements of a constant value through its conversion
 };
 
 #endif

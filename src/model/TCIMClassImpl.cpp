@@ -17,8 +17,8 @@
 
 namespace {
 
-/// Of references to related classes the one to the most general class is enough: whoever looks for a class's
-/// associations climbs to the top of the tree.
+/// Removes each class whose superclass is in the list too. An association is registered with the superclass only,
+/// because FindAssociations looks in all superclasses.
 void KeepMostGeneral(std::vector<TCIMClass*>& classes) {
     for (size_t a = 0; a < classes.size(); ++a) {
         for (size_t b = 0; b < classes.size();) {
@@ -77,7 +77,7 @@ void TCIMClassImpl::RegisterWithReferencedClasses() {
 
 bool TCIMClassImpl::IsRootClass() const { return fSuperClass != nullptr && fSuperClass == fContainer->GetRootClass(); }
 
-// Pre-order, without recursion: a document can make a chain of classes that is deeper than the stack.
+// Pre-order, without recursion: a document can declare a chain of subclasses long enough to overflow the stack.
 std::vector<TCIMClass*> TCIMClassImpl::EnumerateSubClasses(bool deep) const {
     if (!deep) return fChildClasses;
     std::vector<TCIMClass*> subClasses;
@@ -92,9 +92,9 @@ std::vector<TCIMClass*> TCIMClassImpl::EnumerateSubClasses(bool deep) const {
     return subClasses;
 }
 
-bool TCIMClassImpl::IsAssociation() const { return TCIMQualifierImpl::ReadsTrue(fQualifiers.Find("ASSOCIATION")); }
+bool TCIMClassImpl::IsAssociation() const { return TCIMQualifierImpl::IsTrue(fQualifiers.Find("ASSOCIATION")); }
 
-bool TCIMClassImpl::IsAbstract() const { return TCIMQualifierImpl::ReadsTrue(fQualifiers.Find("ABSTRACT")); }
+bool TCIMClassImpl::IsAbstract() const { return TCIMQualifierImpl::IsTrue(fQualifiers.Find("ABSTRACT")); }
 
 bool TCIMClassImpl::IsSubclassOf(const TCIMClass* other) const {
     const TCIMClass* root = fContainer->GetRootClass();
@@ -138,7 +138,7 @@ void TCIMClassImpl::RemoveOverriddenDecl(TPropertyDecls::iterator existing, cons
         RefuseDecl(kyrStatusTypeMismatch, kOverride, declaration, kInClass, ": different types");
     if (*inherited.GetClass() == *fHandle)
         RefuseDecl(kyrStatusAlreadyExists, kOverride, declaration, kInClass, ": original was defined in this class");
-    if (&inherited == &declaration)  // a second owner would destroy it twice
+    if (&inherited == &declaration)  // a second shared_ptr to the same object would destroy it twice
         RefuseDecl(kyrStatusAlreadyExists, "add property ", declaration, " to class ", ": already exists");
     fPropertyDecls.erase(existing);
 }
@@ -195,7 +195,7 @@ boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
 }
 
 void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
-    // Owned before the path is built: an instance whose path cannot be built is destroyed.
+    // Owned before the path is built, so that an instance whose path cannot be built is destroyed.
     const boost::shared_ptr<TCIMInstance> owner = TCIMInstanceImpl::Of(instance).Adopt();
     fInstances.emplace(TCIMInstanceImpl::Of(instance).BuildPathText(), owner);
 }
@@ -206,7 +206,7 @@ void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
 
 TCIMInstance* TCIMClassImpl::FindInstance(const TCIMReference& reference) const {
     const std::string path = reference.GetPath();
-    const auto found = fInstances.lower_bound(path);  // the first that was inserted under the path
+    const auto found = fInstances.lower_bound(path);  // of several with this path, the one added first
     return found == fInstances.end() || found->first != path ? nullptr : found->second.get();
 }
 

@@ -26,7 +26,8 @@ public:
     void AddToContainer();
     /// True once the class has joined its container, which owns it from then on.
     bool IsAdded() const { return fAdded; }
-    /// For a container's tear-down: the class does not take itself off its superclass's list.
+    /// Called by the destructor of the container: the destructor of this class then leaves the list of its superclass
+    /// alone.
     void ForgetSuperClassList() { fAdded = false; }
 
     const std::string& GetName() const { return fName; }
@@ -48,9 +49,9 @@ public:
     std::vector<const TCIMPropertyDecl*> EnumeratePropertyDecls() const;
     void RemovePropertyDecl(TCIMPropertyDecl& declaration);
     std::vector<std::string> EnumerateKeyNames() const;
-    /// The declarations behind EnumerateKeyNames, in its order.
+    /// The key declarations, in the order of EnumerateKeyNames.
     std::vector<const TCIMPropertyDecl*> EnumerateKeyDecls() const;
-    /// The layout of instances that are made now.
+    /// The layout for new instances.
     boost::shared_ptr<const TPropertyLayout> GetPropertyLayout();
 
     void AddInstance(TCIMInstance& instance);
@@ -71,7 +72,7 @@ private:
     [[noreturn]] void RefuseDecl(kyrStatusCode code, const std::string& attempt, const TCIMPropertyDecl& declaration,
                                  const std::string& relation, const std::string& reason) const;
     std::vector<TCIMClass*> FindAssociations(const TCIMClass& assocClass, const std::string& role) const;
-    bool PointsHere(const TCIMClass& association, const std::string& role) const;
+    bool RefersToThis(const TCIMClass& association, const std::string& role) const;
     void AddOtherEnds(const TCIMClass& association, const TCIMClass& resultClass, const std::string& role,
                       std::vector<TCIMClass*>& result) const;
 
@@ -80,12 +81,12 @@ private:
     std::string fName;       // as written
     TCIMClass* fSuperClass;  // not owned; null for the root class alone
     TQualifierMap fQualifiers;
-    TPropertyDecls fPropertyDecls;          // by normalised name; shared with the classes inherited from
+    TPropertyDecls fPropertyDecls;          // by normalised name; inherited ones are shared
     std::vector<TCIMClass*> fChildClasses;  // not owned, in the order of joining
     std::set<TCIMClass*> fAssociations;     // not owned: the associations that reference this class
     std::multimap<std::string, boost::shared_ptr<TCIMInstance>> fInstances;  // by object path
-    boost::shared_ptr<const TPropertyLayout> fLayout;                        // null when the declarations changed since
-    unsigned long fLayoutRenameCount = 0;  // the count of renamings that fLayout was made at
+    boost::shared_ptr<const TPropertyLayout> fLayout;  // null: must be rebuilt, the declarations changed
+    unsigned long fLayoutRenameCount = 0;              // of TCIMPropertyDeclImpl::GetRenameCount when fLayout was built
     bool fAdded = false;
 };
 

@@ -6,7 +6,7 @@
 #include "model/TCIMDateTimeImpl.h"
 
 namespace {
-// The precision flag belongs to one handle and does not travel.
+// Compatibility: a copy does not take the precision flag over; see docs/oddities.md.
 boost::shared_ptr<TCIMDateTimeImpl> CopyOf(const TCIMDateTimeImpl& body) {
     auto copy = boost::make_shared<TCIMDateTimeImpl>(body);
     copy->SetPrecision(false);

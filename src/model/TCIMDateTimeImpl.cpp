@@ -11,7 +11,7 @@ constexpr long kDaylightShift = 3600;
 
 [[noreturn]] void Refuse() { throw TKYRException(kyrStatusInvalidDateTime); }
 
-// Wraps where years beyond any calendar leave 64 bits.
+// Unsigned arithmetic: the total of a year far in the future does not fit in 64 bits, and must wrap.
 long MicroSeconds(long seconds, unsigned int microSeconds) {
     return static_cast<long>(static_cast<unsigned long>(seconds) * kMicroSecondsInSecond + microSeconds);
 }
@@ -24,7 +24,8 @@ unsigned long Magnitude(long value) {
     return value < 0 ? 0 - bits : bits;
 }
 
-// Standard time, also in summer. -1 is mktime's refusal, and the moment just before the epoch is refused with it.
+// Seconds since 1970 of a local time without daylight saving. mktime returns -1 for a failure and for the second before
+// 1970; both are refused, see docs/oddities.md.
 long StandardTime(unsigned short year, unsigned short month, unsigned int day, unsigned short hour, int minute,
                   unsigned short second) {
     tm fields{};
@@ -123,7 +124,7 @@ void TCIMDateTimeImpl::Set(const std::string& text) {
     const auto offset = static_cast<short>(Field(text, 22, 3));
     if (text[21] == ':') {
         if (offset != 0) Refuse();
-        Set(ShortField(text, 0, 8), hour, minute, second, microSeconds);  // sic: days modulo 65536, in texts only
+        Set(ShortField(text, 0, 8), hour, minute, second, microSeconds);  // days modulo 65536, see docs/oddities.md
         return;
     }
     Set(ShortField(text, 0, 4), ShortField(text, 4, 2), Field(text, 6, 2), hour, minute, second, microSeconds,
@@ -180,12 +181,12 @@ std::string TCIMDateTimeImpl::ToAbbrUIString() const {
 
 bool TCIMDateTimeImpl::operator==(const TCIMDateTimeImpl& other) const {
     RequireSameKind(other);
-    return Moment() == other.Moment();
+    return Seconds() == other.Seconds();
 }
 
 bool TCIMDateTimeImpl::operator<(const TCIMDateTimeImpl& other) const {
     RequireSameKind(other);
-    return Moment() < other.Moment();
+    return Seconds() < other.Seconds();
 }
 
 TCIMDateTimeImpl TCIMDateTimeImpl::operator+(const TCIMDateTimeImpl& other) const {
@@ -210,7 +211,8 @@ TCIMDateTimeImpl TCIMDateTimeImpl::operator-(const TCIMDateTimeImpl& other) cons
     }
     const TCIMDateTimeImpl& timestamp = fInterval ? other : *this;
     const TCIMDateTimeImpl& interval = fInterval ? *this : other;
-    // sic: the microseconds go with the operand's place, not with its kind
+    // Compatibility: the microseconds are those of the left and right operand, whichever of them is the interval; see
+    // docs/oddities.md.
     return timestamp.TimestampOf(Difference(MicroSeconds(timestamp.LocalSeconds(), fMicroSeconds),
                                             MicroSeconds(interval.IntervalSeconds(), other.fMicroSeconds)));
 }
@@ -225,21 +227,21 @@ void TCIMDateTimeImpl::RequireSameKind(const TCIMDateTimeImpl& other) const {
     if (fInterval != other.fInterval) Refuse();
 }
 
-TCIMDateTimeImpl::TMoment TCIMDateTimeImpl::Moment() const {
+TCIMDateTimeImpl::TSeconds TCIMDateTimeImpl::Seconds() const {
     if (fInterval) return {IntervalSeconds(), fMicroSeconds};
     return {StandardTime(fYear, fMonth, fDay, fHour, fMinute - fUTCOffset, fSecond), fMicroSeconds};
 }
 
 long TCIMDateTimeImpl::LocalSeconds() const { return StandardTime(fYear, fMonth, fDay, fHour, fMinute, fSecond); }
 
-// In 32 bits, wrapping after 49710 days.
+// Compatibility: in 32 bits, which wrap after 49710 days; see docs/oddities.md.
 unsigned int TCIMDateTimeImpl::IntervalSeconds() const {
     return fDay * 86400u + fHour * 3600u + fMinute * 60u + fSecond;
 }
 
 long TCIMDateTimeImpl::IntervalTotal() const { return MicroSeconds(IntervalSeconds(), fMicroSeconds); }
 
-// A moment in microseconds, as a timestamp on standard time with this one's offset.
+// The timestamp of so many microseconds since 1970, in local standard time and with the UTC offset of this one.
 TCIMDateTimeImpl TCIMDateTimeImpl::TimestampOf(long total) const {
     const unsigned long magnitude = Magnitude(total);
     const auto seconds = static_cast<long>(magnitude / kMicroSecondsInSecond);

@@ -5,10 +5,10 @@
 #include <string>
 #include <utility>
 
-/// The fields of a date-time and its arithmetic.
+/// The fields of a CIM date-time, which is a timestamp or an interval, and its arithmetic.
 class TCIMDateTimeImpl {
 public:
-    /// An interval of as many seconds; its days are cut to 32 bits.
+    /// An interval of that length; its days are cut to 32 bits.
     static TCIMDateTimeImpl Interval(unsigned long seconds, unsigned int microSeconds);
 
     void Set(unsigned short year, unsigned short month, unsigned int day, unsigned short hour, unsigned short minute,
@@ -41,12 +41,13 @@ public:
     TCIMDateTimeImpl operator-(const TCIMDateTimeImpl& other) const;
 
 private:
-    using TMoment = std::pair<long, unsigned int>;  // seconds, microseconds
+    using TSeconds = std::pair<long, unsigned int>;  // and microseconds
 
     void RequireValue() const;
     void RequireSameKind(const TCIMDateTimeImpl& other) const;
-    TMoment Moment() const;
-    /// The stored fields in the process's time zone, as if their offset were 0.
+    /// Since 1970 for a timestamp, the length of an interval.
+    TSeconds Seconds() const;
+    /// Seconds since 1970 of the fields read as local standard time, without the UTC offset.
     long LocalSeconds() const;
     unsigned int IntervalSeconds() const;
     long IntervalTotal() const;

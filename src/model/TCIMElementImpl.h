@@ -3,7 +3,7 @@
 
 class TContainer;
 
-/// What the bodies of classes and instances have in common.
+/// Base of the bodies of classes and instances.
 class TCIMElementImpl {
 public:
     virtual ~TCIMElementImpl() = default;

@@ -90,8 +90,8 @@ std::string TCIMInstanceImpl::BuildPathText() const {
     return path;
 }
 
-/// The keys as a reference would bind them. False if one of them might be refused, or bound under another name than
-/// its property's: a reference then has to be made for its failures and log lines.
+/// Collects what a reference to this instance would bind. False if a reference might refuse a key or bind it under
+/// another name; the caller must then make the reference, so that the same failures are raised and logged.
 bool TCIMInstanceImpl::CollectKeyValues(TKeyValues& keys) const {
     for (const TCIMPropertyDecl* key : TCIMClassImpl::Of(*fClass).EnumerateKeyDecls()) {
         const size_t index = fLayout->Find(TNormalizedName(key->GetName()).View());

@@ -22,7 +22,7 @@ public:
 
     void Validate() const override;
     TContainer* GetContainer() const override;
-    /// Validates the instance and hands it to its class. Once validated, a failure destroys the handle.
+    /// Validates the instance and hands it to its class. A failure after the validation destroys the handle.
     void AddToContainer();
     TCIMClass* GetClass() const { return fClass; }
 
@@ -30,15 +30,15 @@ public:
     TCIMProperty* FindProperty(const std::string& name) const;
     void SetProperty(const TCIMProperty& property);
     void SetPropertyValue(const std::string& name, const TCIMValue& value);
-    /// SetPropertyValue, which may use the value up.
+    /// Like SetPropertyValue, but may move the value's content.
     void TakePropertyValue(const std::string& name, TCIMValue& value);
     void SetPrevPropertyValue(const std::string& name, const TCIMValue& value);
     void SetPrevPropertyValue(const std::string& name);
     std::vector<const TCIMProperty*> EnumerateProperties() const;
     TCIMReference BuildPath() const;
-    /// The text of that reference, without making it where there is nothing about the keys out of the ordinary.
+    /// The text of that path. In the usual case no reference is made for it.
     std::string BuildPathText() const;
-    /// The owner of the handle: a new one, or that which has it already when the handle is added a second time.
+    /// The owner of the handle, shared if the handle has one because it is added a second time.
     boost::shared_ptr<TCIMInstance> Adopt();
     bool IsAdopted() const { return !fOwner.expired(); }
 
@@ -53,15 +53,16 @@ private:
 
     TCIMProperty& PropertyAt(size_t index) const { return fProperties[index]; }
     bool CollectKeyValues(TKeyValues& keys) const;
-    bool IsNamedBy(const TCIMInstance& association, const std::string& role) const;
-    bool IsNamedBy(const TCIMProperty& property) const;
+    bool IsReferredToBy(const TCIMInstance& association, const std::string& role) const;
+    bool IsReferredToBy(const TCIMProperty& property) const;
     void AddOtherEnds(const TCIMInstance& association, const TCIMClass& resultClass, const std::string& role,
                       std::vector<TCIMInstance*>& result) const;
 
     TCIMInstance* fHandle;
     TCIMClass* fClass;  // not owned
     boost::shared_ptr<const TPropertyLayout> fLayout;
-    mutable std::vector<TCIMProperty> fProperties;  // in the layout's order; never grows, so addresses stay
+    mutable std::vector<TCIMProperty>
+        fProperties;  // in the layout's order; never grows, because hosts keep pointers to its elements
     boost::weak_ptr<TCIMInstance> fOwner;
 };
 

@@ -15,7 +15,7 @@ std::string ToBase(T value, int base) {
     return std::string(digits, std::to_chars(digits, digits + sizeof digits, value, base).ptr);
 }
 
-// The full width of the type, in capitals.
+// With leading zeros up to the width of the type, in capitals.
 template <typename T>
 std::string ToHexadecimal(T value) {
     std::string text(2 * sizeof value, '0');
@@ -26,7 +26,7 @@ std::string ToHexadecimal(T value) {
 
 std::string Print(bool value, unsigned char) { return value ? "true" : "false"; }
 
-// Six significant digits, as a stream has them by default.
+// Six significant digits, the default of a stream.
 std::string Print(double value, unsigned char base) {
     if (base != 10) throw TKYRException(kyrStatusNotSupported);
     char digits[kLongestNumber];

@@ -53,7 +53,7 @@ private:
 
     template <typename T>
     T Read(T TNumber::*member, TType::ECIMType type) const;
-    /// Calls visit with the pointer to the member that is in use.
+    /// Calls visit with the pointer to the union member of fType.
     template <typename TVisitor>
     auto Visit(TVisitor visit) const;
 

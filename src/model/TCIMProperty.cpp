@@ -12,7 +12,8 @@ TCIMProperty::TCIMProperty(const TCIMPropertyDecl& declaration, const TCIMValue&
 TCIMProperty::TCIMProperty(const TCIMProperty& other) : fBody(new TCIMPropertyImpl(*other.fBody)) {}
 TCIMProperty& TCIMProperty::operator=(const TCIMProperty& other) {
     if (this == &other) return *this;
-    auto body = std::make_unique<TCIMPropertyImpl>(*other.fBody);  // first: the copy may raise
+    auto body =
+        std::make_unique<TCIMPropertyImpl>(*other.fBody);  // before anything is changed, because the copy may raise
     delete fBody;
     fBody = body.release();
     return *this;

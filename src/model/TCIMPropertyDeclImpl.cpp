@@ -15,4 +15,4 @@ void TCIMPropertyDeclImpl::SetName(const std::string& name) {
     ++fgRenameCount;
 }
 
-bool TCIMPropertyDeclImpl::IsKey() const { return TCIMQualifierImpl::ReadsTrue(fQualifiers.GetKey()); }
+bool TCIMPropertyDeclImpl::IsKey() const { return TCIMQualifierImpl::IsTrue(fQualifiers.GetKey()); }

@@ -12,7 +12,7 @@ public:
         : fHandle(&handle), fName(name), fClass(&cls), fValue(value) {}
 
     static TCIMPropertyDeclImpl& Of(const TCIMPropertyDecl& handle) { return *handle.fBody; }
-    /// How often any declaration was renamed: what has been built from names before is stale afterwards.
+    /// Counts the renamings of all declarations. A layout built at another count may hold old names.
     static unsigned long GetRenameCount() { return fgRenameCount; }
 
     void AddToContainer() const;
@@ -31,7 +31,7 @@ private:
     TCIMPropertyDecl* fHandle;
     std::string fName;  // as written
     TCIMClass* fClass;  // not owned
-    TCIMValue fValue;   // type, default and referenced class
+    TCIMValue fValue;   // carries the type, the default and the referenced class
     TQualifierMap fQualifiers;
 };
 

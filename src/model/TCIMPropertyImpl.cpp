@@ -70,7 +70,8 @@ void TCIMPropertyImpl::CheckValue(const TCIMValue& value, const char* operation)
                                            " but value references " + NameOf(actual));
 }
 
-// Two properties without a value of their own are equal, and one without sorts before one with.
+// Defaults are not compared: two properties without a value of their own are equal, and one without is less than one
+// with a value.
 bool TCIMPropertyImpl::operator==(const TCIMPropertyImpl& other) const {
     if (!(*fDeclaration == *other.fDeclaration)) return false;
     if (!fValue || !other.fValue) return fValue.has_value() == other.fValue.has_value();

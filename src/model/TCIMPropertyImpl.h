@@ -11,29 +11,29 @@
 
 class TCIMPropertyImpl : public TSmallObject {
 public:
-    /// One word of a value map: the numbers that it stands for.
+    /// One entry of ValueMap and Values: a range of numbers and its text.
     struct TValueMapEntry {
         unsigned long fLow;
-        unsigned long fHigh;  // all ones: open-ended
+        unsigned long fHigh;  // the greatest number if the range is open
         std::string fText;
     };
 
     TCIMPropertyImpl(TCIMProperty& owner, const TCIMPropertyDecl& declaration)
         : fOwner(&owner), fDeclaration(&declaration) {}
     TCIMPropertyImpl(const TCIMPropertyImpl& other, TCIMProperty& owner);
-    /// Keeps the other's owner, which may be gone: nothing uses it.
+    /// Copies the pointer to the owner, which may dangle: a copy without an owner of its own never uses it.
     TCIMPropertyImpl(const TCIMPropertyImpl& other) : TCIMPropertyImpl(other, *other.fOwner) {}
     TCIMPropertyImpl& operator=(const TCIMPropertyImpl&) = delete;
 
     const TCIMPropertyDecl& GetDeclaration() const { return *fDeclaration; }
-    /// The value that GetValue copies: the property's own, or else the declaration's default.
+    /// The property's own value, or the default of its declaration. GetValue copies it.
     const TCIMValue& Value() const;
-    /// The same for GetPrevValue.
+    /// The previous value; GetPrevValue copies it.
     const TCIMValue& PrevValue() const;
     TCIMValue GetValue() const { return Value(); }
     TCIMValue GetPrevValue() const { return PrevValue(); }
     void SetValue(const TCIMValue& value);
-    /// SetValue, which may use the value up.
+    /// Like SetValue, but may move the value's content.
     void TakeValue(TCIMValue& value);
     void SetPrevValue(const TCIMValue& value);
     void SetPrevValue();
@@ -42,20 +42,21 @@ public:
     bool operator==(const TCIMPropertyImpl& other) const;
     bool operator<(const TCIMPropertyImpl& other) const;
 
-    // Display, by the declaration's qualifiers.
+    // Texts for display, made by the qualifiers of the declaration.
 
     std::string ToString() const;
     std::string PrevToString() const;
     std::vector<std::string> ToStringVector() const;
     std::vector<std::string> PrevToStringVector() const;
-    /// Without the words of a value map.
+    /// Without the texts of ValueMap and Values.
     std::vector<std::string> ToStringVectorWithBase() const;
     std::vector<std::string> PrevToStringVectorWithBase() const;
-    /// With units, or the text for NULL.
+    /// With units; for NULL, the text of NULLDISPLAY.
     std::string ToStringWithQualifiers(const TCIMValue& value) const;
-    /// With the radix alone.
+    /// By the qualifier BASE only.
     std::string ToStringWithBase(const TCIMValue& value) const;
-    /// The table of Values and ValueMap, and the word for what is not in it; false if there is none that can be used.
+    /// Fills the table from Values and ValueMap, and the text for numbers that are not in it. False if the declaration
+    /// has no valid table.
     bool BuildValueMapEntryArray(std::vector<TValueMapEntry>& table, std::string& defaultText) const;
     std::string LookupInTable(const TCIMValue& value, std::vector<TValueMapEntry>& table,
                               const std::string& defaultText) const;

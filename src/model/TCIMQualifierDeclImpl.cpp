@@ -23,6 +23,6 @@ TCIMQualifierDeclImpl::TCIMQualifierDeclImpl(const TCIMQualifierDeclImpl& other,
 
 void TCIMQualifierDeclImpl::AddToContainer() const {
     fHandle->Validate();
-    // Consumes the handle, and this body with it, when it fails.
+    // Destroys the handle, and with it this body, if it fails.
     fContainer->AddQualifierDecl(*fHandle);
 }

@@ -10,7 +10,7 @@ public:
     TCIMQualifierDeclImpl(TCIMQualifierDecl& handle, TContainer& container);
     TCIMQualifierDeclImpl(TCIMQualifierDecl& handle, TContainer& container, const std::string& name,
                           const TCIMValue& value, TCIMQualifierDecl::EScope scope, TCIMQualifierDecl::EFlavor flavor);
-    /// Everything of the other but its container.
+    /// Copies all but the container.
     TCIMQualifierDeclImpl(const TCIMQualifierDeclImpl& other, TContainer& container);
 
     static TCIMQualifierDeclImpl& Of(const TCIMQualifierDecl& handle) { return *handle.fBody; }
@@ -32,10 +32,10 @@ private:
     TCIMQualifierDecl* fHandle;
     TContainer* fContainer;  // not owned
     std::string fName;       // as written
-    TCIMValue fValue;        // the default; type and array-ness are its
+    TCIMValue fValue;        // the default, which also gives the type
     TCIMQualifierDecl::EScope fScope;
     TCIMQualifierDecl::EFlavor fFlavor;
-    bool fAdopted = false;  // a container has taken the handle over: it must not get a second owner
+    bool fAdopted = false;  // owned by a container; a second owner would destroy it twice
 };
 
 #endif

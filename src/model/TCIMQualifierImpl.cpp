@@ -1,6 +1,6 @@
 #include "model/TCIMQualifierImpl.h"
 
-bool TCIMQualifierImpl::ReadsTrue(const TCIMQualifier* qualifier) {
+bool TCIMQualifierImpl::IsTrue(const TCIMQualifier* qualifier) {
     if (qualifier == nullptr) return false;
     const TCIMValue& value = ValueOf(*qualifier);
     return !value.IsNull() && static_cast<bool>(value);

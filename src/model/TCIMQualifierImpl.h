@@ -9,11 +9,10 @@ public:
         : fDeclaration(&declaration), fValue(value), fFlavor(flavor) {}
 
     static TCIMQualifierImpl& Of(const TCIMQualifier& handle) { return *handle.fBody; }
-    /// The qualifier's value itself, where GetValue gives a copy.
+    /// The value itself; GetValue copies it.
     static const TCIMValue& ValueOf(const TCIMQualifier& handle) { return handle.fBody->fValue; }
-    /// True if there is a qualifier, and it is neither NULL nor false. One that is not boolean raises
-    /// kyrStatusTypeMismatch.
-    static bool ReadsTrue(const TCIMQualifier* qualifier);
+    /// True if there is a qualifier and its value is true. Raises kyrStatusTypeMismatch if it is not boolean.
+    static bool IsTrue(const TCIMQualifier* qualifier);
 
     const TCIMQualifierDecl& GetDeclaration() const { return *fDeclaration; }
     const TCIMValue& Value() const { return fValue; }

@@ -13,11 +13,11 @@
 
 namespace {
 
-/// A KEY that is not boolean is no key here, where a class's own check raises.
+/// Like TCIMPropertyDeclImpl::IsKey, but false instead of raising when the qualifier KEY is not boolean.
 bool IsPlainKey(const TCIMPropertyDecl& declaration) {
     const TCIMQualifier* key = TCIMPropertyDeclImpl::Of(declaration).Qualifiers().GetKey();
     if (key == nullptr || TCIMQualifierImpl::ValueOf(*key).GetType() != TCIMValue::TCIMType::eCIMBoolean) return false;
-    return TCIMQualifierImpl::ReadsTrue(key);
+    return TCIMQualifierImpl::IsTrue(key);
 }
 
 }  // namespace
@@ -43,7 +43,8 @@ void TCIMReferenceImpl::SetPath(const std::string&) const {
 
 TCIMClass* TCIMReferenceImpl::GetClass() const {
     if (fClass != nullptr) return fClass;
-    LogAndThrow(kyrStatusInvalidReference, "GetClass() called before container set");  // sic: a class is what lacks
+    LogAndThrow(kyrStatusInvalidReference,
+                "GetClass() called before container set");  // the class is missing; see docs/oddities.md
 }
 
 void TCIMReferenceImpl::SetClassName(const std::string& name) {
@@ -84,7 +85,7 @@ std::string TCIMReferenceImpl::GetPath() const {
     if (fBindings.empty()) return path;
     path += '.';
     for (const auto& [name, value] : fBindings) AppendBinding(path, name, value);
-    path.pop_back();  // the last comma; or the dot, where no binding has a text
+    path.pop_back();  // the last comma, or the dot if no binding has a text
     return path;
 }
 

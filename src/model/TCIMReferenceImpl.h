@@ -17,7 +17,7 @@ public:
     TCIMReferenceImpl& operator=(const TCIMReferenceImpl&) = delete;
 
     static TCIMReferenceImpl& Of(const TCIMReference& handle) { return *handle.fBody; }
-    /// Appends `name="value",` to an object path; a value that has no text is left out.
+    /// Appends `name="value",` to an object path; nothing for a value that has no text.
     static void AppendBinding(std::string& path, const std::string& name, const TCIMValue& value);
 
     void SetContainer(const TContainer* container) { fContainer = container; }
@@ -31,7 +31,7 @@ public:
     void SetKeyBindings(TBindings bindings) { fBindings = std::move(bindings); }
     std::string GetPath() const;
     ICIMElement* GetCIMElement() const;
-    /// GetCIMElement, with null in place of kyrStatusNotFound.
+    /// Like GetCIMElement, but null where that raises kyrStatusNotFound.
     ICIMElement* FindCIMElement() const;
     bool operator==(const TCIMReferenceImpl& other) const;
     bool operator<(const TCIMReferenceImpl& other) const;
@@ -40,7 +40,7 @@ private:
     TCIMReference* fHandle;
     const TContainer* fContainer;             // not owned; may be null
     TCIMClass* fClass = nullptr;              // not owned; null until set
-    TBindings fBindings;                      // names as passed: case counts
+    TBindings fBindings;                      // by name as passed, so that case matters
     mutable ICIMElement* fElement = nullptr;  // not owned: what the last GetCIMElement found
 };
 

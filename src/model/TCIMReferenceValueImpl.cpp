@@ -5,17 +5,17 @@
 #include "model/TCIMValueTransfer.h"
 
 namespace {
-const TCIMReference& LookForTarget(const TCIMReference& reference) {
+const TCIMReference& LookUpTarget(const TCIMReference& reference) {
     try {
         TCIMReferenceImpl::Of(reference).FindCIMElement();
     } catch (const TKYRException&) {
-        // It cannot be looked for yet; the reference looks again when it is asked.
+        // It cannot be looked up yet; that is tried again when the element is asked for.
     }
     return reference;
 }
 }  // namespace
 
-TCIMReferenceValueImpl::TCIMReferenceValueImpl(const TCIMReference& reference) : fReference(LookForTarget(reference)) {}
+TCIMReferenceValueImpl::TCIMReferenceValueImpl(const TCIMReference& reference) : fReference(LookUpTarget(reference)) {}
 
 const TCIMReference& TCIMReferenceValueImpl::ReferenceOf(const TCIMValue& value) {
     return TCIMValueTransfer::BodyOf<TCIMReferenceValueImpl>(value).fReference;

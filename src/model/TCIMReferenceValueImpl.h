@@ -7,7 +7,7 @@
 
 class TCIMReferenceValueImpl final : public TCIMValueImpl {
 public:
-    /// Looks for the reference's target, so that the element is filled in early where there is one.
+    /// Looks the target up now, if it exists already; a later change of its keys then does not matter.
     explicit TCIMReferenceValueImpl(const TCIMReference& reference);
     TCIMReferenceValueImpl(const TCIMReferenceValueImpl& other) : TCIMReferenceValueImpl(other.fReference) {}
 

@@ -10,7 +10,7 @@ class TCIMStringValueImpl final : public TCIMValueImpl {
 public:
     explicit TCIMStringValueImpl(std::string text) : fText(std::move(text)) {}
 
-    /// The text of a value that is a string and not NULL, without a copy.
+    /// The text itself, without a copy. The value must be a string and not NULL.
     static const std::string& TextOf(const TCIMValue& value);
 
     operator std::string() const override { return fText; }

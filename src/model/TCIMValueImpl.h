@@ -9,13 +9,13 @@
 #include "kyr/TCIMValue.h"
 #include "model/TSmallObject.h"
 
-/// What a value holds when it is not NULL. Each conversion raises kyrStatusTypeMismatch unless a derived class has it;
-/// the comparisons take a value of the same type that is not NULL.
+/// The content of a value that is not NULL. Each conversion raises kyrStatusTypeMismatch unless a derived class
+/// overrides it. The comparisons may only be called with a value of the same type that is not NULL.
 class TCIMValueImpl : public TSmallObject {
 public:
     virtual ~TCIMValueImpl();
 
-// GCC takes a conversion to one type for a hidden overload of all the others.
+// GCC warns that overriding one conversion operator hides the others, which it does not.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Woverloaded-virtual"
     virtual operator bool() const;

@@ -5,22 +5,22 @@
 
 #include "kyr/TCIMValue.h"
 
-/// The core's own moves of temporaries. TCIMValue has no move operations in its interface, because its assignment has
-/// gates and failures that hosts rely on; what is moved here has passed them already.
+/// Moves values inside the core. TCIMValue itself is only copied, because hosts rely on the checks and failures of its
+/// assignment; a value may be moved here only after those checks.
 class TCIMValueTransfer {
 public:
-    /// Moves source into target, a value made by its default constructor and not touched since. Source is then a
-    /// NULL without a type. Never for a source of type eCIMNone or eCIMChar, whose copying raises.
+    /// Moves source into target, which must be as default-constructed. Source becomes a NULL without a type. Not
+    /// allowed for a source of type eCIMNone or eCIMChar, because copying it would raise.
     static void TakeOver(TCIMValue& target, TCIMValue& source);
-    /// What `target = source` does, gates and failures included, but without copying: source's content is used up.
+    /// Like `target = source` with all its checks and failures, but moves the content of source.
     static void Assign(TCIMValue& target, TCIMValue& source);
-    /// What `target.Set(type, maxArraySize, elements)` does, but the elements are used up.
+    /// Like `target.Set(type, maxArraySize, elements)`, but moves the elements.
     static void SetArray(TCIMValue& target, TCIMValue::TCIMType type, unsigned int maxArraySize,
                          std::vector<TCIMValue>& elements);
 
-    /// Makes target a value of the type with the body, which it owns from then on; null makes a NULL.
+    /// Gives target the type and the body, which it then owns; a null body makes a NULL value.
     static void Install(TCIMValue& target, TCIMValue::TCIMType type, TCIMValueImpl* body);
-    /// The body of a value that is not NULL and whose type says that its body is a TBody.
+    /// The body of a value that is not NULL and whose type belongs to TBody; not checked.
     template <typename TBody>
     static const TBody& BodyOf(const TCIMValue& value) {
         return static_cast<const TBody&>(*value.fBody);

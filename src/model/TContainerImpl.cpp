@@ -10,11 +10,11 @@
 #include "platform/CoreLog.h"
 
 TContainerImpl::~TContainerImpl() {
-    // A class takes itself off its superclass's list when it goes. Here the superclass may be gone before it.
+    // The destructor of a class removes it from the list of its superclass, which may be destroyed before it here.
     for (const auto& entry : fClasses) TCIMClassImpl::Of(*entry.second).ForgetSuperClassList();
     fClasses.clear();
     delete fRootClass;
-    // The qualifier declarations go last, as members: qualifiers point to them.
+    // fQualifierDecls is destroyed after the classes, because qualifiers point to its elements.
 }
 
 std::string TContainerImpl::NormalizeName(const std::string& name) { return std::string(TNormalizedName(name).View()); }
@@ -58,7 +58,7 @@ void TContainerImpl::RemoveClass(TCIMClass& cls) {
 void TContainerImpl::AddQualifierDecl(TCIMQualifierDecl& declaration) {
     TCIMQualifierDeclImpl& body = TCIMQualifierDeclImpl::Of(declaration);
     boost::shared_ptr<TCIMQualifierDecl> owner;
-    bool taken = body.IsAdopted();  // a second owner of the same object would destroy it twice
+    bool taken = body.IsAdopted();  // a second shared_ptr to the same object would destroy it twice
     if (!taken) {
         owner.reset(&declaration);
         taken = !fQualifierDecls.emplace(NormalizeName(declaration.GetName()), owner).second;
@@ -121,6 +121,8 @@ std::pair<TContainerImpl::TClasses::const_iterator, bool> TContainerImpl::Lookup
 
 void TContainerImpl::RequireDiffContainer() const {
     if (fIsDiff) return;
-    LogAndThrow(kyrStatusNotSupported,
-                "TContainer: Cannot access DiffInstances if the containter is not a Diff Container");  // sic
+    LogAndThrow(
+        kyrStatusNotSupported,
+        "TContainer: Cannot access DiffInstances if the containter is not a Diff Container");  // misspelt; see
+                                                                                               // docs/oddities.md
 }

@@ -16,14 +16,14 @@ public:
     ~TContainerImpl();
 
     static TContainerImpl& Of(const TContainer& handle) { return *handle.fBody; }
-    /// A CIM name in the form by which everything is found: in lower case. Logs and raises kyrStatusInvalidCIMName for
-    /// a malformed one. The empty name passes.
+    /// A CIM name in lower case, the form in which names are compared. Logs and raises kyrStatusInvalidCIMName for a
+    /// malformed name; the empty name is allowed.
     static std::string NormalizeName(const std::string& name);
     /// Orders two names by their normalised forms.
     static int CompareNames(const std::string& a, const std::string& b);
 
     void Initialize();
-    /// For the allocators, which are constant operations and hand out objects that change the container.
+    /// Mutable, for the const allocators of TContainer: what they make may change the container later.
     TContainer& GetHandle() const { return *fHandle; }
 
     void AddClass(TCIMClass& cls);
@@ -55,7 +55,7 @@ private:
     TContainer* fHandle;
     TQualifierDecls fQualifierDecls;  // by normalised name
     TClasses fClasses;                // by normalised name
-    TCIMClass* fRootClass = nullptr;  // owned; in no catalogue
+    TCIMClass* fRootClass = nullptr;  // owned; not in fClasses
     bool fIsDiff = false;
     std::vector<TCIMInstance*> fDiffInstances;  // their classes own them
 };

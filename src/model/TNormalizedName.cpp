@@ -6,14 +6,13 @@
 
 namespace {
 
-/// What tolower, isalpha and isalnum read, so that the host's setlocale counts, but asked for once a name and not at
-/// each character.
+/// The tables of tolower, isalpha and isalnum, fetched once for a name. They are those of the host's locale.
 struct TCharacterTables {
     const int* lower = *__ctype_tolower_loc();
     const unsigned short* classes = *__ctype_b_loc();
 };
 
-/// Writes the lower-case form; false if that is no CIM name.
+/// Writes the name in lower case; false if it is not a CIM name.
 bool Normalize(const std::string& name, char* target) {
     const TCharacterTables tables;
     bool isValid = true;

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-/// A CIM name in the form by which everything is found: checked and in lower case. Made on the stack for a look-up, so
-/// that an ordinary one allocates nothing. Refuses a malformed name with kyrStatusInvalidCIMName.
+/// A CIM name in lower case, the form in which names are stored and compared. It lives on the stack, so that a look-up
+/// does not allocate. Raises kyrStatusInvalidCIMName for a malformed name.
 class TNormalizedName {
 public:
     explicit TNormalizedName(const std::string& name);
@@ -18,7 +18,7 @@ private:
     static constexpr size_t kShort = 64;
 
     char fBuffer[kShort];
-    std::string fLong;  // in place of the buffer where the name does not fit
+    std::string fLong;  // used instead of the buffer for a longer name
     std::string_view fView;
 };
 

@@ -9,13 +9,13 @@
 
 class TCIMPropertyDecl;
 
-/// Which properties an instance has, and in what order: the normalised names and the declarations of its class at the
-/// moment it was made. Every instance made while the class stays as it is shares one layout.
+/// The properties of an instance and their order: the names and declarations that its class had when the instance was
+/// made. Instances made between two changes of the class share one layout.
 class TPropertyLayout {
 public:
     static constexpr size_t kNone = static_cast<size_t>(-1);
 
-    /// A declaration counts under the name that it has now; of two with one name the first counts.
+    /// Uses the present names of the declarations; of two with the same name, the first.
     explicit TPropertyLayout(const std::vector<const TCIMPropertyDecl*>& declarations);
 
     size_t Size() const { return fEntries.size(); }

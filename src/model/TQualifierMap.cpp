@@ -9,7 +9,7 @@
 
 namespace {
 
-bool SaysTheSame(const TCIMQualifier& a, const TCIMQualifier& b) {
+bool IsEqual(const TCIMQualifier& a, const TCIMQualifier& b) {
     return !(TCIMQualifierImpl::ValueOf(a) != TCIMQualifierImpl::ValueOf(b)) && a.GetFlavor() == b.GetFlavor();
 }
 
@@ -22,8 +22,9 @@ void TQualifierMap::Add(TCIMQualifier& qualifier) {
         const TCIMQualifier& present = *existing->second;
         if (&present == &qualifier) return;
         if ((present.GetFlavor() & TCIMQualifierDecl::eFlavorOverridable) == 0) {
-            // An equal one stays the caller's; the one that is here stays as it is, still marked as inherited.
-            if (SaysTheSame(present, qualifier)) return;
+            // Compatibility: accepted, but the qualifier stays the caller's and the present one is kept; see
+            // docs/oddities.md.
+            if (IsEqual(present, qualifier)) return;
             throw TKYRException(kyrStatusNotOverridable);
         }
         Erase(existing);

@@ -8,8 +8,7 @@
 
 class TCIMQualifier;
 
-/// The qualifiers of one carrier, a class or a property declaration, by normalised name; and the one rule by which a
-/// qualifier may replace another.
+/// The qualifiers of a class or a property declaration by normalised name, and the rule by which one replaces another.
 class TQualifierMap {
 public:
     void Add(TCIMQualifier& qualifier);
@@ -17,9 +16,9 @@ public:
     TCIMQualifier* Find(const std::string& name) const;
     std::vector<const TCIMQualifier*> Enumerate() const;
     void Remove(TCIMQualifier& qualifier);
-    /// Copies in what a subclass inherits of its superclass's qualifiers.
+    /// Adds copies of the superclass's qualifiers that propagate to subclasses.
     void InheritFrom(const TQualifierMap& superClass);
-    /// The qualifier KEY, or null. It is asked for at every instance, so it is known without a search.
+    /// The qualifier KEY, or null. Kept beside the map because every new instance asks for it.
     const TCIMQualifier* GetKey() const { return fKey; }
 
 private:

@@ -10,8 +10,8 @@ namespace {
 using TType = TCIMValue::TCIMType;
 
 struct TTypeName {
-    std::string_view name;  // empty: the number has none
-    bool taken;             // when a type is made from text
+    std::string_view name;  // empty: the type has none
+    bool isReadable;        // TCIMType can be made from the name
 };
 
 // Indexed by ECIMType.
@@ -27,11 +27,11 @@ std::string_view FindTypeName(TType type) {
     return number < TType::eCIMArrayFlag ? kTypeNames[number].name : std::string_view();
 }
 
-/// eCIMNone for a word that names no type.
+/// eCIMNone if no type has this name.
 TType::ECIMType FindType(const std::string& name) {
     int number = 0;
     for (const TTypeName& type : kTypeNames) {
-        if (type.taken && name == type.name) return static_cast<TType::ECIMType>(number);
+        if (type.isReadable && name == type.name) return static_cast<TType::ECIMType>(number);
         ++number;
     }
     return TType::eCIMNone;

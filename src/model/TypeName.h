@@ -5,7 +5,7 @@
 
 #include "kyr/TCIMValue.h"
 
-/// The type's name for a line of the log: empty where TCIMType::ToString raises.
+/// The name of a type for the log. Empty where TCIMType::ToString raises.
 std::string TypeNameForLog(TCIMValue::TCIMType type);
 
 #endif

@@ -20,7 +20,7 @@ constexpr TMagnitude kMagnitudes[eMagnitudeEnd] = {
 
 constexpr TScaledUnit kScaledUnits[] = {
     {"Bytes", 1024, "B"},
-    {"Bits", 1024, "Bits"},  // Compatibility: hosts show "KBits"; see docs/oddities.md.
+    {"Bits", 1024, "Bits"},  // no short form, so "KBits"; see docs/oddities.md
     {"Bytes per Second", 1024, "B/s"},
     {"Bits per Second", 1000, "bps"},
 };

@@ -17,7 +17,7 @@ const char* TValueMapReader::Read(const std::string& numbers, std::string word) 
     if (numbers.size() >= 2 && numbers[0] == '.' && numbers[1] == '.') return ReadDots(numbers, std::move(word));
     const unsigned long number = ReadNumberAndTail(numbers, fFirst, fSecond);
     if (FollowsOpenEnd()) fTable.back().fHigh = number - 1;
-    const bool isOpen = fFirst == '.' && fSecond == '.';  // the end of "3..5" is not read: it comes from what follows
+    const bool isOpen = fFirst == '.' && fSecond == '.';  // the 5 of "3..5" is never read: the next entry sets the end
     fTable.push_back({number, isOpen ? kOpenEnd : number, std::move(word)});
     fNext = number + 1;
     return nullptr;

@@ -6,14 +6,14 @@
 
 #include "model/TCIMPropertyImpl.h"
 
-/// Reads the texts of a ValueMap one after the other, and fills a table with what they say.
+/// Reads the entries of a ValueMap in order and fills a table with their ranges and texts.
 class TValueMapReader {
 public:
     using TEntry = TCIMPropertyImpl::TValueMapEntry;
 
     TValueMapReader(std::vector<TEntry>& table, std::string& defaultText);
 
-    /// Takes the next text of the map and its word. Null, or what is wrong with the map.
+    /// Adds the next entry of ValueMap with its text. Returns what is wrong with the map, or null.
     const char* Read(const std::string& numbers, std::string word);
 
 private:
@@ -23,13 +23,13 @@ private:
     std::vector<TEntry>& fTable;
     std::string& fDefaultText;
     unsigned long fNext = 0;
-    // The two characters behind the last number that had any. sic: once they are dots, every plain number after them
-    // is open-ended too.
+    // The two characters that followed the last number that had any. They are kept from entry to entry. Compatibility:
+    // after "3.." every plain number is an open range as well; see docs/oddities.md.
     char fFirst = '\0';
     char fSecond = '\0';
 };
 
-/// The word for a number, or null.
+/// The text for a number, or null.
 const std::string* FindWord(const std::vector<TCIMPropertyImpl::TValueMapEntry>& table, unsigned long number);
 
 #endif

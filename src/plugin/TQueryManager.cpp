@@ -25,7 +25,7 @@ IPluginBasicQueryCallbacks* GetQueryCallbacks(IPluginCallbacks* callbacks) {
 
 bool IsAskedFor(const TCIMClass& cls, const std::vector<std::string>& filter, bool associations) {
     if (!filter.empty() && std::find(filter.begin(), filter.end(), cls.GetName()) == filter.end()) return false;
-    return !cls.IsAbstract() && !TCIMQualifierImpl::ReadsTrue(cls.FindQualifier("DONTCOLLECT")) &&
+    return !cls.IsAbstract() && !TCIMQualifierImpl::IsTrue(cls.FindQualifier("DONTCOLLECT")) &&
            cls.EnumerateInstances(false).empty() && cls.IsAssociation() == associations;
 }
 
