@@ -9,7 +9,7 @@ bool IsPciAddress(std::string_view name) {
     return length >= 12 && name[length - 2] == '.' && name[length - 5] == ':' && name[length - 8] == ':';
 }
 
-// Not the interface that may stand behind it: "1-1.2:1.0".
+// A device such as "1-1.2", not its interface "1-1.2:1.0".
 bool IsUsbId(std::string_view name) {
     return name.find('-') != std::string_view::npos && name.find_first_not_of("0123456789-.") == std::string_view::npos;
 }

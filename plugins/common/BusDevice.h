@@ -6,17 +6,17 @@
 
 class TSystemRoot;
 
-/// What a device is on or part of: a PCI function or a USB device, or neither. One name is empty at least.
+/// The PCI function or USB device that another device belongs to. At most one of the two is set.
 struct TBusDevice {
     std::string pciAddress;  ///< such as "0000:00:1f.6"
     std::string usbId;       ///< such as "1-1.2"
 };
 
-/// The nearest one in the place that a name in /sys/class links to; the name itself is left out.
+/// The nearest bus device above the last component of a path in /sys/devices, to which entries of /sys/class link.
 TBusDevice ParseBusDevice(std::string_view link);
-/// The same, if its bus lists it: what is not listed is not reported, and nothing may refer to it.
+/// The same, but empty if it is not listed in /sys/bus: it is not reported then, and must not be referred to.
 TBusDevice FindBusDevice(const TSystemRoot& root, std::string_view link);
-/// The second last part of such a place: the device that one in /sys/devices is behind. Empty if there is none.
+/// The second last component of such a path, which is the parent device. Empty if there is none.
 std::string ParentName(std::string_view link);
 
 #endif

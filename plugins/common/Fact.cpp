@@ -12,7 +12,7 @@ EAbsence AbsenceOf(int error) {
         case EACCES:
         case EPERM:
             return EAbsence::eNoPermission;
-        case EINVAL:  // what a driver answers that has no such value at present
+        case EINVAL:  // returned by drivers that do not have the value
         case ENODATA:
         case ENOSYS:
         case EOPNOTSUPP:

@@ -5,19 +5,19 @@
 #include <string>
 #include <utility>
 
-/// Why a value could not be had.
+/// Why there is no value.
 enum class EAbsence { eNotPresent, eNoPermission, eNotSupported, eReadError };
 
-/// The absence that an errno of opening or reading a file stands for.
+/// The absence for an errno of opening or reading a file.
 EAbsence AbsenceOf(int error);
 const char* AbsenceText(EAbsence absence);
 
-/// What a reader looked for: the value, or why there is none; and where it looked, as a path of the machine that is
-/// described, not of the folder that it is read from.
+/// The result of reading one value: the value or why there is none, and the source, which is a path of the inventoried
+/// machine (without the folder of a recorded one) or the name of a call.
 template <typename T>
 struct TFact {
     std::optional<T> value;
-    EAbsence absence = EAbsence::eNotPresent;  ///< counts without a value
+    EAbsence absence = EAbsence::eNotPresent;  ///< only meaningful without a value
     std::string source;
 
     static TFact Of(T value, std::string source) {
@@ -30,8 +30,8 @@ struct TFact {
     const T* operator->() const { return &*value; }
     T ValueOr(T other) const { return value.value_or(std::move(other)); }
 
-    /// The same fact with its value made into another. A function that gives an empty optional makes it "not
-    /// supported": there is something, but nothing that we understand.
+    /// The fact with its value converted. If the function returns an empty optional, the fact is "not supported": the
+    /// source has a value, but not one that is understood.
     template <typename F>
     auto Map(F function) const {
         using TResult = typename decltype(function(*value))::value_type;
@@ -42,7 +42,7 @@ struct TFact {
     }
 };
 
-/// Whether there is what a list of things is made of; if not, why.
+/// Whether the source of a list could be read; if not, why.
 using TListing = TFact<bool>;
 template <typename T>
 TListing ListingOf(const TFact<T>& list) {

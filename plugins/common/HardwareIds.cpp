@@ -29,7 +29,8 @@ void THardwareIds::Read(const TSystemRoot& root, const std::string& fileName) {
     }
 }
 
-// A line is "id  name" behind one tab for each id that it belongs to; those are the lines before it with fewer tabs.
+// A line is "id  name", indented by one tab for each parent; the parents are the nearest lines before it with fewer
+// tabs.
 void THardwareIds::Parse(std::string_view text) {
     std::vector<std::string> parents;
     for (size_t end = 0; !text.empty(); text.remove_prefix(std::min(end + 1, text.size()))) {

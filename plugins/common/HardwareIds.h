@@ -7,19 +7,20 @@
 
 #include "SystemRoot.h"
 
-/// The names that a list of ids has: pci.ids or usb.ids. Say first which are wanted, then read: the list is gone
-/// through once, and the rest of it is passed over.
+/// The names in pci.ids or usb.ids. Call Want for each id first, then Read, which goes through the list once and keeps
+/// only the wanted names.
 ///
-/// An id stands behind those that it belongs to, in the list's own digits: "8086" is a vendor, "8086/100e" a device of
-/// it, "8086/100e/1028 002e" a subsystem; "C 02" is a class, "C 02/00" a subclass.
+/// An id is written with its parents, in the digits of the list: "8086" is a vendor, "8086/100e" its device,
+/// "8086/100e/1028 002e" a subsystem; "C 02" is a class, "C 02/00" a subclass.
 class THardwareIds {
 public:
-    /// Whose parents are wanted, too.
+    /// Includes the parents of the id.
     void Want(const std::string& id);
-    /// Looks for the list below the root only: what a copy of a machine shows must not depend on where it is read.
+    /// Reads the list of that machine, never of the running one: the inventory of a recorded machine must not depend on
+    /// where it is made.
     void Read(const TSystemRoot& root, const std::string& fileName);
     void Parse(std::string_view text);
-    /// Not present, if the list has no such id or there is no list.
+    /// Not present if there is no list or it lacks the id.
     TFact<std::string> Name(const std::string& id) const;
 
 private:
@@ -27,10 +28,10 @@ private:
     std::string fList;  ///< its path
 };
 
-/// A number in the list's digits.
+/// A number in the hexadecimal digits of the lists.
 std::string HexText(int digits, unsigned number);
 
-/// The name of what has a number: a number that could not be read has no name, for the same reason.
+/// The name, or if the number that it belongs to is missing, the reason of that.
 template <typename T>
 TFact<std::string> NameOf(const TFact<T>& number, TFact<std::string> name) {
     return number ? name : TFact<std::string>::Missing(number.absence, number.source);

@@ -3,8 +3,7 @@
 
 #include <string>
 
-/// Whether a text is one of those that makers leave in fields of the firmware that they did not fill. Compared without
-/// regard to case.
+/// True for texts such as "To be filled by O.E.M.", which firmware has in fields that were never filled. Ignores case.
 bool IsPlaceholder(const std::string& text);
 
 #endif

@@ -25,7 +25,7 @@ bool IsFolder(const char* path) {
 
 constexpr size_t kPage = 4096;
 
-// Gives 0, or the errno of what went wrong.
+// Returns 0 or an errno.
 int ReadAll(int descriptor, size_t limit, bool isValue, std::string& content) {
     char buffer[kPage];
     while (content.size() < limit) {

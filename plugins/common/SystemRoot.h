@@ -7,7 +7,7 @@
 #include "Fact.h"
 #include "Text.h"
 
-/// An open file or folder.
+/// An open file descriptor, closed by the destructor.
 class TDescriptor {
 public:
     explicit TDescriptor(int number = -1) : fNumber(number) {}
@@ -16,57 +16,58 @@ public:
     ~TDescriptor() { Reset(-1); }
 
     void Reset(int number);
-    /// Negative, if it could not be opened.
+    /// Negative if nothing is open.
     int Number() const { return fNumber; }
 
 private:
     int fNumber;
 };
 
-/// The files of the machine that is described: the running one, or a copy of another's below a folder. Paths are
-/// those of the machine, beginning with "/". Nothing here blocks: only regular files are read.
+/// The files of the machine that is inventoried: of the running machine, or of a recorded one below a folder. Paths are
+/// absolute paths of that machine. Only regular files are read, so that no read blocks.
 class TSystemRoot {
 public:
     static constexpr size_t kReadLimit = 16 << 20;
 
-    /// The folder that KYR_SYSTEM_ROOT names, or the running machine. Throws std::runtime_error if it names none.
+    /// The folder that KYR_SYSTEM_ROOT names, or the running machine if it is not set. Throws std::runtime_error if
+    /// there is no such folder.
     static TSystemRoot FromEnvironment();
-    /// The empty root is the running machine.
+    /// An empty root is the running machine.
     explicit TSystemRoot(std::string root) : fRoot(std::move(root)) {}
 
-    /// False for a copy: then only files may be asked, and neither the kernel nor a service.
+    /// False for a recorded machine: only its files may be read then; system calls would describe this machine.
     bool IsRunningMachine() const { return fRoot.empty(); }
-    /// Where a path of the machine stands; for libraries that open files themselves.
+    /// The path below the root; for libraries that open files themselves.
     std::string Locate(const std::string& path) const { return fRoot + path; }
 
     /// The whole content, up to a limit.
     TFact<std::string> ReadFile(const std::string& path, size_t limit = kReadLimit) const;
-    /// The content of a file that holds one value, without blanks and line ends at its ends. Nothing left means not
-    /// present.
+    /// The content of a file with one value, trimmed. An empty value is not present.
     TFact<std::string> ReadText(const std::string& path) const;
-    /// The content as a number, with or without "0x" in front if the base is 16.
+    /// The same as a number; in base 16 it may begin with "0x".
     template <typename T>
     TFact<T> ReadNumber(const std::string& path, int base = 10) const;
-    /// A number that says yes unless it is 0.
+    /// A number as a flag: true unless it is 0.
     TFact<bool> ReadFlag(const std::string& path) const;
-    /// What a symbolic link points to, as it is written there.
+    /// The target of a symbolic link, unresolved.
     TFact<std::string> ReadLink(const std::string& path) const;
-    /// The last part of it.
+    /// The last component of the target.
     TFact<std::string> ReadLinkName(const std::string& path) const;
-    /// The names in a folder, numbers in them by value: eth2 stands before eth10.
+    /// The names in a folder in natural order: eth2 before eth10.
     TFact<std::vector<std::string>> List(const std::string& path) const;
     /// The same names; none if the folder cannot be read.
     std::vector<std::string> Names(const std::string& path) const;
     bool Exists(const std::string& path) const;
 
 private:
-    /// The kernel gives a value whole: less than a page is its end, and there is no need to ask for more. It gives a
-    /// list in pieces of any length.
+    /// The kernel returns a single value (isValue) in one read, so that a read of less than a page needs no second one.
+    /// Lists come in pieces of any length.
     TFact<std::string> Read(const std::string& path, size_t limit, bool isValue) const;
     int Open(const std::string& path) const;
 
     std::string fRoot;
-    /// The folder of the file that was read last: the way there is long, and most files are read beside others.
+    /// The folder of the file that was opened last, kept open: sysfs paths are long, and most files are read next to
+    /// others of the same folder.
     mutable TDescriptor fFolder;
     mutable std::string fFolderPath;
 };

@@ -8,7 +8,7 @@ constexpr const char* kBlanks = " \t\r\n\v\f";
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-// The run of digits at the front, without leading zeros, taken off the text.
+// Removes the digits at the front of the text and returns them without leading zeros.
 std::string_view TakeNumber(std::string_view& text) {
     size_t end = 0;
     while (end < text.size() && IsDigit(text[end])) ++end;

@@ -8,19 +8,19 @@
 #include <string_view>
 #include <vector>
 
-/// Without blanks, line ends and NULs at either end.
+/// Removes blanks, line ends and NULs at both ends.
 std::string_view Trim(std::string_view text);
 /// The parts between separators, trimmed; empty ones are left out.
 std::vector<std::string_view> Split(std::string_view text, char separator);
-/// The lines, without line ends; empty ones too.
+/// The lines without line ends, including empty ones.
 std::vector<std::string_view> Lines(std::string_view text);
 bool EndsWith(std::string_view text, std::string_view end);
-/// With what the kernel writes as a backslash and three octal digits, such as blanks in paths, as it was.
+/// Decodes the octal escapes that the kernel writes, such as "\040" for a blank in a path.
 std::string UnescapeOctal(std::string_view text);
-/// Orders names with the numbers in them by value.
+/// Natural order: numbers within names are compared by value.
 bool NaturalLess(std::string_view a, std::string_view b);
 
-/// A whole text as a number that fits, or nothing.
+/// The text as a number; nothing if it is not a number or out of range.
 template <typename T>
 std::optional<T> ParseNumber(std::string_view text, int base = 10) {
     text = Trim(text);

@@ -11,7 +11,7 @@ namespace {
 enum EType : uint8_t { eMemoryArray = 16, eMemoryDevice = 17 };
 enum EUse : uint16_t { eSystemMemory = 3 };
 
-// A shorter structure lacks what tells an array or a device.
+// Shorter structures lack fields that every version of SMBIOS requires.
 constexpr size_t kShortestArray = 0x0F;
 constexpr size_t kShortestDevice = 0x15;
 
@@ -28,8 +28,7 @@ TFact<T> Found(T value) {
     return TFact<T>::Of(std::move(value), kSmbiosTable);
 }
 
-// A field that this firmware's version has not is "not supported"; one that it fills with a number for "unknown" is
-// "not present".
+// A field that the structure lacks is "not supported"; one with a number that means "unknown" is "not present".
 template <typename TField, typename TResult = TField>
 TFact<TResult> Number(const TSmbiosStructure& structure, size_t offset, std::initializer_list<TField> unknown = {}) {
     const std::optional<TField> number = structure.FindNumber<TField>(offset);
@@ -39,7 +38,7 @@ TFact<TResult> Number(const TSmbiosStructure& structure, size_t offset, std::ini
     return Found<TResult>(*number);
 }
 
-TFact<uint16_t> Word(const TSmbiosStructure& structure, size_t offset) {
+TFact<uint16_t> Enumeration(const TSmbiosStructure& structure, size_t offset) {
     return Number<uint8_t, uint16_t>(structure, offset, {0});
 }
 
@@ -65,14 +64,14 @@ TFact<std::string> Text(const TSmbiosStructure& structure, size_t offset) {
     return Found(std::move(trimmed));
 }
 
-// A speed that 16 bits do not hold stands in a field of its own.
+// A speed above 16 bits is in an extended field.
 TFact<uint32_t> Speed(const TSmbiosStructure& structure, size_t offset, size_t extendedOffset) {
     if (structure.FindNumber<uint16_t>(offset) == 0xFFFF) return Number<uint32_t>(structure, extendedOffset, {0});
     return Number<uint16_t, uint32_t>(structure, offset, {0});
 }
 
 TFact<uint16_t> Rank(const TSmbiosStructure& structure) {
-    TFact<uint16_t> rank = Word(structure, 0x1B);
+    TFact<uint16_t> rank = Enumeration(structure, 0x1B);
     if (rank) rank.value = *rank & 0xF;
     return rank && *rank == 0 ? Missing<uint16_t>(EAbsence::eNotPresent) : rank;
 }
@@ -80,13 +79,13 @@ TFact<uint16_t> Rank(const TSmbiosStructure& structure) {
 TFact<std::vector<uint16_t>> TypeDetail(const TSmbiosStructure& structure) {
     return Number<uint16_t>(structure, 0x13, {0}).Map([](uint16_t detail) {
         std::vector<uint16_t> bits;
-        for (uint16_t bit = 1; bit < 16; ++bit)  // the lowest has no meaning
+        for (uint16_t bit = 1; bit < 16; ++bit)  // bit 0 is reserved
             if ((detail >> bit & 1) != 0) bits.push_back(bit);
         return std::optional(bits);
     });
 }
 
-// In megabytes, or in kilobytes if the highest bit is set; one that 15 bits do not hold stands in a field of its own.
+// In megabytes, or in kilobytes if the highest bit is set. A capacity above 15 bits is in an extended field.
 TFact<uint64_t> Capacity(const TSmbiosStructure& structure) {
     const TFact<uint16_t> size = Number<uint16_t>(structure, 0x0C, {0xFFFF});
     const std::optional<uint32_t> extended = structure.FindNumber<uint32_t>(0x1C);
@@ -102,15 +101,15 @@ TFact<uint64_t> MaximumCapacity(const TSmbiosStructure& structure) {
     return kilobytes.Map([](uint64_t number) { return std::optional(number); });
 }
 
-std::string Tag(EType type, size_t place) { return std::to_string(type) + "-" + std::to_string(place); }
+std::string Tag(EType type, size_t index) { return std::to_string(type) + "-" + std::to_string(index); }
 
-TMemoryArray ParseArray(const TSmbiosStructure& structure, size_t place) {
+TMemoryArray ParseArray(const TSmbiosStructure& structure, size_t index) {
     TMemoryArray array;
-    array.tag = Tag(eMemoryArray, place);
+    array.tag = Tag(eMemoryArray, index);
     array.handle = structure.GetHandle();
-    array.location = Word(structure, 0x04);
-    array.use = Word(structure, 0x05);
-    array.errorCorrection = Word(structure, 0x06);
+    array.location = Enumeration(structure, 0x04);
+    array.use = Enumeration(structure, 0x05);
+    array.errorCorrection = Enumeration(structure, 0x06);
     array.maximumCapacity = MaximumCapacity(structure);
     array.slotCount = Number<uint16_t>(structure, 0x0D);
     return array;
@@ -127,10 +126,10 @@ void ParseTexts(const TSmbiosStructure& structure, TMemoryModule& module) {
 }
 
 void ParseKind(const TSmbiosStructure& structure, TMemoryModule& module) {
-    module.formFactor = Word(structure, 0x0E);
-    module.memoryType = Word(structure, 0x12);
+    module.formFactor = Enumeration(structure, 0x0E);
+    module.memoryType = Enumeration(structure, 0x12);
     module.typeDetail = TypeDetail(structure);
-    module.technology = Word(structure, 0x28);
+    module.technology = Enumeration(structure, 0x28);
     module.rank = Rank(structure);
 }
 
@@ -147,9 +146,9 @@ void ParseMeasures(const TSmbiosStructure& structure, TMemoryModule& module) {
     module.configuredVoltage = Voltage(structure, 0x26);
 }
 
-TMemoryModule ParseDevice(const TSmbiosStructure& structure, size_t place) {
+TMemoryModule ParseDevice(const TSmbiosStructure& structure, size_t index) {
     TMemoryModule module;
-    module.tag = Tag(eMemoryDevice, place);
+    module.tag = Tag(eMemoryDevice, index);
     ParseTexts(structure, module);
     ParseKind(structure, module);
     ParseMeasures(structure, module);
@@ -163,7 +162,7 @@ TMemoryArray* FindArray(std::vector<TMemoryArray>& arrays, const TSmbiosStructur
     return found == arrays.end() ? nullptr : &*found;
 }
 
-// A device without an array, or in one that does not tell its use, is taken for system memory.
+// A device without an array, or in one whose use is unknown, counts as system memory.
 void AddDevice(TMemoryHardware& hardware, TMemoryModule device, TMemoryArray* array) {
     const bool isEmpty = device.capacity && *device.capacity == 0;
     if (array != nullptr && isEmpty) array->emptySlots.push_back(SlotName(device));
@@ -173,7 +172,7 @@ void AddDevice(TMemoryHardware& hardware, TMemoryModule device, TMemoryArray* ar
     hardware.modules.push_back(std::move(device));
 }
 
-void AddUp(TMemoryHardware& hardware) {
+void SumUp(TMemoryHardware& hardware) {
     uint32_t count = 0;
     TFact<uint64_t> size = Found<uint64_t>(0);
     for (const TMemoryModule& module : hardware.modules) {
@@ -188,14 +187,14 @@ void AddUp(TMemoryHardware& hardware) {
     hardware.installedSize = count == 0 ? Missing<uint64_t>(EAbsence::eNotPresent) : size;
 }
 
-// The place counts structures that are too short, too.
+// The index counts structures that are too short as well, as the kernel does.
 template <typename F>
-void ForEach(const std::vector<TSmbiosStructure>& structures, EType type, size_t shortest, F function) {
-    size_t place = 0;
+void ForEachOfType(const std::vector<TSmbiosStructure>& structures, EType type, size_t shortest, F function) {
+    size_t index = 0;
     for (const TSmbiosStructure& structure : structures) {
         if (structure.GetType() != type) continue;
-        if (structure.GetLength() >= shortest) function(structure, place);
-        ++place;
+        if (structure.GetLength() >= shortest) function(structure, index);
+        ++index;
     }
 }
 
@@ -212,12 +211,12 @@ TMemoryHardware ParseMemoryHardware(const TFact<std::string>& smbiosTable) {
     hardware.installedModules = Missing<uint32_t>(smbiosTable.absence);
     if (!smbiosTable) return hardware;
     const std::vector<TSmbiosStructure> structures = ParseSmbiosTable(*smbiosTable);
-    ForEach(structures, eMemoryArray, kShortestArray, [&](const TSmbiosStructure& structure, size_t place) {
-        hardware.arrays.push_back(ParseArray(structure, place));
+    ForEachOfType(structures, eMemoryArray, kShortestArray, [&](const TSmbiosStructure& structure, size_t index) {
+        hardware.arrays.push_back(ParseArray(structure, index));
     });
-    ForEach(structures, eMemoryDevice, kShortestDevice, [&](const TSmbiosStructure& structure, size_t place) {
-        AddDevice(hardware, ParseDevice(structure, place), FindArray(hardware.arrays, structure));
+    ForEachOfType(structures, eMemoryDevice, kShortestDevice, [&](const TSmbiosStructure& structure, size_t index) {
+        AddDevice(hardware, ParseDevice(structure, index), FindArray(hardware.arrays, structure));
     });
-    AddUp(hardware);
+    SumUp(hardware);
     return hardware;
 }

@@ -7,8 +7,8 @@
 
 #include "Fact.h"
 
-/// What the firmware tells of memory's hardware. Enumerations are in its numbers. A tag is the structure's type and
-/// its place among those of the type, as the kernel names it below /sys/firmware/dmi/entries.
+// Memory hardware as described by SMBIOS, with its numbers for enumerations. A tag is the type of the structure and its
+// index among those of this type, as in /sys/firmware/dmi/entries.
 
 struct TMemoryArray {
     std::string tag;
@@ -23,7 +23,7 @@ struct TMemoryArray {
 
 struct TMemoryModule {
     std::string tag;
-    std::string arrayTag;  ///< empty for a module of no array
+    std::string arrayTag;  ///< empty if the module belongs to no array
     bool isSystemMemory = true;
     TFact<std::string> deviceLocator;
     TFact<std::string> bankLocator;
@@ -39,24 +39,24 @@ struct TMemoryModule {
     TFact<uint16_t> dataWidth;
     TFact<uint16_t> formFactor;
     TFact<uint16_t> memoryType;
-    TFact<std::vector<uint16_t>> typeDetail;  ///< the bits that are set
+    TFact<std::vector<uint16_t>> typeDetail;  ///< the numbers of the bits that are set
     TFact<uint16_t> technology;
     TFact<uint16_t> rank;
-    TFact<uint32_t> speed;  ///< megatransfers per second, as the next
+    TFact<uint32_t> speed;  ///< in megatransfers per second, like the next
     TFact<uint32_t> configuredSpeed;
-    TFact<double> minimumVoltage;  ///< volts, as the next two
+    TFact<double> minimumVoltage;  ///< in volts, like the next two
     TFact<double> maximumVoltage;
     TFact<double> configuredVoltage;
 };
 
-/// The slot of a module for a person: many boards call slots of two banks alike.
+/// The slot of a module for display, with the bank, since many boards repeat slot names in each bank.
 std::string SlotName(const TMemoryModule& module);
 
 struct TMemoryHardware {
     std::vector<TMemoryArray> arrays;
     std::vector<TMemoryModule> modules;  ///< without the empty slots
-    TFact<uint32_t> installedModules;    ///< of system memory, as the next
-    TFact<uint64_t> installedSize;       ///< bytes; missing if a module does not tell its own
+    TFact<uint32_t> installedModules;    ///< of system memory, like the next
+    TFact<uint64_t> installedSize;       ///< in bytes; missing if the size of a module is unknown
 };
 
 TMemoryHardware ParseMemoryHardware(const TFact<std::string>& smbiosTable);

@@ -27,7 +27,7 @@ constexpr TUsageLine kUsageLines[] = {
     {"Hugepagesize", &TMemoryUsage::hugePageSize},
 };
 
-// "MemTotal:  24684096 kB"; what is counted in pages has no unit.
+// "MemTotal:  24684096 kB"; lines that count pages have no unit.
 std::map<std::string_view, uint64_t> ParseLines(std::string_view meminfo) {
     std::map<std::string_view, uint64_t> numbers;
     for (const std::string_view line : Lines(meminfo)) {
@@ -51,7 +51,7 @@ uint16_t SwapKindOf(std::string_view word) {
     return static_cast<uint16_t>(kind);
 }
 
-// Blanks and tabs stand between the columns.
+// Columns are separated by blanks and tabs.
 std::vector<std::string_view> Columns(std::string_view line) {
     std::vector<std::string_view> columns;
     for (const std::string_view part : Split(line, ' '))
@@ -72,7 +72,7 @@ TMemoryUsage ParseMeminfo(const TFact<std::string>& meminfo) {
     return usage;
 }
 
-// Filename, Type, Size, Used, Priority, below a line of these names.
+// Columns: Filename, Type, Size, Used, Priority.
 std::vector<TSwapArea> ParseSwaps(const TFact<std::string>& swaps) {
     std::vector<TSwapArea> areas;
     for (const std::string_view line : Lines(swaps ? *swaps : std::string_view())) {

@@ -11,7 +11,7 @@
 
 class TSystemRoot;
 
-/// What the kernel counts; sizes in kilobytes.
+/// The counters of /proc/meminfo; sizes in kilobytes.
 struct TMemoryUsage {
     TFact<uint64_t> total;
     TFact<uint64_t> free;
@@ -31,7 +31,7 @@ TMemoryUsage ParseMeminfo(const TFact<std::string>& meminfo);
 
 enum class ESwapKind : uint16_t { eUnknown, ePartition, eFile };
 
-/// A partition or file that memory is moved to; sizes in kilobytes.
+/// A swap partition or file; sizes in kilobytes.
 struct TSwapArea {
     std::string path;
     TFact<uint16_t> kind;

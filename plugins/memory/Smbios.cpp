@@ -7,9 +7,9 @@ namespace {
 constexpr uint8_t kEndOfTable = 127;
 constexpr size_t kHeaderSize = 4;
 constexpr size_t kEntryPointLimit = 64;
-constexpr size_t kTableLimit = 1 << 19;  // far more than any firmware has
+constexpr size_t kTableLimit = 1 << 19;  // far larger than real tables
 
-// Where the empty text stands that ends the texts of a structure.
+// The position of the double NUL that ends the texts of a structure.
 size_t FindTextsEnd(std::string_view table, size_t fieldsEnd) {
     return std::min(table.find(std::string_view("\0\0", 2), fieldsEnd), table.size());
 }

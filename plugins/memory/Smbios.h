@@ -19,9 +19,8 @@ std::optional<T> FindLittleEndian(std::string_view bytes, size_t offset) {
     return static_cast<T>(number);
 }
 
-/// One structure of the firmware's table: a type, a handle, fields at fixed offsets, and texts behind them. Looks into
-/// the table that it was parsed from. The offset of a field counts from the structure's first byte; a structure of an
-/// older firmware ends before the fields that came later.
+/// A view of one SMBIOS structure: a type, a handle, fields at fixed offsets from its first byte, and texts behind
+/// them. It refers to the table that was parsed. Structures of older SMBIOS versions are shorter and lack later fields.
 class TSmbiosStructure {
 public:
     TSmbiosStructure(std::string_view fields, std::string_view texts) : fFields(fields), fTexts(texts) {}
@@ -35,8 +34,8 @@ public:
         return FindLittleEndian<T>(fFields, offset);
     }
 
-    /// The text whose number stands at the offset, as the firmware has it. A field that refers to none, or to one that
-    /// is not there, has the empty text; a field that is not there has nothing.
+    /// The text whose number is in the field. Empty if the number is 0 or too great; nothing if the structure lacks the
+    /// field.
     std::optional<std::string_view> FindText(size_t offset) const;
 
 private:
@@ -44,13 +43,13 @@ private:
     std::string_view fTexts;
 };
 
-/// How long the table is at most, by an entry point of the 32-bit or the 64-bit kind; nothing for any other content.
+/// The (maximum) length of the table in a 32-bit or 64-bit entry point; nothing if the content is neither.
 std::optional<size_t> ParseSmbiosEntryPoint(std::string_view content);
 
-/// The structures up to the end marker, the end of the table, or the first that cannot be one.
+/// The structures up to the end marker, the end of the table, or the first malformed one.
 std::vector<TSmbiosStructure> ParseSmbiosTable(std::string_view table);
 
-/// The table as the entry point bounds it; all that there is if the entry point cannot be read.
+/// The table, cut to the length in the entry point if that can be read.
 TFact<std::string> ReadSmbiosTable(const TSystemRoot& root);
 
 #endif

@@ -86,6 +86,7 @@ kyrStatusCode ReportLowerAdapters(kyrIOHandle handle, const TNetworkFacts& facts
 kyrStatusCode ReportAdapterDevices(kyrIOHandle handle, const TNetworkFacts& facts) {
     return ReportEach(facts.adapters, [handle](const TAdapter& adapter) {
         if (!adapter.device) return kyrStatusOK;
-        return ReportBusDevice(handle, "MOLTA_NetworkAdapterDevice", adapter.device->place, AdapterPath(adapter.name));
+        return ReportBusDevice(handle, "MOLTA_NetworkAdapterDevice", adapter.device->busDevice,
+                               AdapterPath(adapter.name));
     });
 }

@@ -21,7 +21,7 @@ std::optional<uint16_t> ParseState(std::string_view text) {
     return uint16_t(found - std::begin(kStates));
 }
 
-// What ParseLinks finds, as far as sysfs has it.
+// The values of ParseLinks, as far as sysfs has them.
 TAdapter ReadLinkFiles(const TSystemRoot& root, const std::string& name) {
     const std::string folder = kAdapters + name + '/';
     TAdapter adapter;
@@ -50,7 +50,7 @@ std::vector<TAdapter> ListAdapters(const TSystemRoot& root, const TFact<std::str
     return adapters;
 }
 
-// In millions of bits per second; -1 where there is no such thing.
+// Sysfs counts in Mbit/s, and has -1 if the speed is unknown.
 TFact<uint64_t> ReadSpeed(const TSystemRoot& root, const std::string& path) {
     return root.ReadNumber<int32_t>(path).Map([](int32_t millions) {
         return millions < 0 ? std::nullopt : std::optional<uint64_t>(uint64_t(millions) * 1'000'000);
@@ -68,12 +68,12 @@ void ReadDevice(const TSystemRoot& root, TAdapter& adapter) {
     const std::string path = kAdapters + adapter.name;
     adapter.speed = ReadSpeed(root, path + "/speed");
     adapter.fullDuplex = ReadDuplex(root, path + "/duplex");
-    const TFact<std::string> place = root.ReadLink(path);
-    adapter.isVirtual =
-        place.Map([](const std::string& link) { return std::optional(link.find("/virtual/") != std::string::npos); });
+    const TFact<std::string> sysfsPath = root.ReadLink(path);
+    adapter.isVirtual = sysfsPath.Map(
+        [](const std::string& link) { return std::optional(link.find("/virtual/") != std::string::npos); });
     if (adapter.isVirtual.ValueOr(true)) return;
     adapter.device.emplace();
-    adapter.device->place = FindBusDevice(root, *place);
+    adapter.device->busDevice = FindBusDevice(root, *sysfsPath);
     adapter.device->driver = root.ReadLinkName(path + "/device/driver");
     adapter.device->bus = root.ReadLinkName(path + "/device/subsystem");
     adapter.device->busId = root.ReadLinkName(path + "/device");

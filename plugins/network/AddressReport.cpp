@@ -30,7 +30,7 @@ constexpr TFlag kFlags[] = {
     {IFA_F_STABLE_PRIVACY, "stable privacy"},
 };
 
-// IFA_F_SECONDARY and IFA_F_TEMPORARY are one bit: in IPv4 it is the former, in IPv6 the latter.
+// IFA_F_SECONDARY and IFA_F_TEMPORARY are the same bit: the former in IPv4, the latter in IPv6.
 std::vector<std::string> FlagWords(const TIPAddress& address) {
     std::vector<std::string> words;
     for (const TFlag& flag : kFlags)

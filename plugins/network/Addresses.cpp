@@ -7,7 +7,7 @@
 
 namespace {
 
-// IFA_ADDRESS is the address of the other end where there is one; then ours is IFA_LOCAL.
+// On a point-to-point link IFA_ADDRESS is the peer and IFA_LOCAL our address; otherwise IFA_ADDRESS is ours.
 std::optional<TIPAddress> ParseAddress(std::string_view body, const TAdapterNames& names) {
     const auto header = TakeStruct<ifaddrmsg>(body);
     if (!header || (header->ifa_family != AF_INET && header->ifa_family != AF_INET6)) return std::nullopt;

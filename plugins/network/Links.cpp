@@ -9,7 +9,7 @@
 
 namespace {
 
-// Something that the kernel's table has, or has not.
+// Sets a fact from an optional attribute; the source is the link table either way.
 template <typename T, typename TOther>
 void Fill(TFact<T>& fact, const std::optional<TOther>& value) {
     fact.source = SourceOf(ENetlinkTable::eLinks);
@@ -29,7 +29,7 @@ void FillKind(TAdapter& adapter, const TNetlinkAttributes& attributes) {
     adapter.vlan = TNetlinkAttributes(info.Find(IFLA_INFO_DATA).value_or("")).Number<uint16_t>(IFLA_VLAN_ID);
 }
 
-// The two ends of a veth pair name each other, and neither is below the other; nor is what is in another namespace.
+// IFLA_LINK is no lower adapter for a veth, whose ends refer to each other, nor if it is in another network namespace.
 std::optional<uint32_t> LowerIndex(const TAdapter& adapter, const TNetlinkAttributes& attributes) {
     const std::optional<uint32_t> index = attributes.Number<uint32_t>(IFLA_LINK);
     const bool isElsewhere = attributes.Find(IFLA_LINK_NETNSID) || adapter.kind == "veth";

@@ -7,9 +7,9 @@
 
 namespace {
 
-constexpr size_t kMaxType = 127;  // far above what any message here has
+constexpr size_t kMaxType = 127;  // more than any message here uses
 
-// Messages and attributes begin at every fourth byte.
+// Messages and attributes are aligned to four bytes.
 size_t Aligned(size_t length) { return (length + 3) & ~size_t(3); }
 
 void Skip(std::string_view& bytes, size_t length) { bytes.remove_prefix(std::min(Aligned(length), bytes.size())); }

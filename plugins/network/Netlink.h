@@ -8,16 +8,16 @@
 #include <string_view>
 #include <vector>
 
-/// One message of the kernel's, without its header.
+/// One netlink message without its header.
 struct TNetlinkMessage {
     uint16_t type;
     std::string_view body;
 };
 
-/// The messages that stand one behind the other, up to one that is broken off.
+/// The messages of a dump, up to a truncated one.
 std::vector<TNetlinkMessage> ParseNetlinkMessages(std::string_view bytes);
 
-/// A structure of the kernel's at the front of the bytes, taken off them. Nothing, if there are too few.
+/// Removes a kernel structure from the front of the bytes and returns it; nothing if they are too few.
 template <typename T>
 std::optional<T> TakeStruct(std::string_view& bytes) {
     if (bytes.size() < sizeof(T)) return std::nullopt;
@@ -27,12 +27,12 @@ std::optional<T> TakeStruct(std::string_view& bytes) {
     return structure;
 }
 
-/// The attributes behind a message's structure, by type; of several of one type the last.
+/// The attributes that follow the structure of a message, by type; of several with one type, the last.
 class TNetlinkAttributes {
 public:
     explicit TNetlinkAttributes(std::string_view bytes);
 
-    /// The bytes, if there is such an attribute.
+    /// The bytes of an attribute, if there is one of this type.
     std::optional<std::string_view> Find(size_t type) const;
     template <typename T>
     std::optional<T> Number(size_t type) const {
@@ -41,16 +41,16 @@ public:
     }
     /// Up to its first NUL.
     std::optional<std::string> Text(size_t type) const;
-    /// An internet address of the family.
+    /// An IP address of the family, as text.
     std::optional<std::string> Address(size_t type, int family) const;
-    /// The address of an interface in its network: "02:fc:00:00:00:01".
+    /// A link-layer address, such as "02:fc:00:00:00:01".
     std::optional<std::string> HardwareAddress(size_t type) const;
 
 private:
     std::vector<std::optional<std::string_view>> fAttributes;
 };
 
-/// An address of so many bytes as its family has, as text.
+/// An IP address as text; nothing if the bytes are not as many as the family needs.
 std::optional<std::string> AddressText(int family, std::string_view bytes);
 
 #endif

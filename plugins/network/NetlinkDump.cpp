@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr size_t kMaxMessage = 1 << 16;  // the kernel fills at most half of it at a time
+constexpr size_t kMaxMessage = 1 << 16;  // twice the largest message that the kernel sends
 constexpr size_t kMaxTable = 64 << 20;
-constexpr timeval kPatience = {1, 0};
+constexpr timeval kReceiveTimeout = {1, 0};
 
 struct TTable {
     const char* source;
@@ -32,7 +32,7 @@ const TTable& TableOf(ENetlinkTable table) { return kTables[static_cast<size_t>(
 class TRouteSocket {
 public:
     TRouteSocket() : fNumber(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)) {
-        if (fNumber >= 0) setsockopt(fNumber, SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof kPatience);
+        if (fNumber >= 0) setsockopt(fNumber, SOL_SOCKET, SO_RCVTIMEO, &kReceiveTimeout, sizeof kReceiveTimeout);
     }
     TRouteSocket(const TRouteSocket&) = delete;
     TRouteSocket& operator=(const TRouteSocket&) = delete;
@@ -40,7 +40,7 @@ public:
         if (fNumber >= 0) close(fNumber);
     }
 
-    bool Ask(uint16_t type) const {
+    bool RequestDump(uint16_t type) const {
         struct {
             nlmsghdr header;
             rtgenmsg family;
@@ -52,7 +52,7 @@ public:
         return fNumber >= 0 && send(fNumber, &request, sizeof request, 0) == sizeof request;
     }
 
-    // Appends what comes next. With MSG_TRUNC the length is that of what was sent, not of what had room.
+    // Appends the next datagram. With MSG_TRUNC recv returns its full length, so that a truncated one is noticed.
     bool Receive(std::string& bytes) const {
         char buffer[kMaxMessage];
         ssize_t length = -1;
@@ -68,28 +68,28 @@ private:
     const int fNumber;
 };
 
-// The errno that the kernel ends a table with, 0 if all is well; nothing, if there is more to come.
-std::optional<int> EndOf(std::string_view bytes) {
+// The errno in the message that ends the dump, 0 for success; nothing if more messages follow.
+std::optional<int> FindEndOfDump(std::string_view bytes) {
     for (TNetlinkMessage& message : ParseNetlinkMessages(bytes))
         if (message.type == NLMSG_DONE || message.type == NLMSG_ERROR)
             return -TakeStruct<int32_t>(message.body).value_or(0);
     return std::nullopt;
 }
 
-// Gives 0, or the errno of what went wrong.
+// Returns 0 or an errno.
 int ReceiveTable(const TRouteSocket& kernel, std::string& table) {
     while (table.size() < kMaxTable) {
         const size_t start = table.size();
         if (!kernel.Receive(table)) return errno;
-        if (const std::optional<int> end = EndOf(std::string_view(table).substr(start))) return *end;
+        if (const std::optional<int> end = FindEndOfDump(std::string_view(table).substr(start))) return *end;
     }
     return EFBIG;
 }
 
-TFact<std::string> AskKernel(const TTable& table) {
+TFact<std::string> DumpTable(const TTable& table) {
     const TRouteSocket kernel;
     std::string bytes;
-    const int error = kernel.Ask(table.request) ? ReceiveTable(kernel, bytes) : errno;
+    const int error = kernel.RequestDump(table.request) ? ReceiveTable(kernel, bytes) : errno;
     if (error != 0) return TFact<std::string>::Missing(AbsenceOf(error), table.source);
     return TFact<std::string>::Of(std::move(bytes), table.source);
 }
@@ -99,7 +99,7 @@ TFact<std::string> AskKernel(const TTable& table) {
 const char* SourceOf(ENetlinkTable table) { return TableOf(table).source; }
 
 TFact<std::string> ReadNetlinkTable(const TSystemRoot& root, ENetlinkTable table) {
-    if (root.IsRunningMachine()) return AskKernel(TableOf(table));
+    if (root.IsRunningMachine()) return DumpTable(TableOf(table));
     TFact<std::string> bytes = root.ReadFile(TableOf(table).file, kMaxTable);
     bytes.source = TableOf(table).source;
     return bytes;

@@ -5,14 +5,14 @@
 
 #include "SystemRoot.h"
 
-/// The kernel's tables that can be had over rtnetlink.
+/// The kernel tables that rtnetlink can dump.
 enum class ENetlinkTable { eLinks, eAddresses, eRoutes };
 
-/// How a table is called as the source of a value: "rtnetlink link".
+/// The name of a table in ValueSources, such as "rtnetlink link".
 const char* SourceOf(ENetlinkTable table);
 
-/// A whole table, as the messages that the kernel sends it in, up to the one that ends it. The copy of a machine has
-/// these bytes in the files "link", "addr" and "route" of the folder /.kyr/rtnetlink.
+/// The dump of a table: all messages up to the one that ends it. A recorded machine has these bytes in the files
+/// "link", "addr" and "route" of /.kyr/rtnetlink.
 TFact<std::string> ReadNetlinkTable(const TSystemRoot& root, ENetlinkTable table);
 
 #endif

@@ -10,7 +10,7 @@ TAdapterNames NamesOf(const std::vector<TAdapter>& adapters) {
     return names;
 }
 
-// The addresses of each adapter, or why they are not known.
+// Sets the addresses of each adapter, or why they are not known.
 void HandOut(const std::vector<TIPAddress>& addresses, const TFact<std::string>& table, TAdapter& adapter) {
     adapter.addresses = table.Map([](const std::string&) { return std::optional(std::vector<std::string>()); });
     for (const TIPAddress& address : addresses)

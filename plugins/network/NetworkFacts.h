@@ -22,38 +22,38 @@ enum ECounter {
     eCounters
 };
 
-/// The device below an adapter: its bus, and its name there.
+/// The device that an adapter is driven by: its driver, its bus and its name there.
 struct TAdapterDevice {
     TFact<std::string> driver;
     TFact<std::string> bus;
     TFact<std::string> busId;
-    TBusDevice place;
+    TBusDevice busDevice;
     bool wireless = false;
 };
 
 struct TAdapter {
     std::string name;
     TFact<uint32_t> index;
-    TFact<uint16_t> type;  ///< by the kernel's numbers, ARPHRD_*
+    TFact<uint16_t> type;  ///< ARPHRD_*
     TFact<std::string> address;
     TFact<std::string> permanentAddress;
     TFact<uint64_t> mtu;
     TFact<bool> enabled;
     TFact<bool> carrier;
-    TFact<uint16_t> operationalState;  ///< by the numbers of RFC 2863, less one
+    TFact<uint16_t> operationalState;  ///< ifOperStatus of RFC 2863, less one
     std::array<TFact<uint64_t>, eCounters> counters;
     std::optional<std::string> alias;
-    std::optional<std::string> kind;  ///< of what is made by software: "bridge", "vlan"
+    std::optional<std::string> kind;  ///< of a software device: "bridge", "vlan"
     std::optional<uint16_t> vlan;
     std::optional<uint32_t> masterIndex;
     std::optional<uint32_t> lowerIndex;
-    std::string master;  ///< the bridge or bond that it is part of; may be empty
-    std::string lower;   ///< the adapter that it sends through; may be empty
+    std::string master;  ///< the bridge or bond that it belongs to; may be empty
+    std::string lower;   ///< the adapter below it, for a VLAN; may be empty
 
     TFact<uint64_t> speed;  ///< in bits per second
     TFact<bool> fullDuplex;
-    TFact<bool> isVirtual;                      ///< made by software
-    std::optional<TAdapterDevice> device;       ///< none, if it is virtual
+    TFact<bool> isVirtual;                      ///< a software device
+    std::optional<TAdapterDevice> device;       ///< none if it is virtual
     TFact<std::vector<std::string>> addresses;  ///< with their prefix lengths
 };
 
@@ -63,13 +63,13 @@ struct TIPAddress {
     std::string address;
     uint8_t prefixLength;
     uint8_t scope;
-    std::optional<std::string> peer;  ///< the other end of a link of two
+    std::optional<std::string> peer;  ///< the other end of a point-to-point link
     std::optional<std::string> broadcast;
     std::optional<std::string> label;
     uint32_t flags;  ///< IFA_F_*
 };
 
-/// One way to a destination; a route with several has one of these for each.
+/// One next hop of a route; a multipath route becomes several of these.
 struct TRoute {
     int family;
     std::string destination;
@@ -80,7 +80,7 @@ struct TRoute {
     uint8_t scope;
     uint8_t typeOfService;
     uint32_t metric;
-    std::optional<uint16_t> weight;  ///< of one way among several
+    std::optional<uint16_t> weight;  ///< of a next hop of a multipath route
     std::optional<std::string> gateway;
     std::optional<std::string> source;
     std::string adapter;  ///< may be empty

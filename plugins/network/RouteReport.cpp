@@ -20,7 +20,7 @@ std::string Caption(const TRoute& route) {
     return caption;
 }
 
-// All that may set two routes apart.
+// Unique: all attributes by which two routes can differ.
 std::string InstanceId(const TRoute& route) {
     std::string id = route.family == AF_INET ? "IPv4 " : "IPv6 ";
     id += Caption(route) + " table " + std::to_string(route.table) + " metric " + std::to_string(route.metric);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// RTA_VIA: a gateway of another family than the route's.
+// RTA_VIA is a gateway of another address family than the route.
 std::optional<std::string> ViaAddress(const TNetlinkAttributes& attributes) {
     std::string_view bytes = attributes.Find(RTA_VIA).value_or("");
     const std::optional<uint16_t> family = TakeStruct<uint16_t>(bytes);
@@ -21,7 +21,7 @@ void FillHop(TRoute& route, std::optional<uint32_t> index, const TNetlinkAttribu
     if (!route.gateway) route.gateway = ViaAddress(attributes);
 }
 
-// The ways of a route that has several: of each the adapter, and attributes of its own.
+// The next hops of a multipath route, each with its adapter and attributes.
 std::vector<TRoute> ParseHops(const TRoute& route, std::string_view bytes, const TAdapterNames& names) {
     std::vector<TRoute> routes;
     for (;;) {

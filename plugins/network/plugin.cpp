@@ -1,4 +1,4 @@
-// The plugin "network": adapters, their internet addresses, and the routes.
+// The plugin "network": adapters, IP addresses and routes.
 #include "DataPlugin.h"
 #include "NetworkReport.h"
 

@@ -8,7 +8,7 @@ namespace {
 
 const std::string kDevices = "/sys/bus/pci/devices/";
 
-// The half of "8086:100E" before the colon, or behind it.
+// The number before or after the colon of "8086:100E".
 TFact<uint16_t> Half(const TFact<std::string>& pair, bool second) {
     return pair.Map([second](const std::string& text) -> std::optional<uint16_t> {
         const size_t colon = text.find(':');
@@ -17,7 +17,7 @@ TFact<uint16_t> Half(const TFact<std::string>& pair, bool second) {
     });
 }
 
-// A value that the file leaves out is one that the device does not have.
+// Not present if the file lacks the key, since the kernel writes what the device has.
 TFact<std::string> Field(const TFact<std::string>& uevent, std::string_view key) {
     TFact<std::string> field = uevent;
     if (uevent) field.value = UeventValue(*uevent, key);
@@ -38,7 +38,7 @@ void ReadUevent(const TSystemRoot& root, const std::string& folder, TPciFunction
 
 TFact<uint16_t> ReadWidth(const TSystemRoot& root, const std::string& path) {
     return root.ReadNumber<uint16_t>(path).Map([](uint16_t lanes) {
-        return lanes == 0 || lanes == 255 ? std::nullopt : std::optional(lanes);  // the link is down; not known
+        return lanes == 0 || lanes == 255 ? std::nullopt : std::optional(lanes);  // 0: the link is down; 255: unknown
     });
 }
 
@@ -58,7 +58,7 @@ TFact<uint32_t> ReadInterrupt(const TSystemRoot& root, const std::string& path) 
     return interrupt;
 }
 
-// -1 stands for none.
+// -1 means no node.
 TFact<uint32_t> ReadNumaNode(const TSystemRoot& root, const std::string& path) {
     const TFact<int32_t> node = root.ReadNumber<int32_t>(path);
     if (node && *node < 0) return TFact<uint32_t>::Missing(EAbsence::eNotPresent, path);
@@ -80,7 +80,7 @@ TPciFunction ReadFunction(const TSystemRoot& root, const std::string& address,
     return function;
 }
 
-// The ids in the form that the list of names has them.
+// The ids as they are written in pci.ids.
 struct TListIds {
     explicit TListIds(const TPciIdentity& identity) {
         const unsigned code = identity.classCode.ValueOr(0);
@@ -100,7 +100,7 @@ void WantNames(THardwareIds& names, const TPciIdentity& identity) {
     for (const std::string& id : {ids.subsystem, ids.subsystemVendor, ids.subclass}) names.Want(id);
 }
 
-// Vendors that give a subsystem the ids of its device mean the device.
+// A subsystem with the ids of its device is the device itself.
 TFact<std::string> SubsystemName(const THardwareIds& names, const TListIds& ids, const TPciIdentity& identity) {
     TFact<std::string> name = names.Name(ids.subsystem);
     const bool isDevice = identity.subsystemVendor.ValueOr(0) == identity.vendor.ValueOr(0) &&
@@ -123,7 +123,7 @@ void FillNames(const THardwareIds& names, TPciIdentity& identity) {
 TPciFacts ReadPci(const TSystemRoot& root) {
     const TFact<std::vector<std::string>> entries = root.List("/sys/bus/pci/devices");
     std::vector<std::string> addresses = entries.ValueOr({});
-    std::sort(addresses.begin(), addresses.end());  // their digits are hexadecimal
+    std::sort(addresses.begin(), addresses.end());  // natural order would take the hexadecimal digits for decimal ones
     TPciFacts facts;
     facts.listing = ListingOf(entries);
     THardwareIds names;

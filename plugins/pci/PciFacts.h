@@ -8,7 +8,7 @@
 
 #include "SystemRoot.h"
 
-/// What the function is, as its registers tell and as the list of names has it.
+/// Ids and class from the configuration registers, and their names in pci.ids.
 struct TPciIdentity {
     TFact<uint16_t> vendor;
     TFact<uint16_t> device;
@@ -20,13 +20,13 @@ struct TPciIdentity {
     TFact<std::string> deviceName;
     TFact<std::string> subsystemVendorName;
     TFact<std::string> subsystemName;
-    TFact<std::string> className;  ///< of the subclass, if that has one
+    TFact<std::string> className;  ///< of the subclass, or of the class if that has none
 
-    /// Most bridges belong to no subsystem.
+    /// False for most bridges.
     bool HasSubsystem() const { return !subsystemVendor || *subsystemVendor != 0; }
 };
 
-/// The link to a PCI Express function. Speeds are bits per second on each lane, as transfers are counted.
+/// The link of a PCI Express function. Speeds are in transfers per second and lane.
 struct TPciLink {
     TFact<uint64_t> currentSpeed;
     TFact<uint64_t> maxSpeed;
@@ -36,7 +36,7 @@ struct TPciLink {
 
 struct TPciFunction {
     std::string address;  ///< "0000:00:1f.2"
-    std::string bridge;   ///< the address of the bridge that it is behind; empty on a root bus
+    std::string bridge;   ///< the address of the bridge above it; empty on a root bus
     TPciIdentity identity;
     TFact<uint8_t> revision;
     TFact<std::string> driver;
@@ -46,13 +46,13 @@ struct TPciFunction {
 };
 
 struct TPciFacts {
-    std::vector<TPciFunction> functions;  ///< by address
+    std::vector<TPciFunction> functions;  ///< sorted by address
     TListing listing;
 };
 
 TPciFacts ReadPci(const TSystemRoot& root);
 
-/// What stands behind "key=" in a uevent file.
+/// The value of a line "key=value" in a uevent file.
 std::optional<std::string> UeventValue(std::string_view text, std::string_view key);
 /// "8.0 GT/s PCIe" as transfers per second.
 std::optional<uint64_t> ParseLinkSpeed(std::string_view text);

@@ -22,7 +22,7 @@ std::optional<uint64_t> ParseSize(std::string_view text) {
     return uint64_t{*kilobytes} * 1024;
 }
 
-// Each cache stands with every thread that it serves, under the same index. It is read with the first of them.
+// Sysfs lists a cache with every thread that shares it, under the same index. It is read for the first of them only.
 class TCacheReader {
 public:
     TCacheReader(const TSystemRoot& root, TProcessorFacts& facts) : fRoot(root), fFacts(facts) {}
@@ -61,7 +61,7 @@ private:
 
     const TSystemRoot& fRoot;
     TProcessorFacts& fFacts;
-    std::set<std::pair<uint32_t, uint32_t>> fSeen;  // indices and threads
+    std::set<std::pair<uint32_t, uint32_t>> fSeen;  // index and thread of caches that were read
 };
 
 }  // namespace

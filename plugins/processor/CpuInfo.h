@@ -5,7 +5,7 @@
 
 #include "SystemRoot.h"
 
-/// What /proc/cpuinfo tells: fields of text for each thread that is online.
+/// The text fields of /proc/cpuinfo for each online thread.
 class TCpuInfo {
 public:
     explicit TCpuInfo(TFact<std::string> file);

@@ -37,12 +37,12 @@ std::optional<uint16_t> ParseAddressWidth(const std::string& text, std::string_v
     return {};
 }
 
-// "lm" is the flag of long mode.
+// "lm" is the flag of 64-bit long mode.
 std::optional<uint16_t> DataWidthOf(const std::vector<std::string>& flags) {
     return std::find(flags.begin(), flags.end(), "lm") == flags.end() ? 32 : 64;
 }
 
-/// Tells what is the same for all threads of a package by one of them.
+/// Fills in what is the same for all threads of a package, from one of them.
 void Describe(TPackage& package, const TCpuInfo& info, uint32_t thread) {
     const TFact<std::string> addresses = info.Field(thread, "address sizes");
     package.modelName = info.Field(thread, "model name");
@@ -61,15 +61,15 @@ void Describe(TPackage& package, const TCpuInfo& info, uint32_t thread) {
         addresses.Map([](const std::string& text) { return ParseAddressWidth(text, "virtual"); });
 }
 
-/// The package of a machine that tells nothing of its threads.
+/// For a machine without information on its threads: one package, described by the first entry of /proc/cpuinfo.
 void DescribeUnknown(TPackage& package, const TCpuInfo& info) {
     Describe(package, info, 0);
     package.coreCount = package.threadCount = package.clock = info.NumberField<uint32_t>(0, "processor");
 }
 
-/// Keeps the one that the comparison puts first; without any value, why there is none.
+/// Replaces `kept` if `other` is better, or if `kept` has nothing yet, not even a reason.
 template <typename F>
-void Keep(TFact<uint32_t>& kept, const TFact<uint32_t>& other, F isBetter) {
+void KeepBetter(TFact<uint32_t>& kept, const TFact<uint32_t>& other, F isBetter) {
     if (kept.source.empty() || (other && (!kept || isBetter(*other, *kept)))) kept = other;
 }
 
@@ -77,12 +77,12 @@ void Count(TFact<uint32_t>& count, uint32_t more, const std::string& source) {
     count = TFact<uint32_t>::Of(count.ValueOr(0) + more, source);
 }
 
-/// Adds up what the cores have.
+/// Adds one core to the totals of its package.
 void AddCore(TPackage& package, const TCore& core, const std::string& source) {
     Count(package.coreCount, 1, source);
     Count(package.threadCount, static_cast<uint32_t>(core.threads.size()), source);
-    Keep(package.lowestClock, core.lowestClock, std::less<>());
-    Keep(package.highestClock, core.highestClock, std::greater<>());
+    KeepBetter(package.lowestClock, core.lowestClock, std::less<>());
+    KeepBetter(package.highestClock, core.highestClock, std::greater<>());
 }
 
 void ReadPackages(const TCpuInfo& info, TProcessorFacts& facts) {
@@ -93,7 +93,7 @@ void ReadPackages(const TCpuInfo& info, TProcessorFacts& facts) {
         if (!package.isEnabled) Describe(package, info, thread.number);
         package.isEnabled = thread.isOnline;
         thread.clock = info.Field(thread.number, "cpu MHz").Map(ParseMegahertz);
-        Keep(package.clock, thread.clock, std::greater<>());
+        KeepBetter(package.clock, thread.clock, std::greater<>());
         if (core.threads.front() == thread.number) AddCore(package, core, thread.isOnline.source);
     }
 }

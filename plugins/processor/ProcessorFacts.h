@@ -3,28 +3,28 @@
 
 #include "SystemRoot.h"
 
-/// What the kernel schedules on, which it numbers and calls a CPU.
+/// A hardware thread; the kernel calls it a CPU and numbers it.
 struct TThread {
     uint32_t number;
     TFact<bool> isOnline;
     TFact<uint32_t> clock = {};       ///< in megahertz
-    std::optional<size_t> core = {};  ///< index; none of a thread that is not online
+    std::optional<size_t> core = {};  ///< index; none if the thread is offline
 };
 
 enum class ECoreType : uint16_t { ePerformance = 2, eEfficiency = 3 };
 
-/// Only cores with a thread that is online are known.
+/// Only cores with an online thread are known.
 struct TCore {
     std::string name;  ///< unique in the machine
     size_t package;    ///< index
     std::vector<uint32_t> threads;
-    TFact<uint32_t> id;           ///< by the kernel's count within the package, or a part of it
-    TFact<ECoreType> type;        ///< without a source where all cores are alike
+    TFact<uint32_t> id;           ///< the kernel's core_id, unique within a package or a die
+    TFact<ECoreType> type;        ///< without a source if all cores are of one type
     TFact<uint32_t> lowestClock;  ///< in megahertz
     TFact<uint32_t> highestClock;
 };
 
-/// What sits in one socket.
+/// A processor package, which sits in one socket.
 struct TPackage {
     uint32_t id;
     TFact<std::string> modelName;
@@ -40,7 +40,7 @@ struct TPackage {
     TFact<uint32_t> lowestClock;
     TFact<uint32_t> highestClock;
     TFact<double> bogoMips;
-    TFact<uint16_t> dataWidth;  ///< in bits, as the others
+    TFact<uint16_t> dataWidth;  ///< in bits, like the next two
     TFact<uint16_t> physicalAddressWidth;
     TFact<uint16_t> virtualAddressWidth;
     TFact<std::vector<std::string>> flags;
@@ -78,7 +78,7 @@ struct TVulnerability {
 struct TProcessorFacts {
     std::vector<TPackage> packages;
     std::vector<TCore> cores;
-    std::vector<TThread> threads;  ///< by number
+    std::vector<TThread> threads;  ///< sorted by number
     std::vector<TCache> caches;
     std::vector<TNumaNode> nodes;
     std::vector<TVulnerability> vulnerabilities;

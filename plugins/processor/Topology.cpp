@@ -26,7 +26,7 @@ public:
     void Read() {
         ReadThreads();
         for (TThread& thread : fFacts.threads)
-            if (thread.isOnline.ValueOr(false) && !thread.core) Place(thread);
+            if (thread.isOnline.ValueOr(false) && !thread.core) AssignCore(thread);
         if (fFacts.packages.empty()) PackageOf(0);
     }
 
@@ -44,37 +44,38 @@ private:
                                                      : TFact<bool>::Of(Contains(listed, number), "/proc/cpuinfo")});
     }
 
-    // A number that sysfs tells or, where there is no sysfs, /proc/cpuinfo.
+    // From sysfs, or from /proc/cpuinfo if sysfs lacks it.
     TFact<uint32_t> ReadId(uint32_t thread, const char* file, const char* field) const {
         const TFact<uint32_t> id = fRoot.ReadNumber<uint32_t>(CpuFile(thread, file));
         const TFact<uint32_t> other = id ? id : fInfo.NumberField<uint32_t>(thread, field);
         return other ? other : id;
     }
 
-    // The threads of the same core. The second name is that of old kernels.
+    // The threads of the same core. Older kernels only have the second file.
     TFact<TNumbers> ReadSiblings(uint32_t thread) const {
         TFact<TNumbers> siblings = ReadCpuList(fRoot, CpuFile(thread, "topology/core_cpus_list"));
         return siblings ? siblings : ReadCpuList(fRoot, CpuFile(thread, "topology/thread_siblings_list"));
     }
 
-    void Place(TThread& thread) {
+    void AssignCore(TThread& thread) {
         const TFact<uint32_t> package = ReadId(thread.number, "topology/physical_package_id", "physical id");
         const TFact<uint32_t> id = ReadId(thread.number, "topology/core_id", "core id");
         const TFact<TNumbers> siblings = ReadSiblings(thread.number);
         const auto ids = std::make_pair(package.ValueOr(0), id.ValueOr(thread.number));
         const auto sameIds = fCoresByIds.find(ids);
-        if (!siblings && sameIds != fCoresByIds.end()) return Join(thread, sameIds->second);
+        if (!siblings && sameIds != fCoresByIds.end()) return AddThread(thread, sameIds->second);
 
         const size_t core = AddCore(thread.number, ids.first, id);
         fCoresByIds.emplace(ids, core);
-        Join(thread, core);
+        AddThread(thread, core);
         for (const uint32_t number : siblings.ValueOr({}))
-            if (TThread* const sibling = FindThread(fFacts, number); sibling && IsFree(*sibling)) Join(*sibling, core);
+            if (TThread* const sibling = FindThread(fFacts, number); sibling && NeedsCore(*sibling))
+                AddThread(*sibling, core);
     }
 
-    static bool IsFree(const TThread& thread) { return thread.isOnline.ValueOr(false) && !thread.core; }
+    static bool NeedsCore(const TThread& thread) { return thread.isOnline.ValueOr(false) && !thread.core; }
 
-    void Join(TThread& thread, size_t core) {
+    void AddThread(TThread& thread, size_t core) {
         thread.core = core;
         fFacts.cores[core].threads.push_back(thread.number);
     }
@@ -91,7 +92,7 @@ private:
         return fFacts.cores.size() - 1;
     }
 
-    // The dies of a package may count their cores anew, and some hypervisors give all cores one number.
+    // Core ids may repeat in each die of a package, and some hypervisors give all cores the same id.
     std::string CoreName(uint32_t thread, uint32_t package, uint32_t id) {
         std::string name = "socket" + std::to_string(package) + "/core" + std::to_string(id);
         if (!fNames.insert(name).second) name += "/cpu" + std::to_string(thread);
@@ -122,7 +123,7 @@ private:
     TProcessorFacts& fFacts;
     const TFact<TNumbers> fPerformance;
     const TFact<TNumbers> fEfficiency;
-    std::map<std::pair<uint32_t, uint32_t>, size_t> fCoresByIds;  // by package and core
+    std::map<std::pair<uint32_t, uint32_t>, size_t> fCoresByIds;  // by package id and core id
     std::map<uint32_t, size_t> fPackages;
     std::set<std::string> fNames;
 };

@@ -4,16 +4,16 @@
 #include "CpuInfo.h"
 #include "ProcessorFacts.h"
 
-/// Fills in threads, cores and packages, and of the packages no more than which there are.
+/// Fills in threads and cores, and adds the packages with their ids only.
 void ReadTopology(const TSystemRoot& root, const TCpuInfo& info, TProcessorFacts& facts);
 
-// What rests on it.
+// To be called after ReadTopology.
 void ReadCaches(const TSystemRoot& root, TProcessorFacts& facts);
 void ReadNumaNodes(const TSystemRoot& root, TProcessorFacts& facts);
 
-/// Null if there is no thread of that number.
+/// Null if there is no thread with that number.
 TThread* FindThread(TProcessorFacts& facts, uint32_t number);
-/// A file of sysfs about a thread.
+/// The sysfs path of a file of a thread.
 std::string CpuFile(uint32_t number, const std::string& name);
 
 #endif

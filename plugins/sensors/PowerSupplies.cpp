@@ -19,7 +19,7 @@ constexpr TWord kChemistries[] = {{"Unknown", 2}, {"NiCd", 4}, {"NiMH", 5}, {"Li
 constexpr TWord kChargeStates[] = {
     {"Unknown", 0}, {"Charging", 1}, {"Discharging", 2}, {"Not charging", 3}, {"Full", 4}};
 constexpr TWord kScopes[] = {{"Unknown", 0}, {"System", 1}, {"Device", 2}};
-// Old kernels tell the kinds of USB ports and plugs apart.
+// Old kernels have a type for each kind of USB port.
 constexpr TWord kSupplyKinds[] = {{"Unknown", 0}, {"Mains", 1},   {"USB", 2},   {"Wireless", 3}, {"USB_DCP", 2},
                                   {"USB_CDP", 2}, {"USB_ACA", 2}, {"USB_C", 2}, {"USB_PD", 2},   {"USB_PD_DRP", 2}};
 
@@ -31,7 +31,7 @@ TFact<uint16_t> ReadWord(const TSystemRoot& root, const std::string& path, const
     });
 }
 
-// Sysfs counts in millionths.
+// Sysfs has microvolts, microwatt-hours and microampere-hours.
 TFact<double> ReadMillionths(const TSystemRoot& root, const std::string& path) {
     return root.ReadNumber<int64_t>(path).Map(
         [](int64_t number) { return std::optional(static_cast<double>(number) / 1e6); });
@@ -56,7 +56,7 @@ void ReadAmounts(const TSystemRoot& root, const std::string& folder, const TAmou
     for (const TAmount& amount : amounts) battery.*amount.fact = ReadMillionths(root, folder + amount.file);
 }
 
-// Most firmware knows no count of cycles, and the kernel then says 0.
+// 0 means that the firmware does not count cycles.
 TFact<uint32_t> ReadCycles(const TSystemRoot& root, const std::string& path) {
     return root.ReadNumber<uint32_t>(path).Map(
         [](uint32_t count) { return count == 0 ? std::nullopt : std::optional(count); });

@@ -9,7 +9,7 @@
 
 class TSystemRoot;
 
-/// What stores energy. Energies are in watt-hours and charges in ampere-hours: a battery counts in one of them, and the
+/// A battery or UPS. Energies are in watt-hours and charges in ampere-hours. A battery reports one of the two; the
 /// facts of the other have no source.
 struct TBattery {
     std::string name;
@@ -32,7 +32,7 @@ struct TBattery {
     TFact<double> voltage;
 };
 
-/// What the system takes power from.
+/// A mains adapter, USB port or other supply.
 struct TPowerSupply {
     std::string name;
     TFact<uint16_t> kind;
@@ -45,7 +45,7 @@ struct TPowerFacts {
     TListing listing;
 };
 
-/// Those below /sys/class/power_supply. The numbers of the enumerations are those of the document.
+/// Reads /sys/class/power_supply. Enumerations have the numbers of sensors.properties.xml.
 TPowerFacts ReadPower(const TSystemRoot& root);
 
 #endif

@@ -15,7 +15,7 @@ const std::string kThermal = "/sys/class/thermal";
 struct TKind {
     ESensorKind kind;
     std::string_view prefix;
-    double unitsInOne;  ///< of what the file counts
+    double divisor;  ///< from the unit of the file to that of the property
 };
 
 constexpr TKind kTemperature = {ESensorKind::eTemperature, "temp", 1e3};
@@ -37,18 +37,18 @@ constexpr TLimit kLimits[] = {{"_lcrit", &TSensor::lowerCritical},
                               {"_emergency", &TSensor::upperFatal},
                               {"_target", &TSensor::target}};
 
-// What sysfs gives where a driver has no temperature or limit: the ends of its range.
+// False for the ends of a driver's range, which sysfs has where there is no reading or limit.
 bool IsTemperature(double degrees) { return degrees > -273.15 && degrees < 1000; }
 
 TFact<double> ReadScaled(const TSystemRoot& root, const std::string& path, const TKind& kind) {
     return root.ReadNumber<int64_t>(path).Map([&](int64_t number) {
-        const double scaled = static_cast<double>(number) / kind.unitsInOne;
+        const double scaled = static_cast<double>(number) / kind.divisor;
         const bool isGood = kind.kind != ESensorKind::eTemperature || IsTemperature(scaled);
         return isGood ? std::optional(scaled) : std::nullopt;
     });
 }
 
-// The channel of "temp3_input" is "temp3". Some measure power only over a while.
+// The channel of "temp3_input" is "temp3". Some power sensors only have an average.
 std::string_view ChannelOf(std::string_view file, const TKind& kind) {
     for (const std::string_view suffix : {"_input", "_average"}) {
         if (!EndsWith(file, suffix)) continue;
@@ -65,8 +65,8 @@ std::string_view WithoutLast(std::string_view path) {
 
 std::string_view LastOf(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
-// Takes "hwmon/hwmon3" or "nvme/nvme0" off the end.
-bool CutNumbered(std::string_view& path) {
+// Removes a last "hwmon/hwmon3" or "nvme/nvme0", whose number depends on the order of loading.
+bool RemoveNumberedDevice(std::string_view& path) {
     const std::string_view name = LastOf(path), folder = LastOf(WithoutLast(path));
     if (folder.empty() || name.substr(0, folder.size()) != folder) return false;
     if (!ParseNumber<unsigned>(name.substr(folder.size()))) return false;
@@ -74,10 +74,10 @@ bool CutNumbered(std::string_view& path) {
     return true;
 }
 
-// One device below /sys/class/hwmon.
+// One device in /sys/class/hwmon.
 struct TChip {
     std::string folder;
-    std::string place;
+    std::string devicePath;
     std::string name;
     std::set<std::string, std::less<>> files;
 };
@@ -87,8 +87,8 @@ TChip ReadChip(const TSystemRoot& root, const std::string& hwmon) {
     const std::string link = kHwmon + '/' + hwmon;
     chip.folder = link + '/';
     chip.name = root.ReadText(chip.folder + "name").ValueOr(hwmon);
-    chip.place = StablePlace(root.ReadLink(link).ValueOr(""), chip.name);
-    if (chip.place.empty()) chip.place = hwmon;
+    chip.devicePath = StableDevicePath(root.ReadLink(link).ValueOr(""), chip.name);
+    if (chip.devicePath.empty()) chip.devicePath = hwmon;
     for (std::string& name : root.Names(chip.folder)) chip.files.insert(std::move(name));
     return chip;
 }
@@ -97,7 +97,7 @@ TSensor ReadChannel(const TSystemRoot& root, const TChip& chip, const std::strin
                     const std::string& file) {
     TSensor sensor;
     sensor.kind = kind.kind;
-    sensor.id = chip.place + "/" + channel;
+    sensor.id = chip.devicePath + "/" + channel;
     sensor.chip = chip.name;
     sensor.label = root.ReadText(chip.folder + channel + "_label").ValueOr(channel);
     sensor.reading = ReadScaled(root, chip.folder + file, kind);
@@ -119,7 +119,7 @@ void AddChannels(const TSystemRoot& root, const TChip& chip, const TKind& kind, 
     for (const auto& [channel, file] : channels) sensors.push_back(ReadChannel(root, chip, channel, kind, file));
 }
 
-// The kernel makes a hwmon device of a zone's type, with underscores for what a name may not have.
+// The name of the hwmon device that the kernel makes for a thermal zone of this type.
 std::string HwmonNameOf(std::string type) {
     std::replace(type.begin(), type.end(), '-', '_');
     return type;
@@ -157,7 +157,7 @@ void AddZones(const TSystemRoot& root, std::vector<TSensor>& sensors) {
     }
 }
 
-// Two hwmon devices of one device, or two zones of one type, are told apart by their order.
+// Several hwmon devices of one device, or zones of one type, are numbered in their order.
 void MakeIdsUnique(std::vector<TSensor>& sensors) {
     std::map<std::string, unsigned> counts;
     for (TSensor& sensor : sensors)
@@ -166,15 +166,15 @@ void MakeIdsUnique(std::vector<TSensor>& sensors) {
 
 }  // namespace
 
-std::string StablePlace(const std::string& link, const std::string& chip) {
+std::string StableDevicePath(const std::string& link, const std::string& chip) {
     constexpr std::string_view kDevices = "/devices/";
     const size_t start = link.find(kDevices);
     if (start == std::string::npos) return "";
-    std::string_view place = std::string_view(link).substr(start + kDevices.size());
-    if (place.substr(0, 8) == "virtual/") return "virtual/" + chip;
-    if (!CutNumbered(place)) place = WithoutLast(place);
-    CutNumbered(place);
-    return std::string(place);
+    std::string_view path = std::string_view(link).substr(start + kDevices.size());
+    if (path.substr(0, 8) == "virtual/") return "virtual/" + chip;
+    if (!RemoveNumberedDevice(path)) path = WithoutLast(path);
+    RemoveNumberedDevice(path);
+    return std::string(path);
 }
 
 TSensorFacts ReadSensors(const TSystemRoot& root) {

@@ -10,12 +10,12 @@ class TSystemRoot;
 
 enum class ESensorKind { eTemperature, eVoltage, eCurrent, ePower, eFan };
 
-/// A reading and its limits: degrees Celsius, volts, amperes, watts, or revolutions per minute. A limit that the sensor
-/// does not have is a fact without a source.
+/// A reading and its limits in degrees Celsius, volts, amperes, watts or revolutions per minute. A limit that the
+/// sensor does not have is a fact without a source.
 struct TSensor {
     ESensorKind kind;
-    std::string id;    ///< the device that measures and the channel; the same after each start of the system
-    std::string chip;  ///< what the driver calls the device
+    std::string id;    ///< device and channel; does not change when the system is restarted
+    std::string chip;  ///< the name of the driver
     std::string label;
     TFact<double> reading;
     TFact<double> lowerCritical;
@@ -31,12 +31,12 @@ struct TSensorFacts {
     TListing listing;
 };
 
-/// Those below /sys/class/hwmon, and the thermal zones that none of them stands for.
+/// Reads /sys/class/hwmon, and the thermal zones that have no hwmon device.
 TSensorFacts ReadSensors(const TSystemRoot& root);
 
-/// The place of a hwmon device in the tree of devices, from what its link below /sys/class/hwmon points to: without
-/// numbers that depend on the order in which drivers were loaded. Virtual devices have no place but the chip's name.
-/// Empty if the text has no place.
-std::string StablePlace(const std::string& link, const std::string& chip);
+/// The path of a hwmon device in /sys/devices, from the link in /sys/class/hwmon, without the numbers that depend on
+/// the order in which drivers are loaded. For a virtual device, "virtual/" and the chip. Empty if the link is not into
+/// /sys/devices.
+std::string StableDevicePath(const std::string& link, const std::string& chip);
 
 #endif

@@ -18,7 +18,7 @@ std::vector<std::string> ParseUsers(std::string_view list) {
     return users;
 }
 
-// name size references users state address
+// Fields: name size references users state address.
 TKernelModule MakeModule(const std::vector<std::string_view>& words, const std::string& source) {
     const auto word = [&](size_t index) { return TFact<std::string>::Of(std::string(words[index]), source); };
     TKernelModule module;

@@ -20,7 +20,7 @@ std::optional<uint16_t> StatusNamed(std::string_view word) {
     return std::nullopt;
 }
 
-// Of a field that goes on in further lines only the first one counts.
+// Only the first line of a field with several lines is kept.
 TFields ParseParagraph(std::string_view paragraph) {
     TFields fields;
     for (const std::string_view line : Lines(paragraph)) {
@@ -38,7 +38,7 @@ TFact<std::string> Field(const TFields& fields, std::string_view name, const std
     return TFact<std::string>::Of(std::string(found->second), source);
 }
 
-// "want flag status"
+// The field Status, "want flag status".
 std::optional<uint16_t> ParseStatus(const std::string& text) {
     const std::vector<std::string_view> words = Split(text, ' ');
     return words.size() == 3 ? StatusNamed(words[2]) : std::nullopt;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// What stands in an earlier folder hides the unit of that name in a later one.
+// The search path of systemd: a unit in an earlier folder hides one of the same name in a later folder.
 constexpr const char* kVendorFolder = "/usr/lib/systemd/system";
 constexpr const char* kUnitFolders[] = {
     "/etc/systemd/system", "/run/systemd/system", "/run/systemd/generator",     "/usr/local/lib/systemd/system",
@@ -18,32 +18,32 @@ constexpr const char* kOldSlice = "/sys/fs/cgroup/systemd/system.slice";
 
 bool IsService(std::string_view name) { return EndsWith(name, ".service") && !EndsWith(name, "@.service"); }
 
-// Where the unit stands, were it only a link that leads nowhere; empty if there is none.
+// The path of a unit file, which may be a dangling link; empty if there is none.
 std::string FindFile(const TSystemRoot& root, const std::string& name) {
     for (const char* folder : kUnitFolders)
         if (std::string path = std::string(folder) + "/" + name; root.ReadLink(path) || root.Exists(path)) return path;
     return "";
 }
 
-// The template of which a unit such as "getty@tty1.service" is made; the name itself for others.
+// "getty@.service" for "getty@tty1.service"; the name itself if it is no instance.
 std::string TemplateOf(const std::string& name) {
     const size_t at = name.find('@');
     return at == std::string::npos ? name : name.substr(0, at + 1) + ".service";
 }
 
-// What comes behind the '@' in such a name.
+// "tty1" of "getty@tty1.service"; empty if it is no instance.
 std::string InstanceOf(const std::string& name) {
     const size_t at = std::min(name.find('@'), name.size() - 1) + 1;
     return name.substr(at, name.rfind('.') - at);
 }
 
-// The service that the name is another one of, as a link to its unit tells; empty if it is none.
+// The service that the name is an alias of, by the link to its unit; empty if it is no alias.
 std::string RealNameOf(const TSystemRoot& root, const std::string& path, const std::string& name) {
     const std::string target = root.ReadLinkName(path).ValueOr("");
     return IsService(target) && target != name ? target : "";
 }
 
-// The services that some other unit wants to have started, and those that were given another name to be called by.
+// The services that are enabled: wanted or required by another unit, or having an alias.
 std::set<std::string> FindEnabled(const TSystemRoot& root) {
     std::set<std::string> enabled;
     for (const std::string folder : kEnablingFolders)
@@ -57,7 +57,7 @@ std::set<std::string> FindEnabled(const TSystemRoot& root) {
     return enabled;
 }
 
-// What is made of a template need not have a file of its own.
+// The file of the unit or, for an instance without one, that of its template.
 TFact<std::string> ReadUnit(const TSystemRoot& root, const std::string& name, std::string path) {
     if (path.empty()) path = FindFile(root, TemplateOf(name));
     if (path.empty()) path = std::string(kVendorFolder) + "/" + TemplateOf(name);
@@ -73,7 +73,7 @@ std::optional<std::string> FindSetting(std::string_view unit, std::string_view n
     return std::nullopt;
 }
 
-// With the instance in place of "%i" and "%I".
+// Expands "%i" and "%I".
 std::string WithInstance(std::string text, const std::string& instance) {
     for (size_t at = 0; (at = text.find('%', at)) != std::string::npos; ++at)
         if (const char c = text[at + 1]; c == 'i' || c == 'I') {
@@ -89,7 +89,7 @@ uint16_t StartModeOf(const std::string& unit, bool enabled) {
     return canBeEnabled ? eDisabled : eStatic;
 }
 
-// Those that are made of one template have a slice of their own: "system-getty.slice/getty@tty1.service".
+// The control group below system.slice. Instances of a template have a slice: "system-getty.slice/getty@tty1.service".
 std::string GroupOf(const std::string& name) {
     const size_t at = name.find('@');
     if (at == std::string::npos) return name;
@@ -98,7 +98,8 @@ std::string GroupOf(const std::string& name) {
     return "system-" + slice + ".slice/" + name;
 }
 
-// A service runs while its control group, or one below it, has processes. Old kernels tell only of the first.
+// A service runs while its control group or one below it has processes. Control groups v1 only list those directly in
+// it.
 TFact<bool> FindRunning(const TSystemRoot& root, const std::string& name) {
     const std::string slice = root.Exists(kSlice) ? kSlice : kOldSlice;
     if (!root.Exists(slice)) return TFact<bool>::Missing(EAbsence::eNotPresent, slice);

@@ -21,8 +21,8 @@ constexpr TNamePrefix kVolumeNames[] = {
     {"zd", EVolumeType::eZfsVolume},
 };
 
-// Loop devices, compressed memory and the like stand ready in numbers and are empty until they are used. RAM disks
-// have their size from the beginning, so that nothing tells whether one is used.
+// Loop devices, zram and the like exist in advance and have the size 0 until they are used. RAM disks have a size from
+// the start, so that a used one cannot be recognised.
 bool IsUnused(const TSystemRoot& root, const TDeviceEntry& entry, std::optional<EVolumeType> type) {
     if (StartsWith(entry.name, "ram")) return true;
     if (!type || StartsWith(entry.name, "dm-") || *type == EVolumeType::eSoftwareRaid) return false;
@@ -37,18 +37,18 @@ std::string DevicePathOf(std::string name) {
 
 TContent ContentOf(const TUdevRecord& udev) {
     TContent content;
-    content.type = udev.FindIfAny("ID_FS_TYPE");
-    content.version = udev.FindIfAny("ID_FS_VERSION");
-    content.label = udev.FindIfAny("ID_FS_LABEL_ENC");
-    content.uuid = udev.FindIfAny("ID_FS_UUID_ENC");
+    content.type = udev.FindOptional("ID_FS_TYPE");
+    content.version = udev.FindOptional("ID_FS_VERSION");
+    content.label = udev.FindOptional("ID_FS_LABEL_ENC");
+    content.uuid = udev.FindOptional("ID_FS_UUID_ENC");
     content.usage = udev.Find("ID_FS_USAGE").ValueOr("");
-    content.partitionTable = udev.FindIfAny("ID_PART_TABLE_TYPE");
-    content.partitionTableUuid = udev.FindIfAny("ID_PART_TABLE_UUID");
+    content.partitionTable = udev.FindOptional("ID_PART_TABLE_TYPE");
+    content.partitionTableUuid = udev.FindOptional("ID_PART_TABLE_UUID");
     return content;
 }
 
 template <typename T>
-void Keep(T device, EDeviceKind kind, std::vector<T>& list, TStorage& storage) {
+void Add(T device, EDeviceKind kind, std::vector<T>& list, TStorage& storage) {
     storage.devices[device.name] = {kind, device.path};
     list.push_back(std::move(device));
 }
@@ -56,7 +56,7 @@ void Keep(T device, EDeviceKind kind, std::vector<T>& list, TStorage& storage) {
 void ReadEntry(const TSystemRoot& root, TDeviceEntry entry, TStorage& storage) {
     const TFact<uint32_t> partition = root.ReadNumber<uint32_t>(entry.folder + "partition");
     if (partition)
-        return Keep(ReadPartition(root, entry, partition), EDeviceKind::ePartition, storage.partitions, storage);
+        return Add(ReadPartition(root, entry, partition), EDeviceKind::ePartition, storage.partitions, storage);
     if (!DiskOfPath(entry.name).empty()) {
         storage.devices[entry.name] = {EDeviceKind::ePath, entry.name};
         storage.diskPaths.push_back(ReadDiskPath(root, entry));
@@ -64,8 +64,8 @@ void ReadEntry(const TSystemRoot& root, TDeviceEntry entry, TStorage& storage) {
     }
     const std::optional<EVolumeType> volume = VolumeTypeOf(entry.name);
     if (IsUnused(root, entry, volume)) return;
-    if (volume) return Keep(ReadVolume(root, entry, *volume), EDeviceKind::eVolume, storage.volumes, storage);
-    Keep(ReadDisk(root, entry), EDeviceKind::eDisk, storage.disks, storage);
+    if (volume) return Add(ReadVolume(root, entry, *volume), EDeviceKind::eVolume, storage.volumes, storage);
+    Add(ReadDisk(root, entry), EDeviceKind::eDisk, storage.disks, storage);
 }
 
 }  // namespace

@@ -4,13 +4,13 @@
 
 namespace {
 
-struct TBusPlace {
-    std::string_view part;  ///< of the way to the device
+struct TBusPattern {
+    std::string_view part;  ///< of the sysfs path
     EBusType type;
 };
 
-// The first that fits counts: a disk behind a USB bridge is on a SCSI target too.
-constexpr TBusPlace kBusPlaces[] = {
+// The first match counts: a disk behind a USB bridge is on a SCSI target as well.
+constexpr TBusPattern kBusPatterns[] = {
     {"/usb", EBusType::eUsb},         {"/mmc_host/", EBusType::eMmc},       {"/nvme", EBusType::eNvme},
     {"/end_device-", EBusType::eSas}, {"/rport-", EBusType::eFibreChannel}, {"/session", EBusType::eIscsi},
     {"/ata", EBusType::eAta},         {"/fw", EBusType::eFireWire},         {"/vbd-", EBusType::eXen},
@@ -31,21 +31,21 @@ EDriveType DriveTypeOf(std::string_view name) {
     return EDriveType::eDisk;
 }
 
-// What the device manager knows, or else what the first of the files tells.
+// From udev, or else from the first file that has a value.
 TFact<std::string> FindOrRead(const TSystemRoot& root, const TDeviceEntry& entry, const char* key,
                               std::initializer_list<const char*> names) {
     TFact<std::string> known = entry.udev.Find(key);
     return known ? known : ReadFirst(root, entry.folder, names);
 }
 
-// The kernel's SCSI layer writes "ATA" for the maker of any ATA disk, and the virtio bus has a number there.
+// Without the "ATA" that the SCSI layer has for all ATA disks, and the number of the virtio bus.
 TFact<std::string> ReadManufacturer(const TSystemRoot& root, const TDeviceEntry& entry) {
     TFact<std::string> fact = FindOrRead(root, entry, "ID_VENDOR_ENC", {"device/vendor"});
     if (fact && (*fact == "ATA" || fact->substr(0, 2) == "0x")) fact.value.reset();
     return fact;
 }
 
-// Page 0x80 of a SCSI device's vital product data: four bytes, then the serial number.
+// SCSI vital product data page 0x80: a header of four bytes, then the serial number.
 TFact<std::string> ReadSerialPage(const TSystemRoot& root, const TDeviceEntry& entry) {
     TFact<std::string> page = root.ReadFile(entry.folder + "device/vpd_pg80", 260);
     if (page) page.value = std::string(Trim(page->substr(std::min<size_t>(4, page->size()))));
@@ -53,7 +53,7 @@ TFact<std::string> ReadSerialPage(const TSystemRoot& root, const TDeviceEntry& e
     return page;
 }
 
-// ID_SERIAL_SHORT of a SCSI device is rather its name in the world, so the page stands before it.
+// The page comes before ID_SERIAL_SHORT, which is the WWN for a SCSI device.
 TFact<std::string> ReadSerialNumber(const TSystemRoot& root, const TDeviceEntry& entry) {
     TFact<std::string> known = entry.udev.Find("ID_SCSI_SERIAL");
     if (known) return known;
@@ -61,7 +61,7 @@ TFact<std::string> ReadSerialNumber(const TSystemRoot& root, const TDeviceEntry&
     return page ? page : FindOrRead(root, entry, "ID_SERIAL_SHORT", {"device/serial", "serial"});
 }
 
-// "naa.5000c500a1b2c3d4" in sysfs is "0x5000c500a1b2c3d4" elsewhere; names of other kinds stay as they are.
+// sysfs has "naa.5000c500a1b2c3d4" for what udev and tools write as "0x5000c500a1b2c3d4". Other formats are kept.
 std::string NormalizeName(const std::string& name) {
     return name.substr(0, 4) == "naa." ? "0x" + name.substr(4) : name;
 }
@@ -82,9 +82,9 @@ void ReadIdentity(const TSystemRoot& root, const TDeviceEntry& entry, TDisk& dis
     disk.wwn = ReadWorldWideName(root, entry);
 }
 
-// Only a device that is known to turn has a rate.
+// Only for a device that is known to rotate.
 TFact<uint32_t> RotationRateOf(const TUdevRecord& udev) {
-    TFact<uint32_t> rate = udev.FindIfAny("ID_ATA_ROTATION_RATE_RPM").Map([](const std::string& text) {
+    TFact<uint32_t> rate = udev.FindOptional("ID_ATA_ROTATION_RATE_RPM").Map([](const std::string& text) {
         return ParseNumber<uint32_t>(text);
     });
     if (!rate || *rate == 0) rate = {};
@@ -97,10 +97,10 @@ TDisk ReadDisk(const TSystemRoot& root, TDeviceEntry& entry) {
     TDisk disk;
     ReadBlockDevice(root, entry, disk);
     disk.driveType = DriveTypeOf(entry.name);
-    disk.controller = FindBusDevice(root, entry.place);
-    disk.busType = BusTypeOf(entry.place, entry.udev);
+    disk.controller = FindBusDevice(root, entry.sysfsPath);
+    disk.busType = BusTypeOf(entry.sysfsPath, entry.udev);
     ReadIdentity(root, entry, disk);
-    disk.state = IfAny(root.ReadText(entry.folder + "device/state"));
+    disk.state = OptionalFact(root.ReadText(entry.folder + "device/state"));
     disk.rotational = root.ReadFlag(entry.folder + "queue/rotational");
     disk.removable = root.ReadFlag(entry.folder + "removable");
     disk.rotationRate = RotationRateOf(entry.udev);
@@ -113,7 +113,7 @@ TDiskPath ReadDiskPath(const TSystemRoot& root, const TDeviceEntry& entry) {
     TDiskPath path;
     path.name = entry.name;
     path.disk = DiskOfPath(entry.name);
-    path.controllerDevice = FindBusDevice(root, entry.place);
+    path.controllerDevice = FindBusDevice(root, entry.sysfsPath);
     path.controller = root.ReadLinkName(entry.folder + "device");
     path.transport = root.ReadText(entry.folder + "device/transport");
     path.address = root.ReadText(entry.folder + "device/address");
@@ -122,9 +122,9 @@ TDiskPath ReadDiskPath(const TSystemRoot& root, const TDeviceEntry& entry) {
     return path;
 }
 
-EBusType BusTypeOf(std::string_view place, const TUdevRecord& udev) {
-    for (const TBusPlace& entry : kBusPlaces) {
-        if (place.find(entry.part) == std::string_view::npos) continue;
+EBusType BusTypeOf(std::string_view sysfsPath, const TUdevRecord& udev) {
+    for (const TBusPattern& entry : kBusPatterns) {
+        if (sysfsPath.find(entry.part) == std::string_view::npos) continue;
         return entry.type == EBusType::eAta && udev.Has("ID_ATA_SATA", "1") ? EBusType::eSata : entry.type;
     }
     return EBusType::eUnknown;

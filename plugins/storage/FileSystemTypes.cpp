@@ -7,7 +7,7 @@ struct TTypeName {
     EStorageKind kind;
 };
 
-// File systems of clusters stand with the network: they ask their peers.
+// Cluster file systems count as network file systems, because they wait for other nodes.
 constexpr TTypeName kTypes[] = {
     {"9p", EStorageKind::eNetwork},
     {"acfs", EStorageKind::eNetwork},
@@ -80,7 +80,7 @@ EStorageKind StorageKindOf(std::string_view type, bool isOnDevice) {
     return isOnDevice ? EStorageKind::eBlockDevice : EStorageKind::eOther;
 }
 
-bool MayWait(std::string_view type, EStorageKind kind) {
+bool MayBlock(std::string_view type, EStorageKind kind) {
     if (type == "autofs" || type.substr(0, 5) == "fuse.") return true;
     return kind == EStorageKind::eNetwork || kind == EStorageKind::eProgram || kind == EStorageKind::eOther;
 }

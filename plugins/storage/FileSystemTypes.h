@@ -5,12 +5,12 @@
 
 #include "StorageFacts.h"
 
-/// Where the files of a type of file system are kept; eNone for those that hold none of users. A type that is not
-/// known is eBlockDevice if it is mounted from one, else eOther.
+/// Where a file system of the type stores its files; eNone for those without user files, such as proc. An unknown type
+/// is eBlockDevice if it is mounted from a block device, else eOther.
 EStorageKind StorageKindOf(std::string_view type, bool isOnDevice);
 
-/// Whether a look at such a file system, or on the way through it, may wait for a server or a program, which may never
-/// answer. What is not known may.
-bool MayWait(std::string_view type, EStorageKind kind);
+/// True if a system call on such a file system, or on a path through it, may block on a server or a user-space program.
+/// Unknown types may.
+bool MayBlock(std::string_view type, EStorageKind kind);
 
 #endif

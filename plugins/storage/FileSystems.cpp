@@ -12,15 +12,14 @@ class TFileSystemList {
 public:
     TFileSystemList(const std::vector<const TBlockDevice*>& devices, std::vector<TFileSystem>& list);
 
-    /// The file system that is mounted, entered if it is a new one; good until the next call. Null if it is none that
-    /// holds files of users.
-    TFileSystem* Take(const TMount& mount);
+    /// The file system of a mount; valid until the next call. Null if it has no user files.
+    TFileSystem* FindOrAdd(const TMount& mount);
 
 private:
-    TFileSystem& TakeDevice(const TBlockDevice& device);
-    TFileSystem& TakeMounted(const TMount& mount, EStorageKind kind);
-    /// The one known by the id, or a new one of the name.
-    TFileSystem& Enter(const std::string& id, const std::string& name);
+    TFileSystem& FindOrAddDevice(const TBlockDevice& device);
+    TFileSystem& FindOrAddMounted(const TMount& mount, EStorageKind kind);
+    /// The file system with the id, or a new one with a name like this.
+    TFileSystem& FindOrAddById(const std::string& id, const std::string& name);
     const TBlockDevice* FindDevice(const TMount& mount) const;
     std::vector<std::string> DevicesOfPool(const std::string& pool) const;
 
@@ -28,7 +27,7 @@ private:
     std::vector<TFileSystem>& fList;
     TUniqueNames fNames;
     std::map<std::string, const TBlockDevice*> fByNumber, fByPath;
-    std::map<std::string, size_t> fPlaces;  ///< in the list; by kernel name, by UUID or by number
+    std::map<std::string, size_t> fIndices;  ///< into the list; by kernel name, UUID or device number
 };
 
 TFileSystemList::TFileSystemList(const std::vector<const TBlockDevice*>& devices, std::vector<TFileSystem>& list)
@@ -36,25 +35,25 @@ TFileSystemList::TFileSystemList(const std::vector<const TBlockDevice*>& devices
     for (const TBlockDevice* const device : devices) {
         if (!device->number.empty()) fByNumber.emplace(device->number, device);
         for (const std::string& path : device->paths) fByPath.emplace(path, device);
-        if (device->content.usage == "filesystem") TakeDevice(*device);
+        if (device->content.usage == "filesystem") FindOrAddDevice(*device);
     }
 }
 
-TFileSystem* TFileSystemList::Take(const TMount& mount) {
+TFileSystem* TFileSystemList::FindOrAdd(const TMount& mount) {
     const EStorageKind kind = StorageKindOf(mount.type, IsOnDevice(mount));
     if (kind == EStorageKind::eNone) return nullptr;
     const TBlockDevice* const device = FindDevice(mount);
-    TFileSystem& fileSystem = device == nullptr ? TakeMounted(mount, kind) : TakeDevice(*device);
+    TFileSystem& fileSystem = device == nullptr ? FindOrAddMounted(mount, kind) : FindOrAddDevice(*device);
     fileSystem.kind = kind;
     if (!fileSystem.type) fileSystem.type = TFact<std::string>::Of(mount.type, kMounts);
     return &fileSystem;
 }
 
-// The devices of one btrfs tell the same UUID.
-TFileSystem& TFileSystemList::TakeDevice(const TBlockDevice& device) {
+// The devices of one btrfs file system share its UUID.
+TFileSystem& TFileSystemList::FindOrAddDevice(const TBlockDevice& device) {
     const TContent& content = device.content;
     const bool isShared = content.type.ValueOr("") == "btrfs" && content.uuid;
-    TFileSystem& fileSystem = Enter(isShared ? *content.uuid : device.name, device.path);
+    TFileSystem& fileSystem = FindOrAddById(isShared ? *content.uuid : device.name, device.path);
     std::vector<std::string>& devices = fileSystem.devices;
     if (devices.empty()) {
         fileSystem.kind = EStorageKind::eBlockDevice;
@@ -67,25 +66,25 @@ TFileSystem& TFileSystemList::TakeDevice(const TBlockDevice& device) {
     return fileSystem;
 }
 
-// A file system without a device is known by a number that the kernel gives anew at each start: its name is made of
-// what lasts.
-TFileSystem& TFileSystemList::TakeMounted(const TMount& mount, EStorageKind kind) {
+// The device number of a file system without a device changes at each boot, so the name is made from source or mount
+// point.
+TFileSystem& TFileSystemList::FindOrAddMounted(const TMount& mount, EStorageKind kind) {
     const bool isPool = mount.type == "zfs";
     const bool isNamed = isPool || kind == EStorageKind::eNetwork;
-    TFileSystem& fileSystem = Enter(mount.number, isNamed ? mount.source : mount.type + " " + mount.point);
+    TFileSystem& fileSystem = FindOrAddById(mount.number, isNamed ? mount.source : mount.type + " " + mount.point);
     if (isPool) fileSystem.devices = DevicesOfPool(mount.source.substr(0, mount.source.find('/')));
     return fileSystem;
 }
 
-TFileSystem& TFileSystemList::Enter(const std::string& id, const std::string& name) {
-    const auto [place, isNew] = fPlaces.emplace(id, fList.size());
-    if (!isNew) return fList[place->second];
-    fList.emplace_back().name = fNames.Give(name);
+TFileSystem& TFileSystemList::FindOrAddById(const std::string& id, const std::string& name) {
+    const auto [entry, isNew] = fIndices.emplace(id, fList.size());
+    if (!isNew) return fList[entry->second];
+    fList.emplace_back().name = fNames.MakeUnique(name);
     return fList.back();
 }
 
-// btrfs has a device number of its own, so that only the source tells where it is. The sources of other file systems
-// without a device are any text.
+// btrfs has an anonymous device number, so its device is found by the source of the mount. For other file systems
+// without a device the source may be any text.
 const TBlockDevice* TFileSystemList::FindDevice(const TMount& mount) const {
     if (const auto found = fByNumber.find(mount.number); found != fByNumber.end()) return found->second;
     if (mount.type != "btrfs") return nullptr;
@@ -101,7 +100,7 @@ std::vector<std::string> TFileSystemList::DevicesOfPool(const std::string& pool)
     return names;
 }
 
-// The mount that may be asked, or else the reason of the first that may not.
+// Takes the space from the first mount that may be asked; if none may, keeps the reason of the first.
 void AddSpace(const TSpaceReader& reader, const TMount& mount, TFileSystem& fileSystem) {
     if (fileSystem.space) return;
     TFact<TSpace> space = reader.Ask(mount);
@@ -111,15 +110,15 @@ void AddSpace(const TSpaceReader& reader, const TMount& mount, TFileSystem& file
 void ReadMounted(const TSystemRoot& root, TFileSystemList& list, TStorage& storage) {
     const TSpaceReader space(root, *storage.mounts);
     for (TMount& mount : *storage.mounts.value) {
-        TFileSystem* const fileSystem = list.Take(mount);
+        TFileSystem* const fileSystem = list.FindOrAdd(mount);
         if (fileSystem == nullptr) continue;
         mount.fileSystem = fileSystem->name;
         AddSpace(space, mount, *fileSystem);
     }
 }
 
-// Only what is mounted can be asked.
-void ExplainUnasked(TStorage& storage) {
+// Only a mounted file system has its space read.
+void ExplainMissingSpace(TStorage& storage) {
     for (TFileSystem& fileSystem : storage.fileSystems)
         if (fileSystem.space.source.empty()) fileSystem.space = TFact<TSpace>::Missing(storage.mounts.absence, kMounts);
 }
@@ -131,5 +130,5 @@ void ReadFileSystems(const TSystemRoot& root, TStorage& storage) {
     TFileSystemList list(devices, storage.fileSystems);
     storage.mounts = ReadMounts(root);
     if (storage.mounts) ReadMounted(root, list, storage);
-    ExplainUnasked(storage);
+    ExplainMissingSpace(storage);
 }

@@ -3,13 +3,13 @@
 
 #include "StorageFacts.h"
 
-/// Joins block devices and mounts to file systems: those that a device holds, mounted or not, and those that are
-/// mounted from elsewhere. Tells each mount which one it shows.
+/// Lists the file systems: those on block devices, mounted or not, and those mounted from elsewhere. Sets the file
+/// system of each mount.
 void ReadFileSystems(const TSystemRoot& root, TStorage& storage);
-/// The devices that are swapped to.
+/// The swap areas on block devices.
 void ReadSwaps(const TSystemRoot& root, TStorage& storage);
 
-/// All that can hold a file system.
+/// All devices that can hold a file system.
 std::vector<const TBlockDevice*> EnumerateDevices(const TStorage& storage);
 
 #endif

@@ -4,7 +4,7 @@
 
 namespace {
 
-// All parts, the empty ones too: a mount may have no source at all.
+// Unlike Split, keeps empty fields: the source of a mount may be empty.
 std::vector<std::string_view> Fields(std::string_view line) {
     std::vector<std::string_view> fields;
     for (size_t end = 0; end != std::string_view::npos; line.remove_prefix(end + 1)) {
@@ -25,7 +25,7 @@ void AppendOptions(std::string_view options, std::string& line) {
         if (option != "rw" && option != "ro" && !HasOption(line, option)) line.append(",").append(option);
 }
 
-// id, parent, device, root, point, options, any number of tags, "-", type, source, options of the file system
+// id, parent id, device number, root, mount point, options, tags, "-", type, source, options of the file system
 std::optional<TMount> ParseMount(std::string_view line) {
     const std::vector<std::string_view> fields = Fields(line);
     const size_t dash = static_cast<size_t>(std::find(fields.begin(), fields.end(), "-") - fields.begin());
@@ -43,10 +43,10 @@ std::optional<TMount> ParseMount(std::string_view line) {
     return mount;
 }
 
-using TPlace = std::pair<std::string, std::string>;  // a mount, and a point in it
+using TMountPoint = std::pair<std::string, std::string>;  // id of the parent mount, path
 
 void MarkCovered(std::vector<TMount>& mounts) {
-    std::set<TPlace> occupied;
+    std::set<TMountPoint> occupied;
     for (const TMount& mount : mounts)
         if (mount.parentId != mount.id) occupied.insert({mount.parentId, mount.point});
     for (TMount& mount : mounts) mount.covered = occupied.count({mount.id, mount.point}) > 0;
@@ -64,7 +64,7 @@ std::vector<TMount> ParseMounts(std::string_view text) {
     for (const std::string_view line : Lines(text)) {
         std::optional<TMount> mount = ParseMount(line);
         if (!mount) continue;
-        mount->name = names.Give(mount->point);
+        mount->name = names.MakeUnique(mount->point);
         mounts.push_back(std::move(*mount));
     }
     MarkCovered(mounts);
@@ -80,8 +80,8 @@ std::string MergeOptions(std::string_view ofMount, std::string_view ofFileSystem
     return line;
 }
 
-std::string TUniqueNames::Give(const std::string& name) {
+std::string TUniqueNames::MakeUnique(const std::string& name) {
     std::string unique = name;
-    for (int number = 2; !fGiven.insert(unique).second; ++number) unique = name + "#" + std::to_string(number);
+    for (int number = 2; !fUsed.insert(unique).second; ++number) unique = name + "#" + std::to_string(number);
     return unique;
 }

@@ -8,21 +8,21 @@
 
 inline constexpr const char* kMounts = "/proc/self/mountinfo";
 
-/// The mounts that /proc/self/mountinfo tells, in its order: what is mounted later stands behind.
+/// The mounts in /proc/self/mountinfo, in the order of mounting.
 TFact<std::vector<TMount>> ReadMounts(const TSystemRoot& root);
 std::vector<TMount> ParseMounts(std::string_view text);
-/// True if its file system is on a block device of its own; others have numbers that begin with 0.
+/// True if the file system is on a block device; others have the major device number 0.
 bool IsOnDevice(const TMount& mount);
-/// Options of the mount and of the file system in one line. Read-only is what either of them makes so.
+/// The options of the mount and of the file system without repetitions. "ro" if either of them is read-only.
 std::string MergeOptions(std::string_view ofMount, std::string_view ofFileSystem);
 
-/// Gives names that were not given before: the second "/mnt" is "/mnt#2".
+/// Makes names unique by a number: the second "/mnt" becomes "/mnt#2".
 class TUniqueNames {
 public:
-    std::string Give(const std::string& name);
+    std::string MakeUnique(const std::string& name);
 
 private:
-    std::set<std::string> fGiven;
+    std::set<std::string> fUsed;
 };
 
 #endif

@@ -50,7 +50,7 @@ constexpr TPartitionType kPartitionTypes[] = {
     {"0xfd", "Linux RAID"},
 };
 
-// Where there is no device manager, the kernel itself tells names, in lines such as "PARTNAME=root".
+// Without udev the name is in the uevent file, in a line such as "PARTNAME=root".
 TFact<std::string> ReadKernelName(const TSystemRoot& root, const std::string& folder) {
     const TFact<std::string> event = root.ReadText(folder + "uevent");
     if (!event) return {};
@@ -59,9 +59,9 @@ TFact<std::string> ReadKernelName(const TSystemRoot& root, const std::string& fo
     return {};
 }
 
-// The folder above in the way to the device.
-std::string ParentOf(const std::string& place) {
-    const std::string above = place.substr(0, std::min(place.rfind('/'), place.size()));
+// The second last component of the path, which is the disk.
+std::string ParentOf(const std::string& sysfsPath) {
+    const std::string above = sysfsPath.substr(0, std::min(sysfsPath.rfind('/'), sysfsPath.size()));
     return above.substr(above.rfind('/') + 1);
 }
 
@@ -70,13 +70,13 @@ std::string ParentOf(const std::string& place) {
 TPartition ReadPartition(const TSystemRoot& root, TDeviceEntry& entry, TFact<uint32_t> number) {
     TPartition partition;
     ReadBlockDevice(root, entry, partition);
-    partition.parent = ParentOf(entry.place);
+    partition.parent = ParentOf(entry.sysfsPath);
     partition.number = std::move(number);
     partition.offset = ReadSectors(root, entry.folder + "start");
     partition.type = entry.udev.Find("ID_PART_ENTRY_TYPE");
     if (const char* const name = FindPartitionTypeName(partition.type.ValueOr("")))
         partition.typeName = TFact<std::string>::Of(name, partition.type.source);
-    partition.partitionName = entry.udev.FindIfAny("ID_PART_ENTRY_NAME");
+    partition.partitionName = entry.udev.FindOptional("ID_PART_ENTRY_NAME");
     if (!partition.partitionName) partition.partitionName = ReadKernelName(root, entry.folder);
     partition.uuid = entry.udev.Find("ID_PART_ENTRY_UUID");
     return partition;

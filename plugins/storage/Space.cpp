@@ -14,17 +14,17 @@ namespace {
 constexpr const char* kRecord = "/.kyr/statvfs";
 constexpr int kDeepestMount = 64;
 
-class TPlace {
+class TPathDescriptor {
 public:
-    // Opening for the path alone sets no automount off and asks no driver.
-    explicit TPlace(const std::string& path) : fNumber(open(path.c_str(), O_PATH | O_CLOEXEC | O_NOFOLLOW)) {}
-    TPlace(const TPlace&) = delete;
-    TPlace& operator=(const TPlace&) = delete;
-    ~TPlace() {
+    // O_PATH triggers no automount and does not call the file system.
+    explicit TPathDescriptor(const std::string& path) : fNumber(open(path.c_str(), O_PATH | O_CLOEXEC | O_NOFOLLOW)) {}
+    TPathDescriptor(const TPathDescriptor&) = delete;
+    TPathDescriptor& operator=(const TPathDescriptor&) = delete;
+    ~TPathDescriptor() {
         if (fNumber >= 0) close(fNumber);
     }
 
-    // The path may lead elsewhere by now, or to what was mounted over one of its folders.
+    // False if the path leads to another mount, because one of its folders is mounted over or was replaced.
     bool IsOf(const TMount& mount) const {
         const std::string info = TSystemRoot("").ReadText("/proc/self/fdinfo/" + std::to_string(fNumber)).ValueOr("");
         for (const std::string_view line : Lines(info))
@@ -41,7 +41,7 @@ TFact<TSpace> Refuse(const TMount& mount, const char* reason) {
     return TFact<TSpace>::Missing(EAbsence::eNotSupported, mount.point + " (not asked: " + reason + ")");
 }
 
-bool MayWait(const TMount& mount) { return MayWait(mount.type, StorageKindOf(mount.type, IsOnDevice(mount))); }
+bool MayBlock(const TMount& mount) { return MayBlock(mount.type, StorageKindOf(mount.type, IsOnDevice(mount))); }
 
 std::optional<TSpace> MakeSpace(uint64_t unit, uint64_t blocks, uint64_t free, uint64_t available) {
     TSpace space;
@@ -52,11 +52,11 @@ std::optional<TSpace> MakeSpace(uint64_t unit, uint64_t blocks, uint64_t free, u
 }
 
 TFact<TSpace> AskKernel(const TMount& mount) {
-    const TPlace place(mount.point);
+    const TPathDescriptor descriptor(mount.point);
     struct statvfs status;
-    if (place.fNumber < 0) return TFact<TSpace>::Missing(AbsenceOf(errno), SourceOf(mount));
-    if (!place.IsOf(mount)) return Refuse(mount, "another mount stands over it");
-    if (fstatvfs(place.fNumber, &status) != 0) return TFact<TSpace>::Missing(AbsenceOf(errno), SourceOf(mount));
+    if (descriptor.fNumber < 0) return TFact<TSpace>::Missing(AbsenceOf(errno), SourceOf(mount));
+    if (!descriptor.IsOf(mount)) return Refuse(mount, "another mount stands over it");
+    if (fstatvfs(descriptor.fNumber, &status) != 0) return TFact<TSpace>::Missing(AbsenceOf(errno), SourceOf(mount));
     std::optional<TSpace> space = MakeSpace(status.f_frsize, status.f_blocks, status.f_bfree, status.f_bavail);
     if (!space) return TFact<TSpace>::Missing(EAbsence::eNotSupported, SourceOf(mount));
     space->inodes = status.f_files;
@@ -89,13 +89,13 @@ TFact<TSpace> TSpaceReader::Ask(const TMount& mount) const {
 
 const char* TSpaceReader::FindObstacle(const TMount& mount) const {
     if (mount.covered) return "another mount stands over it";
-    if (MayWait(mount)) return "it may wait for a server or a program";
-    // An overlay without a layer to write to passes the question on to the first of its layers, whatever that is.
+    if (MayBlock(mount)) return "it may wait for a server or a program";
+    // statvfs of an overlay without an upper layer is answered by its first lower layer, which may be any file system.
     if (mount.type == "overlay" && mount.options.find(",upperdir=") == std::string::npos)
         return "it passes the question on";
     auto above = fMounts.find(mount.parentId);
     for (int depth = 0; above != fMounts.end(); above = fMounts.find(above->second->parentId)) {
-        if (MayWait(*above->second)) return "the way to it may wait for a server or a program";
+        if (MayBlock(*above->second)) return "the way to it may wait for a server or a program";
         if (above->second->parentId == above->first) return nullptr;
         if (++depth == kDeepestMount) return "it is mounted too deep";
     }

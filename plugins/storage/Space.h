@@ -5,12 +5,12 @@
 
 #include "StorageFacts.h"
 
-/// Asks how much space there is, but only where the kernel answers by itself: neither a file system that may wait for
-/// a server is asked, nor one that is mounted below such a one, nor one whose point another mount covers.
+/// Reads the space of file systems by statvfs, but only where that cannot block: not of a network or user-space file
+/// system, nor of one mounted below such a one. A mount that is covered by another cannot be reached.
 ///
-/// Of a recorded machine the answers stand in /.kyr/statvfs, a line for each mount point:
+/// A recorded machine has the answers in /.kyr/statvfs, one line for each mount point:
 ///     <mount point>\t<bsize> <frsize> <blocks> <bfree> <bavail> <files> <ffree>
-/// The point is written as in /proc/self/mountinfo ("\040" for a blank), the numbers are those of statvfs(3).
+/// The mount point is escaped as in /proc/self/mountinfo ("\040" for a blank); the numbers are those of statvfs(3).
 class TSpaceReader {
 public:
     TSpaceReader(const TSystemRoot& root, const std::vector<TMount>& mounts);
@@ -18,12 +18,12 @@ public:
     TFact<TSpace> Ask(const TMount& mount) const;
 
 private:
-    /// Null if the mount may be asked.
+    /// Why the mount is not asked; null if it may be.
     const char* FindObstacle(const TMount& mount) const;
     TFact<TSpace> FindRecorded(const TMount& mount) const;
 
     const TSystemRoot& fRoot;
-    std::unordered_map<std::string, const TMount*> fMounts;  ///< by their ids
+    std::unordered_map<std::string, const TMount*> fMounts;  ///< by id
     std::unordered_map<std::string, TSpace> fRecorded;       ///< by mount point
 };
 

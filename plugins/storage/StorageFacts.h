@@ -12,15 +12,15 @@
 
 enum class EDeviceKind { eDisk, ePartition, eVolume, ePath };
 
-/// The device that other facts speak of by its kernel name.
+/// Kind and path of a device; other facts refer to devices by their kernel names.
 struct TDeviceKey {
     EDeviceKind kind;
-    std::string path;  ///< its file below /dev
+    std::string path;  ///< its device file
 };
 
-/// What the device manager found on a device. A label that it does not tell is no label: such a fact has no source.
+/// What udev found on a device. A missing label, UUID or version is a fact without a source, since udev would know it.
 struct TContent {
-    TFact<std::string> type;  ///< a file system, or ones such as swap, LVM2_member, crypto_LUKS
+    TFact<std::string> type;  ///< of a file system, or swap, LVM2_member, crypto_LUKS and the like
     TFact<std::string> version;
     TFact<std::string> label;
     TFact<std::string> uuid;
@@ -30,10 +30,10 @@ struct TContent {
 };
 
 struct TBlockDevice {
-    std::string name;  ///< the kernel's
+    std::string name;  ///< the kernel name
     std::string path;
     std::string number;              ///< "major:minor"
-    std::vector<std::string> paths;  ///< all that are known to lead to it
+    std::vector<std::string> paths;  ///< the device file and all links to it
     TFact<uint64_t> size;
     TFact<bool> readOnly;
     TContent content;
@@ -68,7 +68,7 @@ struct TDisk : TBlockDevice {
     TBusDevice controller;
 };
 
-/// One of several ways to an NVMe name space, which the kernel hides behind the disk.
+/// One path of a multipath NVMe namespace; the kernel combines the paths into one disk.
 struct TDiskPath {
     std::string name;
     std::string disk;
@@ -111,16 +111,16 @@ struct TVolume : TBlockDevice {
 enum class EStorageKind : uint16_t { eOther, eBlockDevice, eMemory, eLayers, eNetwork, eProgram, eNone };
 
 struct TMount {
-    std::string name;  ///< the point, and a number behind it where mounts are stacked
+    std::string name;  ///< the mount point, with a number if mounts are stacked on it
     std::string id, parentId, number, root, point, options, type, source;
     bool readOnly = false;
-    bool covered = false;    ///< another mount stands on the same point
-    std::string fileSystem;  ///< by name; empty if it is none that could hold files of users
+    bool covered = false;    ///< another mount is stacked on it
+    std::string fileSystem;  ///< by name; empty for one without user files
 };
 
 struct TSpace {
     uint64_t size = 0, available = 0, used = 0;
-    uint64_t inodes = 0, freeInodes = 0;  ///< none where the file system keeps no table of them
+    uint64_t inodes = 0, freeInodes = 0;  ///< 0 if the file system has no fixed number of them
 };
 
 struct TFileSystem {
@@ -133,7 +133,7 @@ struct TFileSystem {
 
 /// A swap area and the device it is on. The plugin "memory" reports its size and use.
 struct TSwap {
-    std::string path;  ///< as the kernel tells it
+    std::string path;  ///< as in /proc/swaps
     std::string device;
 };
 

@@ -3,7 +3,7 @@
 
 namespace {
 
-// Behind the headings, each line begins with a path.
+// Each line after the headings begins with a path.
 std::string PathIn(std::string_view line) {
     if (line.substr(0, 1) != "/") return "";
     return UnescapeOctal(line.substr(0, line.find_first_of(" \t")));

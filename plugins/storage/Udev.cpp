@@ -18,7 +18,7 @@ TFact<std::string> TUdevRecord::Find(const std::string& key) const {
     return TFact<std::string>::Of(std::move(text), fSource);
 }
 
-TFact<std::string> TUdevRecord::FindIfAny(const std::string& key) const {
+TFact<std::string> TUdevRecord::FindOptional(const std::string& key) const {
     TFact<std::string> fact = Find(key);
     if (!fact && fRead) fact.source.clear();
     return fact;

@@ -8,17 +8,18 @@
 
 #include "SystemRoot.h"
 
-/// What the device manager has stored of one device, in a file of lines such as "E:ID_FS_TYPE=ext4" (a property) and
-/// "S:mapper/vg-root" (a link below /dev).
+/// The record of one device in the udev database: a file with lines such as "E:ID_FS_TYPE=ext4" (a property) and
+/// "S:mapper/vg-root" (a link in /dev).
 class TUdevRecord {
 public:
     TUdevRecord() = default;
     explicit TUdevRecord(const TFact<std::string>& text);
 
-    /// A property with its \xNN made characters.
+    /// A property, with \xNN decoded.
     TFact<std::string> Find(const std::string& key) const;
-    /// The same; but if the device manager knows the device and tells nothing, there is nothing to tell: no source.
-    TFact<std::string> FindIfAny(const std::string& key) const;
+    /// The same, but without a source if udev has a record of the device that lacks the property: then its absence is
+    /// not reported.
+    TFact<std::string> FindOptional(const std::string& key) const;
     bool Has(const std::string& key, std::string_view value) const;
     const std::vector<std::string>& Links() const { return fLinks; }
 
@@ -30,7 +31,7 @@ private:
     std::vector<std::string> fLinks;
 };
 
-/// Of a block device, by its "major:minor".
+/// The record of the block device "major:minor".
 TUdevRecord ReadUdevRecord(const TSystemRoot& root, const std::string& number);
 std::string DecodeUdevText(std::string_view text);
 

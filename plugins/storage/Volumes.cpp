@@ -5,11 +5,11 @@
 namespace {
 
 struct TMappedKind {
-    std::string_view prefix;  ///< of the identifier that the program which made the volume has given to it
+    std::string_view prefix;  ///< of the device-mapper UUID, which names the program that made the volume
     EVolumeType type;
 };
 
-// The first that fits counts: what only guards data from change does not hide it.
+// The first match counts. dm-verity and dm-integrity protect data from changes, but do not encrypt it.
 constexpr TMappedKind kMappedKinds[] = {
     {"LVM-", EVolumeType::eLogicalVolume},     {"CRYPT-VERITY-", EVolumeType::eOther},
     {"CRYPT-INTEGRITY-", EVolumeType::eOther}, {"CRYPT-", EVolumeType::eEncrypted},
@@ -41,13 +41,13 @@ void ReadMapped(const TSystemRoot& root, const std::string& folder, TVolume& vol
     volume.logicalVolume = std::move(names.volume);
 }
 
-// An array without redundancy has no file that tells what is missing.
+// Arrays without redundancy have no md/degraded.
 void ReadArray(const TSystemRoot& root, const TDeviceEntry& entry, TVolume& volume) {
     volume.identifier = entry.udev.Find("MD_UUID");
     volume.raidLevel = root.ReadText(entry.folder + "md/level");
     volume.arrayState = root.ReadText(entry.folder + "md/array_state");
     volume.raidDevices = root.ReadNumber<uint32_t>(entry.folder + "md/raid_disks");
-    volume.missingDevices = IfAny(root.ReadNumber<uint32_t>(entry.folder + "md/degraded"));
+    volume.missingDevices = OptionalFact(root.ReadNumber<uint32_t>(entry.folder + "md/degraded"));
 }
 
 }  // namespace

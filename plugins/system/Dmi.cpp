@@ -24,20 +24,20 @@ std::optional<int64_t> ParseDate(const std::string& text) {
     date.tm_mon = month - 1;
     date.tm_mday = day;
     const time_t seconds = timegm(&date);
-    // A day that the calendar does not have has become another.
+    // timegm turns an impossible date, such as February 30, into another one.
     if (date.tm_mon != month - 1 || date.tm_mday != day) return {};
     return seconds;
 }
 
-// Not isalnum: whatever the host's locale makes of the other bytes, a machine type has none of them.
+// Not isalnum, which depends on the host's locale.
 bool IsLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-// Four characters of type and three of model. A type begins with a digit, which tells it from a product's name.
+// Four characters for the type and three for the model. A type begins with a digit; a product name does not.
 bool IsMachineTypeModel(const std::string& text) {
     return text.size() == 7 && text[0] <= '9' && std::all_of(text.begin(), text.end(), IsLetterOrDigit);
 }
 
-// Makers write it in place of a name or of a number to order by.
+// Some makers put it in the field of the product name, others in that of the SKU.
 TFact<std::string> FindMachineTypeModel(const TSystemFacts& facts) {
     if (facts.productName && IsMachineTypeModel(*facts.productName)) return facts.productName;
     if (facts.skuNumber && !IsMachineTypeModel(*facts.skuNumber))

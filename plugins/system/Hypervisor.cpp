@@ -4,12 +4,12 @@ namespace {
 
 using TText = TFact<std::string>;
 
-struct TTrace {
+struct TSign {
     std::string_view text;
     const char* hypervisor;
 };
 
-constexpr TTrace kVendors[] = {
+constexpr TSign kVendors[] = {
     {"VMware, Inc.", "VMware"},
     {"innotek GmbH", "VirtualBox"},
     {"Xen", "Xen"},
@@ -18,15 +18,15 @@ constexpr TTrace kVendors[] = {
     {"BHYVE", "bhyve"},
 };
 
-// The maker of Hyper-V makes real computers too.
-constexpr TTrace kProducts[] = {
+// By product, because the maker of Hyper-V sells physical computers too.
+constexpr TSign kProducts[] = {
     {"VirtualBox", "VirtualBox"},
     {"Virtual Machine", "Microsoft Hyper-V"},
     {"HVM domU", "Xen"},
     {"KVM", "KVM"},
 };
 
-constexpr TTrace kKernelNames[] = {
+constexpr TSign kKernelNames[] = {
     {"kvm-clock", "KVM"},
     {"xen", "Xen"},
     {"hyperv_clocksource", "Microsoft Hyper-V"},
@@ -34,21 +34,21 @@ constexpr TTrace kKernelNames[] = {
     {"hyperv_clocksource_msr", "Microsoft Hyper-V"},
 };
 
-// It names itself even where KVM runs the guest, which counts more.
-constexpr TTrace kEmulators[] = {{"QEMU", "QEMU"}};
+// Looked for last, because guests of KVM have the manufacturer QEMU too.
+constexpr TSign kEmulators[] = {{"QEMU", "QEMU"}};
 
 template <size_t N>
-TText Find(const TTrace (&traces)[N], const TText& words, char separator = '\0') {
+TText Find(const TSign (&signs)[N], const TText& words, char separator = '\0') {
     return words.Map([&](const std::string& text) -> std::optional<std::string> {
         for (const std::string_view word : Split(text, separator))
-            for (const TTrace& trace : traces)
-                if (trace.text == word) return trace.hypervisor;
+            for (const TSign& sign : signs)
+                if (sign.text == word) return sign.hypervisor;
         return std::nullopt;
     });
 }
 
-// In the first entry; the kernel need not make the rest, which is long.
-TText AskProcessor(const TSystemRoot& root) {
+// The flag "hypervisor" tells that there is one. The first entry is enough, and the whole file is long.
+TText ReadProcessorFlag(const TSystemRoot& root) {
     const TText text = root.ReadFile("/proc/cpuinfo", 8192);
     if (!text) return text;
     const bool isGuest = text->find(" hypervisor") != std::string::npos;
@@ -67,5 +67,5 @@ void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts) {
         facts.hypervisor = found;
         return;
     }
-    facts.hypervisor = AskProcessor(root);
+    facts.hypervisor = ReadProcessorFlag(root);
 }

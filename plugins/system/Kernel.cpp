@@ -4,22 +4,22 @@
 
 namespace {
 
-TFact<std::string> Answer(const char* text) {
+TFact<std::string> UnameField(const char* text) {
     const std::string_view trimmed = Trim(text);
     if (trimmed.empty()) return TFact<std::string>::Missing(EAbsence::eNotPresent, "uname(2)");
     return TFact<std::string>::Of(std::string(trimmed), "uname(2)");
 }
 
-void AskKernel(TSystemFacts& facts) {
+void ReadUname(TSystemFacts& facts) {
     struct utsname name {};
     uname(&name);
-    facts.hostName = Answer(name.nodename);
-    facts.kernelRelease = Answer(name.release);
-    facts.kernelVersion = Answer(name.version);
-    facts.architecture = Answer(name.machine);
+    facts.hostName = UnameField(name.nodename);
+    facts.kernelRelease = UnameField(name.release);
+    facts.kernelVersion = UnameField(name.version);
+    facts.architecture = UnameField(name.machine);
 }
 
-// The same facts of a machine that is not the one we run on.
+// The same values for a recorded machine.
 void ReadKernelFiles(const TSystemRoot& root, TSystemFacts& facts) {
     facts.hostName = root.ReadText("/proc/sys/kernel/hostname");
     facts.kernelRelease = root.ReadText("/proc/sys/kernel/osrelease");
@@ -46,7 +46,7 @@ std::optional<uint64_t> ParseUpTime(const std::string& text) {
 
 void ReadKernel(const TSystemRoot& root, TSystemFacts& facts) {
     if (facts.isRunning)
-        AskKernel(facts);
+        ReadUname(facts);
     else
         ReadKernelFiles(root, facts);
     facts.bootTime = root.ReadFile("/proc/stat").Map(FindBootTime);

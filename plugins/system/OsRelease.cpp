@@ -4,7 +4,7 @@ namespace {
 
 using TText = TFact<std::string>;
 
-// Takes quotes and backslashes away as a shell would.
+// Removes quotes and backslashes like a shell.
 std::string Unquote(std::string_view value) {
     std::string text;
     char quote = '\0';
@@ -21,7 +21,7 @@ std::string Unquote(std::string_view value) {
     return text;
 }
 
-// The value of the last line "KEY=value". An empty one is none.
+// The value of the last line "KEY=value"; nothing if it is empty.
 TText FindValue(const TText& file, const std::string& key) {
     TText value = TText::Missing(file.absence, file.source);
     if (!file) return value;
@@ -41,6 +41,6 @@ void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts) {
     facts.osPrettyName = FindValue(file, "PRETTY_NAME");
     facts.osId = FindValue(file, "ID");
     facts.osVersion = FindValue(file, "VERSION_ID");
-    // Rolling distributions have no version, only a build.
+    // Rolling distributions have only a BUILD_ID.
     if (!facts.osVersion) facts.osVersion = FindValue(file, "BUILD_ID");
 }

@@ -3,9 +3,9 @@
 
 #include "SystemRoot.h"
 
-/// What the machine is and what runs on it. Texts are as the machine gives them, in whatever encoding.
+/// The computer, its firmware and its operating system. Texts are as read, in any encoding.
 struct TSystemFacts {
-    // The computer, from DMI but for the name.
+    // The computer; from DMI, except for the host name.
     TFact<std::string> hostName;
     TFact<std::string> manufacturer;
     TFact<std::string> productName;
@@ -15,9 +15,9 @@ struct TSystemFacts {
     TFact<std::string> serialNumber;
     TFact<std::string> uuid;
     TFact<std::string> assetTag;
-    TFact<uint16_t> chassisType;  ///< by the numbers of SMBIOS
+    TFact<uint16_t> chassisType;  ///< as in SMBIOS
 
-    TFact<std::string> hypervisor;  ///< that the computer is a guest of
+    TFact<std::string> hypervisor;  ///< of which the computer is a guest
 
     // Its main board, from DMI.
     TFact<std::string> boardVendor;
@@ -43,7 +43,7 @@ struct TSystemFacts {
     TFact<std::string> architecture;
     TFact<int64_t> bootTime;  ///< seconds since 1970
     TFact<uint64_t> upTime;   ///< in seconds
-    bool isRunning = false;   ///< this machine, whose clock can be asked
+    bool isRunning = false;   ///< the running machine, not a recorded one
 };
 
 TSystemFacts ReadSystem(const TSystemRoot& root);

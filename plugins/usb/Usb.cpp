@@ -8,7 +8,7 @@ namespace {
 
 const std::string kDevices = "/sys/bus/usb/devices/";
 
-// The interfaces of "1-1.2" are "1-1.2:1.0" and so on, those of "usb1" are "1-0:1.0" and so on.
+// The interfaces of "1-1.2" are named "1-1.2:1.0" and so on, those of the root hub "usb1" are "1-0:1.0" and so on.
 std::string InterfacePrefix(const std::string& id) {
     return (id.compare(0, 3, "usb") == 0 ? id.substr(3) + "-0" : id) + ':';
 }
@@ -66,7 +66,7 @@ TUsbDevice ReadDevice(const TSystemRoot& root, const std::string& id, const std:
     return device;
 }
 
-// Ids as the list of names has them.
+// The ids as they are written in usb.ids.
 std::string VendorId(const TUsbDevice& device) { return HexText(4, device.vendor.ValueOr(0)); }
 std::string ProductId(const TUsbDevice& device) {
     return VendorId(device) + '/' + HexText(4, device.product.ValueOr(0));

@@ -8,7 +8,7 @@
 
 #include "SystemRoot.h"
 
-/// A class, subclass and protocol, of a device or of an interface of it, and what the list of names calls the class.
+/// Class, subclass and protocol of a device or interface, and the name of the class in usb.ids.
 struct TUsbClass {
     TFact<uint8_t> code;
     TFact<uint8_t> subclass;
@@ -22,13 +22,13 @@ struct TUsbInterface {
 };
 
 struct TUsbDevice {
-    std::string id;          ///< bus and ports: "1-1.2"; "usb1" is a root hub
-    std::string hub;         ///< the id of the hub that it is plugged into; empty for a root hub
-    std::string controller;  ///< the address of the PCI function that a root hub belongs to; may be empty
+    std::string id;          ///< bus and ports, such as "1-1.2"; "usb1" for a root hub
+    std::string hub;         ///< the id of its hub; empty for a root hub
+    std::string controller;  ///< of a root hub: the address of its PCI function; may be empty
 
     TFact<uint16_t> vendor;
     TFact<uint16_t> product;
-    TFact<std::string> vendorName;   ///< from the list of names
+    TFact<std::string> vendorName;   ///< from usb.ids
     TFact<std::string> productName;  ///< likewise
     TFact<std::string> manufacturerText;
     TFact<std::string> productText;
@@ -53,11 +53,11 @@ TUsbFacts ReadUsb(const TSystemRoot& root);
 
 /// The hub of a device: "1-1.2" is plugged into "1-1", "1-1" into "usb1". Empty for a root hub.
 std::string HubOf(const std::string& id);
-/// "1.5", in millions of bits per second.
+/// Mbit/s such as "1.5", as bits per second.
 std::optional<uint64_t> ParseUsbSpeed(std::string_view text);
 /// "500mA"
 std::optional<uint32_t> ParseMilliAmperes(std::string_view text);
-/// Four digits with two decimals among them: "7200" is "72.00".
+/// bcdDevice: "7200" is the release "72.00".
 std::optional<std::string> ParseRelease(std::string_view text);
 
 #endif

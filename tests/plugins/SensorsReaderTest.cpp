@@ -16,7 +16,7 @@ TEST(SensorsReaderTest, PlacesDoNotDependOnTheOrderOfDrivers) {
         {"hwmon1", ""},
         {"", ""},
     };
-    for (const auto& [link, place] : cases) EXPECT_EQ(StablePlace(link, "chip"), place) << link;
+    for (const auto& [link, place] : cases) EXPECT_EQ(StableDevicePath(link, "chip"), place) << link;
 }
 
 TEST(SensorsReaderTest, WhatIsNoReadingSaysWhy) {
