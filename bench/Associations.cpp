@@ -18,7 +18,7 @@ void Expect(std::size_t found) {
 }
 
 #ifdef KYR_BENCH_SQLITE
-/// The same links as rows of a table without an index.
+/// The same associations as rows of an SQL table.
 class TSqliteLinks {
 public:
     TSqliteLinks(unsigned count, std::vector<std::string> starts) : fStarts(std::move(starts)) {
@@ -66,7 +66,7 @@ void RaceWalks(TTable& table, const std::string& name, unsigned count) {
 #ifdef KYR_BENCH_SQLITE
     const TSqliteLinks sqlite(count, links.StartPaths());
     race.contenders.push_back({"SQLite without index", [&sqlite] { Expect(sqlite.Walk()); }});
-    if (count == 10'000) race.bars.push_back({"SQLite without index", TBar::eTime, 0, 1 / 1.2});
+    if (count == 10'000) race.targets.push_back({"SQLite without index", TTarget::eTime, 0, 1 / 1.2});
 #endif
     table.Run(race);
 }

@@ -1,5 +1,5 @@
-// kyr-bench-collect [ROUNDS]: collects this machine and the large synthetic one, beside other tools. A program of its
-// own and a small one: the peak memory that the kernel tells of a process is never below that of the one it comes from.
+// kyr-bench-collect [ROUNDS]: collects this machine and the large synthetic one with kyr and with other tools. A small
+// program of its own, because the peak memory of a child is never below the size of the process it was forked from.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -17,10 +17,10 @@ namespace {
 struct TContender {
     const char* name;
     std::vector<const char*> command;
-    const char* root = nullptr;  ///< of the machine to collect, if not this one
+    const char* root = nullptr;  ///< of a recorded machine; null for this one
     double askedMilliseconds = 0;
     double askedMegabytes = 0;
-    int worstStatus = 0;  ///< of a run that has done its work
+    int worstStatus = 0;  ///< exit status up to which a run counts as successful
 };
 
 #define KYR_COLLECT KYR_PROGRAM, "collect", "--schema", KYR_SCHEMA, "--plugins"
@@ -32,7 +32,7 @@ const TContender kContenders[] = {
     {"kyr --json", {KYR_COLLECT, KYR_PLUGINS, "--json"}},
     {"lshw", {"lshw", "-quiet"}},
     {"lshw -json", {"lshw", "-quiet", "-json"}},
-    // All of its probes would ask the network for providers.
+    // Not all of its probes: some look for internet providers on the network.
     {"hwinfo",
      {"hwinfo", "--bios", "--cpu", "--memory", "--disk", "--partition", "--netcard", "--network", "--pci", "--usb"}},
     {"facter", {"facter", "--json"}, nullptr, 0, 0, 1},
@@ -41,8 +41,8 @@ const TContender kContenders[] = {
 
 struct TFigures {
     std::vector<double> milliseconds;
-    double processor = 0;  ///< of the last run, in milliseconds
-    double megabytes = 0;  ///< of the largest process
+    double processor = 0;  ///< CPU time of the last run, in milliseconds
+    double megabytes = 0;  ///< peak memory of the largest process
     bool failed = false;
 
     double Median() const {

@@ -23,7 +23,8 @@ constexpr std::size_t kBytes = 500'000;
 constexpr unsigned kRecords = 500;
 constexpr unsigned kLinks = 500;
 
-// Twice: memory is counted in the first run, which also warms what is made only once; instructions in the second.
+// Runs the case twice: the first run counts memory and fills what is initialised only once, the second counts
+// instructions.
 void Count(const TContender& work, const char* unit, double units) {
     work.prepare();
     TMemoryMeter meter;

@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-/// CIM-XML with classes, many qualifiers and long descriptions, of about that many bytes. The same text each time.
+/// A CIM-XML schema with many qualifiers and long descriptions, of about this size. The same text each time.
 std::string SchemaDocument(std::size_t bytes);
 
-/// CIM-XML with one class of 20 properties of all types, and instances that set about half of them: some 790 bytes
-/// for each. The same text each time.
+/// CIM-XML with one class of 20 properties of all types, and instances that set about half of them, about 790 bytes
+/// each. The same text each time.
 std::string DataDocument(unsigned instances);
 
-/// A writable copy of a text, with the NUL bytes in front and behind that the reader needs.
+/// A writable copy of a text with a NUL before and after it, as TXmlParser::Parse requires.
 class TEditableText {
 public:
     explicit TEditableText(const std::string& text);

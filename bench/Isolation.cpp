@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int kLeastRounds = 21;
-constexpr double kAsked = 5;  // milliseconds
+constexpr double kRequiredMilliseconds = 5;
 
 pid_t Spawn(const char* option) {
     const char* const arguments[] = {KYR_PROGRAM, "collect", "--plugins", SMALL_PLUGINS, option, nullptr};
@@ -26,7 +26,7 @@ pid_t Spawn(const char* option) {
     return process;
 }
 
-// On the wall's clock: the processes share the machine's processors.
+// In wall-clock time, because the processes run on several processors.
 double CollectOnce(const char* option) {
     const auto start = std::chrono::steady_clock::now();
     int status = -1;
@@ -53,5 +53,6 @@ void RaceIsolation(const TTable& table) {
     }
     const double added = Median(apart) - Median(together);
     std::printf("%-22s 20 small plugins: %.2f ms in processes of their own, %.2f ms in one; %.2f ms more, %.2f %s\n",
-                "isolation", Median(apart), Median(together), added, kAsked, added <= kAsked ? "met" : "missed");
+                "isolation", Median(apart), Median(together), added, kRequiredMilliseconds,
+                added <= kRequiredMilliseconds ? "met" : "missed");
 }

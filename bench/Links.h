@@ -8,16 +8,16 @@
 
 class TCIMInstance;
 
-/// A container with count ends of either kind and count instances of an association, each of which ties one end of
-/// the one kind to one of the other.
+/// A container with two classes of `count` instances each, and `count` instances of an association between them.
 class TLinks {
 public:
     explicit TLinks(unsigned count);
 
-    /// Walks from a few ends, evenly chosen; each walk looks at every link. Gives what was found: one for each walk.
+    /// Follows the association from kWalks instances; each walk visits every instance of the association. Returns how
+    /// many results were found, which is one for each walk.
     std::size_t WalkReferences() const;
     std::size_t WalkAssociators() const;
-    /// The object paths of the ends from which the walks start.
+    /// The object paths of the instances from which the walks start.
     std::vector<std::string> StartPaths() const;
 
 private:

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 
-// The C library's own functions behind the names that this file takes over.
+// The allocator of the C library, under the names that stay available when this file replaces malloc and the others.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -3,8 +3,7 @@
 
 #include <cstddef>
 
-/// Counts what the whole process allocates between its construction and Stop, whoever allocates: the program's malloc
-/// is its own.
+/// Counts the allocations of the whole process from construction to Stop. The program replaces malloc for this.
 class TMemoryMeter {
 public:
     TMemoryMeter();
@@ -14,7 +13,7 @@ public:
 
     void Stop();
     std::size_t Allocations() const;
-    /// The most that was allocated at any one time, in bytes.
+    /// The maximum of allocated bytes at any time.
     std::size_t Peak() const;
 };
 

@@ -38,7 +38,7 @@ void ParseWithExpat(const std::string& document) {
     XML_SetElementHandler(
         parser, [](void*, const XML_Char*, const XML_Char**) {}, [](void*, const XML_Char*) {});
     XML_SetCharacterDataHandler(parser, [](void*, const XML_Char*, int) {});
-    // In pieces, as a program would that reads a file; of one large text expat makes a copy.
+    // In pieces, like a program that reads a file; expat would copy one large text.
     constexpr std::size_t kPiece = 65'536;
     for (std::size_t at = 0; at < document.size(); at += kPiece) {
         const std::size_t size = std::min(kPiece, document.size() - at);

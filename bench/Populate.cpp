@@ -26,7 +26,7 @@ private:
     std::filesystem::path fPath;
 };
 
-/// What a round fills; it lives until the round's end, so that tearing down is off the clock.
+/// What a round fills. It is destroyed after the timed part.
 struct TRound {
     std::unique_ptr<TEditableText> text;
     std::unique_ptr<TContainer> container;
@@ -57,12 +57,12 @@ void RacePopulate(TTable& table, const std::string& name, const std::string& doc
 #ifdef KYR_BENCH_LIBXML2
     race.contenders.push_back({"libxml2 tree", [round, &document] { round->tree = BuildLibxml2Tree(document); }, [] {},
                                [round] { round->Clear(); }});
-    race.bars = {{"libxml2 tree", TBar::eTime, 1, name == "populate schema" ? 2.5 : 4.0},
-                 {"libxml2 tree", TBar::eMemory, 3, 4}};
+    race.targets = {{"libxml2 tree", TTarget::eTime, 1, name == "populate schema" ? 2.5 : 4.0},
+                    {"libxml2 tree", TTarget::eMemory, 3, 4}};
 #endif
 #ifdef KYR_BENCH_EXPAT
     race.contenders.push_back({"expat, empty handlers", [&document] { ParseWithExpat(document); }});
-    race.bars.push_back({"expat, empty handlers", TBar::eTime, 0, 1.25});
+    race.targets.push_back({"expat, empty handlers", TTarget::eTime, 0, 1.25});
 #endif
     table.Run(race);
 }

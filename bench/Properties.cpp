@@ -44,7 +44,7 @@ TJson Records(unsigned count) {
 }
 #endif
 
-volatile std::size_t gSink;  // keeps results that nobody else reads
+volatile std::size_t gSink;  // results are stored here, so that the compiler cannot remove their computation
 
 void RaceBuilding(TTable& table, unsigned count) {
     const auto ours = std::make_shared<std::unique_ptr<TRecords>>();
@@ -55,21 +55,21 @@ void RaceBuilding(TTable& table, unsigned count) {
     const auto json = std::make_shared<TJson>();
     race.contenders.push_back(
         {"nlohmann::json insertion", [json, count] { *json = Records(count); }, [] {}, [json] { *json = nullptr; }});
-    race.bars = {{"nlohmann::json insertion", TBar::eTime, 0.25, 1 / 1.15},
-                 {"nlohmann::json insertion", TBar::eMemory, 0, 1}};
+    race.targets = {{"nlohmann::json insertion", TTarget::eTime, 0.25, 1 / 1.15},
+                    {"nlohmann::json insertion", TTarget::eMemory, 0, 1}};
 #endif
     table.Run(race);
 }
 
 void RaceDisplay(TTable& table, unsigned count) {
     TRecords records;
-    records.Add(count + 1);  // the last one stays open
+    records.Add(count + 1);  // the last one is not closed
     TRace race{"display records", "property", 1.0 * count * kPropertiesInRecord};
     race.contenders = {{"kyrcore, ToString", [&records] { gSink = records.DisplayAll(); }}};
 #ifdef KYR_BENCH_NLOHMANN
     const TJson json = Records(count);
     race.contenders.push_back({"nlohmann::json dump", [&json] { gSink = json.dump().size(); }});
-    race.bars = {{"nlohmann::json dump", TBar::eTime, 0.5, 1}};
+    race.targets = {{"nlohmann::json dump", TTarget::eTime, 0.5, 1}};
 #endif
     table.Run(race);
 }

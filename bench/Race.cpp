@@ -22,7 +22,7 @@ struct TFigures {
     }
 };
 
-// The processor's time, so that other work on the machine does not count.
+// CPU time, so that other load on the machine does not count.
 double Now() {
     timespec now;
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
@@ -65,21 +65,21 @@ void PrintLine(const TRace& race, std::size_t i, const std::vector<TFigures>& fi
                 figures[i].allocations);
 }
 
-std::string Met(const TBar& bar, double ratio, double limit) {
+std::string Met(const TTarget& target, double ratio, double limit) {
     if (limit == 0) return "-";
     char text[32];
     std::snprintf(text, sizeof text, "%.2f %s", limit,
-                  (bar.measure == TBar::eGrowth ? ratio <= limit : ratio >= limit) ? "met" : "missed");
+                  (target.measure == TTarget::eGrowth ? ratio <= limit : ratio >= limit) ? "met" : "missed");
     return text;
 }
 
-std::string Judge(const TRace& race, const TBar& bar, const TFigures& peer, const TFigures& ours) {
+std::string Judge(const TRace& race, const TTarget& target, const TFigures& peer, const TFigures& ours) {
     static const char* const kMeasures[] = {"time", "memory", "growth"};
-    const double ratio = bar.measure == TBar::eMemory ? peer.peak / ours.peak : peer.Median() / ours.Median();
+    const double ratio = target.measure == TTarget::eMemory ? peer.peak / ours.peak : peer.Median() / ours.Median();
     char text[160];
-    std::snprintf(text, sizeof text, "%-22s %-26s %-8s %6.2f  %-14s %-14s", race.name.c_str(), bar.peer.c_str(),
-                  kMeasures[bar.measure], ratio, Met(bar, ratio, bar.asked).c_str(),
-                  Met(bar, ratio, bar.hoped).c_str());
+    std::snprintf(text, sizeof text, "%-22s %-26s %-8s %6.2f  %-14s %-14s", race.name.c_str(), target.peer.c_str(),
+                  kMeasures[target.measure], ratio, Met(target, ratio, target.required).c_str(),
+                  Met(target, ratio, target.wanted).c_str());
     return text;
 }
 
@@ -98,15 +98,16 @@ void TTable::Run(const TRace& race) {
     }
 
     for (std::size_t i = 0; i < figures.size(); ++i) PrintLine(race, i, figures);
-    for (const TBar& bar : race.bars) {
+    for (const TTarget& target : race.targets) {
         for (std::size_t i = 0; i < figures.size(); ++i) {
-            if (race.contenders[i].name == bar.peer) fBars.push_back(Judge(race, bar, figures[i], figures.front()));
+            if (race.contenders[i].name == target.peer)
+                fTargets.push_back(Judge(race, target, figures[i], figures.front()));
         }
     }
     std::fflush(stdout);
 }
 
-void TTable::PrintBars() const {
+void TTable::PrintTargets() const {
     std::printf("\n%-22s %-26s %-8s %6s  %-14s %-14s\n", "race", "beside", "in", "x ours", "asked", "hoped");
-    for (const std::string& bar : fBars) std::printf("%s\n", bar.c_str());
+    for (const std::string& target : fTargets) std::printf("%s\n", target.c_str());
 }

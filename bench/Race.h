@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// One way to do the work of a race. Only run is on the clock; prepare comes before it and finish behind it.
+/// One program or library in a comparison. Only `run` is timed; `prepare` is called before it and `finish` after it.
 struct TContender {
     std::string name;
     std::function<void()> run;
@@ -13,40 +13,40 @@ struct TContender {
     std::function<void()> finish = [] {};
 };
 
-/// What a race is held to: how many times the peer's figure is ours. First what is asked for, 0 for nothing, then what
-/// is hoped for.
-struct TBar {
+/// A target of a comparison: the figure of a peer divided by ours must be at least `required` (0: no requirement) and
+/// should be `wanted`.
+struct TTarget {
     std::string peer;
-    enum EMeasure { eTime, eMemory, eGrowth } measure;  ///< eGrowth: the time again, but less is better
-    double asked;
-    double hoped;
+    enum EMeasure { eTime, eMemory, eGrowth } measure;  ///< eGrowth: time, but the quotient must be at most that
+    double required;
+    double wanted;
 };
 
-/// The same work done in several ways, in turns, so that whatever slows the machine slows them all.
+/// The same work done by several contenders in turns, so that other load on the machine slows them all alike.
 struct TRace {
     std::string name;
-    std::string unit;  ///< of what one run does: "byte" gives MB/s, any other name nanoseconds for each
-    double amount;     ///< how many units one run does
+    std::string unit;  ///< what one run processes: bytes are shown as MB/s, any other unit as nanoseconds for each
+    double amount;     ///< how many units one run processes
     std::vector<TContender> contenders = {};  ///< ours first
-    std::vector<TBar> bars = {};
+    std::vector<TTarget> targets = {};
 };
 
-/// Runs races and prints one line for each contender, with the median of its rounds.
+/// Runs comparisons and prints one line for each contender with the median of its rounds.
 class TTable {
 public:
     TTable(int rounds, std::string filter);
 
     void Run(const TRace& race);
-    /// How the bars were met.
-    void PrintBars() const;
+    /// Prints which targets were met.
+    void PrintTargets() const;
     int Rounds() const { return fRounds; }
-    /// Whether a race of that name is wanted; asked before costly preparations.
+    /// Whether the filter selects this comparison; to be called before costly preparations.
     bool Wants(const std::string& race) const { return race.find(fFilter) != std::string::npos; }
 
 private:
     int fRounds;
     std::string fFilter;
-    std::vector<std::string> fBars;
+    std::vector<std::string> fTargets;
 };
 
 #endif

@@ -6,14 +6,14 @@
 void RaceTokenisers(TTable& table);
 void RacePopulating(TTable& table, unsigned instances);
 void RaceProperties(TTable& table, unsigned records);
-/// With large, up to 1,000,000 instances, which takes some gigabytes.
+/// With `large` up to 1,000,000 instances, which needs several gigabytes of memory.
 void RaceScale(TTable& table, bool large);
 void RaceAssociations(TTable& table);
-/// What processes of their own cost 20 small plugins of the reference host.
+/// What it costs kyr to run each of 20 small plugins in a process of its own.
 void RaceIsolation(const TTable& table);
 
-/// Does each counted piece of work once for instructions, which callgrind dumps under the case's name, and once for
-/// memory; prints a line "case|unit|units|allocations|peak bytes" for each.
+/// Runs each case twice, once to count its memory and once for callgrind, which dumps the instructions under the name
+/// of the case. Prints a line "case|unit|units|allocations|peak bytes" for each.
 void PrintCounted();
 
 #endif

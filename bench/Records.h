@@ -17,11 +17,11 @@ public:
     TRecords(const TRecords&) = delete;
     TRecords& operator=(const TRecords&) = delete;
 
-    /// Adds instances, each with all its properties. The last one stays open until the next call.
+    /// Adds instances with all properties. The last one is stored by the next call only.
     void Add(unsigned count);
-    /// Sets one number of the open instance that often.
+    /// Sets one number of the current instance repeatedly.
     void SetOneProperty(unsigned times);
-    /// Makes the display text of every property of every closed instance; gives their length together.
+    /// Makes the display text of every property of every stored instance; returns the sum of their lengths.
     std::size_t DisplayAll() const;
 
 private:

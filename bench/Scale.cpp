@@ -20,12 +20,12 @@ void RaceScale(TTable& table, bool large) {
         store->Add(count);
         const std::string name = std::to_string(count) + " stored";
         sets.contenders.push_back({name, [store] { store->SetOneProperty(kSets); }});
-        sets.bars.push_back({name, TBar::eGrowth, 1.25, 1.1});
+        sets.targets.push_back({name, TTarget::eGrowth, 1.25, 1.1});
         additions.contenders.push_back({name, [store] { store->Add(kNewInstances); }});
-        additions.bars.push_back({name, TBar::eGrowth, 2, 1.25});
+        additions.targets.push_back({name, TTarget::eGrowth, 2, 1.25});
     }
-    sets.bars.erase(sets.bars.begin());  // the smallest store is what the others are held to
-    additions.bars.erase(additions.bars.begin());
+    sets.targets.erase(sets.targets.begin());  // the smallest is what the others are compared with
+    additions.targets.erase(additions.targets.begin());
     table.Run(sets);
     table.Run(additions);
 }

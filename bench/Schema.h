@@ -15,10 +15,10 @@ struct TField {
 };
 
 TCIMValue NullOf(TCIMValue::TCIMType::ECIMType type);
-/// A NULL reference to instances of the class.
+/// A NULL reference to the class, for a declaration.
 TCIMValue NullReferenceTo(TCIMClass& cls);
 
-/// Adds a class to the container; its first keys fields are its keys.
+/// Adds a class to the container; the first `keys` fields are its keys.
 TCIMClass& DeclareClass(TContainer& container, const std::string& name, const std::vector<TField>& fields,
                         std::size_t keys, bool isAssociation = false);
 

@@ -1,7 +1,7 @@
 #ifndef KYR_BENCH_TOKENISER_H
 #define KYR_BENCH_TOKENISER_H
 
-/// Runs our tokeniser over a text with callbacks that do nothing.
+/// Runs TXmlParser over a text with empty callbacks.
 void Tokenise(char* text);
 
 #endif

@@ -66,5 +66,5 @@ int main(int argc, char** argv) {
     RaceScale(table, options.large);
     RaceAssociations(table);
     RaceIsolation(table);
-    table.PrintBars();
+    table.PrintTargets();
 }

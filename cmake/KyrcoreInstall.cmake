@@ -1,5 +1,5 @@
-# What find_package(kyrcore) and an administrator need: headers, the shared library, the host and the plugins.
-# The base document is installed where it stands, in schema/.
+# Installs headers, the shared library, the host, the plugins and the package files for find_package(kyrcore).
+# schema/CMakeLists.txt installs the base document.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

@@ -1,8 +1,8 @@
 # Warnings and definitions that every target of the project is built with.
 add_library(kyrcore_options INTERFACE)
 
-# Assertions are part of the interface: they stay in every build type, so the -DNDEBUG of CMake's own types is
-# taken back.
+# Assertions are part of the interface, so that every build type has them: -UNDEBUG undoes the -DNDEBUG of CMake's own
+# types.
 target_compile_options(kyrcore_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wvla -UNDEBUG
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)
@@ -10,7 +10,7 @@ if(KYRCORE_WERROR)
   target_compile_options(kyrcore_options INTERFACE -Werror)
 endif()
 
-# Instrumentation is for the whole tree, plugins included: an instrumented library in a plain host does not start.
+# The whole tree is instrumented, plugins included: a host without the runtime cannot load an instrumented library.
 if(KYRCORE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)

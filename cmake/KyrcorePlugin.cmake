@@ -1,7 +1,7 @@
 # kyrcore_add_plugin(<name> SOURCES <file>... DOCUMENT <file> [OUTPUT <folder>])
 #
-# Builds a plugin: plugins/<name>/lib<name>.pi.so with its document beside it as <name>.properties.xml. OUTPUT is the
-# plugin root to build into, the build tree's plugins/ unless told.
+# Builds a plugin, plugins/<name>/lib<name>.pi.so, and copies its document to <name>.properties.xml beside it. OUTPUT is
+# the plugin root; the default is plugins/ in the build tree.
 function(kyrcore_add_plugin name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "DOCUMENT;OUTPUT" "SOURCES")
   if(name MATCHES "lib")
@@ -16,10 +16,10 @@ function(kyrcore_add_plugin name)
   endif()
   set(folder ${arg_OUTPUT}/${name})
 
-  # Linked against the core, so that it loads in whichever scope the host has opened the core in.
+  # Linked with the core, so that it loads even if the host has opened the core with RTLD_LOCAL.
   add_library(${name}_plugin MODULE ${arg_SOURCES})
   target_link_libraries(${name}_plugin PRIVATE kyrcore::kyrcore $<TARGET_NAME_IF_EXISTS:kyrcore_options>)
-  # Some calls of the core let a C++ exception pass through the plugin's frames.
+  # Some calls of the core raise C++ exceptions, which pass through the frames of a plugin written in C.
   target_compile_options(${name}_plugin PRIVATE $<$<COMPILE_LANGUAGE:C>:-fexceptions>)
   target_link_options(${name}_plugin PRIVATE -Wl,--no-undefined)
   set_target_properties(${name}_plugin PROPERTIES OUTPUT_NAME ${name} PREFIX lib SUFFIX .pi.so

@@ -1,7 +1,6 @@
-// The C calls, as a plugin makes them in one data callback. Each byte picks a call, and what follows are its
-// parameters: a byte picks a name or one of three arrays, references and date-times, numbers are of eight bytes, and
-// texts have their length in front. What has not been made is a null. Calls that test a parameter get it left out,
-// too; others do not.
+// The C calls that a plugin makes in one data callback. A byte selects the call, and its parameters follow: a byte
+// selects a name or one of three arrays, references or date-times, numbers have eight bytes, and texts are preceded by
+// their length. Objects that were not created are null. Null is passed only for parameters that a call checks.
 #include <algorithm>
 #include <cstdint>
 #include <tuple>
@@ -19,10 +18,10 @@
 
 namespace {
 
-/// References are copied deep, by design: a reference in two keys of the next one, and so on, doubles each time.
+/// Limits nesting: references are copied deeply, so that using one in two keys of the next doubles the size each time.
 constexpr int kMaxNestings = 16;
 
-/// One data callback with what the plugin holds in it.
+/// One data callback, with the objects that the plugin has created in it.
 class TSession {
 public:
     TSession() = default;
@@ -51,7 +50,7 @@ TSession::~TSession() {
     EmptyCallsContainer();
 }
 
-/// A call that lets no exception pass.
+/// A call that must not raise.
 template <typename TCall>
 kyrStatusCode Call(TCall&& call) {
     const kyrStatusCode status = call();
@@ -59,7 +58,7 @@ kyrStatusCode Call(TCall&& call) {
     return status;
 }
 
-/// A call that may let exceptions of the core pass.
+/// A call that may raise exceptions of the core.
 template <typename TCall>
 kyrStatusCode CallThatRaises(TCall&& call) {
     kyrStatusCode status = kyrStatusOK;
@@ -67,7 +66,7 @@ kyrStatusCode CallThatRaises(TCall&& call) {
     return raised != kyrStatusOK ? raised : status;
 }
 
-/// Replaces what is in the place.
+/// Deletes the object in the slot and creates a new one.
 template <typename TObject, typename TMake>
 void Renew(TObject*& place, kyrStatusCode (*remove)(TObject*), TMake&& make) {
     if (place != nullptr) remove(place);
@@ -75,7 +74,7 @@ void Renew(TObject*& place, kyrStatusCode (*remove)(TObject*), TMake&& make) {
     Require(Call([&] { return make(&place); }) == kyrStatusOK && place != nullptr, "what is made is there");
 }
 
-/// The calls that set a property; set gets its name.
+/// Runs a call that sets a property; `set` gets the name.
 template <typename TSet>
 void Add(TSession& session, TByteReader& input, TSet&& set) {
     const char* const name = input.Pick(kPropertyNames);
@@ -113,7 +112,7 @@ void BindNumber(TSession& session, TByteReader& input) {
     Call([&] { return kCall(reference, key, static_cast<TNumber>(input.Number())); });
 }
 
-// What can be read as a parameter. A text lives as long as its call.
+// Readers of the parameter types. A text lives as long as its call.
 struct TText {
     std::string text;
     operator const char*() const { return text.c_str(); }
@@ -127,7 +126,7 @@ const char* ClassName(TSession&, TByteReader& input) { return input.Pick(kClassN
 const char* Key(TSession&, TByteReader& input) { return input.Pick(kPropertyNames); }
 TText Text(TSession&, TByteReader& input) { return {input.Text()}; }
 
-/// The call with the parameters, which are read in their order.
+/// Reads the parameters in order and makes the call.
 template <auto kCall, auto... kRead>
 kyrStatusCode Pass(TSession& session, TByteReader& input) {
     const std::tuple parameters{kRead(session, input)...};
@@ -147,7 +146,7 @@ void AddRead(TSession& session, TByteReader& input) {
 
 using TOperation = void (*)(TSession&, TByteReader&);
 
-// In the order of the header.
+// In the order of kyrPlugin.h.
 constexpr TOperation kOperations[] = {
     [](TSession& session, TByteReader& input) {
         const auto severity = static_cast<kyrLogSeverity>(input.Byte());
@@ -177,7 +176,7 @@ constexpr TOperation kOperations[] = {
         });
     },
     [](TSession& session, TByteReader& input) {
-        // Which this call does not test.
+        // This call does not check that there is a current instance.
         if (session.fHandle.fCurrentInstance != nullptr) AddRead<kyrAddArrayProperty, Array>(session, input);
     },
 
@@ -252,7 +251,7 @@ constexpr TOperation kOperations[] = {
     Run<kyrSetDateTimeString, Time, Text>,
 };
 
-/// As the core does behind a data entry. An instance that cannot be closed is nobody's, unless it was stored before.
+/// Like the core after a data callback: an instance that cannot be stored is freed, unless a class owns it already.
 void EndCallback(kyriIOHandle& handle) {
     if (StatusOf([&] { handle.CloseCurrentInstance(); }) == kyrStatusOK) return;
     const TCIMInstance* const open = handle.fCurrentInstance;

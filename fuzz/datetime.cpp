@@ -1,5 +1,5 @@
-// Date-times and their arithmetic. The first byte picks the time zone; two date-times follow. A byte picks the kind of
-// each: 0 text of 25 bytes, 1 the fields of a timestamp, 2 those of an interval, 3 NULL.
+// Date-times and their arithmetic. The first byte selects the time zone; two date-times follow. The first byte of each
+// is its kind: 0 a text of 25 bytes, 1 the fields of a timestamp, 2 the fields of an interval, 3 NULL.
 #include <cstdint>
 #include <cstdlib>
 #include <ctime>
@@ -9,7 +9,8 @@
 
 namespace {
 
-// Whole rules, so that no zone file is needed. The fourth has its summer time in winter, the fifth half an hour of it.
+// Complete rules, so that no zone file is needed. The fourth has negative daylight saving time, in winter; the fifth
+// shifts by half an hour.
 char gZones[][64] = {
     "TZ=UTC0",
     "TZ=CET-1CEST,M3.5.0,M10.5.0/3",
@@ -28,7 +29,7 @@ bool Succeeds(TAction&& action) {
     return status == kyrStatusOK;
 }
 
-/// A 25-character text as it comes back: the days of intervals are cut to 16 bits, and a zero offset is positive.
+/// What a 25-character text is printed as: the days of intervals are cut to 16 bits, and a zero offset is positive.
 std::string Reprinted(std::string text) {
     if (text.substr(21) == "-000") text[21] = '+';
     if (text[21] != ':') return text;
@@ -117,11 +118,11 @@ bool Compute(TCIMDateTime& result, TOperation&& operation) {
     return Succeeds([&] { result = operation(); });
 }
 
-/// In universal time, with fields within bounds: what was added is what lies between.
+/// In UTC and with fields in range, (a + b) - a is b.
 void CheckDifference(const TCIMDateTime& time, const TCIMDateTime& interval, const TCIMDateTime& sum) {
     const bool isPlain = time.GetYear() >= 1970 && time.GetYear() < 10000 && time.GetMonth() >= 1 && time.GetDay() >= 1;
     if (!isPlain || time.GetMonth() > 12 || time.GetDay() > 31) return;
-    if (interval.GetDay() > 49000) return;  // the seconds of longer ones wrap
+    if (interval.GetDay() > 49000) return;  // longer ones wrap at 32 bits of seconds
     Require(sum - time == interval, "the difference from a sum is what was added");
 }
 

@@ -1,5 +1,5 @@
-// The display of a property. The first line is its value, as ReadValueLine has it, and gives its type; each further
-// line is a qualifier of its declaration: a digit that picks the name, then the qualifier's value in the same form.
+// The display of a property. The first line is its value in the form of ReadValueLine; each further line is a qualifier
+// of the declaration: a digit that selects the name, then the value in the same form.
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -18,7 +18,7 @@ constexpr const char* kQualifiers[] = {
     "NULLDISPLAY", "UNITS", "DISPLAYFIXEDUNITS", "DISPLAYCPUTIME", "ABBREVIATEUNITS", "BASE", "Values", "ValueMap"};
 constexpr unsigned char kFirstQualifier = '0';
 
-/// A property declaration of its own and the qualifiers on it.
+/// A property declaration and its qualifiers.
 class TDeclared {
 public:
     TDeclared(const TCIMValue& value, TByteReader& input) : fDeclaration("Shown", fClass, value) {
@@ -55,7 +55,7 @@ std::string NullText(const TCIMPropertyDecl& declaration) {
     return text.IsNull() ? "" : static_cast<std::string>(text);
 }
 
-/// Runs one form of the display and tells whether there is one.
+/// Runs one display function; false if it raises.
 template <typename TForm>
 bool Shows(TForm&& form) {
     const kyrStatusCode status = StatusOf(form);

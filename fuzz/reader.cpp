@@ -1,5 +1,5 @@
-// The tokeniser with the CIM-XML reader on it. The input is a document; documents of odd length are read in the mode
-// that takes the types of an instance's properties from their declarations.
+// The CIM-XML parser. The input is a document; a document of odd length is parsed in TR907 mode, in which instance
+// properties have the type of their declarations.
 #include <algorithm>
 #include <cctype>
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Runs the files named, and all below the folders named, through a fuzz target, each once. The last name on standard
-// error is the one that failed.
+// Runs a fuzz target once for each file given and each file below the folders given. The last file name on standard
+// error is that of the failure.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -25,7 +25,7 @@ bool Replay(const std::filesystem::path& file) {
     std::fprintf(stderr, "%s\n", file.c_str());
     std::ifstream stream(file, std::ios::binary);
     if (!stream) return false;
-    // Of the exact size, so that reading behind it shows.
+    // Of the exact size, so that ASan detects a read past the end.
     const std::vector<std::uint8_t> input{std::istreambuf_iterator<char>(stream), {}};
     LLVMFuzzerTestOneInput(input.data(), input.size());
     return true;
@@ -36,7 +36,7 @@ bool Replay(const std::filesystem::path& file) {
 int main(int count, char** arguments) {
     std::size_t replayed = 0;
     for (int i = 1; i < count; ++i) {
-        if (!std::filesystem::exists(arguments[i])) continue;  // a target without findings has no folder of them
+        if (!std::filesystem::exists(arguments[i])) continue;  // a target without findings has no such folder
         for (const std::filesystem::path& file : FilesOf(arguments[i])) {
             if (!Replay(file)) return 1;
             ++replayed;

@@ -1,4 +1,4 @@
-// The firmware's table of hardware: an entry point of 32 bytes, and the table behind it.
+// The SMBIOS parser: an entry point of 32 bytes, followed by the table.
 #include <algorithm>
 #include <cstdint>
 

@@ -1,4 +1,5 @@
-// Values from text: two lines, a value each, as ReadValueLine has them; a third line is the text of a value-map entry.
+// Values made from text: two lines with a value each, in the form of ReadValueLine; the third line is an entry of a
+// ValueMap.
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
@@ -46,7 +47,8 @@ bool IsUnsigned(TType type) {
            type == TType::eCIMUint64;
 }
 
-/// Six digits tell a real apart only as long as all of its digits count.
+/// True for a value so close to 0 that it may have less than six significant digits: its text need not read back the
+/// same.
 bool IsDenormal(const TCIMValue& value) {
     const double number = value.GetType() == TType::eCIMReal32 ? static_cast<double>(static_cast<float>(value))
                                                                : static_cast<double>(value);

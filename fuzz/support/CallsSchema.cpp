@@ -15,7 +15,7 @@ namespace {
 
 const std::string kKey = "<QUALIFIER NAME='Key' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>";
 
-// Those that come as text.
+// The types whose values can be made from text.
 constexpr const char* kTypes[] = {"boolean", "uint8",  "sint8",  "uint16", "sint16", "uint32",  "sint32",
                                   "uint64",  "sint64", "real32", "real64", "string", "datetime"};
 
@@ -68,7 +68,7 @@ std::unique_ptr<TContainer>& Container() {
     return container;
 }
 
-/// False if an instance stays: one whose keys have changed since it was stored.
+/// False if an instance is left, because its keys have changed since it was stored.
 bool RemoveInstances(TCIMClass& cls) {
     std::vector<TCIMInstance*> left = cls.EnumerateInstances(false);
     while (!left.empty()) {
@@ -82,7 +82,7 @@ bool RemoveInstances(TCIMClass& cls) {
 
 bool RemoveAllInstances(const TContainer& container) {
     std::vector<TCIMClass*> classes = container.GetRootClass()->EnumerateSubClasses(true);
-    classes.push_back(container.GetRootClass());  // which takes instances, too
+    classes.push_back(container.GetRootClass());  // it may have instances too
     return std::all_of(classes.begin(), classes.end(), [](TCIMClass* cls) { return RemoveInstances(*cls); });
 }
 

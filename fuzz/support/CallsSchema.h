@@ -3,14 +3,14 @@
 
 class TContainer;
 
-/// The container of all sessions, with the schema of the calls: a class F_All with a property of each type, named by
-/// it, and an array of each, named by it in the plural; F_Sub below it; F_Keys with a key of each type; F_Link, an
-/// association of these, and F_Outer below it, which points to F_Link; F_Abstract.
+/// The container of all runs. Its schema: F_All with a property of each type and an array of each, named by the type in
+/// singular and plural; its subclass F_Sub; F_Keys with a key of each type; F_Link, an association between these; its
+/// subclass F_Outer, which refers to F_Link; F_Abstract.
 TContainer& CallsContainer();
-/// Leaves the schema alone in it, for the next session.
+/// Removes all instances, for the next run.
 void EmptyCallsContainer();
 
-// What the calls are given. Some fit nothing, and a null stands for the parameter left out.
+// Parameters for the calls, including invalid ones and null.
 constexpr const char* kClassNames[] = {"F_All", "f_sub",  "F_Keys", "F_Link",  "F_Abstract",
                                        "F_No",  "F_Key!", "",       "F_Outer", nullptr};
 // clang-format off

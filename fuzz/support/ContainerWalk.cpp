@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Most values are NULL; what exceptions for all of them cost would slow the fuzzer down.
+/// Avoids the exceptions for NULL values: most values are NULL, and the exceptions would slow the fuzzer down.
 void Print(const TCIMValue& value) {
     if (!value.IsNull()) StatusOf([&] { value.ToString(10); });
 }

@@ -4,11 +4,11 @@
 class TCIMClass;
 class TContainer;
 
-/// The empty name is the root class's, whatever other class has taken it.
+/// True if a look-up of the class's name gives the class; for an empty name, if it gives the root class.
 bool IsFoundUnderItsName(const TCIMClass& cls);
 
-/// Visits everything in a container and shows every value. Whether the keys of instances are those under which their
-/// classes have filed them is for the caller to know.
+/// Visits everything in a container and displays every value. The caller says whether each instance can still be found
+/// by its present keys.
 void WalkContainer(const TContainer& container, bool isFiledByKeys);
 
 #endif

@@ -12,8 +12,9 @@ bool OpensValue(std::string_view text, std::size_t quote) {
     return before != text.npos && text[before] == '=';
 }
 
-/// By design the tokeniser does not return from an attribute value that is not closed before the end of the text. Only
-/// a last quote of its kind can open such a value, and no markup follows it, for that would be refused.
+/// Compatibility: the parser loops forever on an attribute value without a closing quote; see docs/oddities.md. Only
+/// the last quote of its kind in a document can open such a value, and only if no markup follows, which would be an
+/// error.
 bool EndsInAttributeValue(std::string_view text) {
     const std::size_t markup = text.find_last_of("<&");
     const std::string_view tail = markup == text.npos ? text : text.substr(markup);
@@ -24,7 +25,7 @@ bool EndsInAttributeValue(std::string_view text) {
     return false;
 }
 
-/// Whether the tag that begins here is that of an empty element.
+/// True if the tag that begins here is an empty-element tag.
 bool IsEmptyTag(std::string_view text, std::size_t begin) {
     constexpr std::string_view marks = "<>\"'";
     for (std::size_t at = text.find_first_of(marks, begin + 1); at < text.size();) {
@@ -37,8 +38,8 @@ bool IsEmptyTag(std::string_view text, std::size_t begin) {
     return false;
 }
 
-/// The reader calls itself for each level: by design the stack is the only limit. Comments and instructions that hold
-/// tags may make this count wrong, though not by more than documents of a fuzzer's size can use.
+/// The parser recurses for each nesting level, limited by the stack only. The count may be wrong where comments or
+/// processing instructions contain tags, but not by enough to matter for documents of this size.
 int DepthOf(std::string_view text) {
     int depth = 0;
     int deepest = 0;

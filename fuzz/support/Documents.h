@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-/// Whether the reader comes back from the document, and within a modest stack. Errs on the side of caution.
+/// False if the parser might not return from the document or might need a deep stack.
 bool IsReadable(std::string_view document);
 
-/// A writable document with a NUL in front and another behind, as the tokeniser wants it, and not a byte more.
+/// A writable document with a NUL before and after it, as TXmlParser::Parse requires, in a buffer of exactly this size.
 class TDocumentText {
 public:
     explicit TDocumentText(std::string_view document);

@@ -12,10 +12,10 @@
 
 class TContainer;
 
-/// Ends the process unless the property holds: a finding.
+/// Aborts if the condition is false, which libFuzzer reports as a finding.
 void Require(bool holds, const char* property);
 
-/// What an action raised, kyrStatusOK for nothing. Any other exception passes, and is a finding.
+/// The status that an action raised; kyrStatusOK if none. Any other exception is a finding.
 template <typename TAction>
 kyrStatusCode StatusOf(TAction&& action) {
     try {
@@ -27,7 +27,7 @@ kyrStatusCode StatusOf(TAction&& action) {
     return kyrStatusOK;
 }
 
-/// The core's log for the length of one run: empty at its beginning and behind it, with nothing left out.
+/// Gives a run an empty core log of all severities, and empties it afterwards.
 class TRunLog {
 public:
     TRunLog();
@@ -38,20 +38,20 @@ public:
     std::list<ILogger::TLogEntry>& Entries() const { return TRootObject::GetCoreLogger()->GetLog(); }
 };
 
-/// Takes an input apart. Behind its end come zeros and empty texts.
+/// Reads an input piece by piece. After its end come zeros and empty texts.
 class TByteReader {
 public:
     TByteReader(const std::uint8_t* data, std::size_t size) : fNext(data), fEnd(data + size) {}
 
     bool IsAtEnd() const { return fNext == fEnd; }
     std::uint8_t Byte() { return IsAtEnd() ? std::uint8_t{0} : *fNext++; }
-    /// Eight bytes, the lowest first.
+    /// Eight bytes in little-endian order.
     std::uint64_t Number();
-    /// At most as many bytes.
+    /// At most this many bytes.
     std::string Bytes(std::size_t count);
-    /// Up to the next line feed, which is taken and left out.
+    /// The text up to the next line feed, which is consumed.
     std::string Line();
-    /// A length byte, of which 5 bits count, and the text.
+    /// A text preceded by a length byte, modulo 32.
     std::string Text() { return Bytes(Byte() % 32); }
     template <typename T, std::size_t kSize>
     T& Pick(T (&table)[kSize]) {
@@ -63,12 +63,12 @@ private:
     const std::uint8_t* fEnd;
 };
 
-/// Whether values of the type can be made from text.
+/// True if values of the type can be made from text.
 bool HasTextForm(TCIMValue::TCIMType type);
 
-/// A value written as a line. Its first character is the type, the ECIMType in the lower 5 bits: 'A' is boolean, 'B'
-/// uint8, 'M' string, 'Q' an array of boolean. Then comes the text; "~" is NULL, and '|' stands between elements.
-/// Raises what making the value raises.
+/// Makes a value from a line. The first character is the type, an ECIMType in its lower 5 bits: 'A' is boolean, 'B'
+/// uint8, 'M' string, 'Q' an array of boolean. The text follows; "~" is NULL, and '|' separates elements. Raises what
+/// the constructor of the value raises.
 TCIMValue ReadValueLine(const std::string& line, TContainer& container);
 TCIMValue::TCIMType TypeOfLine(const std::string& line);
 
