@@ -20,11 +20,11 @@ TEST(IdentityTest, WhatCannotBeToldHasItsReason) {
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out,
               "System name             builder\n"
-              "Product                 not available (this machine does not tell it)\n"
-              "Machine type and model  not available (ProductName is NULL)\n"
-              "Machine type            not available (ProductName is NULL)\n"
-              "Model                   not available (ProductName is NULL)\n"
-              "Serial number           not available (SerialNumber is NULL)\n"
+              "Product                 not available (not present: /sys/class/dmi/id/product_name)\n"
+              "Machine type and model  not available (not present: /sys/class/dmi/id/product_name)\n"
+              "Machine type            not available (not present: /sys/class/dmi/id/product_name)\n"
+              "Model                   not available (not present: /sys/class/dmi/id/product_name)\n"
+              "Serial number           not available (not present: /sys/class/dmi/id/product_serial)\n"
               "Operating system        Ubuntu\n"
               "Version                 24.04\n"
               "Data source version     1.0.0\n");

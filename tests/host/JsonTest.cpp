@@ -76,8 +76,9 @@ TEST_F(JsonTest, DocumentThatWasTamperedWithIsRefused) {
         {"\"name\": \"TEST_Typed\"", "\"name\": \"MOLTA_ComputerSystem\""},
         {"\"name\": \"TEST_Typed\"", "\"name\": \"TEST_Unknown\""},
         {"\"state\": \"complete\"", "\"state\": \"good\""},
+        {"\"reasonCode\": null", "\"reasonCode\": \"because\""},
         {"\"reason\": null,", ""},
-        {"\"version\": 1", "\"version\": 2"},
+        {"\"version\": 2", "\"version\": 1"},
         {"kyrcore/collection", "kyrcore/schema"},
     };
     const std::string document = Run("collect --json").out;

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <filesystem>
 
-#include "Exit.h"
-#include "inventory/DocumentProbe.h"
+#include "base/ExitStatus.h"
+#include "saved/DocumentProbe.h"
 #include "support/ContainerText.h"
 #include "support/RandomContainer.h"
 #include "support/SchemaBuilder.h"

@@ -1,0 +1,45 @@
+#include "base/Locations.h"
+
+#include <sys/auxv.h>
+
+#include <filesystem>
+#include <initializer_list>
+
+#include "base/ExitStatus.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Without /proc, by the name that it was started under.
+fs::path FindExecutable() {
+    std::error_code error;
+    const fs::path path = fs::read_symlink("/proc/self/exe", error);
+    if (!error) return path;
+    const auto name = reinterpret_cast<const char*>(getauxval(AT_EXECFN));  // NOLINT(performance-no-int-to-ptr)
+    return name == nullptr ? fs::path() : fs::canonical(name, error);
+}
+
+// The first of the places, each relative to the executable's folder, that exists.
+std::string FindBesideExecutable(std::initializer_list<const char*> places) {
+    std::error_code error;
+    const fs::path folder = FindExecutable().parent_path();
+    if (folder.empty()) return "";
+    for (const char* place : places)
+        if (const fs::path path = folder / place; fs::exists(path, error)) return path.lexically_normal().string();
+    return "";
+}
+
+}  // namespace
+
+std::string FindDefaultPlugins() { return FindBesideExecutable({"../plugins", "../lib/kyrcore/plugins"}); }
+
+std::string FindDefaultSchema() {
+    return FindBesideExecutable({"../schema/kyrcore.xml", "../share/kyrcore/kyrcore.xml"});
+}
+
+std::string FindStateDocument() {
+    const std::string path = FindBesideExecutable({"../schema/collection.xml", "../share/kyrcore/collection.xml"});
+    if (path.empty()) throw TCommandError(eExitNothing, "no collection.xml found beside the program; install it whole");
+    return path;
+}

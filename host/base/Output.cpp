@@ -1,0 +1,72 @@
+#include "base/Output.h"
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/ExitStatus.h"
+#include "base/Text.h"
+
+namespace {
+
+bool IsSet(const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+bool MayColour() {
+    const char* const terminal = std::getenv("TERM");
+    if (terminal == nullptr || std::strcmp(terminal, "dumb") == 0 || IsSet("NO_COLOR")) return false;
+    return isatty(STDOUT_FILENO) != 0;
+}
+
+// 0: nobody says.
+size_t ColumnsGiven() {
+    const char* const columns = std::getenv("COLUMNS");
+    const long given = columns == nullptr ? 0 : std::strtol(columns, nullptr, 10);
+    return given > 0 ? static_cast<size_t>(given) : 0;
+}
+
+size_t ColumnsOfTerminal() {
+    winsize size{};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+size_t FindWidth() {
+    if (const size_t given = ColumnsGiven()) return std::min(given, TOutput::kUnlimited);
+    return isatty(STDOUT_FILENO) == 0 ? TOutput::kUnlimited : ColumnsOfTerminal();
+}
+
+[[noreturn]] void FailToWrite() {
+    throw TCommandError(eExitOutput, std::string("cannot write standard output: ") + std::strerror(errno));
+}
+
+}  // namespace
+
+TOutput::TOutput() : fColour(MayColour()), fWidth(FindWidth()) {}
+
+void TOutput::Write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailToWrite();
+}
+
+void TOutput::Flush() {
+    if (std::fflush(stdout) != 0) FailToWrite();
+}
+
+std::string TOutput::Bold(const std::string& text) const { return fColour ? "\033[1m" + text + "\033[0m" : text; }
+
+std::string TOutput::Dim(const std::string& text) const { return fColour ? "\033[2m" + text + "\033[0m" : text; }
+
+void PrintDiagnostic(const std::string& text) { std::fprintf(stderr, "kyr: %s\n", VisibleText(text).c_str()); }
+
+void OpenMissingStandardStreams() {
+    constexpr int kModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};  // sic: writing to descriptor 1 is to fail
+    for (int descriptor = 0; descriptor < 3; ++descriptor)
+        if (fcntl(descriptor, F_GETFD) < 0) (void)open("/dev/null", kModes[descriptor]);
+}

@@ -1,0 +1,118 @@
+#include "base/OutputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "base/ExitStatus.h"
+#include "base/Text.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr unsigned int kPiece = 1 << 16;
+
+}  // namespace
+
+bool TOutputFile::IsSpecial(const std::string& path) {
+    // Ours already, whatever it is.
+    for (const char* descriptors : {"/dev/std", "/dev/fd/", "/proc/self/fd/"})
+        if (StartsWith(path, descriptors)) return true;
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+TOutputFile::TOutputFile(const std::string& path, bool compressed) : TOutputFile(path) {
+    fInPlace = IsSpecial(path);
+    if (fInPlace) {
+        fFile = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        if (fFile < 0) Fail();
+    } else {
+        OpenTemporary();
+    }
+    const int copy = fcntl(fFile, F_DUPFD_CLOEXEC, 0);
+    if (copy >= 0) fStream = gzdopen(copy, compressed ? "wb" : "wbT");
+    if (fStream == nullptr) Fail();
+    gzbuffer(fStream, kPiece);
+}
+
+TOutputFile::~TOutputFile() {
+    if (fStream != nullptr) gzclose(fStream);
+    if (fFile >= 0) close(fFile);
+    if (!fTemporary.empty()) unlink(fTemporary.c_str());
+}
+
+void TOutputFile::Write(std::string_view bytes) {
+    if (bytes.empty()) return;
+    if (gzwrite(fStream, bytes.data(), static_cast<unsigned int>(bytes.size())) <= 0) Fail();
+}
+
+void TOutputFile::Finish() {
+    const bool isWritten = gzclose(fStream) == Z_OK;
+    fStream = nullptr;
+    if (!isWritten) Fail();
+    if (!fInPlace) Publish();
+}
+
+// Without a name where the file system can do that: not even a killed process leaves something behind then.
+void TOutputFile::OpenTemporary() {
+    std::error_code missing;
+    const fs::path target = fs::canonical(fPath, missing);
+    if (!missing) {
+        fTarget = target.string();
+        if (access(fTarget.c_str(), W_OK) != 0) Fail();
+    }
+    const std::string folder = fs::path(fTarget).parent_path().string();
+    if (access("/proc/self/fd", X_OK) == 0) fFile = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+    if (fFile < 0) {
+        UnderNewName([this](const char* name) {
+            fFile = open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+            return fFile >= 0;
+        });
+    }
+    TakeOverMode();
+}
+
+// Of the file that is to be replaced, as if it were overwritten.
+void TOutputFile::TakeOverMode() {
+    struct stat status {};
+    if (stat(fTarget.c_str(), &status) != 0) return;
+    const bool isSameOwners = fchown(fFile, status.st_uid, status.st_gid) == 0;
+    fchmod(fFile, status.st_mode & (isSameOwners ? 07777 : 0777));
+}
+
+void TOutputFile::Publish() {
+    if (fsync(fFile) != 0) Fail();
+    if (fTemporary.empty()) {
+        const std::string descriptor = "/proc/self/fd/" + std::to_string(fFile);
+        UnderNewName([&](const char* name) {
+            return linkat(AT_FDCWD, descriptor.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+        });
+    }
+    if (rename(fTemporary.c_str(), fTarget.c_str()) != 0) Fail();
+    fTemporary.clear();
+}
+
+template <typename TAction>
+void TOutputFile::UnderNewName(TAction action) {
+    const fs::path folder = fs::path(fTarget).parent_path();
+    for (int number = 0; number < 1000; ++number) {
+        const fs::path name = folder / (".kyr-" + std::to_string(getpid()) + "-" + std::to_string(number));
+        if (action(name.c_str())) {
+            fTemporary = name.string();
+            return;
+        }
+        if (errno != EEXIST) break;
+    }
+    Fail("cannot make a file in its folder: ");
+}
+
+void TOutputFile::Fail(const std::string& attempt) const {
+    throw TCommandError(eExitOutput, "cannot write '" + fPath + "': " + attempt + std::strerror(errno));
+}

@@ -1,0 +1,91 @@
+#include <CLI/App.hpp>
+
+#include "base/Text.h"
+#include "command/Command.h"
+#include "inventory/Inventory.h"
+#include "json/Json.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "model/Associations.h"
+#include "model/ObjectPath.h"
+#include "model/Values.h"
+
+namespace {
+
+constexpr const char* kExamples =
+    "Some of the keys are enough, if they name one instance. Quotes and blanks need quotes of the shell.\n\n"
+    "Examples:\n"
+    "  kyr assoc CIM_ComputerSystem --result-class CIM_OperatingSystem\n"
+    "  kyr assoc 'MOLTA_Mount.Name=\"/\"' machine.xml.gz\n\n";
+
+void PrintWrapped(const std::string& text, size_t indent, TOutput& output) {
+    const size_t width = output.Width() > indent ? output.Width() - indent : 1;
+    for (const std::string& line : WrapText(text, width)) output.Write(std::string(indent, ' ') + line + "\n");
+}
+
+std::string RolesOf(const TAssociationLink& link) { return link.role + " -> " + link.other.role; }
+
+void PrintHead(const TAssociationLink& link, TOutput& output) {
+    const std::string cls = link.association->GetClass()->GetName();
+    const bool fits = cls.size() + 2 + RolesOf(link).size() <= output.Width();
+    output.Write("\n" + output.Bold(cls) + (fits ? "  " + RolesOf(link) + "\n" : "\n"));
+    if (!fits) PrintWrapped(RolesOf(link), 0, output);
+}
+
+void PrintEnd(const TAssociationEnd& end, TOutput& output) {
+    PrintWrapped(end.instance == nullptr ? "(not collected)" : DisplayName(*end.instance), 2, output);
+    PrintWrapped(VisibleText(end.reference.GetPath()), 4, output);
+}
+
+// Links of one kind have one head.
+void PrintLinks(const TCIMInstance& instance, const std::vector<TAssociationLink>& links, TOutput& output) {
+    PrintWrapped(DisplayName(instance), 0, output);
+    PrintWrapped(VisiblePath(instance), 2, output);
+    std::string kind;
+    for (const TAssociationLink& link : links) {
+        const std::string own = link.association->GetClass()->GetName() + " " + RolesOf(link);
+        if (own != kind) PrintHead(link, output);
+        kind = own;
+        PrintEnd(link.other, output);
+    }
+}
+
+class TAssocCommand : public TCommand {
+public:
+    explicit TAssocCommand(CLI::App& app) : TCommand(app, "assoc", "Print what an instance is tied to") {
+        SetExamples(kExamples);
+        fApp.add_option("PATH", fPath, "The instance: Class.Key=\"value\",Other=\"value\"")->type_name("")->required();
+        AddFile();
+        const auto addName = [this](const char* option, std::string& name, const char* words) {
+            fApp.add_option(option, name, words)->type_name("NAME");
+        };
+        addName("--assoc-class", fFilter.assocClass, "Only ties of this class");
+        addName("--result-class", fFilter.resultClass, "Only results of this class");
+        addName("--role", fFilter.role, "Only ties in which the instance has this role");
+        addName("--result-role", fFilter.resultRole, "Only results in this role");
+        AddCollecting();
+    }
+
+    EExit Run(TOutput& output) override {
+        TInventory inventory(fSession);
+        inventory.Collect({});
+        const EExit status = inventory.Conclude();
+        TCIMInstance& instance = GetInstanceNamed(inventory.Container(), fPath);
+        const std::vector<TAssociationLink> links = FindLinks(instance, fFilter);
+        if (fJson) {
+            WriteAssociationsJson(instance, links, output);
+            return status;
+        }
+        PrintLinks(instance, links, output);
+        if (links.empty()) PrintDiagnostic("no ties");
+        return status;
+    }
+
+private:
+    std::string fPath;
+    TAssociationFilter fFilter;
+};
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakeAssocCommand(CLI::App& app) { return std::make_unique<TAssocCommand>(app); }

@@ -1,0 +1,92 @@
+#include "command/Command.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <cstdlib>
+#include <filesystem>
+
+#include "base/Locations.h"
+
+namespace {
+
+std::string CheckSeconds(const std::string& text) {
+    char* end = nullptr;
+    const bool isPositive = std::strtod(text.c_str(), &end) > 0;
+    return isPositive && *end == '\0' ? "" : "'" + text + "' is no number of seconds above 0";
+}
+
+void RequireLocation(std::string& path, const std::string& option) {
+    if (path.empty()) throw TCommandError(eExitUsage, "no " + option + " given, and none found beside the program");
+    MakeAbsolute(path);
+}
+
+// The folder that plugins take for the machine's root.
+void MakeSystemRootAbsolute() {
+    constexpr const char* kVariable = "KYR_SYSTEM_ROOT";
+    const char* const root = std::getenv(kVariable);
+    if (root != nullptr && *root != '\0') setenv(kVariable, std::filesystem::absolute(root).c_str(), 1);
+}
+
+}  // namespace
+
+// Unknown arguments are left to CommandLine.cpp, which names the nearest right word.
+TCommand::TCommand(CLI::App& app, const std::string& name, const std::string& description)
+    : fApp(*app.add_subcommand(name, description)) {
+    fApp.allow_extras();
+    const auto addPath = [this](const char* option, std::string& path, const char* words, const char* type) {
+        fApp.add_option(option, path, words)->type_name(type)->check(CheckNotEmpty);
+    };
+    addPath("--from", fSession.from, "A saved collection in place of this machine", "FILE");
+    fApp.add_flag("--json", fJson, "Print JSON");
+    addPath("--plugins", fSession.plugins, "Folder with a folder for each plugin", "DIR");
+    addPath("--schema", fSession.schema, "The base document", "FILE");
+    addPath("--log", fSession.log.file, "Write a log to this file", "FILE");
+    fApp.add_flag("--verbose", fSession.log.verbose, "Tell every step on standard error, and more in the log");
+}
+
+void TCommand::ResolvePaths() {
+    MakeAbsolute(fSession.from);
+    MakeAbsolute(fSession.log.file);
+    if (!fSession.from.empty()) return;
+    MakeSystemRootAbsolute();
+    if (fSession.plugins.empty()) fSession.plugins = FindDefaultPlugins();
+    if (fSession.schema.empty()) fSession.schema = FindDefaultSchema();
+    RequireLocation(fSession.plugins, "--plugins");
+    RequireLocation(fSession.schema, "--schema");
+}
+
+CLI::Option* TCommand::AddFile() {
+    return fApp.add_option("FILE", fSession.from, "A saved collection, as --from")->type_name("")->check(CheckNotEmpty);
+}
+
+void TCommand::AddCollecting() {
+    fApp.add_option("--timeout", fSession.limits.timeout, "Time for each plugin")
+        ->type_name("SECONDS")
+        ->check(CheckSeconds)
+        ->capture_default_str();
+    fApp.add_option("--deadline", fSession.limits.deadline, "Time for all plugins together")
+        ->type_name("SECONDS")
+        ->check(CheckSeconds);
+    fApp.add_flag("--in-process", fSession.inProcess,
+                  "Run the plugins in this process, one after another, with no limit of time");
+}
+
+void TCommand::AddPrinting(std::vector<std::string>& classes, TPrintOptions& options) {
+    fApp.add_option("--class", classes, "Only this class and its subclasses; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    fApp.add_flag("--raw", options.raw, "Plain values in place of display text");
+    fApp.add_flag("--null", options.null, "Properties without a value too");
+    fApp.add_flag("--references", options.references, "Show for each instance what it is tied to");
+    fApp.add_flag("--provenance", options.provenance, "Show where values came from, and why others are missing");
+    fApp.add_flag("--stable", options.stable, "Leave out what changes by itself, such as times and counters");
+}
+
+void TCommand::SetExamples(const std::string& examples) { fApp.footer(examples + kExitStatusText); }
+
+std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "the name is empty" : ""; }
+
+void MakeAbsolute(std::string& path) {
+    if (!path.empty()) path = std::filesystem::absolute(path).string();
+}

@@ -1,0 +1,145 @@
+#include "command/CommandLine.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <exception>
+
+#include "base/NearMatches.h"
+#include "command/Command.h"
+
+namespace {
+
+constexpr const char* kVersionText = "kyr " KYRCORE_VERSION;
+
+using TCommands = std::vector<std::unique_ptr<TCommand>>;
+
+[[noreturn]] void RefuseUse(const CLI::App& app, const std::string& text) {
+    const std::string command = app.get_parent() == nullptr ? "kyr" : "kyr " + app.get_name();
+    throw TCommandError(eExitUsage, text + " (try '" + command + " --help')");
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    return names;
+}
+
+std::vector<std::string> CommandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return names;
+}
+
+void RefuseUnknownArgument(const CLI::App& app, const std::string& word) {
+    if (word.size() > 1 && word[0] == '-') {
+        const std::string option = word.substr(0, word.find('='));
+        RefuseUse(app, "unknown option '" + option + "'" + DidYouMean(option, OptionNames(app)));
+    }
+    if (app.get_parent() == nullptr)
+        RefuseUse(app, "unknown command '" + word + "'" + DidYouMean(word, CommandNames(app)));
+    RefuseUse(app, "unexpected argument '" + word + "'");
+}
+
+void RefuseUnknownArguments(const CLI::App& app) {
+    const std::vector<std::string> words = app.remaining();
+    if (!words.empty()) RefuseUnknownArgument(app, words.front());
+}
+
+/// Options that together make no sense, or of which one would be lost.
+struct TConflict {
+    const char* option;
+    std::vector<const char*> others;
+    std::string why = {};
+};
+
+const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--plugins", "--schema"};
+const std::string kNothingIsCollected = ": no plugin is asked for a saved collection";
+
+const TConflict kConflicts[] = {
+    {"--from", {"FILE"}},
+    {"--from", kOfCollecting, kNothingIsCollected},
+    {"FILE", kOfCollecting, kNothingIsCollected},
+    {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
+    {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
+    {"--json-schema", {"--json", "CLASS"}},
+};
+
+bool IsGiven(const CLI::App& command, const char* name) {
+    const CLI::Option* const option = command.get_option_no_throw(name);
+    return option != nullptr && option->count() > 0;
+}
+
+void RefuseConflicts(const CLI::App& command) {
+    for (const TConflict& conflict : kConflicts)
+        for (const char* other : conflict.others)
+            if (IsGiven(command, conflict.option) && IsGiven(command, other))
+                RefuseUse(command,
+                          std::string(conflict.option) + " and " + other + " do not go together" + conflict.why);
+}
+
+TCommands MakeCommands(CLI::App& app) {
+    TCommands commands;
+    for (const auto make :
+         {MakeCollectCommand, MakeShowCommand, MakeAssocCommand, MakeSchemaCommand, MakeIdentityCommand})
+        commands.push_back(make(app));
+    return commands;
+}
+
+// The one that the arguments name.
+TCommand& GetGivenCommand(const CLI::App& app, const TCommands& commands) {
+    RefuseUnknownArguments(app);
+    const std::vector<CLI::App*> given = app.get_subcommands();
+    if (given.empty()) RefuseUse(app, "no command given");
+    if (given.size() > 1) RefuseUse(app, "more than one command given");
+    RefuseUnknownArguments(*given.front());
+    RefuseConflicts(*given.front());
+    for (const auto& command : commands)
+        if (&command->App() == given.front()) return *command;
+    throw std::logic_error("a command that nobody made");
+}
+
+EExit Print(std::string text, TOutput& output) {
+    if (text.empty() || text.back() != '\n') text += '\n';
+    output.Write(text);
+    return eExitComplete;
+}
+
+EExit Run(int argc, char** argv, TOutput& output) {
+    CLI::App app("Tells what this machine is, as its plugins see it.", "kyr");
+    app.set_version_flag("-V,--version", kVersionText);
+    app.footer(kExitStatusText);
+    app.allow_extras();
+    const TCommands commands = MakeCommands(app);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        return Print(app.help(), output);
+    } catch (const CLI::CallForVersion&) {
+        return Print(kVersionText, output);
+    } catch (const CLI::ParseError& e) {
+        RefuseUse(app.get_subcommands().empty() ? app : *app.get_subcommands().front(), e.what());
+    }
+    TCommand& command = GetGivenCommand(app, commands);
+    command.ResolvePaths();
+    return command.Run(output);
+}
+
+}  // namespace
+
+EExit RunCommandLine(int argc, char** argv) {
+    try {
+        TOutput output;
+        const EExit status = Run(argc, argv, output);
+        output.Flush();
+        return status;
+    } catch (const TCommandError& e) {
+        PrintDiagnostic(e.what());
+        return e.fStatus;
+    } catch (const std::exception& e) {
+        PrintDiagnostic(std::string("unexpected failure: ") + e.what());
+        return eExitNothing;
+    }
+}

@@ -1,0 +1,55 @@
+#include <CLI/App.hpp>
+
+#include "command/Command.h"
+#include "inventory/Inventory.h"
+#include "json/Json.h"
+#include "kyr/TContainer.h"
+#include "model/ClassNames.h"
+#include "render/SchemaText.h"
+
+namespace {
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  kyr schema CIM_ComputerSystem\n"
+    "  kyr schema machine.xml.gz --json-schema\n\n";
+
+// An argument that cannot be a file's name is the class.
+std::string CheckFileName(const std::string& text) {
+    return text.find_first_of("./") == std::string::npos ? "'" + text + "' is no file" : "";
+}
+
+class TSchemaCommand : public TCommand {
+public:
+    explicit TSchemaCommand(CLI::App& app) : TCommand(app, "schema", "Print the tree of classes, or one class") {
+        SetExamples(kExamples);
+        fApp.validate_positionals();
+        AddFile()->check(CheckFileName);
+        fApp.add_option("CLASS", fClassName, "The class to describe")->type_name("")->check(CheckNotEmpty);
+        fApp.add_flag("--json-schema", fJsonSchema, "Print a JSON Schema of all that --json prints");
+    }
+
+    EExit Run(TOutput& output) override {
+        TInventory inventory(fSession);
+        inventory.LoadPlugins();
+        const TCIMClass* const only = inventory.LookUp([this](const TContainer& schema) {
+            return fClassName.empty() ? nullptr : &GetClassNamed(schema, fClassName);
+        });
+        Print(inventory.Container(), only, output);
+        return inventory.Conclude();
+    }
+
+private:
+    void Print(const TContainer& schema, const TCIMClass* only, TOutput& output) const {
+        if (fJsonSchema) return WriteJsonSchema(schema, output);
+        if (fJson) return WriteSchemaJson(schema, only, output);
+        only != nullptr ? PrintClass(*only, output) : PrintClassTree(schema, output);
+    }
+
+    std::string fClassName;  // empty: the tree
+    bool fJsonSchema = false;
+};
+
+}  // namespace
+
+std::unique_ptr<TCommand> MakeSchemaCommand(CLI::App& app) { return std::make_unique<TSchemaCommand>(app); }

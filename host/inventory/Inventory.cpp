@@ -1,0 +1,75 @@
+#include "inventory/Inventory.h"
+
+#include <utility>
+
+#include "base/CoreLog.h"
+#include "inventory/Session.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TContainer.h"
+#include "kyr/TPluginManager.h"
+#include "model/CollectionState.h"
+#include "saved/SavedCollection.h"
+#include "states/CollectionSummary.h"
+#include "states/StateInstances.h"
+
+namespace {
+
+bool IsState(const TCIMClass* cls, const TCIMClass* states) {
+    return cls != nullptr && states != nullptr && cls->IsSubclassOf(states);
+}
+
+// The host itself writes the states of a collection, so no plugin is asked for them. Where nothing but states is
+// wanted, they are to tell of a whole collection: all plugins are asked.
+TClassSelection WithoutStates(const std::vector<std::string>& names, const TContainer& container) {
+    const TCIMClass* const states = container.FindClass(kStateClass);
+    std::vector<std::string> rest;
+    for (const std::string& name : names)
+        if (!IsState(container.FindClass(name), states)) rest.push_back(name);
+    return rest.empty() ? TClassSelection::All() : TClassSelection::These(rest);
+}
+
+// It goes with the process: to take a large one apart would take longer than to print much of it.
+TPluginContainer& MakeContainer() {
+    static TPluginContainer* const container = new TPluginContainer;
+    return *container;
+}
+
+}  // namespace
+
+class TInventory::TBody {
+public:
+    explicit TBody(const TSessionOptions& options) : fLog(options.log), fContainer(MakeContainer()) {
+        if (options.from.empty())
+            fSession = std::make_unique<TSession>(options, fLog, fContainer);
+        else
+            ReadFile(options.from);
+    }
+
+    TContainer& Container() { return fContainer; }
+
+    void Run(const TClassSelection& wanted) {
+        if (std::exchange(fRun, true)) return;
+        if (fSession)
+            fSession->Run(wanted);
+        else
+            NarrowStates(fContainer, wanted);
+    }
+
+private:
+    void ReadFile(const std::string& path) {
+        TPluginManager::Initialize(".");
+        ReadCollection(path, fContainer);
+    }
+
+    const TCoreLog fLog;
+    TPluginContainer& fContainer;
+    std::unique_ptr<TSession> fSession;
+    bool fRun = false;
+};
+
+TInventory::TInventory(const TSessionOptions& options) : fBody(std::make_unique<TBody>(options)) {}
+TInventory::~TInventory() = default;
+TContainer& TInventory::Container() const { return fBody->Container(); }
+void TInventory::LoadPlugins() { fBody->Run(TClassSelection::SchemaOnly()); }
+void TInventory::Collect(const std::vector<std::string>& classes) { fBody->Run(WithoutStates(classes, Container())); }
+EExit TInventory::Conclude() const { return ReportIncomplete(Container()); }

@@ -1,0 +1,124 @@
+#include "inventory/Libraries.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <map>
+
+#include "base/CoreLog.h"
+#include "base/ExitStatus.h"
+#include "isolation/PluginContainer.h"
+#include "isolation/RunLimits.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TContainer.h"
+#include "kyr/TKYRException.h"
+#include "kyr/TOSSpecific.h"
+#include "saved/DocumentProbe.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsLibraryName(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
+
+TPluginLibrary LibraryAt(const fs::path& path) {
+    TPluginLibrary library;
+    library.path = path.string();
+    return library;
+}
+
+// A pipe in place of a library must not hold us up.
+void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) {
+    std::error_code error, ignored;
+    for (const fs::directory_entry& file : fs::directory_iterator(folder, error))
+        if (IsLibraryName(file.path().filename().string()) && file.is_regular_file(ignored))
+            libraries.push_back(LibraryAt(file.path()));
+    if (!error) return;
+    libraries.push_back(LibraryAt(folder));
+    libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eFolderUnreadable, error.message())};
+}
+
+// Where there is none, loading the plugin will tell.
+bool IsNoFile(const std::string& path) {
+    std::error_code error;
+    return fs::exists(path, error) && !fs::is_regular_file(path, error);
+}
+
+// One that is never read to its end must leave time for others before the deadline.
+double SecondsForOne(const TRunLimits& limits) {
+    return limits.deadline > 0 ? std::min(limits.timeout, limits.deadline / 10) : limits.timeout;
+}
+
+// Why each of the documents must not be read, if there is a reason.
+std::map<std::string, std::string> FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container,
+                                            const TRunLimits& limits) {
+    std::map<std::string, std::string> harms;
+    std::vector<std::string> documents;
+    for (const TPluginLibrary& library : libraries) {
+        const std::string document = library.DocumentPath();
+        if (IsNoFile(document))
+            harms[document] = "is no file";
+        else if (fs::exists(document))
+            documents.push_back(document);
+    }
+    const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
+    const std::vector<std::string> found = ProbeDocuments(documents, read, SecondsForOne(limits), limits.Latest());
+    for (size_t i = 0; i < documents.size(); ++i)
+        if (!found[i].empty()) harms[documents[i]] = found[i];
+    return harms;
+}
+
+bool HasFailedToLoad(const TPluginReport& report) {
+    return report.FindOwner() == nullptr || !report.loadFailure.empty();
+}
+
+std::vector<TCIMClass*> Read(const std::string& document, TContainer& container) {
+    try {
+        return container.PopulateContainerFromFile(document);
+    } catch (const TKYRException&) {
+        return {};  // loading the plugin meets it again, and tells
+    }
+}
+
+}  // namespace
+
+std::list<TPluginLibrary> FindLibraries() {
+    std::list<TPluginLibrary> libraries;
+    std::error_code error, ignored;
+    for (const fs::directory_entry& folder : fs::directory_iterator(".", error))
+        if (folder.is_directory(ignored)) AddLibraries(folder.path(), libraries);
+    if (error) throw TCommandError(eExitNothing, "cannot read the plugin folder: " + error.message());
+    libraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.path < b.path; });
+    return libraries;
+}
+
+void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
+                   const TRunLimits& limits) {
+    const std::map<std::string, std::string> harms = FindHarm(libraries, container, limits);
+    for (TPluginLibrary& library : libraries) {
+        const std::string document = library.DocumentPath();
+        if (document.empty() || library.notLoaded.reason) continue;
+        if (const auto harm = harms.find(document); harm != harms.end()) {
+            library.notLoaded = {eRefused, ReasonFor(EReason::eDocumentHarmful, harm->second)};
+            library.notLoaded.reason.file = document;
+            continue;
+        }
+        const TLogCapture repeated;  // loading the plugin logs it all again
+        library.classes = Read(document, container);
+        library.duplicateClasses = container.TakeDuplicateClasses();
+        Read(document, schema);
+    }
+}
+
+void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries) {
+    const auto isRepeated = [&](const TCIMClass* cls) {
+        return std::find(library.duplicateClasses.begin(), library.duplicateClasses.end(), cls->GetName()) !=
+               library.duplicateClasses.end();
+    };
+    for (TPluginLibrary& other : libraries) {
+        if (&other == &library || !HasFailedToLoad(other.report)) continue;
+        const auto lost = std::stable_partition(other.classes.begin(), other.classes.end(), std::not_fn(isRepeated));
+        library.classes.insert(library.classes.end(), lost, other.classes.end());
+        other.classes.erase(lost, other.classes.end());
+    }
+}

@@ -1,0 +1,42 @@
+#ifndef KYR_HOST_ISOLATION_INSTANCERECORDS_H
+#define KYR_HOST_ISOLATION_INSTANCERECORDS_H
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "isolation/RecordStream.h"
+
+class TCIMClass;
+class TCIMInstance;
+class TContainer;
+
+/// Puts a record with the values that the instance has of its own. Instances are numbered as they come, and one that is
+/// stored once more comes again under its number.
+void PutInstance(TRecordStream& stream, const TCIMInstance& instance, uint32_t number);
+
+/// Makes the instances of such records anew.
+class TInstanceRecords {
+public:
+    explicit TInstanceRecords(TContainer& container) : fContainer(container) {}
+
+    /// From now on instances of the class are passed over.
+    void Skip(const std::string& className) { fSkipped.insert(className); }
+    bool IsSkipped(const std::string& className) const { return fSkipped.count(className) != 0; }
+    /// Raises TRecordError, or a status of the core. The class of that name is told in any case.
+    void Store(TRecordReader& record, std::string& className);
+
+private:
+    void Add(TRecordReader& record, const std::string& className);
+    void Update(TRecordReader& record, TCIMInstance& stored);
+    std::unique_ptr<TCIMInstance> Take(TRecordReader& record, TCIMClass* cls);
+
+    TContainer& fContainer;
+    std::set<std::string> fSkipped;
+    uint32_t fFirst = 0;                    // the number of the first
+    std::vector<TCIMInstance*> fInstances;  // by number; they are the container's. Null: not stored
+};
+
+#endif

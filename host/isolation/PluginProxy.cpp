@@ -1,0 +1,61 @@
+#include "isolation/PluginProxy.h"
+
+#include <exception>
+
+#include "kyr/IPluginManager.h"
+#include "kyr/TKYRException.h"
+#include "kyr/TRootObject.h"
+#include "kyr/kyrPlugin.h"
+#include "states/PluginReport.h"
+
+namespace {
+
+std::string Load(const std::string& path) {
+    try {
+        TRootObject::GetPluginManager()->LoadPlugin(path);
+    } catch (const std::exception& e) {
+        return e.what();
+    } catch (...) {
+        return "an exception of a kind unknown";
+    }
+    return "";
+}
+
+TPluginInfo Describe(const IPlugin& plugin) {
+    IPluginCallbacks& callbacks = *plugin.GetCallbacks();
+    return {callbacks.GetName(), callbacks.GetVersion(), callbacks.GetType(), plugin.IsInitialized()};
+}
+
+}  // namespace
+
+void TProxyCallbacks::GetData(TContainer* container, std::vector<TCIMClass*>& classes) {
+    auto* const query = dynamic_cast<IPluginBasicQueryCallbacks*>(&fCallbacks);
+    if (query == nullptr) throw TKYRException(kyrStatusInvalidPlugin);
+    fObserver.asked(classes);
+    try {
+        query->GetData(container, classes);
+    } catch (const std::exception& e) {
+        fObserver.ended(e.what());
+        throw;
+    } catch (...) {
+        fObserver.ended("an exception of a kind unknown");
+        throw TKYRException(kyrStatusFail);  // the core catches standard ones only
+    }
+    fObserver.ended("");
+}
+
+boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::vector<TCIMClass*>& classes,
+                                            TPluginReport& report) {
+    auto& plugins = TRootObject::GetPluginManager()->GetPluginsContainer();
+    const auto before = static_cast<long>(plugins.size());
+    report.loadFailure = Load(path);
+    const auto first = std::next(plugins.begin(), before);
+    for (auto plugin = first; plugin != plugins.end(); ++plugin) report.plugins.push_back(Describe(**plugin));
+    const TPluginInfo* const owner = report.FindOwner();
+    if (owner == nullptr || owner->type != kyrPluginDataCollector || !report.loadFailure.empty() || classes.empty())
+        return nullptr;
+    boost::shared_ptr<IPlugin>& plugin = *std::next(first, owner - report.plugins.data());
+    const boost::shared_ptr<TPluginProxy> standIn(new TPluginProxy(plugin, classes));
+    plugin = standIn;
+    return standIn;
+}

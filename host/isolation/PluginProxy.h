@@ -1,0 +1,70 @@
+#ifndef KYR_HOST_ISOLATION_PLUGINPROXY_H
+#define KYR_HOST_ISOLATION_PLUGINPROXY_H
+
+#include <boost/shared_ptr.hpp>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kyr/IPlugin.h"
+#include "kyr/IPluginBasicQueryCallbacks.h"
+#include "kyr/IPluginCallbacks.h"
+
+struct TPluginReport;
+
+/// Is told when a plugin is about to be called, for which classes, and what the call ended with; empty: it went well.
+struct TCallObserver {
+    std::function<void(const std::vector<TCIMClass*>&)> asked;
+    std::function<void(const std::string&)> ended;
+};
+
+/// A plugin's callbacks, with an observer of its data entry.
+class TProxyCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
+public:
+    explicit TProxyCallbacks(IPluginCallbacks& callbacks) : fCallbacks(callbacks) {}
+
+    int32_t GetType() override { return fCallbacks.GetType(); }
+    std::string GetName() override { return fCallbacks.GetName(); }
+    std::string GetVersion() override { return fCallbacks.GetVersion(); }
+    std::string GetInterfaceVersion() override { return fCallbacks.GetInterfaceVersion(); }
+    void PrepareForUnload() override { fCallbacks.PrepareForUnload(); }
+    void Init() override { fCallbacks.Init(); }
+    void DeInit() override { fCallbacks.DeInit(); }
+    /// Raises what the plugin's own raises, and kyrStatusFail for exceptions of a kind unknown.
+    void GetData(TContainer* container, std::vector<TCIMClass*>& classes) override;
+
+    TCallObserver fObserver;
+
+private:
+    IPluginCallbacks& fCallbacks;
+};
+
+/// A plugin as its library registered it, with classes of ours for those of its document, which was read before the
+/// library was loaded.
+class TPluginProxy : public IPlugin {
+public:
+    TPluginProxy(boost::shared_ptr<IPlugin> plugin, std::vector<TCIMClass*> classes)
+        : fPlugin(std::move(plugin)), fClasses(std::move(classes)), fCallbacks(*fPlugin->GetCallbacks()) {}
+
+    void Observe(const TCallObserver& observer) { fCallbacks.fObserver = observer; }
+
+    IPluginCallbacks* GetCallbacks() const override { return &fCallbacks; }
+    void Initialize() override { fPlugin->Initialize(); }
+    bool IsInitialized() const override { return fPlugin->IsInitialized(); }
+    std::string GetPath() const override { return fPlugin->GetPath(); }
+    std::string GetSpecificationPath() const override { return fPlugin->GetSpecificationPath(); }
+    std::vector<TCIMClass*> GetClassesCollected() const override { return fClasses; }
+
+private:
+    const boost::shared_ptr<IPlugin> fPlugin;
+    const std::vector<TCIMClass*> fClasses;
+    mutable TProxyCallbacks fCallbacks;
+};
+
+/// Has the plugin manager load a library, and writes in the report what it registers and what went wrong. Gives the
+/// plugin to be asked for the classes, or null.
+boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::vector<TCIMClass*>& classes,
+                                            TPluginReport& report);
+
+#endif

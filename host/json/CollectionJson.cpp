@@ -1,0 +1,137 @@
+#include <map>
+
+#include "json/Json.h"
+#include "json/JsonValues.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TContainer.h"
+#include "model/CollectionState.h"
+#include "model/Qualifiers.h"
+#include "model/Values.h"
+#include "states/StateInstances.h"
+
+namespace {
+
+// Null if there is no such property or it has no value.
+const TCIMProperty* FindFilled(const TCIMInstance* instance, const char* name) {
+    const TCIMProperty* const property = instance == nullptr ? nullptr : instance->FindProperty(name);
+    return property == nullptr || property->GetValue().IsNull() ? nullptr : property;
+}
+
+class TCollectionWriter {
+public:
+    TCollectionWriter(const TContainer& container, bool stable, TOutput& output)
+        : fContainer(container), fStable(stable), fJson(output) {}
+
+    void Write(const std::vector<TCIMClass*>& classes) {
+        StartDocument(fJson, "collection");
+        WriteCollection();
+        WritePlugins();
+        WriteClasses(classes);
+        fJson.EndObject();
+    }
+
+private:
+    void WriteCollection() {
+        const std::vector<TCIMInstance*> found = StatesOf(fContainer, kCollectionClass);
+        const TCIMInstance* const collection = found.empty() ? nullptr : found.front();
+        WriteState(collection);
+        WritePlain("tool", collection, "Tool");
+        WritePlain("toolVersion", collection, "ToolVersion");
+        WriteBoolean("superuser", collection, "Superuser");
+        WritePlain("time", collection, "DateTimeOfCollection");
+    }
+
+    void WritePlugins() {
+        fJson.Key("plugins");
+        fJson.StartArray();
+        for (const TCIMInstance* plugin : StatesOf(fContainer, kCollectedPluginClass)) {
+            fJson.StartObject();
+            WritePlain("name", plugin, "Name");
+            WritePlain("library", plugin, "Library");
+            WritePlain("version", plugin, "Version");
+            WriteState(plugin);
+            fJson.EndObject();
+        }
+        fJson.EndArray();
+    }
+
+    void WriteClasses(const std::vector<TCIMClass*>& classes) {
+        std::map<std::string, const TCIMInstance*> states;
+        for (const TCIMInstance* state : StatesOf(fContainer, kCollectedClassClass))
+            if (const TCIMProperty* const name = FindFilled(state, "Name"))
+                states.emplace(PlainText(name->GetValue()), state);
+        fJson.Key("classes");
+        fJson.StartArray();
+        for (const TCIMClass* cls : classes) {
+            const auto state = states.find(cls->GetName());
+            WriteClass(*cls, state == states.end() ? nullptr : state->second);
+        }
+        fJson.EndArray();
+    }
+
+    // Not if it could not have been asked for and there is nothing of it.
+    void WriteClass(const TCIMClass& cls, const TCIMInstance* state) {
+        const std::vector<TCIMInstance*> instances = cls.EnumerateInstances(false);
+        if (state == nullptr && instances.empty()) return;
+        fJson.StartObject();
+        WriteText(fJson, "name", cls.GetName());
+        WritePlain("plugin", state, "Plugin");
+        WriteState(state);
+        fJson.Key("instances");
+        fJson.StartArray();
+        for (const TCIMInstance* instance : instances) WriteInstance(*instance);
+        fJson.EndArray();
+        fJson.EndObject();
+    }
+
+    void WriteInstance(const TCIMInstance& instance) {
+        fJson.StartObject();
+        WriteText(fJson, "path", instance.BuildPath().GetPath());
+        WriteProperties(fJson, instance, fStable);
+        fJson.EndObject();
+    }
+
+    void WriteState(const TCIMInstance* instance) {
+        const TCIMProperty* const state = FindFilled(instance, "State");
+        WriteText(fJson, "state", state == nullptr ? "" : DisplayText(*state));
+        const TCIMProperty* const code = FindFilled(instance, "ReasonCode");
+        WriteText(fJson, "reasonCode", code == nullptr ? "" : DisplayText(*code));
+        WritePlain("reason", instance, "Reason");
+        WriteLog(FindFilled(instance, "LogLines"));
+    }
+
+    void WriteLog(const TCIMProperty* lines) {
+        fJson.Key("log");
+        if (lines != nullptr && lines->IsArray()) return WriteValue(fJson, lines->GetValue());
+        fJson.StartArray();
+        fJson.EndArray();
+    }
+
+    void WritePlain(const char* key, const TCIMInstance* instance, const char* name) {
+        const TCIMProperty* const property = FindFilled(instance, name);
+        const bool isTold = property != nullptr && !(fStable && IsVolatile(property->GetDeclaration()));
+        WriteText(fJson, key, isTold ? PlainText(property->GetValue()) : "");
+    }
+
+    void WriteBoolean(const char* key, const TCIMInstance* instance, const char* name) {
+        const TCIMProperty* const property = FindFilled(instance, name);
+        fJson.Key(key);
+        if (property != nullptr && property->GetType() == TCIMValue::TCIMType::eCIMBoolean)
+            fJson.Boolean(static_cast<bool>(property->GetValue()));
+        else
+            fJson.Null();
+    }
+
+    const TContainer& fContainer;
+    const bool fStable;
+    TJsonWriter fJson;
+};
+
+}  // namespace
+
+void WriteCollectionJson(const TContainer& container, const std::vector<TCIMClass*>& classes, bool stable,
+                         TOutput& output) {
+    TCollectionWriter(container, stable, output).Write(classes);
+}

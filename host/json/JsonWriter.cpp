@@ -1,0 +1,111 @@
+#include "json/JsonWriter.h"
+
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/reader.h>
+
+#include <charconv>
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+#include "base/Text.h"
+
+namespace {
+
+// What the library's writer takes for a stream.
+class TStream {
+public:
+    using Ch = char;
+
+    explicit TStream(TOutput& output) : fOutput(output) {}
+
+    void Put(char c) {
+        if (fBlock.size() == kBlockSize) PassOn();
+        fBlock += c;
+    }
+    // Called once, at the end of the document.
+    void Flush() {
+        Put('\n');
+        PassOn();
+    }
+
+private:
+    static constexpr size_t kBlockSize = 16384;
+
+    void PassOn() {
+        fOutput.Write(fBlock);
+        fBlock.clear();
+    }
+
+    TOutput& fOutput;
+    std::string fBlock;
+};
+
+constexpr unsigned int kDelete = 0x7F;
+
+// UTF-8 but for hidden characters, which are escaped.
+struct TCautiousEncoding : rapidjson::UTF8<> {
+    template <typename TTarget>
+    static void Encode(TTarget& target, unsigned int point) {
+        if (point != kDelete && !IsHiddenCharacter(point)) return rapidjson::UTF8<>::Encode(target, point);
+        for (const char c : EscapedCharacter(point)) target.Put(c);
+    }
+    template <typename TTarget>
+    static void EncodeUnsafe(TTarget& target, unsigned int point) {
+        Encode(target, point);
+    }
+};
+
+using TWriter = rapidjson::PrettyWriter<TStream, rapidjson::UTF8<>, TCautiousEncoding>;
+
+rapidjson::SizeType SizeOf(std::string_view text) { return static_cast<rapidjson::SizeType>(text.size()); }
+
+}  // namespace
+
+class TJsonWriter::TBody {
+public:
+    explicit TBody(TOutput& output) : fStream(output), fWriter(fStream) {
+        fWriter.SetIndent(' ', 2);
+        fWriter.SetFormatOptions(rapidjson::kFormatSingleLineArray);
+    }
+
+    void String(std::string_view text) {
+        const std::string valid = ValidText(text);
+        fWriter.String(valid.data(), SizeOf(valid));
+    }
+
+    template <typename TReal>
+    void Real(TReal value) {
+        if (std::isnan(value)) return String("NaN");
+        if (std::isinf(value)) return String(value < 0 ? "-Infinity" : "Infinity");
+        char text[64];
+        const char* const end = std::to_chars(text, text + sizeof text, value).ptr;
+        fWriter.RawValue(text, static_cast<size_t>(end - text), rapidjson::kNumberType);
+    }
+
+    // Through the library's reader, so that it is indented like the rest.
+    void Json(std::string_view text) {
+        const std::string copy(text);
+        rapidjson::StringStream stream(copy.c_str());
+        if (rapidjson::Reader().Parse(stream, fWriter).IsError()) throw std::logic_error("no JSON: " + copy);
+    }
+
+    TStream fStream;
+    TWriter fWriter;
+};
+
+TJsonWriter::TJsonWriter(TOutput& output) : fBody(std::make_unique<TBody>(output)) {}
+TJsonWriter::~TJsonWriter() = default;
+
+void TJsonWriter::StartObject() { fBody->fWriter.StartObject(); }
+void TJsonWriter::EndObject() { fBody->fWriter.EndObject(); }
+void TJsonWriter::StartArray() { fBody->fWriter.StartArray(); }
+void TJsonWriter::EndArray() { fBody->fWriter.EndArray(); }
+void TJsonWriter::Key(std::string_view name) { fBody->String(name); }
+
+void TJsonWriter::Null() { fBody->fWriter.Null(); }
+void TJsonWriter::Boolean(bool value) { fBody->fWriter.Bool(value); }
+void TJsonWriter::String(std::string_view text) { fBody->String(text); }
+void TJsonWriter::Real(float value) { fBody->Real(value); }
+void TJsonWriter::Real(double value) { fBody->Real(value); }
+void TJsonWriter::Json(std::string_view text) { fBody->Json(text); }

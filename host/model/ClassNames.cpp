@@ -1,0 +1,77 @@
+#include "model/ClassNames.h"
+
+#include <algorithm>
+
+#include "base/ExitStatus.h"
+#include "base/NearMatches.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TContainer.h"
+#include "kyr/TKYRException.h"
+#include "model/CollectionState.h"
+
+namespace {
+
+// The core has the root class for an empty name, and refuses what cannot be a name.
+TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name) {
+    try {
+        return name.empty() ? nullptr : schema.FindClass(name);
+    } catch (const TKYRException&) {
+        return nullptr;
+    }
+}
+
+std::vector<TCIMClass*> WithAllBelow(TCIMClass& cls) {
+    std::vector<TCIMClass*> classes = cls.EnumerateSubClasses(true);
+    classes.insert(classes.begin(), &cls);
+    return classes;
+}
+
+template <typename TCondition>
+void Drop(std::vector<TCIMClass*>& classes, TCondition condition) {
+    classes.erase(std::remove_if(classes.begin(), classes.end(), condition), classes.end());
+}
+
+std::vector<TCIMClass*> AllButStates(const TContainer& schema) {
+    std::vector<TCIMClass*> classes = schema.GetRootClass()->EnumerateSubClasses(true);
+    if (const TCIMClass* const states = schema.FindClass(kStateClass))
+        Drop(classes, [states](const TCIMClass* cls) { return cls->IsSubclassOf(states); });
+    return classes;
+}
+
+}  // namespace
+
+TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name) {
+    if (TCIMClass* const cls = FindClassNamed(schema, name)) return *cls;
+    const std::vector<std::string> names = NamesOf(schema.GetRootClass()->EnumerateSubClasses(true));
+    throw TCommandError(eExitUsage, "unknown class '" + name + "'" + DidYouMean(name, names));
+}
+
+std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vector<std::string>& names) {
+    std::vector<TCIMClass*> classes;
+    if (names.empty()) classes = AllButStates(schema);
+    for (const std::string& name : names)
+        for (TCIMClass* cls : WithAllBelow(GetClassNamed(schema, name))) classes.push_back(cls);
+    SortByName(classes);
+    classes.erase(std::unique(classes.begin(), classes.end()), classes.end());
+    std::stable_partition(classes.begin(), classes.end(), [](const TCIMClass* cls) { return !cls->IsAssociation(); });
+    return classes;
+}
+
+std::vector<TCIMClass*> AssociationsOf(TCIMClass& cls) {
+    std::vector<TCIMClass*> classes = WithAllBelow(cls);
+    Drop(classes, [](const TCIMClass* each) { return !each->IsAssociation(); });
+    SortByName(classes);
+    return classes;
+}
+
+std::vector<std::string> NamesOf(const std::vector<TCIMClass*>& classes) {
+    std::vector<std::string> names;
+    names.reserve(classes.size());
+    for (const TCIMClass* cls : classes) names.push_back(cls->GetName());
+    return names;
+}
+
+void SortByName(std::vector<TCIMClass*>& classes) {
+    std::sort(classes.begin(), classes.end(),
+              [](const TCIMClass* a, const TCIMClass* b) { return TNameLess()(a->GetName(), b->GetName()); });
+}

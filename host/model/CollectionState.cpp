@@ -1,0 +1,15 @@
+#include "model/CollectionState.h"
+
+bool IsMissing(EState state, EReason reason) {
+    if (state != eNotAsked) return state != eComplete;
+    switch (reason) {
+        case EReason::eNone:
+        case EReason::eNotSelected:
+        case EReason::eMarkedDontCollect:
+        case EReason::eNoData:
+        case EReason::eSchemaOnly:
+            return false;
+        default:
+            return true;
+    }
+}

@@ -1,0 +1,78 @@
+#ifndef KYR_HOST_MODEL_REASON_H
+#define KYR_HOST_MODEL_REASON_H
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+/// Why something is not complete, or has no value: the numbers of the property ReasonCode in schema/collection.xml.
+/// They are stored in files, so that a number keeps its meaning for good.
+enum class EReason : uint16_t {
+    eNone = 0,
+    // Of a collection as a whole
+    eInterrupted = 1,
+    ePluginsIncomplete = 2,
+    eNoClassCollected = 3,
+    // Left out on purpose
+    eNotSelected = 10,
+    eMarkedDontCollect = 11,
+    eNoData = 12,
+    eSchemaOnly = 13,
+    // A plugin's library and its document
+    eFolderUnreadable = 20,
+    eCannotOpen = 21,
+    eNoPluginRegistered = 22,
+    eInitFailed = 23,
+    eDocumentHarmful = 24,
+    eDocumentUnreadable = 25,
+    eNoClassOfItsOwn = 26,
+    eClassesTaken = 27,
+    // A plugin's process
+    eNotStarted = 30,
+    eNoAnswer = 31,
+    eDeadlinePassed = 32,
+    eCrashed = 33,
+    eExited = 34,
+    // What a plugin delivered
+    eDataCallFailed = 40,
+    eErrorLogged = 41,
+    eValuesUnreadable = 42,
+    eTooMuchDelivered = 43,
+    eDeliveryDamaged = 44,
+    eTooManyRefused = 45,
+    eNoTimeToStore = 46,
+    // A single value
+    eNotPresent = 50,
+    eNoPermission = 51,
+    eNotSupported = 52,
+    eReadError = 53,
+    eNotReported = 54,
+    eNotCollected = 55,
+    eBadFormat = 56,
+};
+
+/// A reason as data. Which members are set depends on the code; SentenceOf says how they are printed.
+struct TReason {
+    EReason code = EReason::eNone;
+    std::string plugin = {};
+    std::string className = {};
+    std::string property = {};
+    std::string file = {};    ///< a document, or the source of a value
+    std::string detail = {};  ///< what the code alone does not tell: a signal, a number, a text of the log
+    std::string place = {};   ///< what a plugin was doing: "in its data entry at class X"
+
+    explicit operator bool() const { return code != EReason::eNone; }
+};
+
+/// A reason that needs nothing but its code and a detail.
+inline TReason ReasonFor(EReason code, std::string detail = "") {
+    TReason reason;
+    reason.code = code;
+    reason.detail = std::move(detail);
+    return reason;
+}
+
+/// For people, in English; empty for no reason. Nothing may depend on its wording.
+std::string SentenceOf(const TReason& reason);
+
+#endif

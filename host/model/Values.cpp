@@ -1,0 +1,98 @@
+#include "model/Values.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "base/Text.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMDateTime.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TKYRException.h"
+#include "model/Qualifiers.h"
+
+namespace {
+
+// Year first, and with the offset: the core's own form for people has neither.
+std::string TimestampText(const TCIMDateTime& moment) {
+    char text[64];
+    const int offset = moment.GetUTCOffset();
+    std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u %c%02d:%02d", unsigned{moment.GetYear()},
+                  unsigned{moment.GetMonth()}, moment.GetDay(), unsigned{moment.GetHour()},
+                  unsigned{moment.GetMinute()}, unsigned{moment.GetSecond()}, offset < 0 ? '-' : '+',
+                  std::abs(offset) / 60, std::abs(offset) % 60);
+    return text;
+}
+
+std::string DateTimeText(const TCIMDateTime& moment) {
+    return moment.IsInterval() ? moment.ToUIString() : TimestampText(moment);
+}
+
+std::string TextForPeople(const TCIMProperty& property) {
+    if (property.GetType() == TCIMValue::TCIMType::eCIMDateTime)
+        return DateTimeText(static_cast<TCIMDateTime>(property.GetValue()));
+    return property.ToString();
+}
+
+std::string Tidy(std::string text) {
+    text.erase(text.find_last_not_of(' ') + 1);
+    return VisibleText(text);
+}
+
+bool IsBareNumber(const std::string& text) { return text.find_first_not_of("-+.0123456789e") == std::string::npos; }
+
+// The core scales bytes, bits and seconds and names them; of other units it gives the number alone. That is all there
+// is to tell of an identifier, which counts nothing.
+std::string WithUnit(std::string text, const TCIMProperty& property) {
+    if (!IsBareNumber(text) || text.empty()) return text;
+    const std::string unit = QualifierText(property.GetDeclaration(), "Units");
+    return unit.empty() || unit == "Identifier" ? text : text + " " + unit;
+}
+
+constexpr const char* kNamingProperties[] = {"Caption", "Name", "ElementName", "DeviceID"};
+
+// Empty if there is no such property, or nothing in it.
+std::string TextOfProperty(const TCIMInstance& instance, const char* name) {
+    const TCIMProperty* const property = instance.FindProperty(name);
+    return property == nullptr || property->GetValue().IsNull() ? "" : DisplayText(*property);
+}
+
+}  // namespace
+
+std::string DisplayText(const TCIMProperty& property) {
+    try {
+        return WithUnit(Tidy(TextForPeople(property)), property);
+    } catch (const TKYRException&) {
+        return PlainText(property.GetValue());
+    }
+}
+
+std::vector<std::string> DisplayElements(const TCIMProperty& property) {
+    try {
+        std::vector<std::string> elements = property.ToStringVector();
+        for (std::string& element : elements) element = WithUnit(Tidy(element), property);
+        return elements;
+    } catch (const TKYRException&) {
+        return {PlainText(property.GetValue())};
+    }
+}
+
+std::string PlainText(const TCIMValue& value) {
+    try {
+        return VisibleText(value.ToString(10));
+    } catch (const TKYRException& e) {
+        return std::string("(") + e.what() + ")";
+    }
+}
+
+std::string DisplayName(const TCIMInstance& instance) {
+    for (const char* name : kNamingProperties)
+        if (const std::string text = TextOfProperty(instance, name); !text.empty()) return text;
+    std::string text;
+    for (const std::string& key : instance.GetClass()->EnumerateKeyNames())
+        text += (text.empty() ? "" : ", ") + TextOfProperty(instance, key.c_str());
+    return text.empty() ? VisiblePath(instance) : text;
+}
+
+std::string VisiblePath(const TCIMInstance& instance) { return VisibleText(instance.BuildPath().GetPath()); }

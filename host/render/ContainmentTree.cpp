@@ -1,0 +1,126 @@
+#include "render/ContainmentTree.h"
+
+#include <algorithm>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TContainer.h"
+#include "model/Associations.h"
+#include "model/ClassNames.h"
+
+namespace {
+
+using TRoles = std::vector<const char*>;
+
+// A cache serves a processor, which so depends on it; people look for it below the processor.
+bool IsReversed(const TCIMInstance& association) {
+    const TCIMClass* const cls = association.GetContainer()->FindClass("CIM_AssociatedCacheMemory");
+    return cls != nullptr && association.GetClass()->IsSubclassOf(cls);
+}
+
+// The first end if no role tells.
+size_t OwnerAmong(const std::vector<TAssociationEnd>& ends, const TRoles& roles) {
+    for (size_t i = 0; i < ends.size(); ++i)
+        for (const char* role : roles)
+            if (IsSameName(ends[i].role, role)) return i;
+    return 0;
+}
+
+void SortOnce(std::vector<size_t>& numbers) {
+    std::sort(numbers.begin(), numbers.end());
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+}
+
+}  // namespace
+
+TContainmentTree::TContainmentTree(const TContainer& container, std::vector<const TCIMInstance*> instances)
+    : fInstances(std::move(instances)),
+      fParts(fInstances.size()),
+      fParents(fInstances.size(), kNone),
+      fDepths(fInstances.size(), 0),
+      fPlaced(fInstances.size(), false) {
+    for (size_t i = 0; i < fInstances.size(); ++i) fNumbers.emplace(fInstances[i], i);
+    for (const TCIMClass* cls : AssociationsOf(*container.GetRootClass()))
+        for (const TCIMInstance* association : cls->EnumerateInstances(false)) Tie(*association);
+    for (std::vector<size_t>& parts : fParts) SortOnce(parts);
+    FindParents();
+}
+
+std::vector<TContainmentTree::TNode> TContainmentTree::Walk() const {
+    const std::vector<size_t> order = OrderByParents();
+    std::vector<size_t> first(order.size()), sizes(order.size(), 1);
+    for (size_t i = 0; i < order.size(); ++i) first[order[i]] = i;
+    for (auto number = order.rbegin(); number != order.rend(); ++number)
+        if (fParents[*number] != kNone) sizes[fParents[*number]] += sizes[*number];
+    std::vector<TNode> nodes;
+    nodes.reserve(order.size());
+    for (const size_t number : order)
+        nodes.push_back({fInstances[number], fDepths[number], OtherPartsOf(number, first, sizes)});
+    return nodes;
+}
+
+void TContainmentTree::Tie(const TCIMInstance& association) {
+    const std::vector<TAssociationEnd> ends = EndsOf(association);
+    if (ends.size() < 2) return;
+    const TRoles roles = IsReversed(association) ? TRoles{"Dependent"} : TRoles{"GroupComponent", "Antecedent"};
+    const size_t ownerEnd = OwnerAmong(ends, roles);
+    const auto owner = fNumbers.find(ends[ownerEnd].instance);
+    if (owner == fNumbers.end()) return;
+    for (size_t i = 0; i < ends.size(); ++i) {
+        const auto part = fNumbers.find(ends[i].instance);
+        if (i != ownerEnd && part != fNumbers.end() && part != owner) fParts[owner->second].push_back(part->second);
+    }
+}
+
+// An instance is settled behind all of its owners. Where none is left that could be, links go in a circle: it is
+// entered where something already settled reaches it, or else anywhere.
+void TContainmentTree::FindParents() {
+    std::vector<size_t> waiting(fInstances.size(), 0);
+    std::deque<size_t> ready, reached;
+    for (const std::vector<size_t>& parts : fParts)
+        for (const size_t part : parts) ++waiting[part];
+    for (size_t i = 0; i < waiting.size(); ++i)
+        if (waiting[i] == 0) ready.push_back(i);
+    for (size_t next = 0; next < fInstances.size();) {
+        std::deque<size_t>& source = ready.empty() ? reached : ready;
+        const size_t number = source.empty() ? next++ : source.front();
+        if (!source.empty()) source.pop_front();
+        if (!fPlaced[number]) Place(number, ready, reached, waiting);
+    }
+}
+
+void TContainmentTree::Place(size_t owner, std::deque<size_t>& ready, std::deque<size_t>& reached,
+                             std::vector<size_t>& waiting) {
+    fPlaced[owner] = true;
+    for (const size_t part : fParts[owner]) {
+        if (fPlaced[part]) continue;
+        if (fParents[part] == kNone || fDepths[part] <= fDepths[owner]) {
+            fParents[part] = owner;
+            fDepths[part] = fDepths[owner] + 1;
+        }
+        (--waiting[part] == 0 ? ready : reached).push_back(part);
+    }
+}
+
+std::vector<size_t> TContainmentTree::OrderByParents() const {
+    std::vector<std::vector<size_t>> below(fInstances.size());
+    std::vector<size_t> order, open;
+    for (size_t i = fInstances.size(); i-- > 0;) (fParents[i] == kNone ? open : below[fParents[i]]).push_back(i);
+    while (!open.empty()) {
+        const size_t number = open.back();
+        open.pop_back();
+        order.push_back(number);
+        open.insert(open.end(), below[number].begin(), below[number].end());
+    }
+    return order;
+}
+
+std::vector<const TCIMInstance*> TContainmentTree::OtherPartsOf(size_t owner, const std::vector<size_t>& first,
+                                                                const std::vector<size_t>& sizes) const {
+    std::vector<const TCIMInstance*> others;
+    for (const size_t part : fParts[owner]) {
+        const bool isBelow = first[part] > first[owner] && first[part] < first[owner] + sizes[owner];
+        if (!isBelow) others.push_back(fInstances[part]);
+    }
+    return others;
+}

@@ -1,0 +1,217 @@
+#include "render/InstanceText.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "base/Text.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TContainer.h"
+#include "model/Associations.h"
+#include "model/Provenance.h"
+#include "model/Qualifiers.h"
+#include "model/Values.h"
+
+namespace {
+
+constexpr size_t kLeastValueWidth = 20;  // with less, values stand below their names
+constexpr size_t kIndentBelowName = 6;
+
+using TInstances = std::vector<TCIMInstance*>;
+
+constexpr size_t kListWidth = 72;  // where lines may be longer, lists are not
+constexpr size_t kMostBelowEachOther = 10;
+constexpr const char* kMore = ", ...";
+
+using TLines = std::vector<std::string>;
+
+// What goes on is indented.
+TLines BelowEachOther(const TLines& elements, size_t width) {
+    TLines lines;
+    for (const std::string& element : elements) {
+        std::string indent;
+        for (const std::string& line : WrapText(element, width > 2 ? width - 2 : 1)) {
+            lines.push_back(indent + line);
+            indent = "  ";
+        }
+    }
+    return lines;
+}
+
+// The count, and as many elements as fit behind it on one line; at least one.
+TLines Fold(const TLines& elements, size_t width) {
+    std::string text = std::to_string(elements.size()) + " values: " + elements.front();
+    for (size_t i = 1; ColumnsOf(text + ", " + elements[i] + kMore) <= width; ++i) text += ", " + elements[i];
+    return WrapText(text + kMore, width);
+}
+
+TLines ListLines(TLines elements, size_t width) {
+    if (elements.empty()) return {"0 values"};
+    std::replace(elements.begin(), elements.end(), std::string(), std::string("\"\""));
+    const std::string joined = Join(elements);
+    const size_t listWidth = std::min(width, kListWidth);
+    if (ColumnsOf(joined) <= listWidth) return {joined};
+    if (elements.size() <= kMostBelowEachOther) return BelowEachOther(elements, width);
+    return Fold(elements, listWidth);
+}
+
+// The property's value as visible lines of at most that width. A long list is folded: its count, and how it begins;
+// with raw the value stands as it is, and whole.
+TLines ValueLines(const TCIMProperty& property, bool raw, size_t width) {
+    const bool isNull = property.GetValue().IsNull();
+    if (property.IsArray() && !raw && !isNull) return ListLines(DisplayElements(property), width);
+    const std::string text = isNull && raw ? "-" : raw ? PlainText(property.GetValue()) : DisplayText(property);
+    if (!text.empty()) return WrapText(text, width);
+    return {isNull ? "-" : "\"\""};
+}
+
+bool HasValue(const TCIMInstance& instance, const std::string& name) {
+    const TCIMProperty* const property = instance.FindProperty(name);
+    return property != nullptr && !property->GetValue().IsNull();
+}
+
+// The names of the properties that may be printed, keys first.
+std::vector<std::string> FieldsOf(const TCIMClass& cls, const TPrintOptions& options) {
+    std::vector<std::string> keys, others;
+    for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls()) {
+        if (IsKey(*declaration))
+            keys.push_back(declaration->GetName());
+        else if (!IsCompanion(*declaration) && !(options.stable && IsVolatile(*declaration)))
+            others.push_back(declaration->GetName());
+    }
+    keys.insert(keys.end(), others.begin(), others.end());
+    return keys;
+}
+
+/// The instances of one class.
+class TClassText {
+public:
+    TClassText(const TCIMClass& cls, const TInstances& instances, const TAssociationIndex* links,
+               const TPrintOptions& options, TOutput& output)
+        : fClass(cls), fInstances(instances), fLinks(links), fOptions(options), fOutput(output) {
+        fFields = FieldsOf(cls, options);
+        if (!options.null && !options.provenance) DropFieldsWithoutValue();
+        PlaceColumns();
+    }
+
+    void Print() const {
+        PrintHead();
+        for (const TCIMInstance* instance : fInstances) {
+            if (instance != fInstances.front()) fOutput.Write("\n");
+            PrintInstance(*instance);
+        }
+    }
+
+private:
+    void DropFieldsWithoutValue() {
+        const auto isUnused = [this](const std::string& name) {
+            return std::none_of(fInstances.begin(), fInstances.end(),
+                                [&name](const TCIMInstance* instance) { return HasValue(*instance, name); });
+        };
+        fFields.erase(std::remove_if(fFields.begin(), fFields.end(), isUnused), fFields.end());
+    }
+
+    void PlaceColumns() {
+        size_t longest = 0;
+        for (const std::string& name : fFields) longest = std::max(longest, name.size());
+        fColumn = longest + 4;
+        fStacked = fOutput.Width() < fColumn + kLeastValueWidth;
+        if (fStacked) fColumn = kIndentBelowName;
+        fValueWidth = fOutput.Width() > fColumn ? fOutput.Width() - fColumn : 1;
+    }
+
+    void PrintHead() const {
+        const std::string count = fInstances.size() == 1 ? "" : " (" + std::to_string(fInstances.size()) + ")";
+        fOutput.Write(fOutput.Bold(fClass.GetName()) + count + "\n");
+        const std::string description = OwnShortDescriptionOf(fClass);
+        if (description.empty()) return;
+        const size_t width = std::max<size_t>(fOutput.Width(), 3) - 2;
+        for (const std::string& line : WrapText(description, width)) fOutput.Write("  " + fOutput.Dim(line) + "\n");
+        fOutput.Write("\n");
+    }
+
+    void PrintInstance(const TCIMInstance& instance) const {
+        const std::optional<TProvenance> provenance =
+            fOptions.provenance ? std::optional<TProvenance>(instance) : std::nullopt;
+        for (const std::string& name : fFields)
+            if (const TCIMProperty* const property = instance.FindProperty(name))
+                PrintProperty(*property, provenance ? &*provenance : nullptr);
+        if (fLinks != nullptr) PrintLinks(instance);
+    }
+
+    void PrintProperty(const TCIMProperty& property, const TProvenance* provenance) const {
+        const std::string name = property.GetName();
+        if (!property.GetValue().IsNull()) {
+            const std::string source = provenance == nullptr ? "" : provenance->SourceOf(name);
+            return PrintLines(name, ValueLines(property, fOptions.raw, fValueWidth), VisibleText(source));
+        }
+        const std::string absence = provenance == nullptr ? "" : provenance->AbsenceOf(name);
+        if (!absence.empty())
+            PrintLines(name, WrapText("not available (" + VisibleText(absence) + ")", fValueWidth), "");
+        else if (fOptions.null)
+            PrintLines(name, ValueLines(property, fOptions.raw, fValueWidth), "");
+    }
+
+    void PrintLines(std::string name, std::vector<std::string> lines, const std::string& source) const {
+        if (!source.empty()) AddSource(lines, source);
+        const std::string indent(fColumn, ' ');
+        if (fStacked)
+            fOutput.Write("  " + name + "\n");
+        else
+            name.resize(fColumn - 2, ' ');
+        for (size_t i = 0; i < lines.size(); ++i)
+            fOutput.Write((i == 0 && !fStacked ? "  " + name : indent) + lines[i] + "\n");
+    }
+
+    // Behind the value, or below it if there is no room.
+    void AddSource(std::vector<std::string>& lines, const std::string& source) const {
+        const std::string note = "[" + source + "]";
+        if (ColumnsOf(lines.back()) + 2 + ColumnsOf(note) <= fValueWidth)
+            lines.back() += "  " + fOutput.Dim(note);
+        else
+            for (const std::string& line : WrapText(note, fValueWidth)) lines.push_back(fOutput.Dim(line));
+    }
+
+    void PrintLinks(const TCIMInstance& instance) const {
+        const size_t width = std::max<size_t>(fOutput.Width(), 6) - 5;
+        for (const TAssociationLink& link : fLinks->LinksOf(instance)) {
+            const std::string association = link.association->GetClass()->GetName();
+            const std::string path = VisibleText(link.other.reference.GetPath());
+            std::string indent = "  -> ";
+            for (const std::string& line : WrapText(association + "." + link.other.role + " " + path, width)) {
+                fOutput.Write(indent + line + "\n");
+                indent = "     ";
+            }
+        }
+    }
+
+    const TCIMClass& fClass;
+    const TInstances& fInstances;
+    const TAssociationIndex* fLinks;  // null: links are not printed
+    const TPrintOptions& fOptions;
+    TOutput& fOutput;
+    std::vector<std::string> fFields;
+    size_t fColumn = 0;  // where values stand
+    size_t fValueWidth = 0;
+    bool fStacked = false;  // values below their names
+};
+
+}  // namespace
+
+bool PrintInstances(const TContainer& container, const std::vector<TCIMClass*>& classes, const TPrintOptions& options,
+                    TOutput& output) {
+    if (options.tree) return PrintTree(container, classes, output);
+    std::optional<TAssociationIndex> links;
+    if (options.references) links.emplace(container);
+    bool any = false;
+    for (const TCIMClass* cls : classes) {
+        const TInstances instances = cls->EnumerateInstances(false);
+        if (instances.empty()) continue;
+        if (any) output.Write("\n");
+        TClassText(*cls, instances, links ? &*links : nullptr, options, output).Print();
+        any = true;
+    }
+    return any;
+}

@@ -1,0 +1,31 @@
+#ifndef KYR_HOST_RENDER_INSTANCETEXT_H
+#define KYR_HOST_RENDER_INSTANCETEXT_H
+
+#include <vector>
+
+#include "base/Output.h"
+
+class TCIMClass;
+class TContainer;
+
+/// How instances are printed.
+struct TPrintOptions {
+    bool raw = false;         ///< plain values in place of display text
+    bool null = false;        ///< properties without a value too
+    bool references = false;  ///< what each instance is associated with
+    bool tree = false;        ///< each instance below the one that contains it
+    bool provenance = false;  ///< where values came from, and why others are missing
+    bool stable = false;      ///< without values that change by themselves
+};
+
+/// Prints the instances of the classes for people, class by class, or with options.tree each below the one that it
+/// belongs to. Gives whether there was any.
+bool PrintInstances(const TContainer& container, const std::vector<TCIMClass*>& classes, const TPrintOptions& options,
+                    TOutput& output);
+
+/// Prints the instances of the ordinary ones among the classes as a tree, a line for each: below an instance stands
+/// what associations make a part of it, or dependent on it. Who has several such owners stands in full below the one
+/// that is deepest in the tree, and is only mentioned below the others. Gives whether there was any instance.
+bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, TOutput& output);
+
+#endif

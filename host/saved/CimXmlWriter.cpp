@@ -1,0 +1,191 @@
+#include "saved/CimXmlWriter.h"
+
+#include <charconv>
+#include <cmath>
+
+#include "base/OutputFile.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMDateTime.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TCIMReference.h"
+#include "kyr/TContainer.h"
+#include "model/Qualifiers.h"
+
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+constexpr size_t kPiece = 1 << 16;
+constexpr int kDeepestReference = 100;
+constexpr size_t kDateTimeLength = 25;
+constexpr unsigned int kMostDays = 65535;  // of an interval that is read from text
+
+std::string DateTimeText(const TCIMDateTime& dateTime) {
+    if (dateTime.IsNull()) throw TUnsavable("it holds a date-time that was never set");
+    std::string text = dateTime.ToString();
+    if (text.size() == kDateTimeLength && (!dateTime.IsInterval() || dateTime.GetDay() <= kMostDays)) return text;
+    throw TUnsavable("the date-time " + text + " is out of the range that can be read back");
+}
+
+bool CanBeKeyOf(const TCIMClass& cls, const std::string& name, const TCIMValue& value) {
+    const TCIMPropertyDecl* const declaration = cls.FindPropertyDecl(name);
+    return declaration != nullptr && IsKey(*declaration) && declaration->GetType() == value.GetType() &&
+           !value.IsNull() && !value.IsArray();
+}
+
+// Control characters too: other readers change a CR, and refuse most of the rest when they stand there plainly.
+bool NeedsNoEscape(unsigned char c) {
+    return (c >= ' ' && c != '<' && c != '&' && c != '>' && c != 0x7f) || c == '\t' || c == '\n';
+}
+
+std::string EscapeXml(unsigned char c) {
+    if (c == '<') return "&lt;";
+    if (c == '&') return "&amp;";
+    if (c == '>') return "&gt;";
+    return "&#" + std::to_string(c) + ";";
+}
+
+// So that the core's reader, and any other that leaves bytes above 127 alone, gets each byte back. There is no form for
+// NUL.
+void AppendXmlText(std::string& target, std::string_view text) {
+    size_t done = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (NeedsNoEscape(c)) continue;
+        target.append(text, done, i - done).append(EscapeXml(c));
+        done = i + 1;
+    }
+    target.append(text, done);
+}
+
+}  // namespace
+
+std::string TypeAttribute(TCIMValue::TCIMType type) {
+    const auto element = static_cast<TType::ECIMType>(type & ~TType::eCIMArrayFlag);
+    if (element == TType::eCIMNone) return "";
+    if (element == TType::eCIMChar || element == TType::eCIMReference)
+        throw TUnsavable("documents have no values of its type");
+    return " TYPE=\"" + TCIMValue::TCIMType(element).ToString() + "\"";
+}
+
+const char* PropertyElement(const TCIMPropertyDecl& declaration) {
+    if (declaration.GetValue().IsReference()) return "PROPERTY.REFERENCE";
+    return declaration.IsArray() ? "PROPERTY.ARRAY" : "PROPERTY";
+}
+
+std::string PropertyStart(const TCIMPropertyDecl& declaration) {
+    const std::string start =
+        std::string("<") + PropertyElement(declaration) + " NAME=\"" + declaration.GetName() + "\"";
+    return declaration.GetValue().IsReference() ? start : start + TypeAttribute(declaration.GetType());
+}
+
+void TCimXmlWriter::Raw(std::string_view markup) {
+    fBuffer.append(markup);
+    if (fBuffer.size() >= kPiece) Spill();
+}
+
+void TCimXmlWriter::Attribute(const char* name, std::string_view value) {
+    fBuffer.append(" ").append(name).append("=\"").append(value).append("\"");
+}
+
+void TCimXmlWriter::ShapeAttributes(const TCIMValue& value) {
+    if (value.IsArray() && value.GetMaxArraySize() != 0)
+        Attribute("ARRAYSIZE", std::to_string(value.GetMaxArraySize()));
+    if (!value.IsReference() || !value.IsNull()) return;
+    if (value.GetReferencedClass() == nullptr) throw TUnsavable("it is a reference to no class");
+    Attribute("REFERENCECLASS", NameOf(*value.GetReferencedClass()));
+}
+
+void TCimXmlWriter::Value(const TCIMValue& value) {
+    if (value.IsNull()) return;
+    if (value.IsReference()) return Reference(value, 1);
+    if (value.IsArray()) return Elements(value);
+    Raw("<VALUE>");
+    Scalar(value);
+    Raw("</VALUE>");
+}
+
+std::string TCimXmlWriter::NameOf(const TCIMClass& cls) const {
+    if (&cls == fContainer.GetRootClass()) return "";
+    if (fContainer.FindClass(cls.GetName()) == &cls) return cls.GetName();
+    throw TUnsavable("the class '" + cls.GetName() + "' is not in the collection under its name");
+}
+
+size_t TCimXmlWriter::Finish() {
+    Spill();
+    return fSize;
+}
+
+void TCimXmlWriter::Text(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos) throw TUnsavable("its text holds a NUL byte");
+    AppendXmlText(fBuffer, text);
+}
+
+void TCimXmlWriter::Scalar(const TCIMValue& value) {
+    switch (value.GetType()) {
+        case TType::eCIMString:
+            return Text(value.operator std::string());
+        case TType::eCIMReal32:
+            return Real(value.operator float());
+        case TType::eCIMReal64:
+            return Real(value.operator double());
+        case TType::eCIMDateTime:
+            return Raw(DateTimeText(value));
+        default:
+            Raw(value.ToString(10));
+    }
+}
+
+// The shortest text of that very number.
+template <typename T>
+void TCimXmlWriter::Real(T number) {
+    char text[32];
+    char* const end = std::to_chars(text, text + sizeof text, number).ptr;
+    if (!std::isfinite(number)) throw TUnsavable("the number " + std::string(text, end) + " cannot be read back");
+    fBuffer.append(text, end);
+}
+
+void TCimXmlWriter::Elements(const TCIMValue& array) {
+    Raw("<VALUE.ARRAY>");
+    for (const TCIMValue& element : array.operator std::vector<TCIMValue>&()) {
+        if ((element.GetType() | TType::eCIMArrayFlag) != array.GetType() || element.IsArray())
+            throw TUnsavable("it is an array with an element of another type");
+        const bool isTyped = element.GetType() != TType::eCIMNone;
+        if (element.IsNull() && isTyped) throw TUnsavable("it is an array with a NULL among its elements");
+        Raw("<VALUE>");
+        if (isTyped) Scalar(element);
+        Raw("</VALUE>");
+    }
+    Raw("</VALUE.ARRAY>");
+}
+
+void TCimXmlWriter::Reference(const TCIMReference& reference, int depth) {
+    if (depth > kDeepestReference) throw TUnsavable("its keys are references nested too deeply");
+    const TCIMClass& cls = *reference.GetClass();
+    const TKeyBindings bindings = reference.EnumerateKeyBindings();
+    Raw(bindings.empty() ? "<VALUE.REFERENCE><CLASSNAME" : "<VALUE.REFERENCE><INSTANCENAME");
+    Attribute(bindings.empty() ? "NAME" : "CLASSNAME", NameOf(cls));
+    Raw(bindings.empty() ? "/" : ">");
+    for (const auto& [name, value] : bindings) KeyBinding(cls, name, value, depth);
+    Raw(bindings.empty() ? "></VALUE.REFERENCE>" : "</INSTANCENAME></VALUE.REFERENCE>");
+}
+
+void TCimXmlWriter::KeyBinding(const TCIMClass& cls, const std::string& name, const TCIMValue& value, int depth) {
+    if (!CanBeKeyOf(cls, name, value))
+        throw TUnsavable("it is a reference with '" + name + "', which cannot be read back as a key of " +
+                         cls.GetName());
+    Raw("<KEYBINDING");
+    Attribute("NAME", name);
+    Raw(value.IsReference() ? ">" : "><KEYVALUE>");
+    if (value.IsReference())
+        Reference(value, depth + 1);
+    else
+        Scalar(value);
+    Raw(value.IsReference() ? "</KEYBINDING>" : "</KEYVALUE></KEYBINDING>");
+}
+
+void TCimXmlWriter::Spill() {
+    fSize += fBuffer.size();
+    if (fSize <= kLargestDocument) fFile.Write(fBuffer);
+    fBuffer.clear();
+}

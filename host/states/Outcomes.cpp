@@ -1,0 +1,200 @@
+#include "states/Outcomes.h"
+
+#include <algorithm>
+
+#include "base/Text.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/kyrPlugin.h"
+#include "model/Provenance.h"
+#include "model/Qualifiers.h"
+
+namespace {
+
+constexpr size_t kMostAbsencesTold = 3;
+// What the core puts in front of the loader's own message.
+constexpr const char* kCoreLoadFailure = "ERROR: Failed to load plugin.  Reason: ";
+
+using TTexts = std::vector<std::string>;
+
+// "the first (and 2 more)"
+std::string FirstAndCount(const TTexts& texts) {
+    if (texts.size() < 2) return texts.front();
+    return texts.front() + " (and " + std::to_string(texts.size() - 1) + " more)";
+}
+
+std::string WithoutStart(const std::string& text, const std::string& start) {
+    return StartsWith(text, start) ? text.substr(start.size()) : text;
+}
+
+// The errors about the class, without its name in front, or with null those about none.
+TTexts ErrorsOf(const TPluginLibrary& library, const TCIMClass* cls) {
+    TTexts texts;
+    for (const TMessage* message : MessagesOf(library, cls))
+        if (message->severity == kyrLogError)
+            texts.push_back(cls == nullptr ? message->text : WithoutStart(message->text, cls->GetName() + ": "));
+    return texts;
+}
+
+TReason ErrorsLogged(const TTexts& errors, const TCIMClass* cls) {
+    TReason reason = ReasonFor(EReason::eErrorLogged, FirstAndCount(errors));
+    if (cls != nullptr) reason.className = cls->GetName();
+    return reason;
+}
+
+TReason NothingRegistered(const TPluginReport& report) {
+    const std::string error = report.FirstError();
+    if (error.empty()) return ReasonFor(EReason::eNoPluginRegistered);
+    return ReasonFor(EReason::eCannotOpen, WithoutStart(error, kCoreLoadFailure));
+}
+
+TReason DocumentUnreadable(const TPluginLibrary& library) {
+    const std::string error = library.report.FirstError(), failure = library.report.loadFailure;
+    TReason reason = ReasonFor(EReason::eDocumentUnreadable, error.empty() ? failure : failure + ": " + error);
+    reason.file = library.DocumentPath();
+    return reason;
+}
+
+bool AreAllInitialised(const TPluginReport& report) {
+    return std::all_of(report.plugins.begin(), report.plugins.end(),
+                       [](const TPluginInfo& plugin) { return plugin.initialised; });
+}
+
+// How far the library came, whatever its classes gave.
+TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
+    const TPluginReport& report = library.report;
+    if (report.end.state != eComplete) return report.end;
+    if (report.plugins.empty()) return {eRefused, NothingRegistered(report)};
+    if (!report.loadFailure.empty()) return {eRefused, DocumentUnreadable(library)};
+    const TPluginInfo* const owner = report.FindOwner();
+    if (owner == nullptr && !AreAllInitialised(report))
+        return {eRefused, ReasonFor(EReason::eInitFailed, report.FirstError())};
+    if (owner == nullptr || (library.classes.empty() && owner->type == kyrPluginDocumentOnly))
+        return {eNotAsked, ReasonFor(EReason::eNoData)};
+    if (library.classes.empty()) return {eRefused, ReasonFor(EReason::eNoClassOfItsOwn)};
+    return {};
+}
+
+TOutcome FindUnaskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
+                            bool hasInstances) {
+    if (!wanted.Includes(cls.GetName())) return {eNotAsked, ReasonFor(EReason::eNotSelected)};
+    if (IsMarkedDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
+    const TOutcome whole = FindLibraryOutcome(library);
+    if (whole.state != eComplete) return {hasInstances ? ePartial : whole.state, whole.reason};
+    if (hasInstances) return {};
+    return {eNotAsked, ReasonFor(wanted.IsSchemaOnly() ? EReason::eSchemaOnly : EReason::eNoData)};
+}
+
+// With the errors that are about none of its classes.
+TOutcome FindFailedCallOutcome(const TPluginLibrary& library, const TDataCall& call, bool hasInstances) {
+    const EState none = call.failure == kyrTranslateStatusCode(kyrStatusAccessDenied) ? eRefused : eFailed;
+    const TTexts errors = ErrorsOf(library, nullptr);
+    const std::string detail = errors.empty() ? call.failure : call.failure + ": " + FirstAndCount(errors);
+    return {hasInstances ? ePartial : none, ReasonFor(EReason::eDataCallFailed, detail)};
+}
+
+// Values that a machine does not have are not missing; those that it has and that could not be read are.
+bool IsValueMissing(const TReason& absence) {
+    return absence.code == EReason::eNoPermission || absence.code == EReason::eReadError;
+}
+
+TReason MissingValues(const TCIMClass& cls) {
+    if (cls.FindPropertyDecl("UnavailableValues") == nullptr) return {};
+    std::vector<TReason> missing;
+    for (const TCIMInstance* instance : cls.EnumerateInstances(false))
+        for (const TReason& absence : AbsencesOf(*instance))
+            if (IsValueMissing(absence)) missing.push_back(absence);
+    if (missing.empty()) return {};
+    TTexts texts;
+    for (size_t i = 0; i < missing.size() && i < kMostAbsencesTold; ++i)
+        texts.push_back(missing[i].property + ": " + SentenceOf(missing[i]));
+    if (missing.size() > kMostAbsencesTold)
+        texts.push_back("and " + std::to_string(missing.size() - kMostAbsencesTold) + " more");
+    TReason reason = missing.front();
+    reason.code = EReason::eValuesUnreadable;
+    reason.detail = Join(texts, "; ");
+    return reason;
+}
+
+}  // namespace
+
+TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted) {
+    const TPluginReport& report = library.report;
+    const bool hasInstances = !cls.EnumerateInstances(false).empty();
+    const TDataCall* const call = report.FindDataCall(cls.GetName());
+    if (call == nullptr) return FindUnaskedOutcome(library, cls, wanted, hasInstances);
+    if (report.end.state != eComplete)
+        return {hasInstances || call->finished ? ePartial : report.end.state, report.end.reason};
+    const TTexts errors = ErrorsOf(library, &cls);
+    if (!errors.empty()) return {hasInstances ? ePartial : eFailed, ErrorsLogged(errors, &cls)};
+    if (!call->failure.empty()) return FindFailedCallOutcome(library, *call, hasInstances);
+    const TReason missing = MissingValues(cls);
+    return missing ? TOutcome{ePartial, missing} : TOutcome();
+}
+
+namespace {
+
+struct TClassCounts {
+    size_t asked = 0;
+    size_t missing = 0;
+    bool any = false;  // something came
+    TOutcome first;    // of what is missing, or else of what was not asked
+};
+
+TClassCounts Count(const TPluginLibrary& library, const TClassSelection& wanted) {
+    TClassCounts counts;
+    for (const TCIMClass* cls : library.classes) {
+        if (cls->IsAbstract()) continue;
+        const TOutcome outcome = FindClassOutcome(library, *cls, wanted);
+        counts.any |= outcome.state <= ePartial;
+        counts.asked += outcome.state != eNotAsked;
+        if (IsMissing(outcome) ? counts.missing++ == 0 : counts.first.state == eComplete) counts.first = outcome;
+    }
+    return counts;
+}
+
+// Why the plugin as a whole is not complete, if its classes do not say it all.
+TReason OwnReason(const TPluginLibrary& library) {
+    for (const TDataCall& call : library.report.dataCalls)
+        if (!call.failure.empty()) return FindFailedCallOutcome(library, call, true).reason;
+    const TTexts errors = ErrorsOf(library, nullptr);
+    return errors.empty() ? TReason() : ErrorsLogged(errors, nullptr);
+}
+
+// Of a plugin that shares its library, and so its document, with the owner of the classes.
+TOutcome FindSecondPluginOutcome(const TPluginReport& report, const TPluginInfo& plugin) {
+    if (!plugin.initialised) return {eRefused, ReasonFor(EReason::eInitFailed, report.FirstError())};
+    if (plugin.type != kyrPluginDataCollector) return {eNotAsked, ReasonFor(EReason::eNoData)};
+    TReason reason = ReasonFor(EReason::eClassesTaken);
+    reason.plugin = report.FindOwner()->name;
+    return {eRefused, reason};
+}
+
+}  // namespace
+
+TOutcome FindPluginOutcome(const TPluginLibrary& library, const TPluginInfo* plugin, const TClassSelection& wanted) {
+    const TOutcome whole = FindLibraryOutcome(library);
+    const TClassCounts counts = Count(library, wanted);
+    if (whole.state != eComplete) return {counts.any ? ePartial : whole.state, whole.reason};
+    if (plugin != library.report.FindOwner()) return FindSecondPluginOutcome(library.report, *plugin);
+    const TReason reason = OwnReason(library);
+    if (counts.missing == 0 && !reason) return counts.asked != 0 ? TOutcome() : counts.first;
+    const bool isPartial = counts.any || counts.missing == 0;
+    return {isPartial ? ePartial : counts.first.state, reason};
+}
+
+std::vector<const TMessage*> MessagesOf(const TPluginLibrary& library, const TCIMClass* cls) {
+    const auto isOurs = [&](const std::string& name) {
+        return std::any_of(library.classes.begin(), library.classes.end(),
+                           [&](const TCIMClass* one) { return one->GetName() == name; });
+    };
+    std::vector<const TMessage*> messages;
+    for (const TMessage& message : library.report.messages)
+        if (cls == nullptr ? !isOurs(message.className) : message.className == cls->GetName())
+            messages.push_back(&message);
+    return messages;
+}
+
+TReason PluginsIncomplete(size_t incomplete, size_t all) {
+    if (incomplete == 0) return {};
+    return ReasonFor(EReason::ePluginsIncomplete, std::to_string(incomplete) + " of " + std::to_string(all));
+}

@@ -1,0 +1,49 @@
+#include "states/PluginLibrary.h"
+
+#include <cctype>
+#include <unordered_set>
+
+#include "kyr/TCIMClass.h"
+#include "kyr/TKYRException.h"
+#include "kyr/TOSSpecific.h"
+
+namespace {
+
+using TNames = std::unordered_set<std::string>;
+
+bool IsNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+
+// The first word of the text that is one of the names, or an empty one.
+std::string FirstNameIn(const std::string& text, const TNames& names) {
+    for (size_t end = 0; end < text.size();) {
+        size_t start = end;
+        while (start < text.size() && !IsNameCharacter(text[start])) ++start;
+        end = start;
+        while (end < text.size() && IsNameCharacter(text[end])) ++end;
+        if (const std::string word = text.substr(start, end - start); names.count(word) != 0) return word;
+    }
+    return "";
+}
+
+std::string ClassOf(const TMessage& message, const TNames& names) {
+    if (message.core) return FirstNameIn(message.text, names);
+    const std::string start = message.text.substr(0, message.text.find(": "));
+    return names.count(start) != 0 ? start : "";
+}
+
+}  // namespace
+
+std::string TPluginLibrary::DocumentPath() const {
+    try {
+        return TOSSpecific::BuildSpecificationPath(path);
+    } catch (const TKYRException&) {
+        return "";
+    }
+}
+
+void TPluginLibrary::AssignMessagesToClasses() {
+    TNames names;
+    for (const TCIMClass* cls : classes) names.insert(cls->GetName());
+    for (TMessage& message : report.messages)
+        if (message.className.empty()) message.className = ClassOf(message, names);
+}

@@ -1,0 +1,39 @@
+#include "states/PluginReport.h"
+
+#include <algorithm>
+
+#include "base/Text.h"
+#include "kyr/kyrPlugin.h"
+
+namespace {
+
+constexpr size_t kLongestMessage = 4096;
+
+}  // namespace
+
+// After a data call that failed, and before the next one, the core logs that very failure, which the call has already.
+void TPluginReport::AddLogLine(const TLogLine& line) {
+    const bool repeatsFailure = line.core && !dataCalls.empty() && !dataCalls.back().failure.empty();
+    if (line.severity > kyrLogWarning || repeatsFailure) return;
+    messages.push_back({"", line.severity, CutText(line.text, kLongestMessage), line.core});
+}
+
+const TPluginInfo* TPluginReport::FindOwner() const {
+    const auto reads = [](const TPluginInfo& plugin) {
+        return plugin.initialised && (plugin.type == kyrPluginDataCollector || plugin.type == kyrPluginDocumentOnly);
+    };
+    const auto found = std::find_if(plugins.begin(), plugins.end(), reads);
+    return found == plugins.end() ? nullptr : &*found;
+}
+
+const TDataCall* TPluginReport::FindDataCall(const std::string& className) const {
+    for (const TDataCall& call : dataCalls)
+        if (std::find(call.asked.begin(), call.asked.end(), className) != call.asked.end()) return &call;
+    return nullptr;
+}
+
+std::string TPluginReport::FirstError() const {
+    for (const TMessage& message : messages)
+        if (message.severity == kyrLogError) return message.text;
+    return "";
+}

@@ -1,0 +1,129 @@
+#include "states/StateWriter.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <set>
+
+#include "base/Signals.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TContainer.h"
+#include "states/StateInstances.h"
+
+namespace {
+
+constexpr size_t kMostLines = 50;
+
+const char* KindOf(const TMessage& message) {
+    if (message.severity == kyrLogError) return "error: ";
+    return message.severity == kyrLogWarning ? "warning: " : "printed: ";
+}
+
+std::vector<TCIMValue> LogLines(const std::vector<const TMessage*>& messages) {
+    std::vector<TCIMValue> lines;
+    for (size_t i = 0; i < messages.size() && i < kMostLines; ++i)
+        lines.emplace_back(KindOf(*messages[i]) + messages[i]->text);
+    if (messages.size() > kMostLines)
+        lines.emplace_back("and " + std::to_string(messages.size() - kMostLines) + " more");
+    return lines;
+}
+
+class TStateWriter {
+public:
+    TStateWriter(const std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, const TContainer& container)
+        : fContainer(container), fWanted(wanted) {
+        for (const TPluginLibrary& library : libraries) fNames.insert(library.report.NameIn(library.path));
+    }
+
+    void WriteLibrary(const TPluginLibrary& library) {
+        if (library.report.plugins.empty()) WritePlugin(library, nullptr);
+        for (const TPluginInfo& plugin : library.report.plugins) WritePlugin(library, &plugin);
+        for (const TCIMClass* cls : library.classes)
+            if (!cls->IsAbstract()) WriteClass(library, *cls);
+    }
+
+    void WriteCollection(const TReason& interruption) {
+        TCIMInstance& state = NewState(kCollectionClass, FindCollectionOutcome(interruption), {});
+        state.SetPropertyValue("Tool", TCIMValue("kyr"));
+        state.SetPropertyValue("ToolVersion", TCIMValue(KYRCORE_VERSION));
+        state.SetPropertyValue("Superuser", TCIMValue(geteuid() == 0));
+        state.AddToContainer();
+    }
+
+private:
+    TCIMInstance& NewState(const char* className, const TOutcome& outcome,
+                           const std::vector<const TMessage*>& messages) {
+        TCIMInstance& state = *fContainer.AllocateInstance(fContainer.GetClass(className));
+        StoreOutcome(state, outcome);
+        if (!messages.empty())
+            state.SetPropertyValue("LogLines", TCIMValue(TCIMValue::TCIMType::eCIMString, 0, LogLines(messages)));
+        return state;
+    }
+
+    // The library's path where the plugin has no name, or one that another library has too.
+    std::string NameOf(const TPluginLibrary& library, const TPluginInfo* plugin) const {
+        const bool isUnique = plugin != nullptr && !plugin->name.empty() && fNames.count(plugin->name) < 2;
+        return isUnique ? plugin->name : library.path;
+    }
+
+    void WritePlugin(const TPluginLibrary& library, const TPluginInfo* plugin) {
+        const TOutcome outcome = FindPluginOutcome(library, plugin, fWanted);
+        TCIMInstance& state = NewState(kCollectedPluginClass, outcome, MessagesOf(library, nullptr));
+        state.SetPropertyValue("Library", TCIMValue(library.path));
+        state.SetPropertyValue("Name", TCIMValue(NameOf(library, plugin)));
+        if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
+        state.AddToContainer();
+        ++fPlugins;
+        fIncomplete += IsMissing(outcome);
+    }
+
+    // The document of a plugin that was not selected may hold instances all the same; they are not counted.
+    void WriteClass(const TPluginLibrary& library, const TCIMClass& cls) {
+        const TOutcome outcome = FindClassOutcome(library, cls, fWanted);
+        const bool isSelected = outcome.reason.code != EReason::eNotSelected;
+        const auto count = isSelected ? static_cast<unsigned int>(cls.EnumerateInstances(false).size()) : 0u;
+        TCIMInstance& state = NewState(kCollectedClassClass, outcome, MessagesOf(library, &cls));
+        const std::vector<TPluginInfo>& plugins = library.report.plugins;
+        state.SetPropertyValue("Name", TCIMValue(cls.GetName()));
+        state.SetPropertyValue("Plugin", TCIMValue(NameOf(library, plugins.empty() ? nullptr : &plugins.front())));
+        state.SetPropertyValue("InstanceCount", TCIMValue(count));
+        state.AddToContainer();
+        fHasInstances |= count != 0;
+        fIsAsked |= outcome.state != eNotAsked;
+    }
+
+    TOutcome FindCollectionOutcome(const TReason& interruption) const {
+        const TReason reason = interruption ? interruption : PluginsIncomplete(fIncomplete, fPlugins);
+        if (fWanted.IsSchemaOnly())
+            return reason ? TOutcome{ePartial, reason} : TOutcome{eNotAsked, ReasonFor(EReason::eSchemaOnly)};
+        if (!reason && (fIsAsked || fHasInstances)) return {};
+        return {fHasInstances ? ePartial : eFailed, reason ? reason : ReasonFor(EReason::eNoClassCollected)};
+    }
+
+    const TContainer& fContainer;
+    const TClassSelection& fWanted;
+    std::multiset<std::string> fNames;  // of the plugins of all libraries
+    size_t fPlugins = 0;
+    size_t fIncomplete = 0;
+    bool fHasInstances = false;
+    bool fIsAsked = false;
+};
+
+// States that a plugin or its document brought: only the host says how complete a collection is.
+void RemoveStates(const TContainer& container) {
+    for (TCIMClass* const cls : container.GetClass(kStateClass)->EnumerateSubClasses(true))
+        for (auto states = cls->EnumerateInstances(false); !states.empty(); states = cls->EnumerateInstances(false))
+            cls->RemoveInstance(*states.front());
+}
+
+}  // namespace
+
+void WriteStates(std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, int interruption,
+                 const TContainer& container) {
+    RemoveStates(container);
+    for (TPluginLibrary& library : libraries) library.AssignMessagesToClasses();
+    TStateWriter writer(libraries, wanted, container);
+    for (const TPluginLibrary& library : libraries) writer.WriteLibrary(library);
+    writer.WriteCollection(interruption == 0 ? TReason() : ReasonFor(EReason::eInterrupted, SignalName(interruption)));
+}

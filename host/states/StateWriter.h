@@ -1,0 +1,16 @@
+#ifndef KYR_HOST_STATES_STATEWRITER_H
+#define KYR_HOST_STATES_STATEWRITER_H
+
+#include <list>
+
+#include "states/Outcomes.h"
+
+class TContainer;
+
+/// Writes into the container how complete it is: an instance for the collection, one for each plugin and one for each
+/// class that can have instances, of the classes of schema/collection.xml. The interruption is the number of the signal
+/// that interrupted the collection, or 0.
+void WriteStates(std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, int interruption,
+                 const TContainer& container);
+
+#endif
