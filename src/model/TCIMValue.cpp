@@ -1,8 +1,5 @@
 #include "kyr/TCIMValue.h"
 
-#include <memory>
-#include <utility>
-
 #include "kyr/TKYRException.h"
 #include "model/NumberText.h"
 #include "model/TCIMArrayValueImpl.h"
@@ -46,6 +43,18 @@ TCIMValueImpl* CopyOf(const TCIMValueImpl* source, TType type) {
             return CopyAs<TCIMReferenceValueImpl>(source);
         default:
             throw TKYRException(kyrStatusTypeMismatch);
+    }
+}
+
+// The copy of what a value is to hold comes before its old body goes: what is copied may be the value itself (a NaN
+// equals nothing), an element of it, or the array whose element it is. After a failure it is a NULL of the new type.
+template <typename TCopy>
+auto CopyOrSetNull(TCIMValue& value, TType type, unsigned int maxArraySize, TCopy&& copy) {
+    try {
+        return copy();
+    } catch (...) {
+        value.SetNullValue(type, maxArraySize);
+        throw;
     }
 }
 
@@ -172,20 +181,16 @@ void TCIMValue::Set(const TCIMReference& value) {
     fReferencedClass = value.GetClass();
 }
 void TCIMValue::Set(TCIMType type, unsigned int maxArraySize, const std::vector<TCIMValue>& elements) {
-    const std::unique_ptr<TCIMValueImpl> old(std::exchange(fBody, nullptr));  // the elements may be its own
-    SetNullValue(ArrayTypeOf(type), maxArraySize);                            // what it stays if one cannot be copied
-    std::vector<TCIMValue> copies(elements);
+    std::vector<TCIMValue> copies = CopyOrSetNull(*this, ArrayTypeOf(type), maxArraySize, [&] { return elements; });
     TCIMValueTransfer::SetArray(*this, type, maxArraySize, copies);
 }
 void TCIMValue::Set(const TCIMValue& other) {
     if (*this == other) return;
-    // Other may be this very value (a NaN equals nothing) or an element of it: the old body outlives the copying.
-    const TCIMValueImpl* const source = other.fBody;
-    const std::unique_ptr<TCIMValueImpl> old(std::exchange(fBody, nullptr));
-    fType = other.fType;
-    if (IsArray()) fMaxArraySize = other.fMaxArraySize;
-    if (IsReference()) fReferencedClass = other.fReferencedClass;
-    fBody = CopyOf(source, fType);
+    const auto copyBody = [&] { return CopyOf(other.fBody, other.fType); };
+    TCIMValueImpl* const body = CopyOrSetNull(*this, other.fType, other.fMaxArraySize, copyBody);
+    if (other.IsArray()) fMaxArraySize = other.fMaxArraySize;
+    if (other.IsReference()) fReferencedClass = other.fReferencedClass;
+    TCIMValueTransfer::Install(*this, other.fType, body);
 }
 void TCIMValue::SetNullValue(TCIMType::ECIMType type, unsigned int maxArraySize) {
     TCIMValueTransfer::Install(*this, type, nullptr);
