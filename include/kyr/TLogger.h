@@ -1,11 +1,13 @@
 #ifndef TLOGGER_H
 #define TLOGGER_H
 
+#include <atomic>
 #include <fstream>
 
 #include "kyr/ILogger.h"
 
-/// The core's logger.
+/// The core's logger. Any thread may write entries, clear the list and set the threshold; the list that GetLog gives is
+/// looked at while no thread writes. The logger is made and destroyed while no other thread runs the library.
 class KYR_API TLogger : public ILogger {
 public:
     /// Makes the one logger, with the threshold kyrLogStatus and no file; always returns 0. Everything in the core logs
@@ -37,7 +39,7 @@ private:
 
     static TLogger* fgInstance;
 
-    kyrLogSeverity fThreshold;
+    std::atomic<kyrLogSeverity> fThreshold;
     std::string fFilename;  // empty: no file
     std::ofstream fStream;
     std::list<TLogEntry> fLog;

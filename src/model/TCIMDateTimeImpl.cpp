@@ -4,6 +4,7 @@
 
 #include "kyr/TKYRException.h"
 #include "model/NumberText.h"
+#include "platform/TimeZone.h"
 
 namespace {
 constexpr unsigned long kMicroSecondsInSecond = 1000000;
@@ -36,15 +37,15 @@ long StandardTime(unsigned short year, unsigned short month, unsigned int day, u
     fields.tm_min = minute;
     fields.tm_sec = second;
     fields.tm_isdst = 0;
-    const time_t seconds = mktime(&fields);
+    const time_t seconds = SecondsOf(fields);
     if (seconds == -1) Refuse();
     return seconds;
 }
 
 tm LocalTime(time_t seconds) {
-    const tm* fields = localtime(&seconds);
-    if (fields == nullptr) Refuse();
-    return *fields;
+    tm fields;
+    if (!BreakDown(seconds, fields)) Refuse();
+    return fields;
 }
 
 TCIMDateTimeImpl IntervalOf(long total) {

@@ -3,7 +3,7 @@
 #include "kyr/TCIMClass.h"
 #include "model/TCIMQualifierImpl.h"
 
-unsigned long TCIMPropertyDeclImpl::fgRenameCount = 0;
+std::atomic<unsigned long> TCIMPropertyDeclImpl::fgRenameCount = 0;
 
 void TCIMPropertyDeclImpl::AddToContainer() const {
     fHandle->Validate();

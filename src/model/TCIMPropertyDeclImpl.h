@@ -1,6 +1,7 @@
 #ifndef KYR_MODEL_TCIMPROPERTYDECLIMPL_H
 #define KYR_MODEL_TCIMPROPERTYDECLIMPL_H
 
+#include <atomic>
 #include <string>
 
 #include "kyr/TCIMPropertyDecl.h"
@@ -26,7 +27,7 @@ public:
     bool IsKey() const;
 
 private:
-    static unsigned long fgRenameCount;
+    static std::atomic<unsigned long> fgRenameCount;  // of every container, and so of every thread
 
     TCIMPropertyDecl* fHandle;
     std::string fName;  // as written

@@ -1,6 +1,8 @@
 #include "kyr/TLogger.h"
 
 #include <cerrno>
+#include <mutex>
+#include <utility>
 
 #include "kyr/IPlugin.h"
 #include "kyr/IPluginCallbacks.h"
@@ -11,6 +13,10 @@ namespace {
 
 constexpr int kMaxDataLength = 10240;
 constexpr const char* kTags[] = {"[Error] ", "[Warning] ", "[Status] ", "[Debug] ", "[Verbose] "};
+
+// Containers on several threads write to one logger. Plugins are asked for their names without it: they may log too.
+std::mutex gMutex;
+using TLock = std::lock_guard<std::mutex>;
 
 std::string Source(const IPlugin* plugin) { return plugin ? plugin->GetCallbacks()->GetName() + ": " : "Core: "; }
 
@@ -68,11 +74,15 @@ void TLogger::OutputLogEntry(const IPlugin* plugin, kyrLogSeverity severity, con
 }
 
 std::list<ILogger::TLogEntry>& TLogger::GetLog() { return fLog; }
-void TLogger::ClearLog() { fLog.clear(); }
+void TLogger::ClearLog() {
+    const TLock lock(gMutex);
+    fLog.clear();
+}
 void TLogger::SetLogThreshold(kyrLogSeverity severity) { fThreshold = severity; }
 kyrLogSeverity TLogger::GetLogThreshold() { return fThreshold; }
 
 void TLogger::SetLogFilename(std::string name) {
+    const TLock lock(gMutex);
     fFilename = name;
     fStream.open(name, std::ios::out | std::ios::ate);
     if (!fStream) throw TKYRException(errno == EACCES ? kyrStatusAccessDenied : kyrStatusFileSystemError);
@@ -80,7 +90,9 @@ void TLogger::SetLogFilename(std::string name) {
 }
 
 void TLogger::Keep(const IPlugin* plugin, kyrLogSeverity severity, const std::string& text) {
-    fLog.push_back({plugin, severity, text, TOSSpecific::GetLocalTime()});
+    TLogEntry entry{plugin, severity, text, TOSSpecific::GetLocalTime()};
+    const TLock lock(gMutex);
+    fLog.push_back(std::move(entry));
 }
 
 void TLogger::Print(const IPlugin* plugin, kyrLogSeverity severity, const std::string& text) {
@@ -88,6 +100,7 @@ void TLogger::Print(const IPlugin* plugin, kyrLogSeverity severity, const std::s
     line += Tag(severity);
     line += text;
     line += '\n';
+    const TLock lock(gMutex);
     if (fFilename.empty()) return TOSSpecific::OutputLogString(line);
     fStream << line << std::flush;
 }

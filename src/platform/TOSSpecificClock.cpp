@@ -1,14 +1,13 @@
 #include <sys/time.h>
 
-#include <ctime>
-
 #include "kyr/TOSSpecific.h"
+#include "platform/TimeZone.h"
 
 TCIMDateTime TOSSpecific::GetLocalTime() {
     timeval now;
     gettimeofday(&now, nullptr);
-    // Not localtime_r, which does not notice that the host has changed TZ.
-    const tm local = *localtime(&now.tv_sec);
+    tm local;
+    BreakDown(now.tv_sec, local);
     return TCIMDateTime(static_cast<unsigned short>(local.tm_year + 1900),
                         static_cast<unsigned short>(local.tm_mon + 1), static_cast<unsigned int>(local.tm_mday),
                         static_cast<unsigned short>(local.tm_hour), static_cast<unsigned short>(local.tm_min),
