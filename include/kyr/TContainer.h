@@ -12,7 +12,12 @@ class TCIMInstance;
 class TContainerImpl;
 
 /// One schema and its data: the store of qualifier declarations and classes, which own everything else. Names are
-/// found without regard to case; a malformed one raises kyrStatusInvalidCIMName. One thread at a time.
+/// found without regard to case; a malformed one raises kyrStatusInvalidCIMName.
+///
+/// A container and all that it holds are used by one thread at a time, also for reading; references into it count as
+/// part of it. Separate containers may be used on separate threads at once, and so may separate values. What one thread
+/// has made another may use and destroy, once the host has handed it over, by a lock or a join. While several threads
+/// are at work the host changes neither TZ nor the locale.
 class KYR_API TContainer {
 public:
     /// Empty but for the root class, from which all classes descend. No qualifier is declared in advance, not even KEY.
