@@ -9,3 +9,5 @@ kyrcore_add_test(unit_model CORE static SOURCES
   ${_model}/TCIMPropertyTest.cpp
   ${_model}/AssociationsTest.cpp
   ${_model}/TContainerTest.cpp)
+# Alone, so that it is quickly built with ThreadSanitizer; scripts/check threads does that.
+kyrcore_add_test(unit_threads CORE static SOURCES ${_model}/ThreadsTest.cpp)
