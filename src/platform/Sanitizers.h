@@ -1,5 +1,5 @@
-#ifndef SANITIZERS_H
-#define SANITIZERS_H
+#ifndef KYR_PLATFORM_SANITIZERS_H
+#define KYR_PLATFORM_SANITIZERS_H
 
 // What the code is instrumented with. GCC and clang tell it in two ways.
 #if defined(__has_feature)

@@ -1,5 +1,5 @@
-#ifndef TIMEZONE_H
-#define TIMEZONE_H
+#ifndef KYR_PLATFORM_TIMEZONE_H
+#define KYR_PLATFORM_TIMEZONE_H
 
 #include <ctime>
 
