@@ -30,7 +30,7 @@ TCoreLog::TCoreLog(const TLogOptions& options) : fVerbose(options.verbose), fIsI
 
 TCoreLog::~TCoreLog() {
     delete TRootObject::GetCoreLogger();
-    TLogger::Initialize();  // plugins may log from their destructors
+    TLogger::Initialize();  // plugins that are unloaded later may log from their destructors
 }
 
 void TCoreLog::Print(const TLogLine& line, const std::string& plugin) const {

@@ -14,24 +14,25 @@ struct TLogLine {
     std::string text;
 };
 
+/// Where the log goes besides the error and warning lines that a command reports.
 struct TLogOptions {
-    std::string file;  ///< empty: none
-    bool verbose = false;
+    std::string file;      ///< the log file; empty: none
+    bool verbose = false;  ///< print every line on standard error
 };
 
-/// The core's logger for the length of a command. It must exist before anything else of the core is used.
+/// Sets up the core's logger for the length of a command. Create it before using anything else of the core.
 class TCoreLog {
 public:
     /// Raises TCommandError if the log file cannot be written.
     explicit TCoreLog(const TLogOptions& options);
-    /// Closes the log file.
+    /// Closes the log file and drops the lines that are still held.
     ~TCoreLog();
     TCoreLog(const TCoreLog&) = delete;
     TCoreLog& operator=(const TCoreLog&) = delete;
 
-    /// With --verbose, prints the line on standard error, under the plugin's name if it is not the core's.
+    /// With --verbose, prints the line on standard error, under the name of the plugin if the core did not log it.
     void Print(const TLogLine& line, const std::string& plugin = "") const;
-    /// Whether somebody reads more of the log than errors and warnings.
+    /// Whether lines below a warning are printed or written to a file; if not, they need not be passed on.
     bool IsWatched() const { return fVerbose || fIsInFile; }
     bool IsInFile() const { return fIsInFile; }
 
@@ -40,8 +41,8 @@ private:
     bool fIsInFile;
 };
 
-/// Captures the lines that are logged while it exists. What was logged before stays in the core's log; captured lines
-/// leave it, whether they are taken or not.
+/// Captures the lines that are logged while this object exists. They are removed from the core's log, whether they are
+/// taken or not; lines logged before stay there.
 class TLogCapture {
 public:
     TLogCapture();

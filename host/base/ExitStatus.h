@@ -4,16 +4,16 @@
 #include <stdexcept>
 #include <string>
 
-/// What kyr tells its caller.
+/// The exit statuses of kyr. Scripts depend on the numbers.
 enum EExit {
     eExitComplete = 0,
     eExitPartial = 1,  ///< there is a result, but something failed on the way
-    eExitUsage = 2,
+    eExitUsage = 2,    ///< the arguments are wrong
     eExitNothing = 3,  ///< nothing could be collected or read
     eExitOutput = 4,   ///< the result could not be written
 };
 
-/// Ends the command with a message for standard error.
+/// Thrown to end the command with an exit status; what() is printed on standard error.
 class TCommandError : public std::runtime_error {
 public:
     TCommandError(EExit status, const std::string& text) : std::runtime_error(text), fStatus(status) {}

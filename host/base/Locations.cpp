@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Without /proc, by the name that it was started under.
+// Where /proc is not mounted, the name that the program was started under has to do.
 fs::path FindExecutable() {
     std::error_code error;
     const fs::path path = fs::read_symlink("/proc/self/exe", error);
@@ -20,13 +20,13 @@ fs::path FindExecutable() {
     return name == nullptr ? fs::path() : fs::canonical(name, error);
 }
 
-// The first of the places, each relative to the executable's folder, that exists.
-std::string FindBesideExecutable(std::initializer_list<const char*> places) {
+// The first of the paths, relative to the executable's folder, that exists; empty if none does.
+std::string FindBesideExecutable(std::initializer_list<const char*> candidates) {
     std::error_code error;
     const fs::path folder = FindExecutable().parent_path();
     if (folder.empty()) return "";
-    for (const char* place : places)
-        if (const fs::path path = folder / place; fs::exists(path, error)) return path.lexically_normal().string();
+    for (const char* candidate : candidates)
+        if (const fs::path path = folder / candidate; fs::exists(path, error)) return path.lexically_normal().string();
     return "";
 }
 

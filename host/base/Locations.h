@@ -3,12 +3,11 @@
 
 #include <string>
 
-/// Where the plugins and the base document stand beside this executable, in the build tree or as installed; empty if
-/// they do not.
+/// The plugin folder and the base document that belong to this executable, in the build tree or as installed; empty if
+/// there are none.
 std::string FindDefaultPlugins();
 std::string FindDefaultSchema();
-/// The document that stands beside the base document, and says how a collection tells how complete it is. Raises
-/// TCommandError.
+/// The document with the classes of collection states, schema/collection.xml. Raises TCommandError if it is missing.
 std::string FindStateDocument();
 
 #endif

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <utility>
 
+#include "base/Text.h"
+
 namespace {
 
 constexpr size_t kMostMatches = 3;
@@ -14,7 +16,7 @@ std::string ToLower(std::string text) {
     return text;
 }
 
-// How many characters must be put in, taken out or replaced to make one text of the other.
+// The Levenshtein distance: how many characters must be inserted, deleted or replaced to turn one text into the other.
 size_t EditDistance(const std::string& from, const std::string& to) {
     std::vector<size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
@@ -30,7 +32,8 @@ size_t EditDistance(const std::string& from, const std::string& to) {
     return row.back();
 }
 
-// A part of a name that somebody left the rest off counts as near, but behind a slip of the finger.
+// Near is a name with a few typing errors, and one that contains the text: "Processor" finds CIM_Processor. The
+// distance is larger then, so that names with typing errors are listed first.
 bool IsNear(const std::string& name, const std::string& candidate, size_t distance) {
     if (distance <= std::max<size_t>(2, name.size() / 4)) return true;
     return name.size() >= 3 && candidate.find(name) != std::string::npos;
@@ -53,8 +56,6 @@ std::vector<std::string> FindNearMatches(const std::string& name, const std::vec
 }
 
 std::string DidYouMean(const std::string& name, const std::vector<std::string>& candidates) {
-    std::string text;
-    for (const std::string& match : FindNearMatches(name, candidates))
-        text += (text.empty() ? "; did you mean '" : "' or '") + match;
-    return text.empty() ? text : text + "'?";
+    const std::vector<std::string> matches = FindNearMatches(name, candidates);
+    return matches.empty() ? "" : "; did you mean '" + Join(matches, "' or '") + "'?";
 }

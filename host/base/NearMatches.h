@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-/// Those of the candidates that a person who wrote the name may have meant: at most three, the nearest first.
+/// The candidates that the user may have meant by a misspelt or shortened name: at most three, the nearest first.
 std::vector<std::string> FindNearMatches(const std::string& name, const std::vector<std::string>& candidates);
 
-/// "; did you mean 'a' or 'b'?", or nothing.
+/// A text to append to an error message: "; did you mean 'a' or 'b'?", or nothing if no candidate is near.
 std::string DidYouMean(const std::string& name, const std::vector<std::string>& candidates);
 
 #endif

@@ -26,7 +26,7 @@ bool MayColour() {
     return isatty(STDOUT_FILENO) != 0;
 }
 
-// 0: nobody says.
+// 0 if COLUMNS is unset or is no positive number.
 size_t ColumnsGiven() {
     const char* const columns = std::getenv("COLUMNS");
     const long given = columns == nullptr ? 0 : std::strtol(columns, nullptr, 10);
@@ -55,6 +55,14 @@ void TOutput::Write(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailToWrite();
 }
 
+void TOutput::WriteWrapped(std::string_view visible, std::string start, size_t columns) {
+    const size_t indent = start.size(), width = std::min(columns, fWidth);
+    for (const std::string& line : WrapText(visible, width > indent ? width - indent : 1)) {
+        Write(start + line + "\n");
+        start.assign(indent, ' ');
+    }
+}
+
 void TOutput::Flush() {
     if (std::fflush(stdout) != 0) FailToWrite();
 }
@@ -66,7 +74,9 @@ std::string TOutput::Dim(const std::string& text) const { return fColour ? "\033
 void PrintDiagnostic(const std::string& text) { std::fprintf(stderr, "kyr: %s\n", VisibleText(text).c_str()); }
 
 void OpenMissingStandardStreams() {
-    constexpr int kModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};  // sic: writing to descriptor 1 is to fail
+    // Standard output is opened for reading on purpose: scripts that close it rely on exit status 4, which they would
+    // not get if the result went to /dev/null.
+    constexpr int kModes[] = {O_RDONLY, O_RDONLY, O_WRONLY};
     for (int descriptor = 0; descriptor < 3; ++descriptor)
         if (fcntl(descriptor, F_GETFD) < 0) (void)open("/dev/null", kModes[descriptor]);
 }

@@ -5,17 +5,21 @@
 #include <string>
 #include <string_view>
 
-/// Standard output. What cannot be written ends the command with eExitOutput.
+/// Standard output. What cannot be written raises TCommandError with eExitOutput.
 class TOutput {
 public:
-    static constexpr size_t kUnlimited = 1 << 30;
+    static constexpr size_t kUnlimited = 1 << 30;  ///< columns of a line that is never broken
 
     TOutput();
 
     void Write(std::string_view text);
-    /// To be called once at the end: only then is all that was written known to have arrived.
+    /// Writes a visible text in lines that fit the output and are no longer than told: the first behind start, which is
+    /// ASCII, and the others indented by as many blanks.
+    void WriteWrapped(std::string_view visible, std::string start, size_t columns = kUnlimited);
+    /// Must be called once at the end: what is still buffered is written then, which may fail like any other write.
     void Flush();
-    /// How many columns a line may take: what COLUMNS says, or the terminal; kUnlimited for a file or a pipe.
+    /// How many columns a line may take: the value of COLUMNS, or the width of the terminal; kUnlimited for a file or a
+    /// pipe.
     size_t Width() const { return fWidth; }
     /// The text in bold, or dimmed, if standard output is a terminal that may be coloured.
     std::string Bold(const std::string& text) const;
@@ -26,11 +30,11 @@ private:
     size_t fWidth;
 };
 
-/// One line on standard error, "kyr: " in front.
+/// Prints one line on standard error, with "kyr: " in front.
 void PrintDiagnostic(const std::string& text);
 
-/// Opens descriptors 0 to 2 where our caller closed them, so that no file of ours lands there. A closed standard
-/// output stays one that cannot be written.
+/// Opens those of descriptors 0 to 2 that the caller closed. Otherwise a file that is opened later would get such a
+/// number, and messages would be written into it. Writing to a closed standard output still fails.
 void OpenMissingStandardStreams();
 
 #endif

@@ -16,12 +16,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr unsigned int kPiece = 1 << 16;
+constexpr unsigned int kBufferSize = 1 << 16;
 
 }  // namespace
 
 bool TOutputFile::IsSpecial(const std::string& path) {
-    // Ours already, whatever it is.
+    // These name descriptors of this process. Even if one is a regular file, the caller wants it written, not replaced.
     for (const char* descriptors : {"/dev/std", "/dev/fd/", "/proc/self/fd/"})
         if (StartsWith(path, descriptors)) return true;
     struct stat status {};
@@ -39,7 +39,7 @@ TOutputFile::TOutputFile(const std::string& path, bool compressed) : TOutputFile
     const int copy = fcntl(fFile, F_DUPFD_CLOEXEC, 0);
     if (copy >= 0) fStream = gzdopen(copy, compressed ? "wb" : "wbT");
     if (fStream == nullptr) Fail();
-    gzbuffer(fStream, kPiece);
+    gzbuffer(fStream, kBufferSize);
 }
 
 TOutputFile::~TOutputFile() {
@@ -60,7 +60,8 @@ void TOutputFile::Finish() {
     if (!fInPlace) Publish();
 }
 
-// Without a name where the file system can do that: not even a killed process leaves something behind then.
+// A file without a name (O_TMPFILE), which vanishes even if this process is killed. Where the file system does not
+// support that, or /proc is missing, which is needed to name the file later, it has a temporary name from the start.
 void TOutputFile::OpenTemporary() {
     std::error_code missing;
     const fs::path target = fs::canonical(fPath, missing);
@@ -71,16 +72,17 @@ void TOutputFile::OpenTemporary() {
     const std::string folder = fs::path(fTarget).parent_path().string();
     if (access("/proc/self/fd", X_OK) == 0) fFile = open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
     if (fFile < 0) {
-        UnderNewName([this](const char* name) {
+        WithUnusedName([this](const char* name) {
             fFile = open(name, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
             return fFile >= 0;
         });
     }
-    TakeOverMode();
+    CopyOwnerAndMode();
 }
 
-// Of the file that is to be replaced, as if it were overwritten.
-void TOutputFile::TakeOverMode() {
+// Gives the new file the owner and the permissions of the file that it replaces. Set-user-ID and the like are kept only
+// together with the owner.
+void TOutputFile::CopyOwnerAndMode() {
     struct stat status {};
     if (stat(fTarget.c_str(), &status) != 0) return;
     const bool isSameOwners = fchown(fFile, status.st_uid, status.st_gid) == 0;
@@ -91,7 +93,7 @@ void TOutputFile::Publish() {
     if (fsync(fFile) != 0) Fail();
     if (fTemporary.empty()) {
         const std::string descriptor = "/proc/self/fd/" + std::to_string(fFile);
-        UnderNewName([&](const char* name) {
+        WithUnusedName([&](const char* name) {
             return linkat(AT_FDCWD, descriptor.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
         });
     }
@@ -100,7 +102,7 @@ void TOutputFile::Publish() {
 }
 
 template <typename TAction>
-void TOutputFile::UnderNewName(TAction action) {
+void TOutputFile::WithUnusedName(TAction action) {
     const fs::path folder = fs::path(fTarget).parent_path();
     for (int number = 0; number < 1000; ++number) {
         const fs::path name = folder / (".kyr-" + std::to_string(getpid()) + "-" + std::to_string(number));

@@ -6,35 +6,38 @@
 #include <string>
 #include <string_view>
 
-/// A file that appears whole, when it is finished, or not at all, in place of one that may be there. What is no
-/// regular file, such as a device or a pipe, is written in place. Every failure is a TCommandError with eExitOutput.
+/// A file that is written atomically: Finish() replaces what was at the path, and until then that stays as it was. What
+/// is no regular file, such as a device or a pipe, is written in place. Every failure is a TCommandError with
+/// eExitOutput.
 class TOutputFile {
 public:
     TOutputFile(const std::string& path, bool compressed);
-    /// Leaves nothing behind of a file that was not finished.
+    /// Removes the temporary file if Finish() was not called.
     ~TOutputFile();
     TOutputFile(const TOutputFile&) = delete;
     TOutputFile& operator=(const TOutputFile&) = delete;
 
-    /// Whether there is something at the path that is written in place.
+    /// Whether the path names something that is written in place.
     static bool IsSpecial(const std::string& path);
 
     void Write(std::string_view bytes);
+    /// Writes what is still buffered to the disk and gives the file its name. Nothing can be written afterwards.
     void Finish();
 
 private:
     explicit TOutputFile(const std::string& path) : fPath(path), fTarget(path) {}
 
     void OpenTemporary();
-    void TakeOverMode();
+    void CopyOwnerAndMode();
     void Publish();
+    // Calls the action with names that are not used in the target's folder until it succeeds with one.
     template <typename TAction>
-    void UnderNewName(TAction action);
+    void WithUnusedName(TAction action);
     [[noreturn]] void Fail(const std::string& attempt = "") const;
 
     const std::string fPath;
-    std::string fTarget;     // the same without symbolic links
-    std::string fTemporary;  // the file's name until it is finished; empty: it has none yet
+    std::string fTarget;     // fPath with symbolic links resolved
+    std::string fTemporary;  // the name of the unfinished file; empty: it has none
     bool fInPlace = false;
     int fFile = -1;
     gzFile fStream = nullptr;

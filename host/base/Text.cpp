@@ -51,7 +51,8 @@ std::string EscapeByte(unsigned int byte) {
     }
 }
 
-// Both append what stands at the start of the text and give the number of bytes that it took.
+// AppendVisible and AppendValid append the first character of the text in its converted form, and return how many bytes
+// of the text it had.
 size_t AppendVisible(std::string& result, std::string_view text) {
     const TCharacter character = FirstCharacter(text);
     if (character.length == 0 || IsControl(character.codePoint)) {
@@ -72,11 +73,12 @@ size_t AppendValid(std::string& result, std::string_view text) {
     return length;
 }
 
-bool IsPlain(char c) { return c >= 0x20 && c < 0x7F; }
+bool IsPrintableAscii(char c) { return c >= 0x20 && c < 0x7F; }
 
+// Most texts are printable ASCII, which needs no conversion: its start is copied as a whole.
 template <typename TAppend>
 std::string Converted(std::string_view text, TAppend append) {
-    const auto plain = std::find_if_not(text.begin(), text.end(), IsPlain);
+    const auto plain = std::find_if_not(text.begin(), text.end(), IsPrintableAscii);
     std::string result(text.begin(), plain);
     text.remove_prefix(result.size());
     while (!text.empty()) text.remove_prefix(append(result, text));
@@ -94,7 +96,7 @@ TExtent ExtentOfFirst(std::string_view visible) {
     return {character.length, static_cast<size_t>(utf8proc_charwidth(static_cast<int>(character.codePoint)))};
 }
 
-// How many bytes fit, at least one character.
+// How many bytes of the text fit into the width. At least one character, so that each line makes progress.
 size_t LengthOfFitting(std::string_view visible, size_t width) {
     if (visible.size() <= width) return visible.size();
     size_t length = 0, columns = 0;
@@ -107,7 +109,7 @@ size_t LengthOfFitting(std::string_view visible, size_t width) {
     return length;
 }
 
-// The length of the first line: up to the last blank that may end it, or all that fits.
+// The length of the first line: up to the last blank at which it can be broken, or all that fits if there is none.
 size_t LengthOfLine(std::string_view visible, size_t width) {
     const size_t fitting = LengthOfFitting(visible, width);
     if (fitting == visible.size() || visible[fitting] == ' ') return fitting;

@@ -16,15 +16,15 @@ std::string ValidText(std::string_view text);
 
 /// Whether a character beyond ASCII is a control character, or one that reorders or hides text.
 bool IsHiddenCharacter(unsigned int codePoint);
-/// As "\u202E".
+/// The escape that is written for a character, such as "\u202E".
 std::string EscapedCharacter(unsigned int codePoint);
 
 /// How many columns a visible text takes on a terminal.
 size_t ColumnsOf(std::string_view visible);
-/// The lines of a visible text, none of them wider than told: broken at blanks, which are dropped, or inside a word
-/// that is too long for a line. At least one line.
+/// A visible text in lines of at most that width, broken at blanks, which are dropped, or inside a word that is longer
+/// than a line. At least one line.
 std::vector<std::string> WrapText(std::string_view visible, size_t width);
-/// The text, or as many whole characters of it as fit into that many bytes, with "..." behind them.
+/// The text if it has at most that many bytes. Otherwise as many whole characters of it as fit, and "..." behind them.
 std::string CutText(const std::string& text, size_t size);
 
 /// The texts with the separator between them.

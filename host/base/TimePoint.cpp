@@ -3,7 +3,7 @@
 #include <sstream>
 
 TTimePoint After(TTimePoint start, double seconds) {
-    constexpr double kCentury = 3.2e9;
+    constexpr double kCentury = 3.2e9;  // in seconds
     if (!(seconds < kCentury)) return TTimePoint::max();
     return start + std::chrono::duration_cast<TClock::duration>(std::chrono::duration<double>(seconds));
 }

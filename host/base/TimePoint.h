@@ -7,9 +7,9 @@
 using TClock = std::chrono::steady_clock;
 using TTimePoint = TClock::time_point;
 
-/// The moment so many seconds later; the last of all if there is no such number.
+/// The time that many seconds after the start. TTimePoint::max() for NaN, infinity and whatever the clock cannot hold.
 TTimePoint After(TTimePoint start, double seconds);
-/// "1.5 s"
+/// The seconds with their unit, such as "1.5 s".
 std::string SecondsText(double seconds);
 
 #endif

@@ -6,6 +6,7 @@
 
 #include "base/ExitStatus.h"
 #include "base/NearMatches.h"
+#include "base/Text.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -16,6 +17,7 @@
 
 namespace {
 
+// Null if the reference cannot be resolved.
 const ICIMElement* FindTarget(const TCIMReference& reference) {
     try {
         return reference.GetCIMElement();
@@ -26,7 +28,8 @@ const ICIMElement* FindTarget(const TCIMReference& reference) {
 
 bool NamesInstance(const TCIMReference& reference) { return !reference.EnumerateKeyBindings().empty(); }
 
-// Appends a link for each end but the instance's own, which is the first in that role.
+// Appends a link to each end of the association but the instance's own, which is the first one that refers to the
+// instance in that role. An empty role stands for any.
 void AppendLinks(const TCIMInstance& instance, const TCIMInstance& association, const std::string& role,
                  std::vector<TAssociationLink>& links) {
     const std::vector<TAssociationEnd> ends = EndsOf(association);
@@ -38,7 +41,7 @@ void AppendLinks(const TCIMInstance& instance, const TCIMInstance& association, 
         if (end != own) links.push_back({&association, own->role, *end});
 }
 
-TCIMClass* FindFilter(const TContainer& container, const std::string& name) {
+TCIMClass* FindFilterClass(const TContainer& container, const std::string& name) {
     return name.empty() ? nullptr : &GetClassNamed(container, name);
 }
 
@@ -51,11 +54,10 @@ std::vector<std::string> RolesIn(const std::vector<TCIMClass*>& associations) {
 }
 
 void RefuseUnknownRole(const std::string& role, const std::vector<std::string>& roles) {
-    const auto isIt = [&role](const std::string& each) { return IsSameName(each, role); };
-    if (role.empty() || std::any_of(roles.begin(), roles.end(), isIt)) return;
-    std::string list;
-    for (const std::string& each : roles) list += (list.empty() ? "" : ", ") + each;
-    throw TCommandError(eExitUsage, "unknown role '" + role + "'" + DidYouMean(role, roles) + " (roles: " + list + ")");
+    const auto isRole = [&role](const std::string& each) { return IsSameName(each, role); };
+    if (role.empty() || std::any_of(roles.begin(), roles.end(), isRole)) return;
+    throw TCommandError(eExitUsage,
+                        "unknown role '" + role + "'" + DidYouMean(role, roles) + " (roles: " + Join(roles) + ")");
 }
 
 bool Passes(const TAssociationEnd& end, const TCIMClass* cls, const std::string& role) {
@@ -63,7 +65,8 @@ bool Passes(const TAssociationEnd& end, const TCIMClass* cls, const std::string&
     return cls == nullptr || end.reference.GetClass()->IsSubclassOf(cls);
 }
 
-auto KindOf(const TAssociationLink& link) {
+// Links that are equal in this are listed together.
+auto SortKeyOf(const TAssociationLink& link) {
     return std::tie(link.association->GetClass()->GetName(), link.role, link.other.role);
 }
 
@@ -84,29 +87,29 @@ std::vector<TAssociationEnd> EndsOf(const TCIMInstance& association) {
 
 std::vector<TAssociationLink> FindLinks(const TCIMInstance& instance, const TAssociationFilter& filter) {
     const TContainer& container = *instance.GetContainer();
-    TCIMClass* const only = FindFilter(container, filter.assocClass);
+    TCIMClass* const only = FindFilterClass(container, filter.assocClass);
     const std::vector<TCIMClass*> associations = AssociationsOf(only == nullptr ? *container.GetRootClass() : *only);
     if (only != nullptr && associations.empty())
         throw TCommandError(eExitUsage, "class " + only->GetName() + " is no association");
-    TCIMClass* const results = FindFilter(container, filter.resultClass);
+    TCIMClass* const results = FindFilterClass(container, filter.resultClass);
     for (const std::string& role : {filter.role, filter.resultRole}) RefuseUnknownRole(role, RolesIn(associations));
     std::vector<TAssociationLink> links;
     for (const TCIMClass* cls : associations)
         for (const TCIMInstance* association : cls->EnumerateInstances(false))
             AppendLinks(instance, *association, filter.role, links);
-    const auto isHeldBack = [&](const TAssociationLink& link) {
+    const auto isFilteredOut = [&](const TAssociationLink& link) {
         return !Passes(link.other, results, filter.resultRole);
     };
-    links.erase(std::remove_if(links.begin(), links.end(), isHeldBack), links.end());
+    links.erase(std::remove_if(links.begin(), links.end(), isFilteredOut), links.end());
     std::stable_sort(links.begin(), links.end(),
-                     [](const TAssociationLink& a, const TAssociationLink& b) { return KindOf(a) < KindOf(b); });
+                     [](const TAssociationLink& a, const TAssociationLink& b) { return SortKeyOf(a) < SortKeyOf(b); });
     return links;
 }
 
 TAssociationIndex::TAssociationIndex(const TContainer& container) {
     for (const TCIMClass* cls : AssociationsOf(*container.GetRootClass()))
         for (const TCIMInstance* association : cls->EnumerateInstances(false))
-            for (const TAssociationEnd& end : EndsOf(*association)) Enter(end.instance, association);
+            for (const TAssociationEnd& end : EndsOf(*association)) Add(end.instance, association);
 }
 
 std::vector<TAssociationLink> TAssociationIndex::LinksOf(const TCIMInstance& instance) const {
@@ -117,8 +120,8 @@ std::vector<TAssociationLink> TAssociationIndex::LinksOf(const TCIMInstance& ins
     return links;
 }
 
-// One association may point to an instance twice.
-void TAssociationIndex::Enter(const TCIMInstance* instance, const TCIMInstance* association) {
+// An association that refers to an instance twice is entered once: LinksOf finds both links in it.
+void TAssociationIndex::Add(const TCIMInstance* instance, const TCIMInstance* association) {
     if (instance == nullptr) return;
     std::vector<const TCIMInstance*>& associations = fAssociations[instance];
     if (associations.empty() || associations.back() != association) associations.push_back(association);

@@ -10,37 +10,39 @@
 class TCIMInstance;
 class TContainer;
 
-/// One end of an instance of an association class.
+/// One reference of an association instance: the role is the name of the reference property.
 struct TAssociationEnd {
     std::string role;
     TCIMReference reference;
-    const TCIMInstance* instance;  ///< null: it was not collected
+    const TCIMInstance* instance;  ///< what it refers to; null: that was not collected
 };
 
-/// The ends in the order of their roles' names. A reference that is NULL, or names a class alone, is no end.
+/// The ends of an association instance, sorted by role. References that are NULL or name a class without keys are left
+/// out.
 std::vector<TAssociationEnd> EndsOf(const TCIMInstance& association);
 
-/// What an instance is tied to by one instance of an association class.
+/// A link from one instance to another through an association instance.
 struct TAssociationLink {
     const TCIMInstance* association;
-    std::string role;  ///< the instance's own
-    TAssociationEnd other;
+    std::string role;       ///< of the instance that the link was asked for
+    TAssociationEnd other;  ///< what it is linked to
 };
 
-/// Which links are wanted. An empty name lets everything through.
+/// Which links are wanted, in the terms of the CIM operation Associators. An empty name filters nothing.
 struct TAssociationFilter {
-    std::string assocClass;
-    std::string resultClass;
-    std::string role;
-    std::string resultRole;
+    std::string assocClass;   ///< of the association, or a superclass of it
+    std::string resultClass;  ///< of the linked instance, or a superclass of it
+    std::string role;         ///< of the instance that is asked for
+    std::string resultRole;   ///< of the linked instance
 };
 
-/// The links of one instance that the filter lets through, those of one kind together.
-/// Unlike the core's own search this lets a role count that is declared for a superclass, and no broken reference
-/// elsewhere makes it fail. Raises TCommandError for a filter that names no class.
+/// The links of an instance that pass the filter, sorted by association class and roles. Differs from the core's own
+/// search in two ways: roles that a superclass declares count too, and a reference that cannot be resolved does not
+/// make the whole search fail. Raises TCommandError if the filter names an unknown class or role.
 std::vector<TAssociationLink> FindLinks(const TCIMInstance& instance, const TAssociationFilter& filter);
 
-/// The association instances that point to each instance, found in one walk.
+/// An index of all association instances by the instances that they refer to. It is for finding the links of many
+/// instances: FindLinks walks all associations for each.
 class TAssociationIndex {
 public:
     explicit TAssociationIndex(const TContainer& container);
@@ -48,7 +50,7 @@ public:
     std::vector<TAssociationLink> LinksOf(const TCIMInstance& instance) const;
 
 private:
-    void Enter(const TCIMInstance* instance, const TCIMInstance* association);
+    void Add(const TCIMInstance* instance, const TCIMInstance* association);
 
     std::unordered_map<const TCIMInstance*, std::vector<const TCIMInstance*>> fAssociations;
 };

@@ -11,7 +11,8 @@
 
 namespace {
 
-// The core has the root class for an empty name, and refuses what cannot be a name.
+// Null for every unknown name. The core's search finds the root class for an empty name, and raises for a text that
+// cannot be a name.
 TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name) {
     try {
         return name.empty() ? nullptr : schema.FindClass(name);
@@ -20,7 +21,7 @@ TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name) {
     }
 }
 
-std::vector<TCIMClass*> WithAllBelow(TCIMClass& cls) {
+std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {
     std::vector<TCIMClass*> classes = cls.EnumerateSubClasses(true);
     classes.insert(classes.begin(), &cls);
     return classes;
@@ -50,7 +51,7 @@ std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vecto
     std::vector<TCIMClass*> classes;
     if (names.empty()) classes = AllButStates(schema);
     for (const std::string& name : names)
-        for (TCIMClass* cls : WithAllBelow(GetClassNamed(schema, name))) classes.push_back(cls);
+        for (TCIMClass* cls : WithSubClasses(GetClassNamed(schema, name))) classes.push_back(cls);
     SortByName(classes);
     classes.erase(std::unique(classes.begin(), classes.end()), classes.end());
     std::stable_partition(classes.begin(), classes.end(), [](const TCIMClass* cls) { return !cls->IsAssociation(); });
@@ -58,7 +59,7 @@ std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vecto
 }
 
 std::vector<TCIMClass*> AssociationsOf(TCIMClass& cls) {
-    std::vector<TCIMClass*> classes = WithAllBelow(cls);
+    std::vector<TCIMClass*> classes = WithSubClasses(cls);
     Drop(classes, [](const TCIMClass* each) { return !each->IsAssociation(); });
     SortByName(classes);
     return classes;

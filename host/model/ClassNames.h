@@ -9,27 +9,26 @@
 class TCIMClass;
 class TContainer;
 
-/// Names of classes and properties are the same in any case.
+/// CIM compares the names of classes and properties without regard to case.
 inline bool IsSameName(const std::string& a, const std::string& b) { return strcasecmp(a.c_str(), b.c_str()) == 0; }
 
-/// Orders them.
+/// Sorts names without regard to case.
 struct TNameLess {
     bool operator()(const std::string& a, const std::string& b) const { return strcasecmp(a.c_str(), b.c_str()) < 0; }
 };
 
-/// The class of that name in any case. Raises TCommandError that names the nearest ones.
+/// The class of that name. Raises TCommandError for an unknown class, with the names of similar ones.
 TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name);
 
-/// The named classes with all below them, ordinary classes before associations, each in the order of their names. No
-/// name stands for every class but those that tell how complete the collection is. Raises TCommandError.
+/// The named classes and all their subclasses, each once: first the ordinary classes by name, then the associations by
+/// name. Without names, all classes except those of collection states. Raises TCommandError for an unknown class.
 std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vector<std::string>& names);
 
-/// The class itself, if it is an association, and the associations below it, in the order of their names.
+/// The associations among the class and all its subclasses, sorted by name.
 std::vector<TCIMClass*> AssociationsOf(TCIMClass& cls);
 
 std::vector<std::string> NamesOf(const std::vector<TCIMClass*>& classes);
 
-/// In the order of their names, whatever their case.
 void SortByName(std::vector<TCIMClass*>& classes);
 
 #endif

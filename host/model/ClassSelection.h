@@ -6,7 +6,8 @@
 #include <utility>
 #include <vector>
 
-/// The classes whose instances are wanted: all, those of some exact names, or none because only the schema is wanted.
+/// The classes of which instances are wanted: all, those with the given names (not their subclasses), or none, because
+/// only the schema is wanted.
 class TClassSelection {
 public:
     static TClassSelection All() { return {eAll, {}}; }
@@ -15,11 +16,11 @@ public:
 
     bool IsAll() const { return fCase == eAll; }
     bool IsSchemaOnly() const { return fCase == eSchemaOnly; }
-    /// Of a schema alone, every class is wanted.
+    /// Whether the class is wanted. Where only the schema is wanted, it is wanted of every class.
     bool Includes(const std::string& name) const {
         return fCase != eThese || std::find(fNames.begin(), fNames.end(), name) != fNames.end();
     }
-    /// The names as the core's query takes them: empty for all.
+    /// The names in the form that the core's plugin manager takes: empty for all.
     const std::vector<std::string>& Names() const { return fNames; }
 
 private:

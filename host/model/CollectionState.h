@@ -3,23 +3,24 @@
 
 #include "model/Reason.h"
 
-/// How far the collecting of something came: the numbers of the property State in schema/collection.xml.
+/// The state of a collection, a plugin or a class: the numbers of the property State in schema/collection.xml.
 enum EState : unsigned short { eComplete = 1, ePartial, eFailed, eTimedOut, eRefused, eNotAsked };
 
-/// The classes of schema/collection.xml: of all states, and of those of the whole, of its plugins and of its classes.
+/// The classes of schema/collection.xml, of which instances are the states: the superclass, and the classes for the
+/// collection as a whole, for each plugin and for each class.
 constexpr const char* kStateClass = "MOLTA_CollectionState";
 constexpr const char* kCollectionClass = "MOLTA_Collection";
 constexpr const char* kCollectedPluginClass = "MOLTA_CollectedPlugin";
 constexpr const char* kCollectedClassClass = "MOLTA_CollectedClass";
 
-/// What became of a collection, a plugin or a class.
+/// The state of a collection, a plugin or a class, with the reason if it is not complete.
 struct TOutcome {
     EState state = eComplete;
     TReason reason = {};
 };
 
-/// Whether something is missing. What was left out on purpose is not missing; nor is what was not asked for an unknown
-/// reason, as files of kyr 1.0 have it, in which reasons had no codes.
+/// Whether data is missing. What was left out on purpose is not missing. Files of kyr 1.0 have no codes of reasons, so
+/// "not asked" without a code is not missing either.
 bool IsMissing(EState state, EReason reason);
 inline bool IsMissing(const TOutcome& outcome) { return IsMissing(outcome.state, outcome.reason.code); }
 

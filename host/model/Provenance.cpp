@@ -27,7 +27,7 @@ std::vector<TEntry> EntriesOf(const TCIMInstance& instance, const char* companio
     return entries;
 }
 
-/// The words of the interface to plugins: a note of UnavailableValues is one of them, or one of them with ": source".
+/// The words that plugins may use in UnavailableValues, alone or followed by ": source".
 struct TAbsenceWord {
     const char* word;
     EReason code;

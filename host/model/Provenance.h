@@ -10,18 +10,19 @@
 
 class TCIMInstance;
 
-/// Why properties of the instance have no value, in the order in which its UnavailableValues tells it. An entry with
-/// words that are none of the four of that property's description is left out.
+/// Why properties of the instance have no value: the entries of its property UnavailableValues, in their order. Entries
+/// that do not use one of the four wordings in that property's description are left out.
 std::vector<TReason> AbsencesOf(const TCIMInstance& instance);
 
-/// What an instance tells of where its values came from, and of why others are missing.
+/// The instance's properties ValueSources and UnavailableValues, which say for other properties where the value was
+/// read, and why there is none.
 class TProvenance {
 public:
     explicit TProvenance(const TCIMInstance& instance);
 
-    /// Empty if it is not told. Names in any case.
+    /// Such as "/sys/..."; empty if the instance does not say. Names are compared without regard to case.
     std::string SourceOf(const std::string& property) const { return Find(fSources, property); }
-    /// "no permission: /sys/...", or empty if it is not told.
+    /// Such as "no permission: /sys/..."; empty if the instance does not say.
     std::string AbsenceOf(const std::string& property) const { return Find(fAbsences, property); }
 
 private:

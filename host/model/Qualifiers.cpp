@@ -11,7 +11,7 @@
 
 namespace {
 
-// Null if there is none.
+// Null if there is none of that name.
 const TCIMQualifier* FindQualifier(const ICIMAllowQualifiers& carrier, const char* name) {
     for (const TCIMQualifier* qualifier : carrier.EnumerateQualifiers())
         if (IsSameName(qualifier->GetName(), name)) return qualifier;
@@ -19,9 +19,9 @@ const TCIMQualifier* FindQualifier(const ICIMAllowQualifiers& carrier, const cha
 }
 
 template <typename TCarrier>
-bool IsMarked(const TCarrier& carrier, const char* name) {
-    const TCIMQualifier* const mark = carrier.FindQualifier(name);
-    return mark != nullptr && !mark->GetValue().IsNull() && mark->GetValue() == TCIMValue(true);
+bool IsTrue(const TCarrier& carrier, const char* name) {
+    const TCIMQualifier* const qualifier = carrier.FindQualifier(name);
+    return qualifier != nullptr && !qualifier->GetValue().IsNull() && qualifier->GetValue() == TCIMValue(true);
 }
 
 }  // namespace
@@ -51,10 +51,10 @@ std::vector<std::string> QualifierTexts(const ICIMAllowQualifiers& carrier, cons
 }
 
 std::string DescriptionOf(const ICIMAllowQualifiers& carrier) {
-    std::istringstream words(QualifierString(carrier, "Description"));
-    std::string text, word;
-    while (words >> word) text += (text.empty() ? "" : " ") + VisibleText(word);
-    return text;
+    std::istringstream description(QualifierString(carrier, "Description"));
+    std::vector<std::string> words;
+    for (std::string word; description >> word;) words.push_back(VisibleText(word));
+    return Join(words, " ");
 }
 
 std::string OwnShortDescriptionOf(const ICIMAllowQualifiers& carrier) {
@@ -65,10 +65,10 @@ std::string OwnShortDescriptionOf(const ICIMAllowQualifiers& carrier) {
     return end == std::string::npos ? text : text.substr(0, end + 1);
 }
 
-bool IsKey(const TCIMPropertyDecl& declaration) { return IsMarked(declaration, "Key"); }
+bool IsKey(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Key"); }
 
-bool IsVolatile(const TCIMPropertyDecl& declaration) { return IsMarked(declaration, "Volatile"); }
+bool IsVolatile(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Volatile"); }
 
-bool IsCompanion(const TCIMPropertyDecl& declaration) { return IsMarked(declaration, "Companion"); }
+bool IsCompanion(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Companion"); }
 
-bool IsMarkedDontCollect(const TCIMClass& cls) { return IsMarked(cls, "DONTCOLLECT"); }
+bool IsDontCollect(const TCIMClass& cls) { return IsTrue(cls, "DONTCOLLECT"); }

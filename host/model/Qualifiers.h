@@ -13,26 +13,28 @@ class TCIMPropertyDecl;
 constexpr TCIMValue::TCIMType::ECIMType kStringArray =
     static_cast<TCIMValue::TCIMType::ECIMType>(TCIMValue::TCIMType::eCIMString | TCIMValue::TCIMType::eCIMArrayFlag);
 
-/// The value of the qualifier; a NULL if there is none of that name and type.
+/// The value of a qualifier of a class or property; NULL if it has none of that name and type.
 TCIMValue QualifierValue(const ICIMAllowQualifiers& carrier, const char* name, TCIMValue::TCIMType::ECIMType type);
 /// The text of a string qualifier; empty if there is none.
 std::string QualifierString(const ICIMAllowQualifiers& carrier, const char* name);
-/// The same as one visible line.
+/// The same as one line that is safe for a terminal.
 std::string QualifierText(const ICIMAllowQualifiers& carrier, const char* name);
-/// The texts of a qualifier that is an array of strings; empty if there is none.
+/// The elements of a qualifier that is an array of strings, safe for a terminal; empty if there is none.
 std::vector<std::string> QualifierTexts(const ICIMAllowQualifiers& carrier, const char* name);
 
-/// The description without the line ends and indents of its document, visible; empty if there is none.
+/// The qualifier Description as one line that is safe for a terminal; empty if there is none. Documents break and
+/// indent descriptions to suit their own layout.
 std::string DescriptionOf(const ICIMAllowQualifiers& carrier);
-/// Its first sentence; empty if it was inherited, and so speaks of something wider.
+/// The first sentence of the description; empty if the description is inherited, since that describes the superclass.
 std::string OwnShortDescriptionOf(const ICIMAllowQualifiers& carrier);
 
+/// Whether it is one of the properties that identify an instance.
 bool IsKey(const TCIMPropertyDecl& declaration);
-/// Its value changes on a machine that stays the same: a time, a counter, free space.
+/// Whether its value changes although the machine stays the same: a time, a counter, free space.
 bool IsVolatile(const TCIMPropertyDecl& declaration);
-/// It speaks of the instance's other properties: where they came from, and why they have no value.
+/// Whether it describes other properties of the instance: where they were read, or why they have no value.
 bool IsCompanion(const TCIMPropertyDecl& declaration);
-/// Plugins are never asked for its instances.
-bool IsMarkedDontCollect(const TCIMClass& cls);
+/// Whether plugins must not be asked for instances of the class.
+bool IsDontCollect(const TCIMClass& cls);
 
 #endif

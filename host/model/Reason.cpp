@@ -7,7 +7,7 @@ namespace {
 
 struct TWording {
     EReason code;
-    const char* text;  // with the names of members in braces
+    const char* text;  // with placeholders: {detail}, or {: detail}, which is empty if there is no detail
 };
 
 constexpr TWording kWordings[] = {
@@ -62,10 +62,10 @@ const std::string& MemberNamed(const TReason& reason, std::string_view name) {
     throw std::logic_error("a reason has no " + std::string(name));
 }
 
-// What stands for the part in braces; with a colon in front, only where the member is set.
-std::string TextFor(std::string_view part, const TReason& reason) {
-    if (part.front() != ':') return MemberNamed(reason, part);
-    const std::string& text = MemberNamed(reason, part.substr(2));
+// The text for a placeholder, of which the part in braces is given.
+std::string TextFor(std::string_view placeholder, const TReason& reason) {
+    if (placeholder.front() != ':') return MemberNamed(reason, placeholder);
+    const std::string& text = MemberNamed(reason, placeholder.substr(2));
     return text.empty() ? "" : ": " + text;
 }
 

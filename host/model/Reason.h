@@ -6,7 +6,7 @@
 #include <utility>
 
 /// Why something is not complete, or has no value: the numbers of the property ReasonCode in schema/collection.xml.
-/// They are stored in files, so that a number keeps its meaning for good.
+/// Saved files hold these numbers, so the meaning of a number never changes.
 enum class EReason : uint16_t {
     eNone = 0,
     // Of a collection as a whole
@@ -51,14 +51,14 @@ enum class EReason : uint16_t {
     eBadFormat = 56,
 };
 
-/// A reason as data. Which members are set depends on the code; SentenceOf says how they are printed.
+/// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.
 struct TReason {
     EReason code = EReason::eNone;
     std::string plugin = {};
     std::string className = {};
     std::string property = {};
     std::string file = {};    ///< a document, or the source of a value
-    std::string detail = {};  ///< what the code alone does not tell: a signal, a number, a text of the log
+    std::string detail = {};  ///< what the code does not say: a signal, a number, a line of the log
     std::string place = {};   ///< what a plugin was doing: "in its data entry at class X"
 
     explicit operator bool() const { return code != EReason::eNone; }
@@ -72,7 +72,8 @@ inline TReason ReasonFor(EReason code, std::string detail = "") {
     return reason;
 }
 
-/// For people, in English; empty for no reason. Nothing may depend on its wording.
+/// The English sentence for the reason; empty for eNone. It is only for people: programs use the code, so that the
+/// wording can change.
 std::string SentenceOf(const TReason& reason);
 
 #endif

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Year first, and with the offset: the core's own form for people has neither.
+// Year first and with the offset from UTC. The core's own display text puts the year last and leaves the offset out.
 std::string TimestampText(const TCIMDateTime& moment) {
     char text[64];
     const int offset = moment.GetUTCOffset();
@@ -35,15 +35,15 @@ std::string TextForPeople(const TCIMProperty& property) {
     return property.ToString();
 }
 
-std::string Tidy(std::string text) {
+std::string TrimmedVisible(std::string text) {
     text.erase(text.find_last_not_of(' ') + 1);
     return VisibleText(text);
 }
 
 bool IsBareNumber(const std::string& text) { return text.find_first_not_of("-+.0123456789e") == std::string::npos; }
 
-// The core scales bytes, bits and seconds and names them; of other units it gives the number alone. That is all there
-// is to tell of an identifier, which counts nothing.
+// The core's display text names the unit of bytes, bits and seconds. For other units it is the number alone, so the
+// unit is appended here. "Identifier" marks a number that counts nothing and has no unit.
 std::string WithUnit(std::string text, const TCIMProperty& property) {
     if (!IsBareNumber(text) || text.empty()) return text;
     const std::string unit = QualifierText(property.GetDeclaration(), "Units");
@@ -52,7 +52,7 @@ std::string WithUnit(std::string text, const TCIMProperty& property) {
 
 constexpr const char* kNamingProperties[] = {"Caption", "Name", "ElementName", "DeviceID"};
 
-// Empty if there is no such property, or nothing in it.
+// Empty if there is no such property or it has no value.
 std::string TextOfProperty(const TCIMInstance& instance, const char* name) {
     const TCIMProperty* const property = instance.FindProperty(name);
     return property == nullptr || property->GetValue().IsNull() ? "" : DisplayText(*property);
@@ -62,7 +62,7 @@ std::string TextOfProperty(const TCIMInstance& instance, const char* name) {
 
 std::string DisplayText(const TCIMProperty& property) {
     try {
-        return WithUnit(Tidy(TextForPeople(property)), property);
+        return WithUnit(TrimmedVisible(TextForPeople(property)), property);
     } catch (const TKYRException&) {
         return PlainText(property.GetValue());
     }
@@ -71,7 +71,7 @@ std::string DisplayText(const TCIMProperty& property) {
 std::vector<std::string> DisplayElements(const TCIMProperty& property) {
     try {
         std::vector<std::string> elements = property.ToStringVector();
-        for (std::string& element : elements) element = WithUnit(Tidy(element), property);
+        for (std::string& element : elements) element = WithUnit(TrimmedVisible(element), property);
         return elements;
     } catch (const TKYRException&) {
         return {PlainText(property.GetValue())};

@@ -8,18 +8,18 @@ class TCIMInstance;
 class TCIMProperty;
 class TCIMValue;
 
-/// The value for people, by the qualifiers of its declaration, as one visible line. What cannot be displayed so is
-/// given as by PlainText.
+/// The value as people read it, as one visible line: with units, and words for numbers, as the qualifiers of its
+/// declaration say. A value that does not fit its qualifiers is given as by PlainText.
 std::string DisplayText(const TCIMProperty& property);
 /// The same for each element of an array.
 std::vector<std::string> DisplayElements(const TCIMProperty& property);
-/// The value as it is, as one visible line.
+/// The value without regard to qualifiers, as one visible line.
 std::string PlainText(const TCIMValue& value);
 
-/// What a person may recognise the instance by, as one visible line: its caption or a name, or else its keys.
+/// A name by which people recognise the instance, as one visible line: its caption or a name, or else its keys.
 std::string DisplayName(const TCIMInstance& instance);
 
-/// Its object path as one visible line.
+/// The object path of the instance as one visible line.
 std::string VisiblePath(const TCIMInstance& instance);
 
 #endif

@@ -77,7 +77,7 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
 TOutcome FindUnaskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
                             bool hasInstances) {
     if (!wanted.Includes(cls.GetName())) return {eNotAsked, ReasonFor(EReason::eNotSelected)};
-    if (IsMarkedDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
+    if (IsDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
     const TOutcome whole = FindLibraryOutcome(library);
     if (whole.state != eComplete) return {hasInstances ? ePartial : whole.state, whole.reason};
     if (hasInstances) return {};
