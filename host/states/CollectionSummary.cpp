@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t kLongestReason = 500;  // bytes; it may name paths of any length
+constexpr size_t kLongestReason = 500;  // in bytes; reasons may hold paths and log lines of any length
 constexpr size_t kMostNames = 5;
 
 void Report(const std::string& what, EState state, const std::string& text) {
@@ -33,7 +33,8 @@ bool IsSame(const TStoredOutcome& a, const TStoredOutcome& b) {
 
 bool IsOutcomeMissing(const TStoredOutcome& outcome) { return IsMissing(outcome.state, outcome.code); }
 
-// Classes with the plugin's own outcome stand in its line, others have lines behind it. Gives whether it printed any.
+// One line for the plugin, which names the classes that share its outcome, then one for each class with another
+// outcome. Returns whether it printed any.
 bool ReportPlugin(const TContainer& container, const std::string& plugin, const TStoredOutcome& own) {
     std::vector<std::string> sharing;
     std::vector<std::pair<std::string, TStoredOutcome>> others;
@@ -53,9 +54,9 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
     return hasLine || !others.empty();
 }
 
-// What is not complete about the plugins stands in their own lines. A file of kyr 1.0 has no code for the reason of the
-// whole, which may be the only thing that says what is missing.
-bool NeedsLineOfItsOwn(const TStoredOutcome& collection, bool arePluginsReported) {
+// Usually the lines of the plugins explain why a collection is not complete. An interruption is not among them, and
+// files of kyr 1.0 may say only in the reason of the collection, which has no code there, what is missing.
+bool NeedsOwnLine(const TStoredOutcome& collection, bool arePluginsReported) {
     if (collection.code == EReason::eInterrupted) return true;
     return collection.code == EReason::eNone && collection.state == ePartial && !arePluginsReported;
 }
@@ -82,7 +83,7 @@ EExit ReportIncomplete(const TContainer& container) {
     EExit status = eExitComplete;
     for (const TCIMInstance* instance : StatesOf(container, kCollectionClass)) {
         const TStoredOutcome outcome = OutcomeOf(*instance);
-        if (NeedsLineOfItsOwn(outcome, arePluginsReported)) PrintDiagnostic(outcome.text);
+        if (NeedsOwnLine(outcome, arePluginsReported)) PrintDiagnostic(outcome.text);
         status = StatusOf(outcome.state);
     }
     return status;

@@ -5,8 +5,9 @@
 
 class TContainer;
 
-/// Prints on standard error what of a collection is not complete, plugin by plugin, and gives the exit status that
-/// follows. What does not say how complete it is counts as complete.
+/// Prints on standard error which plugins and classes of a collection are not complete, and why. Returns the exit
+/// status that follows from the state of the collection; one without states, which another program wrote, counts as
+/// complete.
 EExit ReportIncomplete(const TContainer& container);
 
 #endif

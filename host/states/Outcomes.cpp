@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr size_t kMostAbsencesTold = 3;
-// What the core puts in front of the loader's own message.
+constexpr size_t kMostValuesNamed = 3;
+// The core logs this in front of dlopen's message. It would only repeat what the reason says.
 constexpr const char* kCoreLoadFailure = "ERROR: Failed to load plugin.  Reason: ";
 
 using TTexts = std::vector<std::string>;
@@ -26,7 +26,7 @@ std::string WithoutStart(const std::string& text, const std::string& start) {
     return StartsWith(text, start) ? text.substr(start.size()) : text;
 }
 
-// The errors about the class, without its name in front, or with null those about none.
+// The errors about the class, without its name in front; with null those about none of the library's classes.
 TTexts ErrorsOf(const TPluginLibrary& library, const TCIMClass* cls) {
     TTexts texts;
     for (const TMessage* message : MessagesOf(library, cls))
@@ -59,7 +59,7 @@ bool AreAllInitialised(const TPluginReport& report) {
                        [](const TPluginInfo& plugin) { return plugin.initialised; });
 }
 
-// How far the library came, whatever its classes gave.
+// The outcome of loading the library and running its plugins, without regard to what its classes delivered.
 TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
     const TPluginReport& report = library.report;
     if (report.end.state != eComplete) return report.end;
@@ -74,17 +74,18 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
     return {};
 }
 
-TOutcome FindUnaskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
-                            bool hasInstances) {
+// Of a class that no data call asked for.
+TOutcome FindNotAskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
+                             bool hasInstances) {
     if (!wanted.Includes(cls.GetName())) return {eNotAsked, ReasonFor(EReason::eNotSelected)};
     if (IsDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
-    const TOutcome whole = FindLibraryOutcome(library);
-    if (whole.state != eComplete) return {hasInstances ? ePartial : whole.state, whole.reason};
+    const TOutcome loading = FindLibraryOutcome(library);
+    if (loading.state != eComplete) return {hasInstances ? ePartial : loading.state, loading.reason};
     if (hasInstances) return {};
     return {eNotAsked, ReasonFor(wanted.IsSchemaOnly() ? EReason::eSchemaOnly : EReason::eNoData)};
 }
 
-// With the errors that are about none of its classes.
+// Errors about no class are added to the reason: they usually explain why the call failed.
 TOutcome FindFailedCallOutcome(const TPluginLibrary& library, const TDataCall& call, bool hasInstances) {
     const EState none = call.failure == kyrTranslateStatusCode(kyrStatusAccessDenied) ? eRefused : eFailed;
     const TTexts errors = ErrorsOf(library, nullptr);
@@ -92,7 +93,7 @@ TOutcome FindFailedCallOutcome(const TPluginLibrary& library, const TDataCall& c
     return {hasInstances ? ePartial : none, ReasonFor(EReason::eDataCallFailed, detail)};
 }
 
-// Values that a machine does not have are not missing; those that it has and that could not be read are.
+// A value that the machine does not have is not missing. One that it has and that could not be read is.
 bool IsValueMissing(const TReason& absence) {
     return absence.code == EReason::eNoPermission || absence.code == EReason::eReadError;
 }
@@ -105,10 +106,10 @@ TReason MissingValues(const TCIMClass& cls) {
             if (IsValueMissing(absence)) missing.push_back(absence);
     if (missing.empty()) return {};
     TTexts texts;
-    for (size_t i = 0; i < missing.size() && i < kMostAbsencesTold; ++i)
+    for (size_t i = 0; i < missing.size() && i < kMostValuesNamed; ++i)
         texts.push_back(missing[i].property + ": " + SentenceOf(missing[i]));
-    if (missing.size() > kMostAbsencesTold)
-        texts.push_back("and " + std::to_string(missing.size() - kMostAbsencesTold) + " more");
+    if (missing.size() > kMostValuesNamed)
+        texts.push_back("and " + std::to_string(missing.size() - kMostValuesNamed) + " more");
     TReason reason = missing.front();
     reason.code = EReason::eValuesUnreadable;
     reason.detail = Join(texts, "; ");
@@ -121,7 +122,7 @@ TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, c
     const TPluginReport& report = library.report;
     const bool hasInstances = !cls.EnumerateInstances(false).empty();
     const TDataCall* const call = report.FindDataCall(cls.GetName());
-    if (call == nullptr) return FindUnaskedOutcome(library, cls, wanted, hasInstances);
+    if (call == nullptr) return FindNotAskedOutcome(library, cls, wanted, hasInstances);
     if (report.end.state != eComplete)
         return {hasInstances || call->finished ? ePartial : report.end.state, report.end.reason};
     const TTexts errors = ErrorsOf(library, &cls);
@@ -133,26 +134,28 @@ TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, c
 
 namespace {
 
-struct TClassCounts {
+/// The outcomes of all classes of a library together.
+struct TClassOutcomes {
     size_t asked = 0;
     size_t missing = 0;
-    bool any = false;  // something came
-    TOutcome first;    // of what is missing, or else of what was not asked
+    bool hasDelivered = false;  // some class is complete or partial
+    TOutcome first;             // of the first class that is missing, or else of the first that was not asked for
 };
 
-TClassCounts Count(const TPluginLibrary& library, const TClassSelection& wanted) {
-    TClassCounts counts;
+TClassOutcomes FindClassOutcomes(const TPluginLibrary& library, const TClassSelection& wanted) {
+    TClassOutcomes all;
     for (const TCIMClass* cls : library.classes) {
         if (cls->IsAbstract()) continue;
         const TOutcome outcome = FindClassOutcome(library, *cls, wanted);
-        counts.any |= outcome.state <= ePartial;
-        counts.asked += outcome.state != eNotAsked;
-        if (IsMissing(outcome) ? counts.missing++ == 0 : counts.first.state == eComplete) counts.first = outcome;
+        all.hasDelivered |= outcome.state <= ePartial;
+        all.asked += outcome.state != eNotAsked;
+        if (IsMissing(outcome) ? all.missing++ == 0 : all.first.state == eComplete) all.first = outcome;
     }
-    return counts;
+    return all;
 }
 
-// Why the plugin as a whole is not complete, if its classes do not say it all.
+// Why the plugin is not complete, apart from the reasons of its classes: a data call failed, or it logged errors that
+// are about no class.
 TReason OwnReason(const TPluginLibrary& library) {
     for (const TDataCall& call : library.report.dataCalls)
         if (!call.failure.empty()) return FindFailedCallOutcome(library, call, true).reason;
@@ -160,7 +163,7 @@ TReason OwnReason(const TPluginLibrary& library) {
     return errors.empty() ? TReason() : ErrorsLogged(errors, nullptr);
 }
 
-// Of a plugin that shares its library, and so its document, with the owner of the classes.
+// Of a plugin that does not own the classes of its library, because another plugin registered before it owns them.
 TOutcome FindSecondPluginOutcome(const TPluginReport& report, const TPluginInfo& plugin) {
     if (!plugin.initialised) return {eRefused, ReasonFor(EReason::eInitFailed, report.FirstError())};
     if (plugin.type != kyrPluginDataCollector) return {eNotAsked, ReasonFor(EReason::eNoData)};
@@ -172,24 +175,24 @@ TOutcome FindSecondPluginOutcome(const TPluginReport& report, const TPluginInfo&
 }  // namespace
 
 TOutcome FindPluginOutcome(const TPluginLibrary& library, const TPluginInfo* plugin, const TClassSelection& wanted) {
-    const TOutcome whole = FindLibraryOutcome(library);
-    const TClassCounts counts = Count(library, wanted);
-    if (whole.state != eComplete) return {counts.any ? ePartial : whole.state, whole.reason};
+    const TOutcome loading = FindLibraryOutcome(library);
+    const TClassOutcomes classes = FindClassOutcomes(library, wanted);
+    if (loading.state != eComplete) return {classes.hasDelivered ? ePartial : loading.state, loading.reason};
     if (plugin != library.report.FindOwner()) return FindSecondPluginOutcome(library.report, *plugin);
     const TReason reason = OwnReason(library);
-    if (counts.missing == 0 && !reason) return counts.asked != 0 ? TOutcome() : counts.first;
-    const bool isPartial = counts.any || counts.missing == 0;
-    return {isPartial ? ePartial : counts.first.state, reason};
+    if (classes.missing == 0 && !reason) return classes.asked != 0 ? TOutcome() : classes.first;
+    const bool isPartial = classes.hasDelivered || classes.missing == 0;
+    return {isPartial ? ePartial : classes.first.state, reason};
 }
 
 std::vector<const TMessage*> MessagesOf(const TPluginLibrary& library, const TCIMClass* cls) {
-    const auto isOurs = [&](const std::string& name) {
+    const auto isOfLibrary = [&](const std::string& name) {
         return std::any_of(library.classes.begin(), library.classes.end(),
                            [&](const TCIMClass* one) { return one->GetName() == name; });
     };
     std::vector<const TMessage*> messages;
     for (const TMessage& message : library.report.messages)
-        if (cls == nullptr ? !isOurs(message.className) : message.className == cls->GetName())
+        if (cls == nullptr ? !isOfLibrary(message.className) : message.className == cls->GetName())
             messages.push_back(&message);
     return messages;
 }

@@ -6,17 +6,17 @@
 #include "model/ClassSelection.h"
 #include "states/PluginLibrary.h"
 
-/// What became of a class that the library's document brought.
+/// The outcome of a class that the library's document declares.
 TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted);
 
-/// What became of the library, or of one of its plugins if that is not null. There is no reason where its classes
-/// have theirs.
+/// The outcome of one plugin of the library, or with null of a library that registered none. It has no reason if the
+/// reasons of the classes say everything.
 TOutcome FindPluginOutcome(const TPluginLibrary& library, const TPluginInfo* plugin, const TClassSelection& wanted);
 
-/// The messages that are about the class, or with null all that are about none of the library's classes.
+/// The messages about the class, or with null those that are about none of the library's classes.
 std::vector<const TMessage*> MessagesOf(const TPluginLibrary& library, const TCIMClass* cls);
 
-/// Why the collection is not complete if so many of its plugins are not; none if all are.
+/// The reason of a collection in which that many plugins are not complete; no reason if all are complete.
 TReason PluginsIncomplete(size_t incomplete, size_t all);
 
 #endif

@@ -13,7 +13,7 @@ using TNames = std::unordered_set<std::string>;
 
 bool IsNameCharacter(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
 
-// The first word of the text that is one of the names, or an empty one.
+// The first word of the text that is one of the names; empty if there is none.
 std::string FirstNameIn(const std::string& text, const TNames& names) {
     for (size_t end = 0; end < text.size();) {
         size_t start = end;

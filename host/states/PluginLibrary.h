@@ -8,18 +8,18 @@
 
 class TCIMClass;
 
-/// A plugin library in the plugin folder, its document, and what became of it.
+/// A shared library in the plugin folder, the classes of its document, and how loading and running it went.
 struct TPluginLibrary {
     std::string path;                           ///< below the plugin folder, such as "./disk/libdisk.pi.so"
-    std::vector<TCIMClass*> classes;            ///< those that its document brought
-    std::vector<std::string> duplicateClasses;  ///< those in it that another document had brought
-    TOutcome notLoaded;                         ///< why it is not to be loaded, if it is not
+    std::vector<TCIMClass*> classes;            ///< declared by its document, and by none read before it
+    std::vector<std::string> duplicateClasses;  ///< in its document too, but declared by another one before
+    TOutcome notLoaded;                         ///< why it must not be loaded; complete if it may be
     TPluginReport report;
 
-    /// The path of its document, or an empty one where the library's path gives none.
+    /// The path of its document; empty if the core cannot derive it from the library's path.
     std::string DocumentPath() const;
-    /// Files each message with the class of the library that it speaks of. A plugin begins a line about a class with
-    /// the name of the class and ": "; the core's lines have it anywhere.
+    /// Finds for each message of the report the class of this library that it is about. Plugins begin a line about a
+    /// class with its name and ": "; in the core's lines the name may stand anywhere.
     void AssignMessagesToClasses();
 };
 

@@ -11,7 +11,7 @@ constexpr size_t kLongestMessage = 4096;
 
 }  // namespace
 
-// After a data call that failed, and before the next one, the core logs that very failure, which the call has already.
+// The core logs the failure of a data call right after it. TDataCall::failure has it already, so that line is dropped.
 void TPluginReport::AddLogLine(const TLogLine& line) {
     const bool repeatsFailure = line.core && !dataCalls.empty() && !dataCalls.back().failure.empty();
     if (line.severity > kyrLogWarning || repeatsFailure) return;
@@ -19,10 +19,10 @@ void TPluginReport::AddLogLine(const TLogLine& line) {
 }
 
 const TPluginInfo* TPluginReport::FindOwner() const {
-    const auto reads = [](const TPluginInfo& plugin) {
+    const auto usesDocument = [](const TPluginInfo& plugin) {
         return plugin.initialised && (plugin.type == kyrPluginDataCollector || plugin.type == kyrPluginDocumentOnly);
     };
-    const auto found = std::find_if(plugins.begin(), plugins.end(), reads);
+    const auto found = std::find_if(plugins.begin(), plugins.end(), usesDocument);
     return found == plugins.end() ? nullptr : &*found;
 }
 

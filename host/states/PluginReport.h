@@ -8,49 +8,50 @@
 #include "base/CoreLog.h"
 #include "model/CollectionState.h"
 
-/// What a plugin tells about itself.
+/// What a plugin registered itself with.
 struct TPluginInfo {
     std::string name;
     std::string version;
-    int32_t type;
-    bool initialised;
+    int32_t type;      ///< kyrPluginDataCollector and the like
+    bool initialised;  ///< its init entry succeeded
 };
 
-/// An error or warning, or a line that the plugin printed.
+/// An error or warning of the log, or a line that the plugin printed on its standard output or standard error.
 struct TMessage {
-    std::string className;  ///< the class that it is about; empty: none, or not known yet
+    std::string className;  ///< the class that it is about; empty: none, or not found yet
     kyrLogSeverity severity;
     std::string text;
-    bool core = false;  ///< logged by the core
+    bool core = false;  ///< logged by the core, not by the plugin
 };
 
-/// One call of a plugin's data entry: for ordinary classes, or for associations.
+/// One call of a plugin's data entry, which is called once for ordinary classes and once for associations.
 struct TDataCall {
     bool associations;
-    std::vector<std::string> asked;
+    std::vector<std::string> asked;  ///< the names of the classes
     bool finished = false;
-    std::string failure = {};  ///< the status or exception that it finished with; empty: it went well
+    std::string failure = {};  ///< the status or exception that ended it; empty: it succeeded
 };
 
-/// What became of one library, be it loaded here or in a process of its own.
+/// How loading and running one library went, in this process or in one of its own.
 struct TPluginReport {
     std::vector<TPluginInfo> plugins;
     std::vector<TMessage> messages;
-    std::vector<TLogLine> log;  ///< all that came from a process of its own
+    std::vector<TLogLine> log;  ///< all lines logged in the plugin's own process, to be printed here
     std::vector<TDataCall> dataCalls;
-    std::string loadFailure;  ///< what loading it raised
+    std::string loadFailure;  ///< the exception that loading it raised; empty: none
     TOutcome end;             ///< how its process ended
 
-    /// Adds a line of the log to the messages if it is an error or a warning. Lines must come in the order in which
-    /// they were logged, between the calls that they belong to.
+    /// Adds a line of the log to the messages if it is an error or a warning. Lines must be added in the order in which
+    /// they were logged, and a data call before the lines that follow it.
     void AddLogLine(const TLogLine& line);
-    /// The plugin that the classes of the document belong to; null if there is none.
+    /// The plugin that owns the classes of the document: the first one initialised that uses a document. Null if there
+    /// is none.
     const TPluginInfo* FindOwner() const;
-    /// The name of the plugin; the library's path if none was registered.
+    /// The name of the first plugin; the given path of the library if none was registered.
     const std::string& NameIn(const std::string& path) const { return plugins.empty() ? path : plugins.front().name; }
-    /// The call in which the class was asked for; null if it was not.
+    /// The call that asked for the class; null if none did.
     const TDataCall* FindDataCall(const std::string& className) const;
-    /// The first error that was logged, or an empty text.
+    /// The first error among the messages; empty if there is none.
     std::string FirstError() const;
 };
 

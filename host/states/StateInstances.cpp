@@ -15,20 +15,20 @@ namespace {
 
 using CIM = TCIMValue::TCIMType;
 
-// Not where the property is of another type.
+// Skips a property that the class lacks or declares with another type: the class may come from a foreign file.
 void Set(TCIMInstance& state, const char* name, const TCIMValue& value) {
     const TCIMProperty* const property = state.FindProperty(name);
     if (property == nullptr || property->GetType() != value.GetType()) return;
     state.SetPropertyValue(name, value);
 }
 
-// As if it had never been set.
+// Makes the property NULL, as if it had never been set.
 void Clear(TCIMInstance& state, const char* name) {
     if (const TCIMProperty* const property = state.FindProperty(name))
         state.SetProperty(TCIMProperty(property->GetDeclaration()));
 }
 
-// 0 where there is none.
+// The value of a uint16 property; 0 if there is none.
 unsigned short NumberOf(const TCIMInstance& state, const char* name) {
     const TCIMProperty* const property = state.FindProperty(name);
     if (property == nullptr || property->GetType() != CIM::eCIMUint16) return 0;
@@ -36,7 +36,7 @@ unsigned short NumberOf(const TCIMInstance& state, const char* name) {
     return value.IsNull() ? 0 : static_cast<unsigned short>(value);
 }
 
-void LeaveOut(TCIMInstance& state) {
+void StoreNotSelected(TCIMInstance& state) {
     StoreOutcome(state, {eNotAsked, ReasonFor(EReason::eNotSelected)});
     Clear(state, "LogLines");
     Set(state, "InstanceCount", TCIMValue(0u));
@@ -47,11 +47,13 @@ bool IsStateMissing(const TCIMInstance& state) {
     return IsMissing(outcome.state, outcome.code);
 }
 
-struct TClassCounts {
+/// How many of a plugin's wanted classes were asked for, and how many of them are missing.
+struct TWantedCounts {
     size_t asked = 0;
     size_t missing = 0;
 };
 
+/// One run of NarrowStates: classes first, then the plugins, then the collection, each from the states before it.
 class TNarrowing {
 public:
     TNarrowing(const TContainer& container, const TClassSelection& wanted) : fContainer(container), fWanted(wanted) {}
@@ -59,10 +61,10 @@ public:
     void Narrow() {
         for (TCIMInstance* cls : StatesOf(fContainer, kCollectedClassClass)) NarrowClass(*cls);
         for (TCIMInstance* plugin : StatesOf(fContainer, kCollectedPluginClass)) NarrowPlugin(*plugin);
-        const TReason left = IncompletePlugins();
+        const TReason reason = IncompletePlugins();
         for (TCIMInstance* collection : StatesOf(fContainer, kCollectionClass))
             if (OutcomeOf(*collection).code == EReason::ePluginsIncomplete)
-                StoreOutcome(*collection, {left ? ePartial : eComplete, left});
+                StoreOutcome(*collection, {reason ? ePartial : eComplete, reason});
     }
 
 private:
@@ -74,22 +76,22 @@ private:
     }
 
     void NarrowClass(TCIMInstance& cls) {
-        if (fWanted.IsSchemaOnly() || !fWanted.Includes(TextOf(cls, "Name"))) return LeaveOut(cls);
-        TClassCounts& counts = fCounts[TextOf(cls, "Plugin")];
+        if (fWanted.IsSchemaOnly() || !fWanted.Includes(TextOf(cls, "Name"))) return StoreNotSelected(cls);
+        TWantedCounts& counts = fCounts[TextOf(cls, "Plugin")];
         counts.asked += OutcomeOf(cls).state != eNotAsked;
         counts.missing += IsStateMissing(cls);
     }
 
-    // One with a reason of its own keeps it.
+    // A plugin with a reason of its own keeps it, whichever classes are wanted.
     void NarrowPlugin(TCIMInstance& plugin) {
-        const TClassCounts counts = fCounts[TextOf(plugin, "Name")];
+        const TWantedCounts counts = fCounts[TextOf(plugin, "Name")];
         if (!OutcomeOf(plugin).text.empty() || counts.missing != 0) return;
-        counts.asked == 0 ? LeaveOut(plugin) : StoreOutcome(plugin, TOutcome());
+        counts.asked == 0 ? StoreNotSelected(plugin) : StoreOutcome(plugin, TOutcome());
     }
 
     const TContainer& fContainer;
     const TClassSelection& fWanted;
-    std::map<std::string, TClassCounts> fCounts;  // by the names of plugins
+    std::map<std::string, TWantedCounts> fCounts;  // by the name of the plugin
 };
 
 }  // namespace

@@ -10,29 +10,31 @@
 class TCIMInstance;
 class TContainer;
 
-// The instances that tell how complete a collection is. They may come from a file, which anybody may have written.
+// State instances: the instances of the classes in schema/collection.xml, which say how complete a collection is. They
+// may come from a file that another program wrote, so any of their properties may be missing or have another type.
 
-/// What such an instance tells. The code decides; the text is for people.
+/// The outcome that a state instance holds. Only state and code are evaluated; the text is for people.
 struct TStoredOutcome {
     EState state = eComplete;
-    EReason code = EReason::eNone;  ///< also where a file of kyr 1.0 has a text alone
+    EReason code = EReason::eNone;  ///< also in files of kyr 1.0, which have only the text
     std::string text;
 };
 
-/// The instances of exactly that class, which need not be there.
+/// The instances of exactly that class; none if the container lacks the class.
 std::vector<TCIMInstance*> StatesOf(const TContainer& container, const char* className);
-/// Complete, if the instance does not tell.
+/// The outcome of the thing that the instance describes: complete if the instance has no valid state.
 TStoredOutcome OutcomeOf(const TCIMInstance& state);
-/// The text of a property; empty if there is none.
+/// The value of a string property; empty if there is none.
 std::string TextOf(const TCIMInstance& state, const char* name);
-/// Sets state, code and text. A property that the instance's class lacks is left out.
+/// Sets state, code and text. Properties that the instance's class lacks are skipped.
 void StoreOutcome(TCIMInstance& state, const TOutcome& outcome);
 
-/// The word that the class of the states has for a code; empty if there is no code, or the class does not know it.
+/// The word for a code of a reason, as the container's class of states declares it; empty for eNone, and if the
+/// container lacks the class.
 std::string WordFor(EReason code, const TContainer& container);
 
-/// Has the states of a collection tell what they would if only these classes had been asked for. What a plugin as a
-/// whole was at fault for stays told.
+/// Changes the state instances to what they would be if only the wanted classes had been collected. A plugin with a
+/// reason of its own, such as a crash, keeps its state.
 void NarrowStates(const TContainer& container, const TClassSelection& wanted);
 
 #endif

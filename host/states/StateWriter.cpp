@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr size_t kMostLines = 50;
+constexpr size_t kMostLines = 50;  // of the log in one state instance
 
-const char* KindOf(const TMessage& message) {
+const char* PrefixOf(const TMessage& message) {
     if (message.severity == kyrLogError) return "error: ";
     return message.severity == kyrLogWarning ? "warning: " : "printed: ";
 }
@@ -23,7 +23,7 @@ const char* KindOf(const TMessage& message) {
 std::vector<TCIMValue> LogLines(const std::vector<const TMessage*>& messages) {
     std::vector<TCIMValue> lines;
     for (size_t i = 0; i < messages.size() && i < kMostLines; ++i)
-        lines.emplace_back(KindOf(*messages[i]) + messages[i]->text);
+        lines.emplace_back(PrefixOf(*messages[i]) + messages[i]->text);
     if (messages.size() > kMostLines)
         lines.emplace_back("and " + std::to_string(messages.size() - kMostLines) + " more");
     return lines;
@@ -61,7 +61,7 @@ private:
         return state;
     }
 
-    // The library's path where the plugin has no name, or one that another library has too.
+    // The library's path if the plugin has no name, or if plugins of several libraries have the same name.
     std::string NameOf(const TPluginLibrary& library, const TPluginInfo* plugin) const {
         const bool isUnique = plugin != nullptr && !plugin->name.empty() && fNames.count(plugin->name) < 2;
         return isUnique ? plugin->name : library.path;
@@ -78,7 +78,8 @@ private:
         fIncomplete += IsMissing(outcome);
     }
 
-    // The document of a plugin that was not selected may hold instances all the same; they are not counted.
+    // The document of a class that was not selected may hold instances. They are not counted, since nobody asked for
+    // them.
     void WriteClass(const TPluginLibrary& library, const TCIMClass& cls) {
         const TOutcome outcome = FindClassOutcome(library, cls, fWanted);
         const bool isSelected = outcome.reason.code != EReason::eNotSelected;
@@ -110,7 +111,7 @@ private:
     bool fIsAsked = false;
 };
 
-// States that a plugin or its document brought: only the host says how complete a collection is.
+// Removes state instances that a plugin or its document has made: only the host may say how complete a collection is.
 void RemoveStates(const TContainer& container) {
     for (TCIMClass* const cls : container.GetClass(kStateClass)->EnumerateSubClasses(true))
         for (auto states = cls->EnumerateInstances(false); !states.empty(); states = cls->EnumerateInstances(false))

@@ -7,9 +7,9 @@
 
 class TContainer;
 
-/// Writes into the container how complete it is: an instance for the collection, one for each plugin and one for each
-/// class that can have instances, of the classes of schema/collection.xml. The interruption is the number of the signal
-/// that interrupted the collection, or 0.
+/// Adds the state instances to the container: one for the collection, one for each plugin and one for each class that
+/// is not abstract. Their classes are those of schema/collection.xml. The interruption is the number of the signal that
+/// interrupted the collection, or 0.
 void WriteStates(std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, int interruption,
                  const TContainer& container);
 
