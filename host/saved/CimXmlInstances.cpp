@@ -1,7 +1,5 @@
 #include "saved/CimXmlWriter.h"
 
-#include <strings.h>
-
 #include "base/ExitStatus.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -9,28 +7,29 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMReference.h"
 #include "kyr/TKYRException.h"
+#include "model/ClassNames.h"
 #include "model/Qualifiers.h"
 
 namespace {
 
-/// What is the same for a property in all instances of a class.
+/// What all instances of a class have in common for one property, found once for speed.
 struct TColumn {
     const TCIMPropertyDecl* declaration;
     bool isKey;
     bool isLeftOut;
-    bool isStamped;     // the model gives it the present time in every new instance
-    std::string start;  // of its element
+    bool isStamped;     // the core sets it to the present time in every new instance
+    std::string start;  // the tags of its element
     std::string end;
 };
 
+/// Writes the instances of one class.
 class TInstanceWriter {
 public:
     TInstanceWriter(const TCIMClass& cls, bool stable, TCimXmlWriter& writer) : fClass(cls), fWriter(writer) {
         for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls()) {
             const bool isKey = IsKey(*declaration);
             fColumns.push_back({declaration, isKey, stable && !isKey && IsVolatile(*declaration),
-                                strcasecmp(declaration->GetName().c_str(), "DateTimeOfCollection") == 0,
-                                PropertyStart(*declaration),
+                                IsSameName(declaration->GetName(), "DateTimeOfCollection"), PropertyStart(*declaration),
                                 std::string("</") + PropertyElement(*declaration) + ">\n"});
         }
     }
@@ -47,6 +46,7 @@ public:
     }
 
 private:
+    // Leaves the column of the property that it could not write in at.
     void WriteInstance(const TCIMInstance& instance, const TColumn*& at) {
         const std::vector<const TCIMProperty*> properties = instance.EnumerateProperties();
         if (properties.size() != fColumns.size()) throw TUnsavable("its class has got other properties since");
@@ -60,6 +60,8 @@ private:
         fWriter.Raw("</INSTANCE></VALUE.OBJECT>\n");
     }
 
+    // A property without an element reads back with the default of its class, or as the present time if it is stamped.
+    // So a stamped one that is left out is written as NULL.
     void WriteProperty(const TCIMProperty& property, const TColumn& column) {
         const TCIMValue value = property.GetValue();
         if (&property.GetDeclaration() != column.declaration || property.GetType() != value.GetType())

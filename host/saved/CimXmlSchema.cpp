@@ -28,7 +28,7 @@ constexpr TNamedBit<TDecl::EScope> kScopes[] = {{"CLASS", TDecl::eScopeClass},
                                                 {"PROPERTY", TDecl::eScopeProperty},
                                                 {"REFERENCE", TDecl::eScopeReference}};
 
-/// Says in what part it was that something could not be saved.
+/// Runs the action. If something in it cannot be saved, the name of the part is put in front of the reason.
 template <typename TAction>
 void Within(const std::string& part, TAction action) {
     try {
@@ -40,25 +40,26 @@ void Within(const std::string& part, TAction action) {
     }
 }
 
-void Require(bool good, const char* reason) {
-    if (!good) throw TUnsavable(reason);
+void Require(bool condition, const char* reason) {
+    if (!condition) throw TUnsavable(reason);
 }
 
 std::string Quoted(const std::string& name) { return "'" + name + "'"; }
 
-bool SaysTheSame(const TCIMQualifier& a, const TCIMQualifier& b) {
+bool HaveSameFlavorAndValue(const TCIMQualifier& a, const TCIMQualifier& b) {
     return a.GetFlavor() == b.GetFlavor() && a.GetValue() == b.GetValue();
 }
 
+// The qualifier of the superclass that the class inherits if it has none of its own; null if there is none.
 const TCIMQualifier* FindInherited(const TCIMClass& cls, const std::string& name) {
     const TCIMQualifier* const found = cls.GetSuperClass()->FindQualifier(name);
     if (found == nullptr || (found->GetFlavor() & TDecl::eFlavorToSubclass) == 0) return nullptr;
     return found;
 }
 
-class TSchemaWriter {
+class TCimXmlSchemaWriter {
 public:
-    TSchemaWriter(const TContainer& container, TCimXmlWriter& writer) : fContainer(container), fWriter(writer) {}
+    TCimXmlSchemaWriter(const TContainer& container, TCimXmlWriter& writer) : fContainer(container), fWriter(writer) {}
 
     void Write() {
         const TCIMClass& root = *fContainer.GetRootClass();
@@ -74,7 +75,8 @@ public:
     }
 
 private:
-    // An array's default needs a size, and the type of its elements; ISARRAY is for arrays without one.
+    // The reader takes the default of an array only together with ARRAYSIZE. ISARRAY is for an array whose default is
+    // NULL.
     void WriteDeclaration(const TDecl& declaration) {
         const TCIMValue value = declaration.GetValue();
         Require(!value.IsArray() || value.IsNull() || value.GetMaxArraySize() != 0,
@@ -94,6 +96,7 @@ private:
         fWriter.Raw("</QUALIFIER.DECLARATION>\n");
     }
 
+    // Writes only the flavors that differ from the usual ones, which the reader assumes.
     void WriteFlavor(TDecl::EFlavor flavor, TDecl::EFlavor usual) {
         for (const auto& [name, bit] : kFlavors)
             if (((flavor ^ usual) & bit) != 0) fWriter.Attribute(name, (flavor & bit) != 0 ? "true" : "false");
@@ -113,7 +116,8 @@ private:
         fWriter.Raw("</CLASS></VALUE.OBJECT>\n");
     }
 
-    // The reader lets a class inherit all that its superclass has.
+    // The reader adds to each class all that its superclass has, so a class that lacks some of it would be read back
+    // with more.
     static void RequireInheritance(const TCIMClass& cls) {
         for (const TCIMQualifier* qualifier : cls.GetSuperClass()->EnumerateQualifiers())
             if (FindInherited(cls, qualifier->GetName()) != nullptr &&
@@ -126,12 +130,12 @@ private:
         }
     }
 
+    // A qualifier that the reader adds by itself, because it is inherited, must not be written, but be equal to that.
     void WriteClassQualifier(const TCIMClass& cls, const TCIMQualifier& qualifier) {
         const TCIMQualifier* const inherited = FindInherited(cls, qualifier.GetName());
-        const bool isFixed =
-            inherited != nullptr && (inherited->GetFlavor() & TDecl::eFlavorOverridable) == 0;  // or inherited as it is
+        const bool isFixed = inherited != nullptr && (inherited->GetFlavor() & TDecl::eFlavorOverridable) == 0;
         if (!qualifier.GetPropagated() && !isFixed) return WriteQualifier(qualifier);
-        if (inherited == nullptr || !SaysTheSame(*inherited, qualifier))
+        if (inherited == nullptr || !HaveSameFlavorAndValue(*inherited, qualifier))
             throw TUnsavable("its qualifier " + Quoted(qualifier.GetName()) + " is not as it would be inherited");
     }
 
@@ -156,7 +160,7 @@ private:
         Require(!value.IsNull() || isDeclared || value.GetType() == TType::eCIMNone,
                 "it is a NULL of another type than the declared one");
         fWriter.Value(value);
-        if (value.IsNull() && !isDeclared) fWriter.Raw("<VALUE></VALUE>");  // reads as a value without a type
+        if (value.IsNull() && !isDeclared) fWriter.Raw("<VALUE></VALUE>");  // read back as a value without a type
     }
 
     void WriteProperty(const TCIMClass& cls, const TCIMPropertyDecl& declaration) {
@@ -185,7 +189,7 @@ private:
 
 void WriteSchema(const TContainer& container, TCimXmlWriter& writer) {
     try {
-        TSchemaWriter(container, writer).Write();
+        TCimXmlSchemaWriter(container, writer).Write();
     } catch (const TUnsavable& e) {
         throw TCommandError(eExitOutput, std::string("cannot save ") + e.what());
     }

@@ -15,10 +15,10 @@ namespace {
 
 using TType = TCIMValue::TCIMType;
 
-constexpr size_t kPiece = 1 << 16;
+constexpr size_t kBufferSize = 1 << 16;
 constexpr int kDeepestReference = 100;
 constexpr size_t kDateTimeLength = 25;
-constexpr unsigned int kMostDays = 65535;  // of an interval that is read from text
+constexpr unsigned int kMostDays = 65535;  // the reader cuts the days of an interval to 16 bits
 
 std::string DateTimeText(const TCIMDateTime& dateTime) {
     if (dateTime.IsNull()) throw TUnsavable("it holds a date-time that was never set");
@@ -33,7 +33,7 @@ bool CanBeKeyOf(const TCIMClass& cls, const std::string& name, const TCIMValue& 
            !value.IsNull() && !value.IsArray();
 }
 
-// Control characters too: other readers change a CR, and refuse most of the rest when they stand there plainly.
+// Control characters are escaped too: XML readers turn a plain CR into LF, and refuse most of the others.
 bool NeedsNoEscape(unsigned char c) {
     return (c >= ' ' && c != '<' && c != '&' && c != '>' && c != 0x7f) || c == '\t' || c == '\n';
 }
@@ -45,8 +45,8 @@ std::string EscapeXml(unsigned char c) {
     return "&#" + std::to_string(c) + ";";
 }
 
-// So that the core's reader, and any other that leaves bytes above 127 alone, gets each byte back. There is no form for
-// NUL.
+// Bytes above 127 are copied, whether they are valid UTF-8 or not, so that the core's reader gets the same bytes back.
+// NUL cannot be written in XML at all; Text() refuses it before.
 void AppendXmlText(std::string& target, std::string_view text) {
     size_t done = 0;
     for (size_t i = 0; i < text.size(); ++i) {
@@ -81,7 +81,7 @@ std::string PropertyStart(const TCIMPropertyDecl& declaration) {
 
 void TCimXmlWriter::Raw(std::string_view markup) {
     fBuffer.append(markup);
-    if (fBuffer.size() >= kPiece) Spill();
+    if (fBuffer.size() >= kBufferSize) WriteBuffer();
 }
 
 void TCimXmlWriter::Attribute(const char* name, std::string_view value) {
@@ -112,7 +112,7 @@ std::string TCimXmlWriter::NameOf(const TCIMClass& cls) const {
 }
 
 size_t TCimXmlWriter::Finish() {
-    Spill();
+    WriteBuffer();
     return fSize;
 }
 
@@ -136,7 +136,7 @@ void TCimXmlWriter::Scalar(const TCIMValue& value) {
     }
 }
 
-// The shortest text of that very number.
+// The shortest text that reads back as the same number.
 template <typename T>
 void TCimXmlWriter::Real(T number) {
     char text[32];
@@ -184,7 +184,7 @@ void TCimXmlWriter::KeyBinding(const TCIMClass& cls, const std::string& name, co
     Raw(value.IsReference() ? "</KEYBINDING>" : "</KEYVALUE></KEYBINDING>");
 }
 
-void TCimXmlWriter::Spill() {
+void TCimXmlWriter::WriteBuffer() {
     fSize += fBuffer.size();
     if (fSize <= kLargestDocument) fFile.Write(fBuffer);
     fBuffer.clear();

@@ -15,32 +15,36 @@ class TCIMReference;
 class TContainer;
 class TOutputFile;
 
-/// Says why something would not read back as it is.
+/// Thrown for what CIM-XML cannot hold, or what the core's reader would give back changed; what() says why.
 class TUnsavable : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Writes CIM-XML in the form that the core's reader takes back without loss. What it would not is a TUnsavable.
+/// Writes CIM-XML from which the core's reader gets the same objects back. Raises TUnsavable for everything else.
 class TCimXmlWriter {
 public:
     TCimXmlWriter(const TContainer& container, TOutputFile& file) : fContainer(container), fFile(file) {}
 
-    /// Markup, as it stands.
+    /// Appends markup without change.
     void Raw(std::string_view markup);
-    /// A blank in front. Values of attributes have no escapes; all of ours are words, numbers and CIM names.
+    /// Appends a blank and name="value". The value is not escaped, because the core's reader does not decode escapes in
+    /// attributes: it must be a word, a number or a CIM name.
     void Attribute(const char* name, std::string_view value);
-    /// What a value's own element does not tell: the size of an array, the class of a NULL reference.
+    /// Appends ARRAYSIZE or REFERENCECLASS if the value has the size of an array or is a NULL reference: the elements
+    /// of values have no place for these.
     void ShapeAttributes(const TCIMValue& value);
-    /// VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for NULL.
+    /// Appends the element VALUE, VALUE.ARRAY or VALUE.REFERENCE; nothing for NULL.
     void Value(const TCIMValue& value);
-    /// The name by which a document speaks of the class: empty for the root class.
+    /// The name of the class in the document: empty for the root class. Raises TUnsavable if the name would be read
+    /// back as another class.
     std::string NameOf(const TCIMClass& cls) const;
 
-    /// Hands the rest to the file and gives the size of all. Beyond kLargestDocument nothing is handed over.
+    /// Writes what is still buffered and returns the size of the document. Of a document that gets larger than
+    /// kLargestDocument the rest is counted, but not written.
     size_t Finish();
 
-    static constexpr size_t kLargestDocument = 104857600;  // what the reader takes
+    static constexpr size_t kLargestDocument = 104857600;  ///< bytes; the core's reader refuses more
 
 private:
     using TKeyBindings = std::map<const std::string, const TCIMValue>;
@@ -52,7 +56,7 @@ private:
     void Elements(const TCIMValue& array);
     void Reference(const TCIMReference& reference, int depth);
     void KeyBinding(const TCIMClass& cls, const std::string& name, const TCIMValue& value, int depth);
-    void Spill();
+    void WriteBuffer();
 
     const TContainer& fContainer;
     TOutputFile& fFile;
@@ -60,24 +64,27 @@ private:
     size_t fSize = 0;
 };
 
-/// TYPE with a blank in front, an array's being its elements'; nothing for a value without a type.
+/// The attribute TYPE with a blank in front; for an array it is the type of its elements. Empty for a value without a
+/// type.
 std::string TypeAttribute(TCIMValue::TCIMType type);
-/// "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
+/// The name of the element for the declaration: "PROPERTY", "PROPERTY.ARRAY" or "PROPERTY.REFERENCE".
 const char* PropertyElement(const TCIMPropertyDecl& declaration);
-/// The start tag of the declaration, and of each property that is declared by it, with name and type.
+/// The start tag with name and type, without the closing bracket. It is the same for the declaration and for the
+/// property in instances.
 std::string PropertyStart(const TCIMPropertyDecl& declaration);
 
-/// Writes all instances of exactly those classes with those values that are their own. With stable, values that change
-/// by themselves are left out unless they are keys. Raises TCommandError with eExitOutput for what would not read back
-/// as it is.
+/// Writes all instances of exactly those classes, with the values that were set in them (not those that the class
+/// declares as defaults). With stable, volatile properties are left out unless they are keys. Raises TCommandError with
+/// eExitOutput for what cannot be read back.
 void WriteInstances(const std::vector<TCIMClass*>& classes, bool stable, TCimXmlWriter& writer);
 
-/// Writes all qualifier declarations, then all classes, each behind what it needs. Raises TCommandError with
-/// eExitOutput for what would not read back as it is.
+/// Writes all qualifier declarations, then all classes in the order of OrderClasses. Raises TCommandError with
+/// eExitOutput for what cannot be read back.
 void WriteSchema(const TContainer& container, TCimXmlWriter& writer);
 
-/// All classes, each behind its superclass, the classes that its references point to, and its elder siblings. Raises
-/// TCommandError with eExitOutput if there is no such order.
+/// All classes in an order in which the reader can read them: each follows its superclass, the classes that its
+/// references point to, and the siblings that were declared before it. Raises TCommandError with eExitOutput if classes
+/// depend on each other in a cycle.
 std::vector<const TCIMClass*> OrderClasses(const TContainer& container);
 
 #endif

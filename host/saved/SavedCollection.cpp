@@ -3,20 +3,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <list>
 #include <utility>
 
+#include "base/CoreLog.h"
 #include "base/ExitStatus.h"
 #include "base/OutputFile.h"
 #include "base/Text.h"
-#include "kyr/ILogger.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
-#include "kyr/TRootObject.h"
 #include "saved/CimXmlWriter.h"
 #include "saved/DocumentProbe.h"
 
@@ -31,6 +28,7 @@ constexpr const char* kTail = "</DECLGROUP>\n</DECLARATION>\n</CIM>\n";
     throw TCommandError(eExitUsage, "cannot save to '" + path + "': " + reason + "; write '" + better + "'");
 }
 
+// The core's reader decides by the path whether a file is compressed: ".gz" anywhere in it counts.
 void RequireReadableName(const std::string& path) {
     if (TOutputFile::IsSpecial(path)) return;
     const bool isCompressed = EndsWith(path, ".xml.gz");
@@ -49,13 +47,13 @@ std::vector<TCIMClass*> AllClasses(const TContainer& container) {
     return classes;
 }
 
-// The user is to know what to leave out.
-std::string MostFrequent(const std::vector<TCIMClass*>& classes) {
-    std::pair<size_t, std::string> most;
+// For a message: leaving out the class with the most instances makes the collection smaller.
+std::string DescribeLargest(const std::vector<TCIMClass*>& classes) {
+    std::pair<size_t, std::string> largest;
     for (const TCIMClass* cls : classes)
-        if (const size_t count = cls->EnumerateInstances(false).size(); count > most.first)
-            most = {count, cls->GetName()};
-    return "the most instances, " + std::to_string(most.first) + ", are of " + most.second;
+        if (const size_t count = cls->EnumerateInstances(false).size(); count > largest.first)
+            largest = {count, cls->GetName()};
+    return "the most instances, " + std::to_string(largest.first) + ", are of " + largest.second;
 }
 
 [[noreturn]] void RefuseReading(const std::string& path, const std::string& reason) {
@@ -69,15 +67,13 @@ void RequireFile(const std::string& path) {
     if (status.st_size == 0) RefuseReading(path, "it is empty");
 }
 
-// The errors that the core has logged since there were so many entries, but for the last, which repeats the path.
-std::string ErrorsSince(size_t count) {
-    const std::list<ILogger::TLogEntry>& log = TRootObject::GetCoreLogger()->GetLog();
-    std::string errors;
-    for (auto entry = std::next(log.begin(), static_cast<long>(std::min(count, log.size()))); entry != log.end();
-         ++entry)
-        if (entry->severity == kyrLogError && entry->text.compare(0, 14, "Previous error") != 0)
-            errors += (errors.empty() ? "" : "; ") + entry->text;
-    return errors;
+// The errors that the core has logged about a document. Its last one only adds the path, which the message has already.
+std::string ErrorsIn(const std::vector<TLogLine>& lines) {
+    std::vector<std::string> errors;
+    for (const TLogLine& line : lines)
+        if (line.severity == kyrLogError) errors.push_back(line.text);
+    if (!errors.empty()) errors.pop_back();
+    return Join(errors, "; ");
 }
 
 std::string Explain(const std::string& path, const TKYRException& e, const std::string& errors) {
@@ -96,7 +92,7 @@ std::string Explain(const std::string& path, const TKYRException& e, const std::
 
 void RequireSavablePath(const std::string& path) {
     RequireReadableName(path);
-    if (!TOutputFile::IsSpecial(path)) TOutputFile(path, false);  // opened, and dropped without a trace
+    if (!TOutputFile::IsSpecial(path)) TOutputFile(path, false);  // creates and removes the temporary file
 }
 
 void SaveCollection(const TContainer& container, const std::string& path, bool stable,
@@ -114,7 +110,7 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
         throw TCommandError(eExitOutput,
                             "cannot write '" + path + "': the collection takes " + std::to_string(size) +
                                 " bytes, and no more than " + std::to_string(TCimXmlWriter::kLargestDocument) +
-                                " can be read back; choose fewer classes with --class; " + MostFrequent(written));
+                                " can be read back; choose fewer classes with --class; " + DescribeLargest(written));
     file.Finish();
 }
 
@@ -123,11 +119,11 @@ void ReadCollection(const std::string& path, TContainer& container) {
     const auto read = [&](const std::string& file) { container.PopulateContainerFromFile(file); };
     const std::string harm = ProbeDocuments({path}, read).front();
     if (!harm.empty()) RefuseReading(path, harm + "; it is damaged, or was made to do harm");
-    const size_t logged = TRootObject::GetCoreLogger()->GetLog().size();
+    TLogCapture capture;
     try {
         read(path);
     } catch (const TKYRException& e) {
-        RefuseReading(path, Explain(path, e, ErrorsSince(logged)));
+        RefuseReading(path, Explain(path, e, ErrorsIn(capture.Take())));
     }
     if (container.GetRootClass()->EnumerateSubClasses(false).empty())
         RefuseReading(path, "there is no class in it; it must be a file that kyr collect -o wrote");

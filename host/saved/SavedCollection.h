@@ -7,17 +7,20 @@
 class TCIMClass;
 class TContainer;
 
-/// To be asked before anything is collected: raises what SaveCollection would for the path.
+/// Raises TCommandError if SaveCollection could not write to the path. Called before anything is collected, so that a
+/// mistyped path does not cost a whole collection.
 void RequireSavablePath(const std::string& path);
 
-/// Writes the container as a CIM-XML document, with all instances or those of the classes alone, compressed if the path
-/// ends in ".gz": the file appears whole or not at all, unless the path names something other than a regular file. With
-/// stable, values that change by themselves are left out. What the format cannot carry is refused by class and
-/// property. Raises TCommandError with eExitOutput, or eExitUsage for a path that could not be read back.
+/// Writes the container as a CIM-XML document: the whole schema, and the instances of the given classes, or with null
+/// all instances. The document is compressed if the path ends in ".gz". It is written atomically, unless the path names
+/// something other than a regular file. With stable, volatile properties are left out. Raises TCommandError with
+/// eExitOutput for what the format cannot hold, naming class and property, and with eExitUsage for a path from which
+/// the file could not be read back.
 void SaveCollection(const TContainer& container, const std::string& path, bool stable,
                     const std::vector<TCIMClass*>* classes = nullptr);
 
-/// Fills an empty container. Raises TCommandError with eExitNothing.
+/// Reads a saved collection into an empty container. The document is tried in a child process first, so that one that
+/// crashes the reader is refused. Raises TCommandError with eExitNothing.
 void ReadCollection(const std::string& path, TContainer& container);
 
 #endif
