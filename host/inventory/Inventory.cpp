@@ -18,8 +18,8 @@ bool IsState(const TCIMClass* cls, const TCIMClass* states) {
     return cls != nullptr && states != nullptr && cls->IsSubclassOf(states);
 }
 
-// The host itself writes the states of a collection, so no plugin is asked for them. Where nothing but states is
-// wanted, they are to tell of a whole collection: all plugins are asked.
+// The host writes the state instances, so no plugin is asked for them. If the caller asked for nothing but states,
+// every plugin must run for them, so all classes are wanted.
 TClassSelection WithoutStates(const std::vector<std::string>& names, const TContainer& container) {
     const TCIMClass* const states = container.FindClass(kStateClass);
     std::vector<std::string> rest;
@@ -28,7 +28,7 @@ TClassSelection WithoutStates(const std::vector<std::string>& names, const TCont
     return rest.empty() ? TClassSelection::All() : TClassSelection::These(rest);
 }
 
-// It goes with the process: to take a large one apart would take longer than to print much of it.
+// Never deleted: destroying a large container would take longer than printing much of it, and the process ends anyway.
 TPluginContainer& MakeContainer() {
     static TPluginContainer* const container = new TPluginContainer;
     return *container;

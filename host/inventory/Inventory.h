@@ -10,22 +10,23 @@
 
 class TContainer;
 
-/// What there is to look at: this machine's schema and, once collected, its instances; or a saved collection with all
-/// of that. How complete it is stands in it too, as instances of the classes of schema/collection.xml. There is one
-/// in a process.
+/// The container that a command works on: the schema and instances of this machine, collected from its plugins, or
+/// those of a saved collection. State instances in it say how complete it is. Create only one in a process.
 class TInventory {
 public:
-    /// Sets the core up and reads the documents, or the file. Raises TCommandError.
+    /// Reads the saved collection if the options name one, otherwise the base document and the plugins' documents.
+    /// Raises TCommandError.
     explicit TInventory(const TSessionOptions& options);
     ~TInventory();
 
     TContainer& Container() const;
-    /// What the function finds in the container. Where it raises TCommandError, what could not be loaded is told first:
-    /// it may be what declares the class that is unknown.
+    /// Returns what the function finds in the container. If it raises TCommandError, as for an unknown class, the
+    /// plugins are loaded and what failed is printed before the exception is passed on: the class may be declared by a
+    /// plugin that cannot be loaded.
     template <typename TLookUp>
     auto LookUp(TLookUp lookUp) {
         try {
-            const TLogCapture ownLines;
+            const TLogCapture capture;  // the log of a search that fails says nothing to the user
             return lookUp(Container());
         } catch (const TCommandError&) {
             LoadPlugins();
@@ -33,12 +34,13 @@ public:
             throw;
         }
     }
-    /// Has each plugin tell its name, and asks for nothing.
+    /// Loads the plugins, so that they register their names and versions, and asks them for no instances.
     void LoadPlugins();
-    /// Asks the plugins for the classes, exact names, or for all if there are none. As above it does nothing with a
-    /// file, and neither of the two does anything after the other.
+    /// Loads the plugins and asks them for the instances of the named classes (not of subclasses), or of all classes if
+    /// there are no names. In a saved collection, Collect and LoadPlugins change only the states, to what they would be
+    /// if it had been collected so. Only the first call of either has an effect.
     void Collect(const std::vector<std::string>& classes);
-    /// Tells on standard error what is not complete, and gives the exit status that follows from it.
+    /// Prints on standard error what is not complete, and returns the exit status that follows.
     EExit Conclude() const;
 
 private:

@@ -27,7 +27,7 @@ TPluginLibrary LibraryAt(const fs::path& path) {
     return library;
 }
 
-// A pipe in place of a library must not hold us up.
+// Only regular files: opening a pipe with the name of a library would block.
 void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) {
     std::error_code error, ignored;
     for (const fs::directory_entry& file : fs::directory_iterator(folder, error))
@@ -38,18 +38,18 @@ void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) 
     libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eFolderUnreadable, error.message())};
 }
 
-// Where there is none, loading the plugin will tell.
+// Whether something else than a file is in the place of a document. If nothing is there, loading the plugin reports it.
 bool IsNoFile(const std::string& path) {
     std::error_code error;
     return fs::exists(path, error) && !fs::is_regular_file(path, error);
 }
 
-// One that is never read to its end must leave time for others before the deadline.
-double SecondsForOne(const TRunLimits& limits) {
+// A document on which the reader never ends may take only a part of the time that all plugins have together.
+double SecondsForDocument(const TRunLimits& limits) {
     return limits.deadline > 0 ? std::min(limits.timeout, limits.deadline / 10) : limits.timeout;
 }
 
-// Why each of the documents must not be read, if there is a reason.
+// The documents that must not be read, each with the reason.
 std::map<std::string, std::string> FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container,
                                             const TRunLimits& limits) {
     std::map<std::string, std::string> harms;
@@ -62,7 +62,7 @@ std::map<std::string, std::string> FindHarm(const std::list<TPluginLibrary>& lib
             documents.push_back(document);
     }
     const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
-    const std::vector<std::string> found = ProbeDocuments(documents, read, SecondsForOne(limits), limits.Latest());
+    const std::vector<std::string> found = ProbeDocuments(documents, read, SecondsForDocument(limits), limits.Latest());
     for (size_t i = 0; i < documents.size(); ++i)
         if (!found[i].empty()) harms[documents[i]] = found[i];
     return harms;
@@ -76,7 +76,7 @@ std::vector<TCIMClass*> Read(const std::string& document, TContainer& container)
     try {
         return container.PopulateContainerFromFile(document);
     } catch (const TKYRException&) {
-        return {};  // loading the plugin meets it again, and tells
+        return {};  // loading the plugin reads the document again, and reports the error
     }
 }
 
@@ -103,7 +103,7 @@ void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& conta
             library.notLoaded.reason.file = document;
             continue;
         }
-        const TLogCapture repeated;  // loading the plugin logs it all again
+        const TLogCapture capture;  // drops the lines: loading the plugin logs them again
         library.classes = Read(document, container);
         library.duplicateClasses = container.TakeDuplicateClasses();
         Read(document, schema);
@@ -111,14 +111,15 @@ void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& conta
 }
 
 void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries) {
-    const auto isRepeated = [&](const TCIMClass* cls) {
+    const auto isDuplicate = [&](const TCIMClass* cls) {
         return std::find(library.duplicateClasses.begin(), library.duplicateClasses.end(), cls->GetName()) !=
                library.duplicateClasses.end();
     };
     for (TPluginLibrary& other : libraries) {
         if (&other == &library || !HasFailedToLoad(other.report)) continue;
-        const auto lost = std::stable_partition(other.classes.begin(), other.classes.end(), std::not_fn(isRepeated));
-        library.classes.insert(library.classes.end(), lost, other.classes.end());
-        other.classes.erase(lost, other.classes.end());
+        const auto claimed =
+            std::stable_partition(other.classes.begin(), other.classes.end(), std::not_fn(isDuplicate));
+        library.classes.insert(library.classes.end(), claimed, other.classes.end());
+        other.classes.erase(claimed, other.classes.end());
     }
 }

@@ -10,17 +10,18 @@ class TContainer;
 struct TRunLimits;
 class TPluginContainer;
 
-/// The plugin libraries one folder below the current one, in the order of their names: where two plugins declare a
-/// class, it is the same one each time that brings it. A folder that cannot be read stands for its libraries. Raises
-/// TCommandError.
+/// The plugin libraries in the subfolders of the current folder, sorted by path, so that of two documents that declare
+/// a class, the same one is read first in every run. A subfolder that cannot be read is listed as a library that cannot
+/// be loaded. Raises TCommandError if the current folder cannot be read.
 std::list<TPluginLibrary> FindLibraries();
 
-/// Reads the libraries' documents into both containers, and writes in each library which classes it brought, or why
-/// it must not be loaded. A document that would crash the reader, or keep it for too long, is not read.
+/// Reads the libraries' documents into both containers, and stores in each library which classes its document declares,
+/// or why the library must not be loaded. Documents are tried in a child process first; one that crashes the reader
+/// there, or takes too long, is not read.
 void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
                    const TRunLimits& limits);
 
-/// Gives the library those classes of its document that another one brought and then failed to load.
+/// Moves classes to the library that its document declares too, if the library that owned them failed to load.
 void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries);
 
 #endif

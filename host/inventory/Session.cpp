@@ -28,36 +28,36 @@ namespace {
 
 TContainer& PluginSchema() { return *TRootObject::GetPluginManager()->GetSchema(); }
 
-// Libraries are named from inside the plugin folder: the first "lib" of a library's path is taken away to name its
-// document, and must be the one in the file's own name.
+// Libraries are named relative to the plugin folder. The core derives the path of a document by removing the first
+// "lib" of the library's path, which must be the one in the file's name, not one in the path of the plugin folder.
 void EnterPluginFolder(const std::string& path) {
     if (chdir(path.c_str()) == 0) return;
     throw TCommandError(eExitNothing, "cannot enter the plugin folder '" + path + "': " + std::strerror(errno));
 }
 
-bool BringsSystem(const TPluginLibrary& library) {
+bool DeclaresSystem(const TPluginLibrary& library) {
     const auto isSystem = [](const TCIMClass* cls) {
         return cls->GetName() == TCIMSchemaHelper::kSystemCreationClassName;
     };
     return std::any_of(library.classes.begin(), library.classes.end(), isSystem);
 }
 
-void Mark(TCIMClass& cls, const TCIMQualifierDecl* declaration, const std::string& text) {
+void AddQualifier(TCIMClass& cls, const TCIMQualifierDecl* declaration, const std::string& text) {
     if (declaration == nullptr) return;
     std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(*declaration, TCIMValue(text)));
     cls.AddQualifier(*qualifier);
-    // A class that is marked alike and for good keeps the mark that it has.
+    // The class owns the qualifier now, unless it already had an equal one that cannot be overridden.
     if (cls.FindQualifier(declaration->GetName()) == qualifier.get()) qualifier.release();
 }
 
-// Marks the classes that the library's document brought with the plugin's name and version, as the core does where it
-// reads the document itself.
-void MarkClasses(const TPluginLibrary& library, const TContainer& container) {
+// Adds the plugin's name and version to the classes of the library's document as qualifiers. The core does that only
+// for documents that it reads itself.
+void AddPluginQualifiers(const TPluginLibrary& library, const TContainer& container) {
     const TPluginInfo* const owner = library.report.FindOwner();
     if (owner == nullptr || !library.report.loadFailure.empty()) return;
     for (TCIMClass* cls : library.classes) {
-        Mark(*cls, container.FindQualifierDecl("PLUGINNAME"), owner->name);
-        Mark(*cls, container.FindQualifierDecl("PLUGINVERSION"), owner->version);
+        AddQualifier(*cls, container.FindQualifierDecl("PLUGINNAME"), owner->name);
+        AddQualifier(*cls, container.FindQualifierDecl("PLUGINVERSION"), owner->version);
     }
 }
 
@@ -90,8 +90,9 @@ void TSession::ReadBaseDocument(const std::string& path) {
     if (!failure.empty()) throw TCommandError(eExitNothing, "cannot read the base document '" + path + "': " + failure);
 }
 
-// Whoever brings the computer system comes first, since others ask for its name. Whose document repeats classes of
-// another comes last: they may fall to it.
+// The library that declares the computer system runs first, because others ask for the name of the system. A library
+// with duplicate classes runs last and alone: by then it is known whether the owner of the classes failed to load, so
+// that it gets them.
 TSession::TRounds TSession::FindRounds() {
     TRounds rounds(2);
     for (TPluginLibrary& library : fLibraries) {
@@ -100,7 +101,7 @@ TSession::TRounds TSession::FindRounds() {
         else if (!library.duplicateClasses.empty())
             rounds.push_back({&library});
         else
-            rounds[BringsSystem(library) ? 0 : 1].push_back(&library);
+            rounds[DeclaresSystem(library) ? 0 : 1].push_back(&library);
     }
     return rounds;
 }
@@ -112,11 +113,11 @@ void TSession::Run(const TClassSelection& wanted) {
         RunInProcess(rounds, wanted);
     else
         interruption = RunIsolated(rounds, wanted);
-    for (const TPluginLibrary& library : fLibraries) MarkClasses(library, fContainer);
+    for (const TPluginLibrary& library : fLibraries) AddPluginQualifiers(library, fContainer);
     WriteStates(fLibraries, wanted, interruption, fContainer);
 }
 
-// How complete it all is, a plugin does not tell.
+// The classes of states belong to no library, so that no plugin can make instances of them.
 void TSession::AssignClassesToLibraries() {
     for (const TPluginLibrary& library : fLibraries)
         for (const TCIMClass* cls : library.classes) fContainer.SetOwner(*cls, &library);
@@ -141,7 +142,7 @@ void TSession::RunInProcess(const TRounds& rounds, const TClassSelection& wanted
     if (!wanted.IsSchemaOnly()) run.Query(wanted.Names());
 }
 
-// Gives the signal that interrupted it, or 0.
+// Returns the signal that interrupted the collection, or 0.
 int TSession::RunIsolated(const TRounds& rounds, const TClassSelection& wanted) {
     const auto printLog = [this](const TPluginProcess& process) { PrintLog(process.Library()); };
     TPluginScheduler processes(fOptions.limits, fLibraries.size(), printLog);

@@ -11,22 +11,22 @@
 #include "model/ClassSelection.h"
 #include "states/PluginLibrary.h"
 
-/// This machine: the core set up as a host must, with the documents of the plugins found, and the plugins themselves
-/// once they are run. There is one in a process. It changes the current folder.
+/// Collects from this machine: sets up the core's plugin manager, finds the plugin libraries, reads their documents and
+/// runs the plugins. Create only one in a process. It changes the current folder to the plugin folder.
 ///
-/// There are two containers. The plugin manager's schema is where plugins look for the computer system, and what
-/// their documents are read into when they are loaded. The instances are in the one that the session is given.
+/// There are two containers. The one that the session is given gets the instances. The other is the schema of the
+/// core's plugin manager: the core reads a plugin's document into it when it loads the plugin, and plugins look for the
+/// computer system there.
 class TSession {
 public:
-    /// Raises TCommandError.
+    /// Finds the plugins and reads the documents. Raises TCommandError.
     TSession(const TSessionOptions& options, const TCoreLog& log, TPluginContainer& container);
 
-    /// Loads the plugins, and asks them for the classes, unless only the schema is wanted. In the end the container
-    /// tells how complete it is.
+    /// Loads the plugins, asks them for the wanted classes, and adds the state instances to the container.
     void Run(const TClassSelection& wanted);
 
 private:
-    /// Libraries that can run side by side, after those before them.
+    /// The libraries of a round may run at the same time; each round starts when the one before it has ended.
     using TRounds = std::vector<std::vector<TPluginLibrary*>>;
 
     void ReadBaseDocument(const std::string& path);

@@ -6,13 +6,14 @@
 #include "base/CoreLog.h"
 #include "isolation/RunLimits.h"
 
-/// What a collection is read from or collected with. Paths are absolute.
+/// Where a collection comes from, and how it is collected. Paths are absolute: the current folder changes while plugins
+/// run.
 struct TSessionOptions {
     std::string from;     ///< a saved collection; empty: this machine
     std::string plugins;  ///< the folder with a folder for each plugin
     std::string schema;   ///< the base document
     TLogOptions log;
-    bool inProcess = false;
+    bool inProcess = false;  ///< run the plugins in this process, not each in its own
     TRunLimits limits;
 };
 

@@ -12,13 +12,13 @@ namespace {
 
 using TRoles = std::vector<const char*>;
 
-// A cache serves a processor, which so depends on it; people look for it below the processor.
+// This association makes the processor depend on its cache. In the tree people look for the cache below the processor.
 bool IsReversed(const TCIMInstance& association) {
     const TCIMClass* const cls = association.GetContainer()->FindClass("CIM_AssociatedCacheMemory");
     return cls != nullptr && association.GetClass()->IsSubclassOf(cls);
 }
 
-// The first end if no role tells.
+// The index of the end with one of the roles; the first end if none has.
 size_t OwnerAmong(const std::vector<TAssociationEnd>& ends, const TRoles& roles) {
     for (size_t i = 0; i < ends.size(); ++i)
         for (const char* role : roles)
@@ -26,7 +26,7 @@ size_t OwnerAmong(const std::vector<TAssociationEnd>& ends, const TRoles& roles)
     return 0;
 }
 
-void SortOnce(std::vector<size_t>& numbers) {
+void SortUnique(std::vector<size_t>& numbers) {
     std::sort(numbers.begin(), numbers.end());
     numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
 }
@@ -41,8 +41,8 @@ TContainmentTree::TContainmentTree(const TContainer& container, std::vector<cons
       fPlaced(fInstances.size(), false) {
     for (size_t i = 0; i < fInstances.size(); ++i) fNumbers.emplace(fInstances[i], i);
     for (const TCIMClass* cls : AssociationsOf(*container.GetRootClass()))
-        for (const TCIMInstance* association : cls->EnumerateInstances(false)) Tie(*association);
-    for (std::vector<size_t>& parts : fParts) SortOnce(parts);
+        for (const TCIMInstance* association : cls->EnumerateInstances(false)) AddParts(*association);
+    for (std::vector<size_t>& parts : fParts) SortUnique(parts);
     FindParents();
 }
 
@@ -59,7 +59,7 @@ std::vector<TContainmentTree::TNode> TContainmentTree::Walk() const {
     return nodes;
 }
 
-void TContainmentTree::Tie(const TCIMInstance& association) {
+void TContainmentTree::AddParts(const TCIMInstance& association) {
     const std::vector<TAssociationEnd> ends = EndsOf(association);
     if (ends.size() < 2) return;
     const TRoles roles = IsReversed(association) ? TRoles{"Dependent"} : TRoles{"GroupComponent", "Antecedent"};
@@ -72,10 +72,11 @@ void TContainmentTree::Tie(const TCIMInstance& association) {
     }
 }
 
-// An instance is settled behind all of its owners. Where none is left that could be, links go in a circle: it is
-// entered where something already settled reaches it, or else anywhere.
+// Instances are placed in topological order: each after all of its owners, so that the deepest owner is known. If no
+// such instance is left, the links form a cycle. It is cut at an instance that has a placed owner (reached), or at the
+// first one that is not placed yet.
 void TContainmentTree::FindParents() {
-    std::vector<size_t> waiting(fInstances.size(), 0);
+    std::vector<size_t> waiting(fInstances.size(), 0);  // for each instance, how many owners are not placed
     std::deque<size_t> ready, reached;
     for (const std::vector<size_t>& parts : fParts)
         for (const size_t part : parts) ++waiting[part];

@@ -9,26 +9,27 @@
 class TCIMInstance;
 class TContainer;
 
-/// Instances placed one below the other. Each has one home; links that go in circles are cut.
+/// A tree of instances, made from the associations between them. An instance that associations give several owners has
+/// the deepest of them as its parent; cycles are cut.
 class TContainmentTree {
 public:
     struct TNode {
         const TCIMInstance* instance;
-        size_t depth;
-        /// What belongs to it too but has its home elsewhere, not below it.
+        size_t depth;  ///< 0 for an instance without a parent
+        /// Instances that it owns too, but that stand elsewhere in the tree, not below it.
         std::vector<const TCIMInstance*> alsoContains;
     };
 
-    /// Takes the links from all association instances of the container.
+    /// Builds the tree of the given instances from all association instances of the container.
     TContainmentTree(const TContainer& container, std::vector<const TCIMInstance*> instances);
 
-    /// Each instance once, behind its owner.
+    /// All instances in depth-first order, parents before children.
     std::vector<TNode> Walk() const;
 
 private:
     static constexpr size_t kNone = static_cast<size_t>(-1);
 
-    void Tie(const TCIMInstance& association);
+    void AddParts(const TCIMInstance& association);
     void FindParents();
     void Place(size_t owner, std::deque<size_t>& ready, std::deque<size_t>& reached, std::vector<size_t>& waiting);
     std::vector<size_t> OrderByParents() const;
@@ -36,12 +37,12 @@ private:
                                                   const std::vector<size_t>& sizes) const;
 
     std::vector<const TCIMInstance*> fInstances;
-    std::unordered_map<const TCIMInstance*, size_t> fNumbers;
-    // By the numbers of instances.
-    std::vector<std::vector<size_t>> fParts;
-    std::vector<size_t> fParents;
+    std::unordered_map<const TCIMInstance*, size_t> fNumbers;  // of the instances in fInstances
+    // For each instance, by its number:
+    std::vector<std::vector<size_t>> fParts;  // the instances that associations make a part of it
+    std::vector<size_t> fParents;             // kNone: it is a root
     std::vector<size_t> fDepths;
-    std::vector<bool> fPlaced;
+    std::vector<bool> fPlaced;  // its parent is final
 };
 
 #endif

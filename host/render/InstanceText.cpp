@@ -16,19 +16,17 @@
 
 namespace {
 
-constexpr size_t kLeastValueWidth = 20;  // with less, values stand below their names
-constexpr size_t kIndentBelowName = 6;
-
 using TInstances = std::vector<TCIMInstance*>;
-
-constexpr size_t kListWidth = 72;  // where lines may be longer, lists are not
-constexpr size_t kMostBelowEachOther = 10;
-constexpr const char* kMore = ", ...";
-
 using TLines = std::vector<std::string>;
 
-// What goes on is indented.
-TLines BelowEachOther(const TLines& elements, size_t width) {
+constexpr size_t kLeastValueWidth = 20;  // with less, values stand below their names
+constexpr size_t kIndentBelowName = 6;
+constexpr size_t kListWidth = 72;         // a list on one line is no longer than this, even in a wider terminal
+constexpr size_t kMostElementLines = 10;  // a list with more elements is folded
+constexpr const char* kMore = ", ...";
+
+// One line for each element; if one is too long for that, its other lines are indented.
+TLines ElementLines(const TLines& elements, size_t width) {
     TLines lines;
     for (const std::string& element : elements) {
         std::string indent;
@@ -40,8 +38,8 @@ TLines BelowEachOther(const TLines& elements, size_t width) {
     return lines;
 }
 
-// The count, and as many elements as fit behind it on one line; at least one.
-TLines Fold(const TLines& elements, size_t width) {
+// The number of elements, and as many of them as fit behind it on one line; at least one.
+TLines FoldedLines(const TLines& elements, size_t width) {
     std::string text = std::to_string(elements.size()) + " values: " + elements.front();
     for (size_t i = 1; ColumnsOf(text + ", " + elements[i] + kMore) <= width; ++i) text += ", " + elements[i];
     return WrapText(text + kMore, width);
@@ -53,12 +51,11 @@ TLines ListLines(TLines elements, size_t width) {
     const std::string joined = Join(elements);
     const size_t listWidth = std::min(width, kListWidth);
     if (ColumnsOf(joined) <= listWidth) return {joined};
-    if (elements.size() <= kMostBelowEachOther) return BelowEachOther(elements, width);
-    return Fold(elements, listWidth);
+    if (elements.size() <= kMostElementLines) return ElementLines(elements, width);
+    return FoldedLines(elements, listWidth);
 }
 
-// The property's value as visible lines of at most that width. A long list is folded: its count, and how it begins;
-// with raw the value stands as it is, and whole.
+// The property's value as visible lines of at most that width. A long list is folded; with raw, nothing is left out.
 TLines ValueLines(const TCIMProperty& property, bool raw, size_t width) {
     const bool isNull = property.GetValue().IsNull();
     if (property.IsArray() && !raw && !isNull) return ListLines(DisplayElements(property), width);
@@ -85,7 +82,7 @@ std::vector<std::string> FieldsOf(const TCIMClass& cls, const TPrintOptions& opt
     return keys;
 }
 
-/// The instances of one class.
+/// Prints the instances of one class, with the values of all of them in one column.
 class TClassText {
 public:
     TClassText(const TCIMClass& cls, const TInstances& instances, const TAssociationIndex* links,
@@ -165,7 +162,7 @@ private:
             fOutput.Write((i == 0 && !fStacked ? "  " + name : indent) + lines[i] + "\n");
     }
 
-    // Behind the value, or below it if there is no room.
+    // The source stands behind the value, or below it if it does not fit there.
     void AddSource(std::vector<std::string>& lines, const std::string& source) const {
         const std::string note = "[" + source + "]";
         if (ColumnsOf(lines.back()) + 2 + ColumnsOf(note) <= fValueWidth)
@@ -175,15 +172,10 @@ private:
     }
 
     void PrintLinks(const TCIMInstance& instance) const {
-        const size_t width = std::max<size_t>(fOutput.Width(), 6) - 5;
         for (const TAssociationLink& link : fLinks->LinksOf(instance)) {
             const std::string association = link.association->GetClass()->GetName();
             const std::string path = VisibleText(link.other.reference.GetPath());
-            std::string indent = "  -> ";
-            for (const std::string& line : WrapText(association + "." + link.other.role + " " + path, width)) {
-                fOutput.Write(indent + line + "\n");
-                indent = "     ";
-            }
+            fOutput.WriteWrapped(association + "." + link.other.role + " " + path, "  -> ");
         }
     }
 

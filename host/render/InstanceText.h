@@ -8,7 +8,7 @@
 class TCIMClass;
 class TContainer;
 
-/// How instances are printed.
+/// How instances are printed; each is an option of kyr show.
 struct TPrintOptions {
     bool raw = false;         ///< plain values in place of display text
     bool null = false;        ///< properties without a value too
@@ -18,14 +18,15 @@ struct TPrintOptions {
     bool stable = false;      ///< without values that change by themselves
 };
 
-/// Prints the instances of the classes for people, class by class, or with options.tree each below the one that it
-/// belongs to. Gives whether there was any.
+/// Prints the instances of the classes for people, class by class, or with options.tree as PrintTree does. Returns
+/// whether there was any instance.
 bool PrintInstances(const TContainer& container, const std::vector<TCIMClass*>& classes, const TPrintOptions& options,
                     TOutput& output);
 
-/// Prints the instances of the ordinary ones among the classes as a tree, a line for each: below an instance stands
-/// what associations make a part of it, or dependent on it. Who has several such owners stands in full below the one
-/// that is deepest in the tree, and is only mentioned below the others. Gives whether there was any instance.
+/// Prints the instances of the classes, except associations, as a tree with a line for each. The children of an
+/// instance are those that associations make a part of it, or dependent on it. An instance with several owners stands
+/// below the one that is deepest in the tree, and below the others only a line refers to it. Returns whether there was
+/// any instance.
 bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, TOutput& output);
 
 #endif

@@ -24,6 +24,7 @@ std::vector<const TCIMInstance*> OrdinaryInstances(const std::vector<TCIMClass*>
     return instances;
 }
 
+/// Prints the nodes of the tree in the order in which it is walked.
 class TTreePrinter {
 public:
     explicit TTreePrinter(TOutput& output) : fOutput(output) {}
@@ -36,7 +37,7 @@ public:
     }
 
 private:
-    // The class goes to a line of its own where it finds no room.
+    // The class stands behind the name, or on a line of its own if it does not fit there.
     void PrintLine(const TCIMInstance& instance, size_t depth, const char* note) const {
         const size_t indent = std::min({2 * depth, kDeepestIndent, fOutput.Width() / 2});
         const std::string cls = instance.GetClass()->GetName();
@@ -55,8 +56,7 @@ private:
 }  // namespace
 
 bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, TOutput& output) {
-    const TContainmentTree forest(container, OrdinaryInstances(classes));
-    const std::vector<TContainmentTree::TNode> nodes = forest.Walk();
+    const std::vector<TContainmentTree::TNode> nodes = TContainmentTree(container, OrdinaryInstances(classes)).Walk();
     TTreePrinter printer(output);
     for (const TContainmentTree::TNode& node : nodes) printer.Print(node);
     return !nodes.empty();

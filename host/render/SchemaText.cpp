@@ -14,14 +14,11 @@
 
 namespace {
 
-constexpr size_t kTextWidth = 78;  // at most
+constexpr size_t kTextWidth = 78;  // longer lines are hard to read, even if the terminal is wider
 constexpr const char* kBelowName = "      ";
 
 void PrintWrapped(const std::string& text, const std::string& indent, TOutput& output) {
-    if (text.empty()) return;
-    const size_t width = std::min(kTextWidth, output.Width());
-    for (const std::string& line : WrapText(text, width > indent.size() ? width - indent.size() : 1))
-        output.Write(indent + line + "\n");
+    if (!text.empty()) output.WriteWrapped(text, indent, kTextWidth);
 }
 
 std::string PluginOf(const TCIMClass& cls) {
@@ -58,16 +55,14 @@ std::string TypeText(const TCIMPropertyDecl& declaration) {
     }
 }
 
-// The numbers with the words that they stand for.
+// The numbers of the qualifier ValueMap with their words of the qualifier Values, such as "0 = Unknown, 1 = Other".
 std::string WordsOf(const TCIMPropertyDecl& declaration) {
-    const std::vector<std::string> words = QualifierTexts(declaration, "Values");
-    std::vector<std::string> numbers = QualifierTexts(declaration, "ValueMap");
-    if (numbers.empty())
-        for (size_t i = 0; i < words.size(); ++i) numbers.push_back(std::to_string(i));
-    if (numbers.size() != words.size()) return "Values and ValueMap do not fit together.";
-    std::string text;
-    for (size_t i = 0; i < words.size(); ++i) text += (i == 0 ? "" : ", ") + numbers[i] + " = " + words[i];
-    return text;
+    std::vector<std::string> words = QualifierTexts(declaration, "Values");
+    const std::vector<std::string> numbers = QualifierTexts(declaration, "ValueMap");
+    if (!numbers.empty() && numbers.size() != words.size()) return "Values and ValueMap do not fit together.";
+    for (size_t i = 0; i < words.size(); ++i)
+        words[i] = (numbers.empty() ? std::to_string(i) : numbers[i]) + " = " + words[i];
+    return Join(words);
 }
 
 std::string FactsOf(const TCIMPropertyDecl& declaration, const TCIMClass& cls) {
@@ -89,15 +84,15 @@ void PrintProperty(const TCIMPropertyDecl& declaration, const TCIMClass& cls, TO
     PrintWrapped(WordsOf(declaration), kBelowName, output);
 }
 
-// Those that have no line of their own.
+// All qualifiers of the class, except those that are printed on lines of their own.
 std::string QualifiersOf(const TCIMClass& cls) {
-    std::string text;
+    std::vector<std::string> texts;
     for (const TCIMQualifier* qualifier : cls.EnumerateQualifiers()) {
         const std::string& name = qualifier->GetName();
         if (name == "Description" || name == "PLUGINNAME" || name == "PLUGINVERSION") continue;
-        text += (text.empty() ? "" : ", ") + name + "=" + PlainText(qualifier->GetValue());
+        texts.push_back(name + "=" + PlainText(qualifier->GetValue()));
     }
-    return text.empty() ? "none" : text;
+    return texts.empty() ? "none" : Join(texts);
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ class TContainer;
 /// Prints all classes, each indented below its superclass, with the plugin that declares it.
 void PrintClassTree(const TContainer& schema, TOutput& output);
 
-/// Prints one class: its description, qualifiers, and properties with types, units and words.
+/// Prints one class: its description, qualifiers, and properties with types, units and the words for their values.
 void PrintClass(const TCIMClass& cls, TOutput& output);
 
 #endif
