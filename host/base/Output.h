@@ -13,8 +13,8 @@ public:
     TOutput();
 
     void Write(std::string_view text);
-    /// Writes a visible text in lines that fit the output and are no longer than told: the first behind start, which is
-    /// ASCII, and the others indented by as many blanks.
+    /// Writes a visible text in lines that fit the output and have at most that many columns. The first line stands
+    /// behind start, which must be ASCII; the others are indented by as many blanks.
     void WriteWrapped(std::string_view visible, std::string start, size_t columns = kUnlimited);
     /// Must be called once at the end: what is still buffered is written then, which may fail like any other write.
     void Flush();

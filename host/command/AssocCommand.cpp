@@ -18,34 +18,29 @@ constexpr const char* kExamples =
     "  kyr assoc CIM_ComputerSystem --result-class CIM_OperatingSystem\n"
     "  kyr assoc 'MOLTA_Mount.Name=\"/\"' machine.xml.gz\n\n";
 
-void PrintWrapped(const std::string& text, size_t indent, TOutput& output) {
-    const size_t width = output.Width() > indent ? output.Width() - indent : 1;
-    for (const std::string& line : WrapText(text, width)) output.Write(std::string(indent, ' ') + line + "\n");
-}
-
 std::string RolesOf(const TAssociationLink& link) { return link.role + " -> " + link.other.role; }
 
 void PrintHead(const TAssociationLink& link, TOutput& output) {
     const std::string cls = link.association->GetClass()->GetName();
     const bool fits = cls.size() + 2 + RolesOf(link).size() <= output.Width();
     output.Write("\n" + output.Bold(cls) + (fits ? "  " + RolesOf(link) + "\n" : "\n"));
-    if (!fits) PrintWrapped(RolesOf(link), 0, output);
+    if (!fits) output.WriteWrapped(RolesOf(link), "");
 }
 
 void PrintEnd(const TAssociationEnd& end, TOutput& output) {
-    PrintWrapped(end.instance == nullptr ? "(not collected)" : DisplayName(*end.instance), 2, output);
-    PrintWrapped(VisibleText(end.reference.GetPath()), 4, output);
+    output.WriteWrapped(end.instance == nullptr ? "(not collected)" : DisplayName(*end.instance), "  ");
+    output.WriteWrapped(VisibleText(end.reference.GetPath()), "    ");
 }
 
-// Links of one kind have one head.
+// Links of the same association class and roles, which FindLinks groups, share a heading.
 void PrintLinks(const TCIMInstance& instance, const std::vector<TAssociationLink>& links, TOutput& output) {
-    PrintWrapped(DisplayName(instance), 0, output);
-    PrintWrapped(VisiblePath(instance), 2, output);
-    std::string kind;
+    output.WriteWrapped(DisplayName(instance), "");
+    output.WriteWrapped(VisiblePath(instance), "  ");
+    std::string heading;
     for (const TAssociationLink& link : links) {
         const std::string own = link.association->GetClass()->GetName() + " " + RolesOf(link);
-        if (own != kind) PrintHead(link, output);
-        kind = own;
+        if (own != heading) PrintHead(link, output);
+        heading = own;
         PrintEnd(link.other, output);
     }
 }

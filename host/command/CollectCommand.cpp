@@ -15,7 +15,7 @@ constexpr const char* kExamples =
     "  kyr collect -o machine.xml.gz\n"
     "  kyr collect machine.xml.gz --class CIM_DiskDrive -o disks.xml\n\n";
 
-// The selected classes, and those that tell how complete these are.
+// The selected classes, and the classes of states, which say how complete the saved instances are.
 std::vector<TCIMClass*> ClassesToSave(const TContainer& container, std::vector<std::string> names) {
     if (container.FindClass(kStateClass) != nullptr) names.emplace_back(kStateClass);
     return SelectClasses(container, names);

@@ -21,7 +21,8 @@ void RequireLocation(std::string& path, const std::string& option) {
     MakeAbsolute(path);
 }
 
-// The folder that plugins take for the machine's root.
+// Plugins read below the folder in KYR_SYSTEM_ROOT in place of the machine's root folder. They run in the plugin
+// folder, so a relative path would mean another place there.
 void MakeSystemRootAbsolute() {
     constexpr const char* kVariable = "KYR_SYSTEM_ROOT";
     const char* const root = std::getenv(kVariable);
@@ -30,7 +31,7 @@ void MakeSystemRootAbsolute() {
 
 }  // namespace
 
-// Unknown arguments are left to CommandLine.cpp, which names the nearest right word.
+// The parser must let unknown arguments pass: CommandLine.cpp refuses them, and names similar options.
 TCommand::TCommand(CLI::App& app, const std::string& name, const std::string& description)
     : fApp(*app.add_subcommand(name, description)) {
     fApp.allow_extras();

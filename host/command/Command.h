@@ -15,12 +15,13 @@ class App;
 class Option;
 }  // namespace CLI
 
-/// What the help says of the exit status.
+/// The text about the exit status at the end of every help.
 constexpr const char* kExitStatusText =
     "Exit status: 0 complete, 1 usable but something failed, 2 wrong use,\n"
     "3 nothing could be collected or read, 4 the output could not be written.";
 
-/// One command of kyr, with its options. A derived class declares its own options when it is constructed.
+/// One command of kyr, such as "kyr show", with its options. A derived class declares its own options in its
+/// constructor.
 class TCommand {
 public:
     virtual ~TCommand() = default;
@@ -28,21 +29,25 @@ public:
     TCommand& operator=(const TCommand&) = delete;
 
     CLI::App& App() const { return fApp; }
-    /// To be called once the options are parsed: makes their paths absolute, before anything changes the current
+    /// Makes the paths among the options absolute. Called once after parsing, since a session changes the current
     /// folder.
     virtual void ResolvePaths();
-    /// Raises TCommandError.
+    /// Runs the command with the parsed options and returns the exit status. Raises TCommandError.
     virtual EExit Run(TOutput& output) = 0;
 
 protected:
     /// Declares the options that all commands have.
     TCommand(CLI::App& app, const std::string& name, const std::string& description);
 
-    // Declare options that several commands have.
+    // These declare options that several commands have.
+
+    /// The argument FILE, which means the same as --from.
     CLI::Option* AddFile();
+    /// --timeout and the others that say how plugins are run.
     void AddCollecting();
+    /// --class and the others that say which instances are printed, and how.
     void AddPrinting(std::vector<std::string>& classes, TPrintOptions& options);
-    /// The text behind the options in the command's help.
+    /// Sets the text that follows the options in the command's help.
     void SetExamples(const std::string& examples);
 
     CLI::App& fApp;
@@ -50,14 +55,14 @@ protected:
     bool fJson = false;
 };
 
-/// For an option's check: refuses the empty name that an unset variable of a script gives. It must not mean this
-/// machine, or standard output.
+/// A check for options that name a file: refuses an empty name, as a script with an unset variable gives it. Otherwise
+/// the command would read this machine, or write to standard output, in place of the file.
 std::string CheckNotEmpty(const std::string& text);
 
 /// Makes a path absolute, unless it is empty.
 void MakeAbsolute(std::string& path);
 
-// Each declares its command to the application, which must live longer.
+// Each of these adds its command to the application, which must outlive the object returned.
 
 /// Asks the plugins, and prints all instances or saves them.
 std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& app);
@@ -67,7 +72,7 @@ std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app);
 std::unique_ptr<TCommand> MakeAssocCommand(CLI::App& app);
 /// Prints the tree of classes, or one class in full, of this machine or of a saved collection.
 std::unique_ptr<TCommand> MakeSchemaCommand(CLI::App& app);
-/// Prints what a report asks about the machine.
+/// Prints the facts that identify the machine, such as its model and serial number.
 std::unique_ptr<TCommand> MakeIdentityCommand(CLI::App& app);
 
 #endif

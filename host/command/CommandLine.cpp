@@ -48,11 +48,11 @@ void RefuseUnknownArguments(const CLI::App& app) {
     if (!words.empty()) RefuseUnknownArgument(app, words.front());
 }
 
-/// Options that together make no sense, or of which one would be lost.
+/// An option that cannot be used together with others, because one of them would have no effect.
 struct TConflict {
     const char* option;
     std::vector<const char*> others;
-    std::string why = {};
+    std::string why = {};  // added to the message
 };
 
 const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--plugins", "--schema"};
@@ -88,7 +88,7 @@ TCommands MakeCommands(CLI::App& app) {
     return commands;
 }
 
-// The one that the arguments name.
+// The command that the arguments name, after a check that nothing among the arguments would be ignored.
 TCommand& GetGivenCommand(const CLI::App& app, const TCommands& commands) {
     RefuseUnknownArguments(app);
     const std::vector<CLI::App*> given = app.get_subcommands();
@@ -98,7 +98,7 @@ TCommand& GetGivenCommand(const CLI::App& app, const TCommands& commands) {
     RefuseConflicts(*given.front());
     for (const auto& command : commands)
         if (&command->App() == given.front()) return *command;
-    throw std::logic_error("a command that nobody made");
+    throw std::logic_error("command without an object");
 }
 
 EExit Print(std::string text, TOutput& output) {

@@ -3,7 +3,8 @@
 
 #include "base/ExitStatus.h"
 
-/// Does what the arguments say, and gives the exit status. What fails is told on standard error; nothing is raised.
+/// Runs the command that the arguments name and returns the exit status. Errors are printed on standard error; nothing
+/// is raised.
 EExit RunCommandLine(int argc, char** argv);
 
 #endif

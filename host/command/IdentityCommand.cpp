@@ -22,11 +22,12 @@ constexpr const char* kSystem = "MOLTA_ComputerSystem";
 constexpr const char* kOperatingSystem = "MOLTA_OperatingSystem";
 constexpr const char* kProduct = "MOLTA_ORQProduct";
 
+/// A fact to print: the core's function that finds it, and the property that this function reads.
 struct TFact {
     const char* label;
-    const char* name;
+    const char* name;  // the key in JSON
     std::string (*get)(TContainer*);
-    const char* className;  // the property that it is read from, in its own form or made into another
+    const char* className;
     const char* property;
 };
 
@@ -42,10 +43,10 @@ constexpr TFact kFacts[] = {
     {"Data source version", "dataSourceVersion", TCIMSchemaHelper::GetDataSourceVersion, kProduct, "Version"},
 };
 
-// The classes of those facts, and the one that may name the machine type in place of the product's name.
+// The classes of those properties, and the class of the BIOS, from which the core may take the machine type.
 const std::vector<std::string> kClasses = {kSystem, kOperatingSystem, "MOLTA_SystemBIOSElement", kProduct};
 
-// What a plugin said of a property that it could not read.
+// The reason that the plugin gave for the missing property; none if it gave none.
 TReason FindAbsence(const TFact& fact, const TContainer& container) {
     const TCIMClass* const cls = container.FindClass(fact.className);
     if (cls == nullptr) return {};
@@ -87,14 +88,11 @@ TIdentityFact Ask(const TFact& fact, TContainer& container) {
 // The value stands below its label where there is no room behind it.
 void Print(const TIdentityFact& fact, TOutput& output) {
     const bool isStacked = output.Width() < kColumn + kLeastValueWidth;
-    const size_t column = isStacked ? 2 : kColumn;
     const std::string text = fact.reason ? "not available (" + SentenceOf(fact.reason) + ")" : fact.value;
-    std::string start = isStacked ? fact.label + "\n  " : fact.label;
-    if (!isStacked) start.resize(kColumn, ' ');
-    for (const std::string& line : WrapText(VisibleText(text), std::max<size_t>(output.Width(), column + 1) - column)) {
-        output.Write(start + line + "\n");
-        start.assign(column, ' ');
-    }
+    if (isStacked) output.Write(fact.label + "\n");
+    std::string start = isStacked ? "" : fact.label;
+    start.resize(isStacked ? 2 : kColumn, ' ');
+    output.WriteWrapped(VisibleText(text), start);
 }
 
 class TIdentityCommand : public TCommand {

@@ -21,7 +21,7 @@ EExit TShowCommand::Run(TOutput& output) {
     TInventory inventory(fSession);
     const std::vector<TCIMClass*> classes =
         inventory.LookUp([this](const TContainer& schema) { return SelectClasses(schema, fClasses); });
-    // Associations lead to instances of other classes, so these must be collected too.
+    // The links of an instance lead to instances of any class, so all classes must be collected.
     const bool all = fClasses.empty() || fPrint.references || fPrint.tree;
     inventory.Collect(all ? std::vector<std::string>() : NamesOf(classes));
     bool any = true;
@@ -35,10 +35,9 @@ EExit TShowCommand::Run(TOutput& output) {
 }
 
 std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app) {
-    class TCommandLine : public TShowCommand {
+    class TShow : public TShowCommand {
     public:
-        explicit TCommandLine(CLI::App& app)
-            : TShowCommand(app, "show", "Print a saved collection, or this machine's") {
+        explicit TShow(CLI::App& app) : TShowCommand(app, "show", "Print a saved collection, or this machine's") {
             SetExamples(kExamples);
             AddFile();
             AddPrinting(fClasses, fPrint);
@@ -46,5 +45,5 @@ std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app) {
             AddCollecting();
         }
     };
-    return std::make_unique<TCommandLine>(app);
+    return std::make_unique<TShow>(app);
 }

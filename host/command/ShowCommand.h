@@ -6,7 +6,7 @@
 
 #include "command/Command.h"
 
-/// Prints instances: kyr show, and kyr collect as long as it does not save them.
+/// The command that prints instances: kyr show, and the base of kyr collect, which prints them unless it saves them.
 class TShowCommand : public TCommand {
 public:
     TShowCommand(CLI::App& app, const std::string& name, const std::string& description)

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Null if there is no such property or it has no value.
+// The property of the instance; null if it has no such property, the property has no value, or there is no instance.
 const TCIMProperty* FindFilled(const TCIMInstance* instance, const char* name) {
     const TCIMProperty* const property = instance == nullptr ? nullptr : instance->FindProperty(name);
     return property == nullptr || property->GetValue().IsNull() ? nullptr : property;
@@ -71,7 +71,8 @@ private:
         fJson.EndArray();
     }
 
-    // Not if it could not have been asked for and there is nothing of it.
+    // A class without a state could not be collected, as it is abstract. It is left out unless it has instances, which
+    // a file of another program may hold.
     void WriteClass(const TCIMClass& cls, const TCIMInstance* state) {
         const std::vector<TCIMInstance*> instances = cls.EnumerateInstances(false);
         if (state == nullptr && instances.empty()) return;
@@ -111,8 +112,8 @@ private:
 
     void WritePlain(const char* key, const TCIMInstance* instance, const char* name) {
         const TCIMProperty* const property = FindFilled(instance, name);
-        const bool isTold = property != nullptr && !(fStable && IsVolatile(property->GetDeclaration()));
-        WriteText(fJson, key, isTold ? PlainText(property->GetValue()) : "");
+        const bool isPrinted = property != nullptr && !(fStable && IsVolatile(property->GetDeclaration()));
+        WriteText(fJson, key, isPrinted ? PlainText(property->GetValue()) : "");
     }
 
     void WriteBoolean(const char* key, const TCIMInstance* instance, const char* name) {

@@ -12,27 +12,29 @@ struct TAssociationLink;
 class TCIMInstance;
 class TContainer;
 
-/// One line of kyr identity.
+/// One fact that kyr identity prints.
 struct TIdentityFact {
     std::string label;  ///< as printed for people
-    std::string name;   ///< one word, for programs
+    std::string name;   ///< the key in JSON
     std::string value;  ///< empty if it is not known
     TReason reason;     ///< why it is not known
 };
 
-// What each command prints with --json. The output streams, and each document says its schema and version.
+// What each command prints with --json. Every document is written as it is made, without a copy in memory, and starts
+// with the name and version of its schema.
 
 /// The instances of the classes, and how complete the collection is.
 void WriteCollectionJson(const TContainer& container, const std::vector<TCIMClass*>& classes, bool stable,
                          TOutput& output);
-/// What an instance is tied to.
+/// The links of an instance. "ties" is their key in JSON, which programs rely on.
 void WriteAssociationsJson(TCIMInstance& instance, const std::vector<TAssociationLink>& links, TOutput& output);
-/// All classes, or one.
+/// All classes, or with only not null that one.
 void WriteSchemaJson(const TContainer& container, const TCIMClass* only, TOutput& output);
-/// The container has the words for the codes of reasons.
+/// The facts. The words for the codes of reasons are taken from the container's schema.
 void WriteIdentityJson(const std::vector<TIdentityFact>& facts, const TContainer& container, TOutput& output);
 
-/// A JSON Schema of all of these documents, made from the classes of the container.
+/// A JSON Schema of all of these documents. The instances of each class in the container have a definition of their
+/// own.
 void WriteJsonSchema(const TContainer& container, TOutput& output);
 
 #endif

@@ -12,7 +12,7 @@ namespace {
 
 using TNames = std::vector<std::string>;
 
-// Where the values of a type are defined; such a name has no brackets.
+// The name of the definition for the values of a type: "uint16Array" for "uint16[]".
 std::string DefinitionOf(std::string type) {
     const size_t brackets = type.find("[]");
     return brackets == std::string::npos ? type : type.replace(brackets, 2, "Array");
@@ -25,7 +25,8 @@ TNames AllTypes() {
     return types;
 }
 
-// Each Write operation but Write itself adds members to the open object, which together are a schema or a part of one.
+/// Writes the JSON Schema. Every function but Write() adds members to the object that is open, which is a schema or a
+/// part of one.
 class TJsonSchema {
 public:
     TJsonSchema(const TContainer& container, TOutput& output)
@@ -58,7 +59,7 @@ private:
         fJson.EndArray();
     }
 
-    // With "[]" behind the definition: to an array of them.
+    // A schema for what the definition describes; with "[]" behind its name, for an array of that.
     void WriteReferenceTo(const std::string& definition) {
         const size_t brackets = definition.find("[]");
         if (brackets == std::string::npos) return WriteText(fJson, "$ref", "#/definitions/" + definition);
@@ -66,7 +67,7 @@ private:
         WriteObject("items", [&] { WriteReferenceTo(definition.substr(0, brackets)); });
     }
 
-    // An object that has all of the members and no other.
+    // A schema for an object that has all of these members and no others.
     template <typename TWrite>
     void WriteClosedObject(const TNames& keys, TWrite writeMember) {
         WriteText(fJson, "type", "object");
@@ -78,7 +79,7 @@ private:
         });
     }
 
-    // For each value that the member may have, what else holds then.
+    // A schema that depends on the value of a member: for each value, writeThen adds what else must hold.
     template <typename TWrite>
     void WriteCases(const char* member, const TNames& values, TWrite writeThen) {
         fJson.Key("allOf");
@@ -141,7 +142,7 @@ private:
         });
     }
 
-    // The words that the class of the states has for the numbers of that property, and null.
+    // The words that the class of states declares for the numbers of that property, and null.
     void WriteWordsOf(const char* property) {
         fJson.Key("enum");
         fJson.StartArray();

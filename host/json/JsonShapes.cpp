@@ -13,7 +13,7 @@ const std::vector<TJsonDefinition> kJsonTypes = {
     {"real32", R"({"anyOf": [{"type": ["number", "null"]}, {"enum": ["NaN", "Infinity", "-Infinity"]}]})"},
     {"real64", R"({"anyOf": [{"type": ["number", "null"]}, {"enum": ["NaN", "Infinity", "-Infinity"]}]})"},
     {"string", R"({"type": ["string", "null"]})"},
-    // Fields that are out of range take more digits than their places.
+    // The core prints a field that is out of range with more digits than the format provides for.
     {"datetime", R"({"type": ["string", "null"], "pattern": "^[0-9]{14,}\\.[0-9]{6,}[-+:][0-9]{3,}$"})"},
     {"reference", R"({"anyOf": [{"type": "null"}, {"$ref": "#/definitions/instanceName"}]})"},
     {"none", R"({"type": "null"})"},

@@ -3,28 +3,29 @@
 
 #include <vector>
 
-// What the documents that --json prints are made of, in the words of JSON Schema.
+// The structure of the documents that --json prints, from which their JSON Schema is made.
 
-/// A definition that is written here in full.
+/// A definition whose JSON Schema is given as text.
 struct TJsonDefinition {
     const char* name;
     const char* text;
 };
 
-/// An object that has exactly these members.
+/// The definition of an object with exactly these members.
 struct TJsonShape {
     struct TMember {
         const char* key;
-        const char* definition;  ///< with "[]" behind it: an array of them
+        const char* definition;  ///< the definition of its value; "name[]" is an array of that
     };
     const char* name;
     std::vector<TMember> members;
-    /// What decides how a part of it looks: the class that it names, or the type that it names for the member typed.
+    /// Whether the schema of a member depends on another member: with eByClass, that of "instances" on the class in
+    /// "name"; with eByType, that of the member typed on the CIM type in "type".
     enum ECases { eNone, eByClass, eByType } cases = eNone;
     const char* typed = nullptr;
 };
 
-/// A shape that is a whole document. The version changes whenever the shape does.
+/// A shape that is a whole document. Its version must change whenever the shape does.
 struct TJsonDocument {
     const char* name;
     const char* version;
@@ -33,7 +34,7 @@ struct TJsonDocument {
 constexpr TJsonDocument kJsonDocuments[] = {
     {"collection", "2"}, {"associations", "1"}, {"schema", "1"}, {"identity", "2"}};
 
-/// The values of the CIM types; each may be null.
+/// The values of the CIM types. Each may be null.
 extern const std::vector<TJsonDefinition> kJsonTypes;
 extern const std::vector<TJsonDefinition> kJsonDefinitions;
 extern const std::vector<TJsonShape> kJsonShapes;

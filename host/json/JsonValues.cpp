@@ -15,7 +15,7 @@ namespace {
 
 using CIM = TCIMValue::TCIMType;
 
-// A date-time whose text could not be read is a value that has none.
+// A date-time may have no value although the value that holds it is not NULL: its text could not be read.
 void WriteDateTime(TJsonWriter& json, const TCIMDateTime& moment) {
     moment.IsNull() ? json.Null() : json.String(moment.ToString());
 }

@@ -9,27 +9,28 @@
 class TCIMInstance;
 class TCIMReference;
 
-/// In front of the names that documents give themselves.
+/// What the names of all schemas begin with, such as "kyrcore/collection".
 constexpr char kSchemaPrefix[] = "kyrcore/";
 
-/// What starts every document: the name of its schema, given without the prefix, and the version of that. The document
-/// is left open.
+/// Opens the object of a document and writes the name and version of its schema, which is given without the prefix. The
+/// caller closes the object.
 void StartDocument(TJsonWriter& json, const std::string& schema);
 
-/// "uint16", and "uint16[]" for an array of them.
+/// The name of a CIM type: "uint16", or "uint16[]" for an array.
 std::string TypeName(TCIMValue::TCIMType type);
 
-/// Numbers and booleans as such, an array as one, a reference as an object, all else as a string.
+/// Writes a value as JSON: numbers and booleans as such, an array as an array, a reference as an object, all others as
+/// a string.
 void WriteValue(TJsonWriter& json, const TCIMValue& value);
 
-/// A member of the open object whose value is a string, or null for the empty one.
+/// Writes a member of the open object: a string, or null if the text is empty.
 void WriteText(TJsonWriter& json, const char* key, const std::string& text);
 
-/// An object with the class and the whole object path.
+/// Writes an object with the class and the object path of the reference.
 void WriteReference(TJsonWriter& json, const TCIMReference& reference);
 
-/// All properties of the instance with type, value, unit and display text. With stable those values are null that
-/// change by themselves.
+/// Writes all properties of the instance with type, value, unit and display text. With stable, the values of volatile
+/// properties are null.
 void WriteProperties(TJsonWriter& json, const TCIMInstance& instance, bool stable);
 
 #endif

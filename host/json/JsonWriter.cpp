@@ -12,7 +12,7 @@
 
 namespace {
 
-// What the library's writer takes for a stream.
+/// The output stream that RapidJSON's writer asks for. It writes blocks, since it is called for each character.
 class TStream {
 public:
     using Ch = char;
@@ -20,19 +20,19 @@ public:
     explicit TStream(TOutput& output) : fOutput(output) {}
 
     void Put(char c) {
-        if (fBlock.size() == kBlockSize) PassOn();
+        if (fBlock.size() == kBlockSize) WriteBlock();
         fBlock += c;
     }
-    // Called once, at the end of the document.
+    // RapidJSON calls it once, at the end of the document.
     void Flush() {
         Put('\n');
-        PassOn();
+        WriteBlock();
     }
 
 private:
     static constexpr size_t kBlockSize = 16384;
 
-    void PassOn() {
+    void WriteBlock() {
         fOutput.Write(fBlock);
         fBlock.clear();
     }
@@ -43,7 +43,7 @@ private:
 
 constexpr unsigned int kDelete = 0x7F;
 
-// UTF-8 but for hidden characters, which are escaped.
+/// RapidJSON's target encoding: UTF-8, except that hidden characters are escaped.
 struct TCautiousEncoding : rapidjson::UTF8<> {
     template <typename TTarget>
     static void Encode(TTarget& target, unsigned int point) {
@@ -83,7 +83,7 @@ public:
         fWriter.RawValue(text, static_cast<size_t>(end - text), rapidjson::kNumberType);
     }
 
-    // Through the library's reader, so that it is indented like the rest.
+    // RapidJSON's reader passes the value to the writer, so that it is indented like the rest.
     void Json(std::string_view text) {
         const std::string copy(text);
         rapidjson::StringStream stream(copy.c_str());

@@ -6,9 +6,9 @@
 
 #include "base/Output.h"
 
-/// Writes one JSON document as it goes: nothing is kept but the way down to where it stands. Texts may hold any bytes.
-/// Those that are no UTF-8 come out as "\xFF", which a reader of the JSON sees; what a terminal would hide or act on
-/// becomes an escape of JSON, which it does not.
+/// Writes one JSON document to the output as it is made, without a copy in memory. Texts may hold any bytes. Bytes that
+/// are not UTF-8 are written as visible text such as "\xFF". Characters that a terminal would hide or act on become
+/// JSON escapes, which a reader of the JSON turns back into the characters.
 class TJsonWriter {
 public:
     explicit TJsonWriter(TOutput& output);
@@ -17,7 +17,7 @@ public:
     TJsonWriter& operator=(const TJsonWriter&) = delete;
 
     void StartObject();
-    /// The outermost one ends the document.
+    /// Closing the outermost object ends the document.
     void EndObject();
     void StartArray();
     void EndArray();
@@ -26,10 +26,11 @@ public:
     void Null();
     void Boolean(bool value);
     void String(std::string_view text);
-    /// With as few digits as read back to the same number; "NaN", "Infinity" and "-Infinity" are strings.
+    /// A number with as few digits as read back to the same one. JSON has no NaN and infinity: they are written as the
+    /// strings "NaN", "Infinity" and "-Infinity".
     void Real(float value);
     void Real(double value);
-    /// A value that is JSON already.
+    /// A value that is given as JSON.
     void Json(std::string_view text);
 
 private:

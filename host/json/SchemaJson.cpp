@@ -9,9 +9,9 @@
 
 namespace {
 
-class TSchemaWriter {
+class TSchemaJsonWriter {
 public:
-    explicit TSchemaWriter(TOutput& output) : fJson(output) {}
+    explicit TSchemaJsonWriter(TOutput& output) : fJson(output) {}
 
     void Write(const std::vector<TCIMClass*>& classes) {
         StartDocument(fJson, "schema");
@@ -97,5 +97,5 @@ void WriteSchemaJson(const TContainer& container, const TCIMClass* only, TOutput
     std::vector<TCIMClass*> classes = container.GetRootClass()->EnumerateSubClasses(true);
     SortByName(classes);
     if (only != nullptr) classes = {container.GetClass(only->GetName())};
-    TSchemaWriter(output).Write(classes);
+    TSchemaJsonWriter(output).Write(classes);
 }

@@ -5,6 +5,6 @@
 
 int main(int argc, char** argv) {
     OpenMissingStandardStreams();
-    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error like others
+    std::signal(SIGPIPE, SIG_IGN);  // writing to a closed pipe then fails like any other write: exit status 4
     return RunCommandLine(argc, argv);
 }
