@@ -1,8 +1,6 @@
 #ifndef SCHEMABUILDER_H
 #define SCHEMABUILDER_H
 
-#include <gmock/gmock.h>
-
 #include <boost/weak_ptr.hpp>
 #include <memory>
 #include <string>
@@ -20,7 +18,9 @@
 #include "support/TestSupport.h"
 
 using CIM = TCIMValue::TCIMType;
+using testing::Each;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 inline TCIMValue Null(CIM::ECIMType type, unsigned int maxArraySize = 0) { return TCIMValue(type, maxArraySize); }
 inline TCIMValue NullReferenceTo(TCIMClass& cls) {

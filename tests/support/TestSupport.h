@@ -1,7 +1,7 @@
 #ifndef TESTSUPPORT_H
 #define TESTSUPPORT_H
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
@@ -18,6 +18,12 @@ kyrStatusCode StatusOf(TAction&& action) {
         return e.fCode;
     }
     return kyrStatusOK;
+}
+
+/// How two objects compare: "<", "==" or ">"; more than one of them, or none, where the operators do not agree.
+template <typename T>
+std::string Order(const T& a, const T& b) {
+    return std::string(a < b ? "<" : "") + (a == b ? "==" : "") + (b < a ? ">" : "");
 }
 
 /// A fresh logger for the length of a test, with everything down to kyrLogDebug kept in memory.

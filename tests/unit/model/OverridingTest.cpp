@@ -37,7 +37,8 @@ TEST_F(OverridingTest, RefusesWithTheStatusOfTheFirstTestThatFails) {
         const std::unique_ptr<TCIMPropertyDecl> decl = fSchema.NewProperty(fSub, sketch);
         const auto watch = Watch(*decl);
         EXPECT_EQ(Outcome([&] { decl->AddToContainer(); }), outcome);
-        EXPECT_TRUE(!watch.expired() && fSub.EnumeratePropertyDecls() == before) << outcome;
+        EXPECT_FALSE(watch.expired()) << outcome;
+        EXPECT_EQ(fSub.EnumeratePropertyDecls(), before) << outcome;
     }
 }
 
@@ -45,8 +46,9 @@ TEST_F(OverridingTest, ReplacesInThisClassAlone) {
     TCIMClass& earlier = fSchema.AddClass("Earlier", {}, &fSub);
     TCIMPropertyDecl* old = fBase.GetPropertyDecl("Size");
     const TCIMPropertyDecl* decl = &fSchema.AddProperty(fSub, {"SIZE", TCIMValue(9u), kOverride});
-    EXPECT_TRUE(fSub.GetPropertyDecl("Size") == decl && decl->GetClass() == &fSub);
-    EXPECT_TRUE(fBase.GetPropertyDecl("Size") == old && earlier.GetPropertyDecl("Size") == old);
+    EXPECT_EQ(fSub.GetPropertyDecl("Size"), decl);
+    EXPECT_EQ(decl->GetClass(), &fSub);
+    for (const TCIMClass* cls : {&fBase, &earlier}) EXPECT_EQ(cls->GetPropertyDecl("Size"), old) << cls->GetName();
     EXPECT_EQ(TCIMClass(fContainer, "Later", &fSub).GetPropertyDecl("Size"), decl);
     EXPECT_THAT(NamesOf(fSub.EnumeratePropertyDecls()), ElementsAre("ID", "Mine", "SIZE"));
 }

@@ -17,8 +17,10 @@ TEST_F(TCIMClassTest, WithoutASuperclassStandsBelowTheRootAndInheritsNothing) {
     fSchema.Qualify(fRoot, "Display");
     fSchema.AddProperty(fRoot, {"Caption", TCIMValue("x")});
     const TCIMClass bare(fContainer, "C", nullptr), below(fContainer, "N", &fRoot);
-    EXPECT_TRUE(bare.GetSuperClass() == &fRoot && bare.IsRootClass() && below.IsRootClass());
-    EXPECT_TRUE(bare.EnumeratePropertyDecls().empty() && bare.EnumerateQualifiers().empty());
+    EXPECT_EQ(bare.GetSuperClass(), &fRoot);
+    EXPECT_EQ(std::tuple(bare.IsRootClass(), below.IsRootClass()), std::tuple(true, true));
+    EXPECT_THAT(NamesOf(bare.EnumeratePropertyDecls()), IsEmpty());
+    EXPECT_THAT(NamesOf(bare.EnumerateQualifiers()), IsEmpty());
     EXPECT_THAT(NamesOf(below.EnumeratePropertyDecls()), ElementsAre("Caption"));
     EXPECT_THAT(NamesOf(below.EnumerateQualifiers()), ElementsAre("Display"));
 }
@@ -35,9 +37,10 @@ TEST_F(TCIMClassTest, TakesWhatItsSuperclassHasWhenItIsMade) {
     EXPECT_THAT(sub.EnumeratePropertyDecls(), ElementsAre(fSuper.GetPropertyDecl("ID")));
     EXPECT_THAT(NamesOf(sub.EnumerateQualifiers()), ElementsAre("KEY", "Started"));
     TCIMQualifier* copy = sub.GetQualifier("key");
-    EXPECT_TRUE(copy != &down && copy->GetValue() == TCIMValue("d") && copy->GetFlavor() == kToSubclass);
+    EXPECT_NE(copy, &down);
+    EXPECT_EQ(std::tuple(copy->GetValue().ToString(10), copy->GetFlavor()), std::tuple("d", kToSubclass));
     EXPECT_EQ(TCIMClassImpl::Of(sub).Qualifiers().GetKey(), copy);
-    EXPECT_TRUE(copy->GetPropagated() && !down.GetPropagated());
+    EXPECT_EQ(std::tuple(copy->GetPropagated(), down.GetPropagated()), std::tuple(true, false));
 }
 
 TEST_F(TCIMClassTest, NeedsAKeyUnlessItIsAbstract) {
@@ -69,7 +72,7 @@ TEST_F(TCIMClassTest, IsAbstractOrAssociationByItsOwnQualifierAlone) {
         TCIMQualifier& qualifier = fSchema.Qualify(cls, name, TCIMValue(false));
         EXPECT_FALSE(is(cls));
         qualifier.SetValue(TCIMValue(true));
-        EXPECT_TRUE(is(cls) && is(TCIMClass(fContainer, "Sub", &cls)));
+        EXPECT_EQ(std::tuple(is(cls), is(TCIMClass(fContainer, "Sub", &cls))), std::tuple(true, true));
         qualifier.UnsetFlavor(TCIMQualifierDecl::eFlavorToSubclass);
         EXPECT_FALSE(is(TCIMClass(fContainer, "Sub", &cls)));
         qualifier.SetValue(Null(CIM::eCIMString));
@@ -81,7 +84,8 @@ TEST_F(TCIMClassTest, IsAbstractOrAssociationByItsOwnQualifierAlone) {
 
 TEST_F(TCIMClassTest, JoinsContainerAndSuperclassOnlyWhenAdded) {
     const TCIMClass* made = fSchema.NewClass("Sub", {}, &fSuper).release();
-    EXPECT_TRUE(fContainer.FindClass("Sub") == nullptr && fSuper.EnumerateSubClasses(true).empty());
+    EXPECT_EQ(fContainer.FindClass("Sub"), nullptr);
+    EXPECT_THAT(fSuper.EnumerateSubClasses(true), IsEmpty());
     made->AddToContainer();
     EXPECT_EQ(fContainer.FindClass("sub"), made);
     { TCIMClass never(fContainer, "Never", &fSuper); }
@@ -151,12 +155,17 @@ TEST_F(TCIMClassTest, IsComparedByItsNameAsWrittenAlongTheWholeClimb) {
     TContainer elsewhere;
     const TCIMClass foreign(elsewhere, "Foreign", fContainer.FindClass("Sub")), same(elsewhere, "Super", nullptr);
     const TCIMClass otherCase(fContainer, "SUPER", nullptr);
-    for (const TCIMClass* above : std::vector<const TCIMClass*>{&sub, &fSuper, &same, &fRoot})
-        EXPECT_TRUE(sub.IsSubclassOf(above)) << above->GetName();
-    EXPECT_TRUE(fRoot.IsSubclassOf(&fRoot) && foreign.IsSubclassOf(&fSuper));
-    EXPECT_FALSE(sub.IsSubclassOf(&otherCase) || fSuper.IsSubclassOf(&sub) || fRoot.IsSubclassOf(&fSuper));
-    EXPECT_FALSE(foreign.IsSubclassOf(&otherCase)) << "the climb ends at the root of the other container";
-    EXPECT_TRUE(fSuper == same && !(fSuper == otherCase) && !(fSuper < same) && otherCase < sub && !(sub < otherCase));
+    // clang-format off
+    const std::tuple<const TCIMClass&, const TCIMClass&, bool> kCases[] = {
+        {sub, sub, true}, {sub, fSuper, true}, {sub, same, true}, {sub, fRoot, true}, {fRoot, fRoot, true},
+        {foreign, fSuper, true}, {sub, otherCase, false}, {fSuper, sub, false}, {fRoot, fSuper, false},
+        {foreign, otherCase, false},  // the climb ends at the root of the other container
+    };
+    // clang-format on
+    for (const auto& [cls, above, isBelow] : kCases)
+        EXPECT_EQ(cls.IsSubclassOf(&above), isBelow) << cls.GetName() << " below " << above.GetName();
+    EXPECT_EQ(Order(fSuper, same), "==");
+    EXPECT_EQ(Order(otherCase, fSuper) + Order(otherCase, sub), "<<");
 }
 
 TEST_F(TCIMClassTest, ListsSubclassesInJoiningOrderAndDeepInPreOrder) {

@@ -12,6 +12,9 @@ protected:
     std::unique_ptr<TCIMInstance> New(TCIMClass& cls, const char* id) const {
         return fSchema.NewInstance(cls, {{"ID", TCIMValue(id)}});
     }
+    static std::string BothValues(const TCIMProperty& property) {
+        return property.GetValue().ToString(10) + ", before " + property.GetPrevValue().ToString(10);
+    }
 
     TCIMClass& fDisk = fSchema.AddClass("Disk", {Key("ID"), {"Size", TCIMValue(5u)}, {"model", Null(CIM::eCIMString)}});
     TCIMClass& fNVMe = fSchema.AddClass("NVMe", {}, &fDisk);
@@ -19,9 +22,11 @@ protected:
 
 TEST_F(TCIMInstanceTest, HasAPropertyForEachDeclarationOfItsClass) {
     const std::unique_ptr<TCIMInstance> disk = fSchema.NewInstance(fDisk);
-    EXPECT_TRUE(disk->GetClass() == &fDisk && disk->GetContainer() == &fContainer);
+    EXPECT_EQ(disk->GetClass(), &fDisk);
+    EXPECT_EQ(disk->GetContainer(), &fContainer);
     EXPECT_THAT(NamesOf(disk->EnumerateProperties()), ElementsAre("ID", "model", "Size"));
-    EXPECT_TRUE(fDisk.EnumerateInstances(true).empty() && disk->GetProperty("Size")->GetPropagated());
+    EXPECT_THAT(fDisk.EnumerateInstances(true), IsEmpty());
+    EXPECT_TRUE(disk->GetProperty("Size")->GetPropagated());
     fDisk.GetPropertyDecl("Size")->SetValue(TCIMValue(6u));
     EXPECT_EQ(disk->GetProperty("Size")->GetValue(), TCIMValue(6u)) << "the default is not copied";
     fSchema.AddProperty(fDisk, {"Late", TCIMValue(1u)});
@@ -33,7 +38,7 @@ TEST_F(TCIMInstanceTest, HasAPropertyForEachDeclarationOfItsClass) {
 TEST_F(TCIMInstanceTest, IsStampedWithTheTimeOfItsMaking) {
     TCIMClass& cls = fSchema.AddClass("Stamped", {Key("ID"), {"dateTimeOfCollection", Null(CIM::eCIMDateTime)}});
     const TCIMDateTime stamp = fSchema.NewInstance(cls)->GetProperty("DateTimeOfCollection")->GetValue();
-    EXPECT_FALSE(stamp.IsNull() || stamp.IsInterval());
+    EXPECT_EQ(std::tuple(stamp.IsNull(), stamp.IsInterval()), std::tuple(false, false));
     TCIMClass& text = fSchema.AddClass("Wrong", {Key("DateTimeOfCollection")});
     EXPECT_EQ(Outcome([&] { fSchema.NewInstance(text); }),
               "kyrStatusTypeMismatch 0:SetValue: decl is type string but value is type datetime");
@@ -44,7 +49,7 @@ TEST_F(TCIMInstanceTest, ReachesPropertiesInAnyCaseAndNeverAddsOne) {
     const TCIMProperty* size = disk->GetProperty("Size");
     disk->SetPropertyValue("sIZE", TCIMValue(7u));
     disk->SetPrevPropertyValue("SIZE", TCIMValue(3u));
-    EXPECT_TRUE(size->GetValue() == TCIMValue(7u) && size->GetPrevValue() == TCIMValue(3u));
+    EXPECT_EQ(BothValues(*size), "7, before 3");
     disk->SetPrevPropertyValue("size");
     EXPECT_EQ(TypeOf(size->GetPrevValue()), CIM::eCIMNone);
     const TCIMPropertyDecl none("None", fDisk, TCIMValue(1u)), other("SIZE", fNVMe, Null(CIM::eCIMString));
@@ -56,9 +61,11 @@ TEST_F(TCIMInstanceTest, ReachesPropertiesInAnyCaseAndNeverAddsOne) {
     property.SetPrevValue(TCIMValue("small"));
     disk->SetProperty(property);
     property.SetValue(TCIMValue("later"));
-    EXPECT_TRUE(disk->FindProperty("sizE") == size && &size->GetDeclaration() == &other) << "replaced as a whole";
-    EXPECT_TRUE(size->GetValue() == TCIMValue("big") && size->GetPrevValue() == TCIMValue("small"));
-    EXPECT_TRUE(disk->FindProperty("None") == nullptr && disk->EnumerateProperties().size() == 3);
+    EXPECT_EQ(disk->FindProperty("sizE"), size);
+    EXPECT_EQ(&size->GetDeclaration(), &other) << "replaced as a whole";
+    EXPECT_EQ(BothValues(*size), "big, before small");
+    EXPECT_EQ(disk->FindProperty("None"), nullptr);
+    EXPECT_EQ(disk->EnumerateProperties().size(), 3u);
 }
 
 TEST_F(TCIMInstanceTest, NeedsItsKeysAndNamesTheFirstThatIsNull) {
@@ -75,7 +82,8 @@ TEST_F(TCIMInstanceTest, NeedsItsKeysAndNamesTheFirstThatIsNull) {
     added->AddToContainer();
     TCIMReference path = added->BuildPath();
     EXPECT_EQ(path.GetPath(), "Pair.Alpha=\"a\",Def=\"set\",beta=\"\"");
-    EXPECT_TRUE(cls.FindInstance(path) == added && path.GetCIMElement() == added);
+    EXPECT_EQ(cls.FindInstance(path), added);
+    EXPECT_EQ(path.GetCIMElement(), added);
     EXPECT_EQ(Outcome([&] { path.SetClassName("Disk"); }),
               "kyrStatusInvalidOpSequence 0:SetClassName() called before container set");
     EXPECT_NO_THROW(fSchema.AddInstance(fSchema.AddClass("Keyless", {}, nullptr, {"ABSTRACT"})));
@@ -97,7 +105,8 @@ TEST_F(TCIMInstanceTest, IsDestroyedWhenItsPathCannotBeBuilt) {
     EXPECT_FALSE(addedWatch.expired()) << "Validate has failed";
     fContainer.hackhack_TurnIntoADiffContainer();  // lets it past Validate
     EXPECT_EQ(Outcome([&] { added.AddToContainer(); }), "kyrStatusNotFound");
-    EXPECT_TRUE(addedWatch.expired() && fDisk.EnumerateInstances(true).empty());
+    EXPECT_TRUE(addedWatch.expired());
+    EXPECT_THAT(fDisk.EnumerateInstances(true), IsEmpty());
 }
 
 TEST_F(TCIMInstanceTest, ValidatesAndDiesThroughTheVirtualSlots) {
@@ -144,7 +153,7 @@ TEST_F(TCIMInstanceTest, RemovalTakesAllOfThePresentPath) {
     fDisk.RemoveInstance(*New(fDisk, "none"));
     EXPECT_EQ(fDisk.EnumerateInstances(false).size(), 3u);
     fDisk.RemoveInstance(second);
-    EXPECT_TRUE(firstWatch.expired() && secondWatch.expired());
+    EXPECT_EQ(std::tuple(firstWatch.expired(), secondWatch.expired()), std::tuple(true, true));
     moved.SetPropertyValue("ID", TCIMValue("d"));
     fDisk.RemoveInstance(moved);
     EXPECT_FALSE(movedWatch.expired()) << "it is filed under the path it went in with";
@@ -172,15 +181,13 @@ TEST_F(TCIMInstanceTest, AddedTwiceHasTwoEntriesAndOneLife) {
 
 TEST_F(TCIMInstanceTest, ComparesClassAndOwnValues) {
     const std::unique_ptr<TCIMInstance> a = New(fDisk, "1"), b = New(fDisk, "1"), other = New(fNVMe, "1");
-    EXPECT_FALSE(*a == *other);
-    EXPECT_TRUE((*a < *other) == (&fDisk < &fNVMe) && (*other < *a) == (&fNVMe < &fDisk));
+    EXPECT_EQ(Order(*a, *other), &fDisk < &fNVMe ? "<" : ">");
     b->SetPrevPropertyValue("Size", TCIMValue(1u));
-    EXPECT_TRUE(*a == *b);
+    EXPECT_EQ(Order(*a, *b), "==");
     b->SetPropertyValue("Size", TCIMValue(5u));
-    EXPECT_FALSE(*a == *b) << "a value that equals the default is a value of its own";
-    EXPECT_FALSE(*a < *b || *b < *a);
+    EXPECT_EQ(Order(*a, *b), "") << "a value that equals the default is a value of its own";
     a->SetPropertyValue("Size", TCIMValue(5u));
-    EXPECT_TRUE(*a == *b);
+    EXPECT_EQ(Order(*a, *b), "==");
 }
 
 }  // namespace

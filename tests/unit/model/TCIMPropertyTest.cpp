@@ -24,7 +24,7 @@ protected:
 
 TEST_F(TCIMPropertyTest, FallsBackOnItsDeclaration) {
     TCIMProperty property(fSize);
-    EXPECT_TRUE(TypeOf(property) == CIM::eCIMUint16 && !property.IsArray());
+    EXPECT_EQ(std::tuple(TypeOf(property), property.IsArray()), std::tuple(CIM::eCIMUint16, false));
     fSize.SetValue(Uint16(6));
     EXPECT_EQ(Told(property), "Size=6 6");
     property.SetValue(Null(CIM::eCIMUint16));
@@ -37,7 +37,8 @@ TEST_F(TCIMPropertyTest, KeepsAnEarlierValueEvenAnEqualOrAbsentOne) {
     TCIMProperty property(fSize, Uint16(7));
     for (const TCIMValue& earlier : {Uint16(7), Uint16(8), Null(CIM::eCIMString), TCIMValue()}) {
         earlier.GetType() == CIM::eCIMNone ? property.SetPrevValue() : property.SetPrevValue(earlier);
-        EXPECT_TRUE(property.IsPrevValueDifferent() && property.GetPrevValue() == earlier);
+        EXPECT_TRUE(property.IsPrevValueDifferent());
+        EXPECT_EQ(property.GetPrevValue(), earlier);
         EXPECT_EQ(property.GetValue(), Uint16(7));
     }
 }
@@ -71,7 +72,8 @@ TEST_F(TCIMPropertyTest, TakesOnlyTheDeclaredTypeAndClass) {
         EXPECT_EQ(outcome, taken ? "" : refused + "SetValue" + complaint);
         EXPECT_EQ(made, outcome);
         EXPECT_EQ(earlier, takenEarlier ? "" : refused + "SetPrevValue" + complaint);
-        EXPECT_TRUE(property.GetPropagated() == !taken && property.IsPrevValueDifferent() == takenEarlier);
+        EXPECT_EQ(property.GetPropagated(), !taken);
+        EXPECT_EQ(property.IsPrevValueDifferent(), takenEarlier);
     }
 }
 
@@ -104,20 +106,16 @@ TEST_F(TCIMPropertyTest, ComparesDeclarationsAndOwnValues) {
     const TCIMProperty otherBare(otherCase), zone(later, Uint16(0)), bareZone(later);
     TCIMProperty earlier(one);
     earlier.SetPrevValue(Uint16(3));
-    // Equal, or the left one is less.
-    const std::tuple<const char*, const TCIMProperty&, const TCIMProperty&, bool> kCases[] = {
-        {"equal but for the case of the name", one, same, true},
-        {"equal but for the earlier value", one, earlier, true},
-        {"values", one, five, false},
-        {"names before values", five, zone, false},
-        {"an absent value is not the default", bare, five, false},
-        {"both absent, defaults apart", bare, otherBare, true},
-        {"both absent, names apart", bare, bareZone, false},
+    const std::tuple<const char*, const TCIMProperty&, const TCIMProperty&, const char*> kCases[] = {
+        {"apart in the case of the name", one, same, "=="},
+        {"apart in the earlier value", one, earlier, "=="},
+        {"values", one, five, "<"},
+        {"names before values", five, zone, "<"},
+        {"an absent value is not the default", bare, five, "<"},
+        {"both absent, defaults apart", bare, otherBare, "=="},
+        {"both absent, names apart", bare, bareZone, "<"},
     };
-    for (const auto& [what, left, right, equal] : kCases) {
-        EXPECT_TRUE((left == right) == equal && (right == left) == equal) << what;
-        EXPECT_TRUE((left < right) == !equal && !(right < left)) << what;
-    }
+    for (const auto& [what, left, right, order] : kCases) EXPECT_EQ(Order(left, right), order) << what;
 }
 
 }  // namespace

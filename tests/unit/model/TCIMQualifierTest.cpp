@@ -55,13 +55,15 @@ using TCIMQualifierTest = SchemaTest;
 
 TEST_F(TCIMQualifierTest, DeclarationStartsEmptyAndTakesWhatIsSet) {
     Decl decl(fContainer);
-    EXPECT_TRUE(decl.GetName().empty() && TypeOf(decl) == CIM::eCIMNone && decl.GetContainer() == &fContainer);
-    EXPECT_EQ(decl.GetScope() + decl.GetFlavor(), 0u);
+    EXPECT_EQ(decl.GetContainer(), &fContainer);
+    EXPECT_EQ(std::tuple(decl.GetName(), TypeOf(decl), decl.GetScope(), decl.GetFlavor()),
+              std::tuple("", CIM::eCIMNone, Decl::EScope{}, kNone));
     decl.SetValue(Null(CIM::eCIMString, 3));
     decl.SetFlavor(kToSubclass);
     decl.SetFlavor(kTranslatable);
     decl.UnsetFlavor(kToSubclass | kOverridable);
-    EXPECT_TRUE(decl.IsArray() && decl.GetValue() == Null(CIM::eCIMString, 3) && decl.GetFlavor() == kTranslatable);
+    EXPECT_EQ(decl.GetValue(), Null(CIM::eCIMString, 3));
+    EXPECT_EQ(std::tuple(decl.IsArray(), decl.GetFlavor()), std::tuple(true, kTranslatable));
 }
 
 TEST_F(TCIMQualifierTest, IsComparedByTheNameOfItsDeclarationAlone) {
@@ -69,15 +71,18 @@ TEST_F(TCIMQualifierTest, IsComparedByTheNameOfItsDeclarationAlone) {
     const Decl lower(fContainer, "key", value, Decl::eScopeClass, kOverridable),
         upper(fContainer, "KEY", "text", {}, kNone);
     const Decl last(fContainer, "Max", value, {}, kNone);
-    EXPECT_TRUE(lower == upper && !(lower < upper) && !(upper < lower) && upper < last && !(last < lower));
+    EXPECT_EQ(Order(lower, upper), "==");
+    EXPECT_EQ(Order(lower, last) + Order(upper, last), "<<");
     const TCIMQualifier yes(lower, value), no(upper, TCIMValue(false)), later(last, value);
-    EXPECT_TRUE(yes == no && no < later && !(later < no));
+    EXPECT_EQ(Order(yes, no), "==");
+    EXPECT_EQ(Order(no, later), "<");
 }
 
 TEST_F(TCIMQualifierTest, TakesAfterItsDeclarationAndAnyChangeEndsItsPropagation) {
     const Decl decl(fContainer, "MaxLen", Null(CIM::eCIMUint32), {}, kToSubclass);
     TCIMQualifier original(decl, TCIMValue("text"));
-    EXPECT_TRUE(original.GetName() == "MaxLen" && &original.GetDeclaration() == &decl && !original.GetPropagated());
+    EXPECT_EQ(&original.GetDeclaration(), &decl);
+    EXPECT_EQ(std::tuple(original.GetName(), original.GetPropagated()), std::tuple("MaxLen", false));
     original.SetPropagated(true);
     const std::pair<void (*)(TCIMQualifier&), unsigned int> kChanges[] = {
         {[](TCIMQualifier& q) { q.SetValue(TCIMValue(2u)); }, 2},
@@ -89,9 +94,9 @@ TEST_F(TCIMQualifierTest, TakesAfterItsDeclarationAndAnyChangeEndsItsPropagation
         TCIMQualifier copy(original);
         EXPECT_TRUE(copy.GetPropagated());
         change(copy);
-        EXPECT_TRUE(copy.GetFlavor() == flavor && !copy.GetPropagated()) << flavor;
+        EXPECT_EQ(std::tuple(copy.GetFlavor(), copy.GetPropagated()), std::tuple(flavor, false));
     }
-    EXPECT_TRUE(original.GetValue() == TCIMValue("text") && original.GetPropagated());
+    EXPECT_EQ(std::tuple(original.GetValue().ToString(10), original.GetPropagated()), std::tuple("text", true));
 }
 
 /// Classes and property declarations carry qualifiers by one rule: each test runs on both.
@@ -164,7 +169,8 @@ TEST_P(QualifierCarrierTest, RemovesByNameNotByIdentity) {
     const auto watch = Watch(Attach(TCIMValue(1u), kNone));
     TCIMQualifier sameName(fOther, TCIMValue(2u));
     Carrier().RemoveQualifier(sameName);
-    EXPECT_TRUE(watch.expired() && Carrier().EnumerateQualifiers().empty());
+    EXPECT_TRUE(watch.expired());
+    EXPECT_THAT(Carrier().EnumerateQualifiers(), IsEmpty());
     EXPECT_EQ(Outcome([&] { Carrier().RemoveQualifier(sameName); }), "kyrStatusNotFound");
 }
 

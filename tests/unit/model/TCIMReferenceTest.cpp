@@ -127,7 +127,7 @@ TEST_F(TCIMReferenceTest, KeepsTheFirstFoundElementUntilCleared) {
     reference.AddKeyValue("a", TCIMValue("none"));
     TCIMReference copy(reference), assigned(nullptr);
     assigned = reference;
-    EXPECT_TRUE(reference.GetCIMElement() == a && copy.GetCIMElement() == a && assigned.GetCIMElement() == a);
+    for (const TCIMReference* one : {&reference, &copy, &assigned}) EXPECT_EQ(one->GetCIMElement(), a);
     reference.Clear();
     reference.SetClass(fY);
     reference.AddKeyValue("ID", TCIMValue("none"));
@@ -152,18 +152,20 @@ TEST_F(TCIMReferenceTest, ComparesClassPointersAndBindings) {
     fSchema.AddInstance(fY, {{"ID", "a"}});
     found.GetCIMElement();
     found.SetContainer(&fContainer);
-    EXPECT_TRUE(a == found && !(a == b) && !(a == To(fY)) && !(To(fY) == To(namesake)));
-    EXPECT_TRUE(a < b && To(fY) < a && !(b < a) && !(a < found) && !(found < a));
-    EXPECT_TRUE((a < To(fX)) == (&fY < &fX) && (To(fX) < a) == (&fX < &fY));
+    EXPECT_EQ(Order(a, found), "==");
+    EXPECT_EQ(Order(a, b) + Order(To(fY), a), "<<");
+    for (TCIMClass* cls : {&fX, &namesake}) EXPECT_EQ(Order(To(fY), To(*cls)), &fY < cls ? "<" : ">");
 }
 
 TEST_F(TCIMReferenceTest, IsCarriedByValues) {
     const TCIMValue a(To(fY, "a")), b(To(fY, "b")), array(CIM::eCIMReference, 1, {a}), null = NullReferenceTo(fY),
                                                                                        copy(null);
-    EXPECT_TRUE(a.IsReference() && !array.IsReference() && copy.IsNull());
-    EXPECT_TRUE(a.GetReferencedClass() == &fY && copy.GetReferencedClass() == &fY);
-    EXPECT_TRUE(static_cast<TCIMReference>(a) == To(fY, "a") && a == TCIMValue(To(fY, "a")));
-    EXPECT_TRUE(a != b && a < b && !(b < a) && null != NullReferenceTo(fX));
+    EXPECT_EQ(std::tuple(a.IsReference(), array.IsReference(), copy.IsNull()), std::tuple(true, false, true));
+    EXPECT_THAT((std::vector{a.GetReferencedClass(), copy.GetReferencedClass()}), Each(&fY));
+    EXPECT_EQ(static_cast<TCIMReference>(a), To(fY, "a"));
+    EXPECT_EQ(a, TCIMValue(To(fY, "a")));
+    EXPECT_EQ(Order(a, b), "<");
+    EXPECT_NE(null, NullReferenceTo(fX));
     for (const unsigned char base : {2, 8, 10, 16}) EXPECT_EQ(array.ToString(base), "{ Y.ID=\"a\" }");
     EXPECT_EQ(StatusOf([&] { null.operator TCIMReference(); }), kyrStatusValueIsNULL);
     EXPECT_EQ(StatusOf([&] { array.operator TCIMReference(); }), kyrStatusTypeMismatch);

@@ -48,6 +48,12 @@ protected:
         return text.str();
     }
 
+    /// All that hold of the operators between the two.
+    static std::string Relations(const TCIMValue& a, const TCIMValue& b) {
+        return std::string(a < b ? "< " : "") + (a <= b ? "<= " : "") + (a > b ? "> " : "") + (a >= b ? ">= " : "") +
+               (a == b ? "== " : "") + (a != b ? "!= " : "");
+    }
+
     // One value and the reading for each type that has a body, in the order of the type numbers.
     // clang-format off
     const std::vector<std::pair<TCIMValue, TRead>> fSamples = {
@@ -73,7 +79,8 @@ TEST_F(TCIMValueTest, MovesDoWhatCopiesDo) {
     for (const auto& sample : fSamples) {
         TCIMValue source(sample.first), target, assigned(1.25);
         TCIMValueTransfer::TakeOver(target, source);
-        EXPECT_TRUE(target == sample.first && source == TCIMValue()) << Described(target);
+        EXPECT_EQ(target, sample.first) << Described(target);
+        EXPECT_EQ(source, TCIMValue()) << Described(source);
         TCIMValueTransfer::Assign(assigned, target);
         EXPECT_EQ(Described(assigned), Described(sample.first));
     }
@@ -196,14 +203,14 @@ TEST_F(TCIMValueTest, OrdersNullThenTypesThenContent) {
     const TValues ordered = {null, false, true, TUint8(200), -1, 0, 5, 2ul, 1.5f, "B", "a",
                              TCIMDateTime(1, 0, 0, 0, 0), Array(TType::eCIMBoolean, 0, {})};
     // clang-format on
-    for (size_t i = 0; i + 1 < ordered.size(); ++i)
-        for (size_t j = i + 1; j < ordered.size(); ++j) {
-            const TCIMValue &low = ordered[i], &high = ordered[j];
-            EXPECT_TRUE(low < high && low <= high && high > low && high >= low && low != high) << i << ' ' << j;
+    for (auto low = ordered.begin(); low != ordered.end(); ++low)
+        for (auto high = low + 1; high != ordered.end(); ++high) {
+            EXPECT_EQ(Relations(*low, *high), "< <= != ") << Described(*low) << " and " << Described(*high);
+            EXPECT_EQ(Relations(*high, *low), "> >= != ") << Described(*high) << " and " << Described(*low);
         }
-    EXPECT_TRUE(null > other && other > null && null >= other && !(null < other));
-    EXPECT_FALSE(null == other || TCIMValue(TType::eCIMUint8, 4) == TCIMValue(TType::eCIMUint8, 5));
-    EXPECT_FALSE(notANumber == notANumber || notANumber < notANumber);
+    const TCIMValue short4(TType::eCIMUint8, 4), short5(TType::eCIMUint8, 5);
+    for (const auto& [a, b] : {std::pair(null, other), {other, null}, {short4, short5}, {notANumber, notANumber}})
+        EXPECT_EQ(Relations(a, b), "> >= != ") << Described(a) << " and " << Described(b);
     EXPECT_EQ(StatusOf([&] { (void)(ordered.back() < ordered.back()); }), kyrStatusNotImplemented);
 }
 

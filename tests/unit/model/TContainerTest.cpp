@@ -11,8 +11,10 @@ protected:
 
 TEST_F(TContainerTest, StartsWithTheRootClassAlone) {
     EXPECT_EQ(fRoot.GetName(), "<root>");
-    EXPECT_TRUE(fRoot.GetContainer() == &fContainer && fRoot.GetSuperClass() == nullptr && !fRoot.IsRootClass());
-    EXPECT_TRUE(fContainer.GetClass("") == &fRoot && fContainer.FindClass("") == &fRoot);
+    EXPECT_EQ(fRoot.GetContainer(), &fContainer);
+    EXPECT_EQ(fRoot.GetSuperClass(), nullptr);
+    EXPECT_FALSE(fRoot.IsRootClass());
+    EXPECT_THAT((std::vector{fContainer.GetClass(""), fContainer.FindClass("")}), Each(&fRoot));
 }
 
 TEST_F(TContainerTest, AllocatesClassesThatAreNobodysYetAndItsRootWithoutTheHook) {
@@ -23,7 +25,9 @@ TEST_F(TContainerTest, AllocatesClassesThatAreNobodysYetAndItsRootWithoutTheHook
     } host;
     EXPECT_EQ(host.GetRootClass()->GetName(), "<root>");
     const std::unique_ptr<TCIMClass> cls(host.AllocateClass("C", nullptr));
-    EXPECT_TRUE(cls->GetName() == "HostC" && cls->GetContainer() == &host && host.FindClass("HostC") == nullptr);
+    EXPECT_EQ(cls->GetName(), "HostC");
+    EXPECT_EQ(cls->GetContainer(), &host);
+    EXPECT_EQ(host.FindClass("HostC"), nullptr);
 }
 
 TEST_F(TContainerTest, FindsAndRemovesClassesByName) {
@@ -32,11 +36,12 @@ TEST_F(TContainerTest, FindsAndRemovesClassesByName) {
     const auto watch = Watch(cls);
     const auto instance = Watch(fSchema.AddInstance(cls, {{"ID", "1"}}));
     TCIMClass sameName(fContainer, "DISK", nullptr), unknown(fContainer, "Unknown", nullptr);
-    EXPECT_TRUE(fContainer.FindClass("dISK") == &cls && fContainer.FindClass("None") == nullptr);
+    EXPECT_EQ(fContainer.FindClass("dISK"), &cls);
+    EXPECT_EQ(fContainer.FindClass("None"), nullptr);
     EXPECT_EQ(Outcome([&] { fContainer.GetClass("None"); }), "kyrStatusNotFound");
     EXPECT_EQ(Outcome([&] { fContainer.RemoveClass(unknown); }), "kyrStatusNotFound");
     fContainer.RemoveClass(sameName);
-    EXPECT_TRUE(watch.expired() && instance.expired());
+    EXPECT_EQ(std::tuple(watch.expired(), instance.expired()), std::tuple(true, true));
     EXPECT_THAT(fRoot.EnumerateSubClasses(true), ElementsAre(&super, &sub));
     fContainer.RemoveClass(sub);
     EXPECT_TRUE(super.EnumerateSubClasses(true).empty());
@@ -48,7 +53,8 @@ TEST_F(TContainerTest, RefusedClassStaysWithItsCaller) {
     const std::string taken = "kyrStatusAlreadyExists 3:TContainer: class ";
     EXPECT_EQ(Outcome([&] { fContainer.AddClass(twin); }), taken + "DISK already defined");
     EXPECT_EQ(Outcome([&] { fContainer.AddClass(kept); }), taken + "Disk already defined");
-    EXPECT_TRUE(fContainer.FindClass("Disk") == &kept && twin.GetName() == "DISK");
+    EXPECT_EQ(fContainer.FindClass("Disk"), &kept);
+    EXPECT_EQ(twin.GetName(), "DISK");
     fContainer.AddClass(half);  // the catalogue's half of the work: no key asked for, no link to the root
     EXPECT_EQ(fContainer.FindClass("half"), &half);
     EXPECT_THAT(fRoot.EnumerateSubClasses(true), ElementsAre(&kept));
@@ -60,7 +66,8 @@ TEST_F(TContainerTest, FindsAndRemovesQualifierDeclarationsByName) {
     TCIMQualifierDecl* units = fContainer.GetQualifierDecl("uNITS");
     const auto watch = Watch(*units);
     units->SetName("Measure");
-    EXPECT_TRUE(fContainer.FindQualifierDecl("UNITS") == units && fContainer.FindQualifierDecl("") == nullptr);
+    EXPECT_EQ(fContainer.FindQualifierDecl("UNITS"), units);
+    EXPECT_EQ(fContainer.FindQualifierDecl(""), nullptr);
     EXPECT_EQ(Outcome([&] { fContainer.GetQualifierDecl("Measure"); }), "kyrStatusNotFound");
     TCIMQualifierDecl sameName(fContainer, "UNITS", TCIMValue(true), {}, {});
     fContainer.RemoveQualifierDecl(sameName);
@@ -82,7 +89,8 @@ TEST_F(TContainerTest, RefusedQualifierDeclarationIsDestroyed) {
         EXPECT_EQ(Outcome([&, added = decl] { added->AddToContainer(); }), outcome);
         EXPECT_EQ(watch.expired(), decl != &kept) << outcome;
     }
-    EXPECT_TRUE(fContainer.FindQualifierDecl("Units") == &kept && kept.GetName() == "Units");
+    EXPECT_EQ(fContainer.FindQualifierDecl("Units"), &kept);
+    EXPECT_EQ(kept.GetName(), "Units");
 }
 
 TEST_F(TContainerTest, TearsDownWhicheverNamesItsClassesHave) {
@@ -111,7 +119,7 @@ TEST_F(TContainerTest, OnlyADifferenceContainerHasAListOfDifferences) {
     EXPECT_EQ(Outcome([&] { fContainer.hasDifferences(); }), refused);
     EXPECT_FALSE(fContainer.isDiffContainer());
     fContainer.hackhack_TurnIntoADiffContainer();
-    EXPECT_TRUE(fContainer.isDiffContainer() && !fContainer.hasDifferences());
+    EXPECT_EQ(std::tuple(fContainer.isDiffContainer(), fContainer.hasDifferences()), std::tuple(true, false));
     fContainer.setDiffInstances({&instance, &instance});
     fContainer.getDiffInstances().clear();  // a copy
     EXPECT_TRUE(fContainer.hasDifferences());
