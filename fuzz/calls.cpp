@@ -84,34 +84,6 @@ void Add(TSession& session, TByteReader& input, TSet&& set) {
     Require(property.GetValue().GetType() == property.GetType(), "a value has the type that is declared for it");
 }
 
-template <typename TNumber>
-using TAddNumber = kyrStatusCode (*)(kyrIOHandle, const char*, TNumber);
-template <typename TNumber>
-using TAppendNumber = kyrStatusCode (*)(kyrCIMValueArray, TNumber);
-template <typename TNumber>
-using TBindNumber = kyrStatusCode (*)(kyrCIMReference, const char*, TNumber);
-
-template <typename TNumber, TAddNumber<TNumber> kCall>
-void AddNumber(TSession& session, TByteReader& input) {
-    const auto number = static_cast<TNumber>(input.Number());
-    Add(session, input, [&](const char* name) { return kCall(&session.fHandle, name, number); });
-}
-
-template <typename TNumber, TAppendNumber<TNumber> kCall>
-void AppendNumber(TSession& session, TByteReader& input) {
-    kyrCIMValueArray const array = input.Pick(session.fArrays);
-    const auto number = static_cast<TNumber>(input.Number());
-    const kyrStatusCode status = Call([&] { return kCall(array, number); });
-    Require(status == (array != nullptr ? kyrStatusOK : kyrStatusFail), "any array takes any number");
-}
-
-template <typename TNumber, TBindNumber<TNumber> kCall>
-void BindNumber(TSession& session, TByteReader& input) {
-    kyrCIMReference const reference = input.Pick(session.fReferences);
-    const char* const key = input.Pick(kPropertyNames);
-    Call([&] { return kCall(reference, key, static_cast<TNumber>(input.Number())); });
-}
-
 // Readers of the parameter types. A text lives as long as its call.
 struct TText {
     std::string text;
@@ -125,6 +97,7 @@ kyrCIMDateTime Time(TSession& session, TByteReader& input) { return input.Pick(s
 const char* ClassName(TSession&, TByteReader& input) { return input.Pick(kClassNames); }
 const char* Key(TSession&, TByteReader& input) { return input.Pick(kPropertyNames); }
 TText Text(TSession&, TByteReader& input) { return {input.Text()}; }
+std::uint64_t Number(TSession&, TByteReader& input) { return input.Number(); }
 
 /// Reads the parameters in order and makes the call.
 template <auto kCall, auto... kRead>
@@ -139,10 +112,31 @@ void Run(TSession& session, TByteReader& input) {
 }
 
 template <auto kCall, auto kRead>
-void AddRead(TSession& session, TByteReader& input) {
+void Set(TSession& session, TByteReader& input) {
     const auto value = kRead(session, input);
     Add(session, input, [&](const char* name) { return kCall(&session.fHandle, name, value); });
 }
+
+template <auto kCall, auto kRead>
+void Append(TSession& session, TByteReader& input) {
+    kyrCIMValueArray const array = Array(session, input);
+    const auto value = kRead(session, input);
+    const kyrStatusCode status = Call([&] { return kCall(array, value); });
+    Require(status == (array != nullptr ? kyrStatusOK : kyrStatusFail), "any array takes any value");
+}
+
+template <auto kCall, auto kRead>
+void Bind(TSession& session, TByteReader& input) {
+    Run<kCall, Reference, Key, kRead>(session, input);
+}
+
+// The calls for the types of numbers, in the order of the header; each cuts the number to its width.
+#define NUMBER_CALLS(Operation, Prefix, Suffix)                                               \
+    Operation<Prefix##Boolean##Suffix, Number>, Operation<Prefix##Uint8##Suffix, Number>,     \
+        Operation<Prefix##Sint8##Suffix, Number>, Operation<Prefix##Uint16##Suffix, Number>,  \
+        Operation<Prefix##Sint16##Suffix, Number>, Operation<Prefix##Uint32##Suffix, Number>, \
+        Operation<Prefix##Sint32##Suffix, Number>, Operation<Prefix##Uint64##Suffix, Number>, \
+        Operation<Prefix##Sint64##Suffix, Number>
 
 using TOperation = void (*)(TSession&, TByteReader&);
 
@@ -154,19 +148,11 @@ constexpr TOperation kOperations[] = {
         StatusOf([&] { kyrWriteLog(nullptr, severity, text); });
     },
     Run<kyrAddClass, Handle, ClassName>,
-    AddRead<kyrAddProperty, Text>,
-    AddNumber<std::int32_t, kyrAddBooleanProperty>,
-    AddNumber<std::uint32_t, kyrAddUint8Property>,
-    AddNumber<std::int32_t, kyrAddSint8Property>,
-    AddNumber<std::uint32_t, kyrAddUint16Property>,
-    AddNumber<std::int32_t, kyrAddSint16Property>,
-    AddNumber<std::uint32_t, kyrAddUint32Property>,
-    AddNumber<std::int32_t, kyrAddSint32Property>,
-    AddNumber<std::uint64_t, kyrAddUint64Property>,
-    AddNumber<std::int64_t, kyrAddSint64Property>,
-    AddRead<kyrAddStringProperty, Text>,
-    AddRead<kyrAddReferenceProperty, Reference>,
-    AddRead<kyrAddDateTimeProperty, Time>,
+    Set<kyrAddProperty, Text>,
+    NUMBER_CALLS(Set, kyrAdd, Property),
+    Set<kyrAddStringProperty, Text>,
+    Set<kyrAddReferenceProperty, Reference>,
+    Set<kyrAddDateTimeProperty, Time>,
     [](TSession& session, TByteReader& input) {
         const std::string line = input.Text();
         StatusOf([&] {
@@ -177,22 +163,14 @@ constexpr TOperation kOperations[] = {
     },
     [](TSession& session, TByteReader& input) {
         // This call does not check that there is a current instance.
-        if (session.fHandle.fCurrentInstance != nullptr) AddRead<kyrAddArrayProperty, Array>(session, input);
+        if (session.fHandle.fCurrentInstance != nullptr) Set<kyrAddArrayProperty, Array>(session, input);
     },
 
     [](TSession& session, TByteReader& input) {
         Renew(input.Pick(session.fArrays), kyrDeleteCIMValueArray, kyrNewCIMValueArray);
     },
-    AppendNumber<std::int32_t, kyrArrayAddBoolean>,
-    AppendNumber<std::uint32_t, kyrArrayAddUint8>,
-    AppendNumber<std::int32_t, kyrArrayAddSint8>,
-    AppendNumber<std::uint32_t, kyrArrayAddUint16>,
-    AppendNumber<std::int32_t, kyrArrayAddSint16>,
-    AppendNumber<std::uint32_t, kyrArrayAddUint32>,
-    AppendNumber<std::int32_t, kyrArrayAddSint32>,
-    AppendNumber<std::uint64_t, kyrArrayAddUint64>,
-    AppendNumber<std::int64_t, kyrArrayAddSint64>,
-    Run<kyrArrayAddString, Array, Text>,
+    NUMBER_CALLS(Append, kyrArrayAdd, ),
+    Append<kyrArrayAddString, Text>,
     [](TSession& session, TByteReader& input) {
         CallThatRaises([&] { return Pass<kyrArrayAddReference, Array, Reference>(session, input); });
     },
@@ -209,21 +187,13 @@ constexpr TOperation kOperations[] = {
         const kyrStatusCode status = Call([&] { return kyrSetReferencePath(reference, path); });
         Require(status == (reference != nullptr ? kyrStatusNotImplemented : kyrStatusFail), "no path is ever set");
     },
-    BindNumber<std::int32_t, kyrReferenceAddBoolean>,
-    BindNumber<std::uint32_t, kyrReferenceAddUint8>,
-    BindNumber<std::int32_t, kyrReferenceAddSint8>,
-    BindNumber<std::uint32_t, kyrReferenceAddUint16>,
-    BindNumber<std::int32_t, kyrReferenceAddSint16>,
-    BindNumber<std::uint32_t, kyrReferenceAddUint32>,
-    BindNumber<std::int32_t, kyrReferenceAddSint32>,
-    BindNumber<std::uint64_t, kyrReferenceAddUint64>,
-    BindNumber<std::int64_t, kyrReferenceAddSint64>,
-    Run<kyrReferenceAddString, Reference, Key, Text>,
+    NUMBER_CALLS(Bind, kyrReferenceAdd, ),
+    Bind<kyrReferenceAddString, Text>,
     [](TSession& session, TByteReader& input) {
         if (++session.fNestings <= kMaxNestings)
             Pass<kyrReferenceAddReference, Reference, Key, Reference>(session, input);
     },
-    Run<kyrReferenceAddDateTime, Reference, Key, Time>,
+    Bind<kyrReferenceAddDateTime, Time>,
 
     [](TSession& session, TByteReader& input) {
         Renew(input.Pick(session.fDateTimes), kyrDeleteCIMDateTime, kyrNewCIMDateTime);
