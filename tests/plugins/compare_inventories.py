@@ -2,7 +2,8 @@
 import ipaddress
 import re
 
-from compare_tools import file_system, first, json_of, lower, maker, memory_module, named, number, output_of, tool
+from compare_tools import (facts, file_system, first, json_of, lower, lowered, maker, memory_module, named, number,
+                           numbered, output_of, tool)
 
 
 def as_list(value):
@@ -29,7 +30,7 @@ def lshw():
 def lshw_system(node):
     yield "system", "host name", node["id"]
     yield from named("system", node.get, {what: what for what in ("vendor", "product", "version", "serial")})
-    yield "system", "uuid", lower(node.get("configuration", {}).get("uuid"))
+    yield from named("system", node.get("configuration", {}).get, {"uuid": lowered("uuid")})
 
 
 def lshw_part_of_board(node):
@@ -51,18 +52,17 @@ def lshw_processor(node):
 def lshw_pci(node):
     slot = first(r"^pci@(\S+)", node.get("businfo", ""))
     if slot:
-        yield from named(f"pci {slot}", node.get, {"class": "description", "vendor": "vendor"})
-        yield f"pci {slot}", "device", node.get("product") if node.get("product") != node.get("vendor") else None
-        yield f"pci {slot}", "revision", number(node.get("version"), 16)
-        yield f"pci {slot}", "driver", node.get("configuration", {}).get("driver")
+        yield from named(f"pci {slot}", node.get, {"class": "description", "vendor": "vendor",
+                                                   "revision": numbered("version", 16)})
+        yield from facts(f"pci {slot}", driver=node.get("configuration", {}).get("driver"),
+                         device=node.get("product") if node.get("product") != node.get("vendor") else None)
 
 
 def lshw_network(node):
     said = node.get("configuration", {})
     for name in as_list(node.get("logicalname")) if node["class"] == "network" else ():
-        yield f"interface {name}", "mac", lower(node.get("serial"))
-        yield f"interface {name}", "driver", said.get("driver")
-        yield f"interface {name}", "link", {"yes": True, "no": False}.get(said.get("link"))
+        yield from facts(f"interface {name}", mac=lower(node.get("serial")), driver=said.get("driver"),
+                         link=YES_OR_NO.get(said.get("link")))
 
 
 def lshw_disk(node):
@@ -70,13 +70,12 @@ def lshw_disk(node):
     names = as_list(node.get("logicalname"))
     for device in (name for name in names if name.startswith("/dev/")):
         if node["class"] == "disk":
-            yield from named(f"disk {device[5:]}", node.get, {"size": "size", "serial": "serial", "model": "product"})
-            yield f"disk {device[5:]}", "vendor", maker(node.get("vendor"))
-            yield f"disk {device[5:]}", "logical block", number(said.get("logicalsectorsize"))
+            yield from named(f"disk {device[5:]}", node.get, {"size": "size", "serial": "serial", "model": "product",
+                                                              "vendor": lambda ask: maker(ask("vendor"))})
+            yield from named(f"disk {device[5:]}", said.get, {"logical block": numbered("logicalsectorsize")})
         for target in (name for name in names if not name.startswith("/dev/")):
-            yield f"mount {target}", "source", device
-            yield f"mount {target}", "type", said.get("mount.fstype")
-            yield f"mount {target}", "options", frozenset(said.get("mount.options", "").split(",")) - {""} or None
+            yield from facts(f"mount {target}", source=device, type=said.get("mount.fstype"),
+                             options=frozenset(said.get("mount.options", "").split(",")) - {""} or None)
         if node["class"] == "volume":
             kind = said.get("filesystem")
             yield from file_system(device, kind, node.get("serial") if kind else None, said.get("label"))
@@ -88,11 +87,12 @@ def lshw_memory(node):
                                  node.get("serial"))
 
 
+YES_OR_NO = {"yes": True, "no": False}
 HWINFO = "hwinfo --bios --cpu --memory --disk --partition --netcard --network --pci"
 
 
-def quoted(text):
-    return first(r'"([^"]*)"', text or "")
+def quoted(name):
+    return lambda ask: first(r'"([^"]*)"', ask(name) or "")
 
 
 @tool("hwinfo")
@@ -102,12 +102,7 @@ def hwinfo():
         said = dict(re.findall(r"^  ([^:\n]+): (.*)$", block, re.MULTILINE))
         kind = said.get("Hardware Class")
         processors += kind == "cpu"
-        if kind == "cpu":
-            yield from hwinfo_processor(said)
-        elif kind == "network interface":
-            yield from hwinfo_interface(said)
-        elif kind == "disk":
-            yield from hwinfo_disk(said)
+        yield from HWINFO_KINDS.get(kind, lambda _: ())(said)
         if re.match(r"\s*\d+: PCI", block):
             yield from hwinfo_pci(said)
     yield "processor", "threads", processors or None
@@ -116,19 +111,16 @@ def hwinfo():
 def hwinfo_processor(said):
     version, _, model = said.get("Model", "").partition(" ")
     yield "system", "architecture", said.get("Arch", "").lower().replace("x86-64", "x86_64")
-    yield "processor", "vendor", quoted(said.get("Vendor"))
-    yield "processor", "version", version
-    yield "processor", "model", model.strip('"')
-    yield "processor", "flags", frozenset(said.get("Features", "").split(","))
-    yield "processor", "bogomips", float(said["BogoMips"]) if "BogoMips" in said else None
+    yield from named("processor", said.get, {"vendor": quoted("Vendor")})
+    yield from facts("processor", version=version, model=model.strip('"'),
+                     flags=frozenset(said.get("Features", "").split(",")),
+                     bogomips=float(said["BogoMips"]) if "BogoMips" in said else None)
 
 
 def hwinfo_interface(said):
-    interface = f"interface {said.get('Device File')}"
-    yield interface, "mac", lower(said.get("HW Address"))
-    yield interface, "permanent mac", lower(said.get("Permanent HW Address"))
-    yield interface, "driver", quoted(said.get("Driver"))
-    yield interface, "link", {"yes": True, "no": False}.get(said.get("Link detected"))
+    return named(f"interface {said.get('Device File')}", said.get,
+                 {"mac": lowered("HW Address"), "permanent mac": lowered("Permanent HW Address"),
+                  "driver": quoted("Driver"), "link": lambda ask: YES_OR_NO.get(ask("Link detected"))})
 
 
 def hwinfo_disk(said):
@@ -136,8 +128,10 @@ def hwinfo_disk(said):
     sectors, _, block = said.get("Size", "").partition(" sectors a ")
     size = number(first(r"(\d+)", block))
     yield disk, "size", int(sectors) * size if size else None
-    yield disk, "serial", quoted(said.get("Serial ID"))
-    yield disk, "model", quoted(said.get("Device"))
+    yield from named(disk, said.get, {"serial": quoted("Serial ID"), "model": quoted("Device")})
+
+
+HWINFO_KINDS = {"cpu": hwinfo_processor, "network interface": hwinfo_interface, "disk": hwinfo_disk}
 
 
 def hwinfo_pci(said):
@@ -145,9 +139,8 @@ def hwinfo_pci(said):
     for what, label in (("vendor", "Vendor"), ("device", "Device"), ("subsystem vendor", "SubVendor"),
                         ("subsystem", "SubDevice")):
         yield pci, f"{what} id", number(first(r"pci 0x(\w+)", said.get(label, "")), 16)
-        yield pci, what, quoted(said.get(label))
-    yield pci, "revision", number(said.get("Revision"), 0)
-    yield pci, "driver", quoted(said.get("Driver"))
+        yield pci, what, quoted(label)(said.get)
+    yield from named(pci, said.get, {"revision": numbered("Revision", 0), "driver": quoted("Driver")})
 
 
 @tool("facter")
@@ -171,8 +164,7 @@ def facter_system(said):
     ask = asker(said)
     yield from named("system", ask, {"host name": "networking.hostname", "kernel release": "kernelrelease",
                                     "architecture": "os.hardware", "description": "os.distro.description",
-                                    "release": "os.release.major"})
-    yield "system", "distribution", lower(ask("os.distro.id"))
+                                    "release": "os.release.major", "distribution": lowered("os.distro.id")})
     yield "system", "hypervisor", next(iter(said.get("hypervisors", {})), None)
     yield from named("memory", ask, {"total": "memory.system.total_bytes", "swap": "memory.swap.total_bytes"})
 
@@ -189,8 +181,7 @@ def facter_network(said):
     for name, at in said.get("networking", {}).get("interfaces", {}).items():
         if ":" in name:
             continue  # a label, which facter takes for an interface
-        yield f"interface {name}", "mac", lower(at.get("mac"))
-        yield f"interface {name}", "mtu", at.get("mtu")
+        yield from named(f"interface {name}", at.get, {"mac": lowered("mac"), "mtu": "mtu"})
         found = at.get("bindings", []) + at.get("bindings6", [])
         yield f"address of {name}", "all", frozenset(map(facter_address, found)) or None
 
@@ -203,17 +194,16 @@ def facter_address(binding):
 def facter_storage(said):
     for name, at in said.get("disks", {}).items():
         yield from named(f"disk {name}", at.get, {"model": "model", "serial": "serial", "size": "size_bytes"})
-        yield f"disk {name}", "vendor", maker(at.get("vendor"))
-        yield f"disk {name}", "rotational", {"hdd": True, "ssd": False}.get(at.get("type"))
+        yield from facts(f"disk {name}", vendor=maker(at.get("vendor")),
+                         rotational={"hdd": True, "ssd": False}.get(at.get("type")))
     for device, at in said.get("partitions", {}).items():
         if not device.startswith(("/dev/mapper/", "/dev/loop")):
-            yield from named(f"partition {device[5:]}", at.get, {"size": "size_bytes", "name": "partlabel"})
-            yield f"partition {device[5:]}", "uuid", lower(at.get("partuuid"))
+            yield from named(f"partition {device[5:]}", at.get, {"size": "size_bytes", "name": "partlabel",
+                                                                 "uuid": lowered("partuuid")})
         yield from file_system(device, at.get("filesystem"), at.get("uuid"), at.get("label"))
     for target, at in said.get("mountpoints", {}).items():
-        yield from named(f"mount {target}", at.get, {"source": "device", "type": "filesystem"})
-        yield f"mount {target}", "size", at.get("size_bytes") or None
-        yield f"mount {target}", "options", frozenset(at.get("options", [])) or None
+        yield from facts(f"mount {target}", source=at.get("device"), type=at.get("filesystem"),
+                         size=at.get("size_bytes") or None, options=frozenset(at.get("options", [])) or None)
 
 
 def facter_firmware(said):
@@ -222,5 +212,4 @@ def facter_firmware(said):
     yield from named("board", ask, {"vendor": "board.manufacturer", "product": "board.product",
                                    "serial": "board.serial_number"})
     yield from named("system", ask, {"vendor": "manufacturer", "product": "product.name",
-                                    "serial": "product.serial_number"})
-    yield "system", "uuid", lower(ask("product.uuid"))
+                                    "serial": "product.serial_number", "uuid": lowered("product.uuid")})

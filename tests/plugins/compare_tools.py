@@ -64,10 +64,23 @@ def blocks_of(text):
         yield block, {name.strip(): value.strip() for name, value in pairs}
 
 
+def facts(thing, **values):
+    """What each value is called, and the value."""
+    return ((thing, what, value) for what, value in values.items())
+
+
 def named(thing, ask, names):
-    """A fact for each name that one can ask by."""
+    """A fact for each name that one can ask by, or function of what one asks."""
     for what, name in names.items():
-        yield thing, what, ask(name)
+        yield thing, what, name(ask) if callable(name) else ask(name)
+
+
+def lowered(name):
+    return lambda ask: lower(ask(name))
+
+
+def numbered(name, base=10):
+    return lambda ask: number(ask(name), base)
 
 
 @tool("uname")
@@ -79,22 +92,20 @@ def uname():
 @tool("lsb_release")
 def lsb_release():
     for _, said in blocks_of(output_of("lsb_release -idr")):
-        yield "system", "distribution", lower(said.get("Distributor ID"))
-        yield from named("system", said.get, {"description": "Description", "release": "Release"})
+        yield from named("system", said.get, {"distribution": lowered("Distributor ID"), "release": "Release",
+                                              "description": "Description"})
 
 
 @tool("lscpu")
 def lscpu():
     said = {row["field"].rstrip(":"): row["data"] for row in json_of("lscpu -J").get("lscpu", [])}
     threads, per_core = number(said.get("CPU(s)")), number(said.get("Thread(s) per core"))
-    yield "system", "architecture", said.get("Architecture")
-    yield "system", "hypervisor", lower(said.get("Hypervisor vendor"))
-    yield from named("processor", said.get, {"model": "Model name", "vendor": "Vendor ID"})
+    yield from named("system", said.get, {"architecture": "Architecture", "hypervisor": lowered("Hypervisor vendor")})
+    yield from named("processor", said.get, {"model": "Model name", "vendor": "Vendor ID",
+                                             "sockets": numbered("Socket(s)"), "threads": numbered("CPU(s)")})
     version = [said.get(name) for name in ("CPU family", "Model", "Stepping")]
     yield "processor", "version", ".".join(version) if all(version) else None
-    yield "processor", "sockets", number(said.get("Socket(s)"))
     yield "processor", "cores", threads // per_core if threads and per_core else None
-    yield "processor", "threads", threads
     yield "processor", "bogomips", float(said["BogoMIPS"]) if "BogoMIPS" in said else None
     yield "processor", "flags", frozenset(said.get("Flags", "").split()) or None
     yield "numa", "nodes", number(said.get("NUMA node(s)"))
@@ -115,9 +126,7 @@ def free():
 def swapon():
     for line in lines_of("swapon --show=NAME,TYPE,SIZE,PRIO --bytes --noheadings"):
         name, kind, size, priority = line.split()
-        yield f"swap {name}", "size", int(size)
-        yield f"swap {name}", "kind", kind
-        yield f"swap {name}", "priority", int(priority)
+        yield from facts(f"swap {name}", size=int(size), kind=kind, priority=int(priority))
 
 
 @tool("lsblk")
@@ -147,18 +156,16 @@ def lsblk_disk(at):
 def lsblk_partition(at):
     part = f"partition {at['name']}"
     yield part, "start", at["start"] * 512 if at["start"] is not None else None  # always in units of 512 bytes
-    yield from named(part, at.get, {"size": "size", "name": "partlabel"})
-    yield from named(part, lambda name: lower(at[name]), {"type": "parttype", "uuid": "partuuid"})
+    yield from named(part, at.get, {"size": "size", "name": "partlabel", "type": lowered("parttype"),
+                                    "uuid": lowered("partuuid")})
 
 
 def memory_module(locator, size, vendor, part, serial):
-    for what, value in (("size", size), ("vendor", vendor), ("part", part), ("serial", serial)):
-        yield f"memory module {locator}", what, value
+    yield from facts(f"memory module {locator}", size=size, vendor=vendor, part=part, serial=serial)
 
 
 def file_system(device, kind, uuid, label):
-    for what, value in (("type", kind), ("uuid", uuid), ("label", label)):
-        yield f"file system {device}", what, value
+    yield from facts(f"file system {device}", type=kind, uuid=uuid, label=label)
 
 
 @tool("blkid")
@@ -186,21 +193,19 @@ def ip():
     for link in json_of("ip -j -d addr"):
         name = link["ifname"]
         interface = f"interface {name}"
-        yield interface, "mac", lower(link["address"]) if link["link_type"] == "ether" else None
-        yield interface, "permanent mac", lower(link.get("permaddr"))
-        yield interface, "mtu", link["mtu"]
-        yield interface, "state", lower(link["operstate"])
-        yield interface, "enabled", "UP" in link["flags"]
-        yield interface, "link", "LOWER_UP" in link["flags"] if "UP" in link["flags"] else None
-        yield interface, "kind", link.get("linkinfo", {}).get("info_kind")
+        yield from named(interface, link.get, {"permanent mac": lowered("permaddr"), "mtu": "mtu",
+                                               "state": lowered("operstate")})
+        up = "UP" in link["flags"]
+        yield from facts(interface, mac=lower(link["address"]) if link["link_type"] == "ether" else None, enabled=up,
+                         link="LOWER_UP" in link["flags"] if up else None,
+                         kind=link.get("linkinfo", {}).get("info_kind"))
         found = frozenset(f"{at['local']}/{at['prefixlen']}" for at in link["addr_info"])
         yield f"address of {name}", "all", found or None
     for family, default in (("-4", "0.0.0.0/0"), ("-6", "::/0")):
         for route in json_of(f"ip -j {family} route show table main"):
             destination = default if route["dst"] == "default" else str(ipaddress.ip_network(route["dst"]))
-            thing = f"route {destination} dev {route.get('dev')}"
-            yield thing, "gateway", route.get("gateway")
-            yield thing, "metric", route.get("metric", 0)
+            yield from facts(f"route {destination} dev {route.get('dev')} of table main",
+                             gateway=route.get("gateway"), metric=route.get("metric", 0))
 
 
 def first(pattern, text):
@@ -213,9 +218,8 @@ def dpkg():
     form = "${Package}\\t${Architecture}\\t${Version}\\t${db:Status-Status}\\t${Section}\\t${Installed-Size}\\n"
     for line in lines_of(["dpkg-query", "-W", "-f", form]):
         name, architecture, version, status, section, size = line.split("\t")
-        for what, value in (("version", version), ("status", status), ("section", section),
-                            ("size", number(size) * 1024 if size else None)):
-            yield f"package {name}:{architecture}", what, value
+        yield from facts(f"package {name}:{architecture}", version=version, status=status, section=section,
+                         size=number(size) * 1024 if size else None)
 
 
 @tool("lsmod")
