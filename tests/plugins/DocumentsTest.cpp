@@ -22,11 +22,8 @@ std::vector<std::string> Texts(const TCIMPropertyDecl& property, const char* qua
 
 bool IsNumeric(const TCIMPropertyDecl& property) {
     using TType = TCIMValue::TCIMType;
-    for (const int type :
-         {TType::eCIMUint8, TType::eCIMUint16, TType::eCIMUint32, TType::eCIMUint64, TType::eCIMSint8,
-          TType::eCIMSint16, TType::eCIMSint32, TType::eCIMSint64, TType::eCIMReal32, TType::eCIMReal64})
-        if (property.GetType() == type || property.GetType() == (type | TType::eCIMArrayFlag)) return true;
-    return false;
+    const int element = property.GetType() & ~TType::eCIMArrayFlag;
+    return element >= TType::eCIMUint8 && element <= TType::eCIMReal64;
 }
 
 bool HasRepeats(const std::vector<std::string>& texts) {

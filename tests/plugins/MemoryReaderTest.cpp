@@ -23,11 +23,8 @@ std::string DeviceOf(uint16_t size, uint32_t extendedSize) {
 }  // namespace
 
 TEST(MemoryReaderTest, SizesAreInTheUnitThatTheFirmwareChose) {
-    const struct {
-        uint16_t size;
-        uint32_t extended;
-        std::optional<uint64_t> bytes;
-    } cases[] = {
+    // The size, the extended size, and what they come to.
+    const std::tuple<uint16_t, uint32_t, std::optional<uint64_t>> cases[] = {
         {1, 0, 1ull << 20},        {0x7FFE, 0, 0x7FFEull << 20},      {0x8001, 0, 1024},
         {0xFFFF, 0, std::nullopt}, {0x7FFF, 0x00010000, 64ull << 30}, {0x7FFF, 0xFFFFFFFF, 0x7FFFFFFFull << 20}};
     for (const auto& [size, extended, bytes] : cases) {

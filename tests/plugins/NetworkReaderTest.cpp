@@ -25,8 +25,7 @@ TEST(NetworkReaderTest, ATableThatIsBrokenOffGivesWhatIsWhole) {
     const std::string links = *TSystemRoot(MACHINES "/server").ReadFile("/.kyr/rtnetlink/link");
     size_t count = 0;
     for (size_t length = 0; length <= links.size(); ++length) {
-        const std::string cut = links.substr(0, length);
-        const size_t found = ParseLinks(cut).size();
+        const size_t found = ParseLinks(links.substr(0, length)).size();
         EXPECT_THAT(found, ::testing::AnyOf(count, count + 1)) << length;
         count = found;
     }
@@ -34,19 +33,18 @@ TEST(NetworkReaderTest, ATableThatIsBrokenOffGivesWhatIsWhole) {
 }
 
 TEST(NetworkReaderTest, DevicesAreKnownByTheirPaths) {
-    const struct {
-        const char *target, *pci, *usb;
-    } cases[] = {
-        {"../../devices/pci0000:00/0000:00:1f.6/net/eno1", "0000:00:1f.6", ""},
-        {"../../devices/pci0000:00/0000:00:03.0/virtio0/net/eth0", "0000:00:03.0", ""},
-        {"../../devices/pci10000:e0/10000:e0:1d.0/net/eth0", "10000:e0:1d.0", ""},
-        {"../../devices/pci0000:00/0000:00:14.0/usb2/2-1/2-1.4/2-1.4:1.0/net/eth0", "", "2-1.4"},
-        {"../../devices/platform/soc/1.ethernet/net/10-4", "", ""},
-        {"", "", ""},
+    // The PCI address, a bar and the USB port.
+    const std::pair<const char*, const char*> cases[] = {
+        {"../../devices/pci0000:00/0000:00:1f.6/net/eno1", "0000:00:1f.6|"},
+        {"../../devices/pci0000:00/0000:00:03.0/virtio0/net/eth0", "0000:00:03.0|"},
+        {"../../devices/pci10000:e0/10000:e0:1d.0/net/eth0", "10000:e0:1d.0|"},
+        {"../../devices/pci0000:00/0000:00:14.0/usb2/2-1/2-1.4/2-1.4:1.0/net/eth0", "|2-1.4"},
+        {"../../devices/platform/soc/1.ethernet/net/10-4", "|"},
+        {"", "|"},
     };
-    for (const auto& c : cases) {
-        const TBusDevice device = ParseBusDevice(c.target);
-        EXPECT_EQ(device.pciAddress + "|" + device.usbId, std::string(c.pci) + "|" + c.usb) << c.target;
+    for (const auto& [target, expected] : cases) {
+        const TBusDevice device = ParseBusDevice(target);
+        EXPECT_EQ(device.pciAddress + "|" + device.usbId, expected) << target;
     }
 }
 

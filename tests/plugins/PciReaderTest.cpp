@@ -8,18 +8,12 @@ TEST(HardwareIdsTest, NamesAreFoundBelowWhatTheyBelongTo) {
     names.Parse(
         "# a list\n\n1028  Dell\n\t100e  not Intel's\n8086  Intel \n\t1000  other\n\t\t1028 002e  other's\n"
         "\t100e  82540EM\n\t\t1028 002e  Optiplex\n\t100e  again\nC 02  Network\n\t00  Ethernet\nno gap\n\t\t\t\t");
-    const struct {
-        const char *id, *name;
-    } cases[] = {{"8086", "Intel"},
-                 {"8086/100e", "82540EM"},
-                 {"8086/100e/1028 002e", "Optiplex"},
-                 {"1028", "Dell"},
-                 {"C 02", "Network"},
-                 {"C 02/00", "Ethernet"},
-                 {"8086/ffff", "-"},
-                 {"beef", "-"},
-                 {"8086/1000", "-"}};
-    for (const auto& c : cases) EXPECT_EQ(names.Name(c.id).ValueOr("-"), c.name) << c.id;
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"8086", "Intel"}, {"8086/100e", "82540EM"}, {"8086/100e/1028 002e", "Optiplex"}, {"1028", "Dell"},
+        {"C 02", "Network"}, {"C 02/00", "Ethernet"}, {"8086/ffff", "-"}, {"beef", "-"}, {"8086/1000", "-"}};
+    // clang-format on
+    for (const auto& [id, name] : cases) EXPECT_EQ(names.Name(id).ValueOr("-"), name) << id;
 }
 
 TEST(PciReaderTest, FilesThatHoldNonsenseAreNotSupported) {
@@ -30,18 +24,11 @@ TEST(PciReaderTest, FilesThatHoldNonsenseAreNotSupported) {
 }
 
 TEST(PciReaderTest, LinkSpeedsAreTransfersPerSecond) {
-    const struct {
-        const char* text;
-        uint64_t expected;  // 0: none
-    } cases[] = {{"2.5 GT/s PCIe", 2'500'000'000},
-                 {"8.0 GT/s PCIe", 8'000'000'000},
-                 {"32.0 GT/s PCIe", 32'000'000'000},
-                 {"16 GT/s", 16'000'000'000},
-                 {"Unknown", 0},
-                 {"", 0},
-                 {".5 GT/s", 0},
-                 {"2.55 GT/s", 0},
-                 {"2. GT/s", 0},
-                 {"99999999999.0 GT/s", 0}};
-    for (const auto& c : cases) EXPECT_EQ(ParseLinkSpeed(c.text).value_or(0), c.expected) << c.text;
+    const std::pair<const char*, uint64_t> cases[] = {{"2.5 GT/s PCIe", 2'500'000'000},
+                                                      {"8.0 GT/s PCIe", 8'000'000'000},
+                                                      {"32.0 GT/s PCIe", 32'000'000'000},
+                                                      {"16 GT/s", 16'000'000'000}};
+    for (const auto& [text, speed] : cases) EXPECT_EQ(ParseLinkSpeed(text), speed) << text;
+    for (const char* text : {"Unknown", "", ".5 GT/s", "2.55 GT/s", "2. GT/s", "99999999999.0 GT/s"})
+        EXPECT_EQ(ParseLinkSpeed(text), std::nullopt) << text;
 }

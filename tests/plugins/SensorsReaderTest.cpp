@@ -4,19 +4,15 @@
 #include "support/TestSupport.h"
 
 TEST(SensorsReaderTest, PlacesDoNotDependOnTheOrderOfDrivers) {
-    const struct {
-        const char *link, *place;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"../../devices/platform/coretemp.0/hwmon/hwmon3", "platform/coretemp.0"},
         {"../../devices/pci0000:00/0000:01:00.0/nvme/nvme12/hwmon1", "pci0000:00/0000:01:00.0"},
         {"../../devices/pci0000:00/0000:00:18.3/hwmon/hwmon0", "pci0000:00/0000:00:18.3"},
         {"../../devices/LNXSYSTM:00/ACPI000D:00/hwmon4", "LNXSYSTM:00/ACPI000D:00"},
         {"../../devices/virtual/thermal/thermal_zone7/hwmon2", "virtual/chip"},
-        {"../../devices/", ""},
-        {"hwmon1", ""},
-        {"", ""},
     };
     for (const auto& [link, place] : cases) EXPECT_EQ(StableDevicePath(link, "chip"), place) << link;
+    for (const char* link : {"../../devices/", "hwmon1", ""}) EXPECT_EQ(StableDevicePath(link, "chip"), "") << link;
 }
 
 TEST(SensorsReaderTest, WhatIsNoReadingSaysWhy) {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 #include "SoftwareFacts.h"
@@ -62,26 +60,15 @@ TEST(SoftwareReaderTest, ServicesTellHowTheyAreStartedAndWhetherTheyRun) {
     root.Write(slice + "system-my\\x2dgetty.slice/my-getty@tty1.service/cgroup.procs", "813\n");
     const auto services = ReadServices(TSystemRoot(root.Path()));
     ASSERT_TRUE(services);
-    const struct {
-        const char* name;
-        uint16_t startMode;
-        const char* description;
-        bool running;
-    } expected[] = {{"cron.service", eEnabled, "Runs at times", false},
-                    {"lsb.service", eEnabled, "LSB: of a script", false},
-                    {"my-getty@tty1.service", eEnabled, "Getty on tty1, %p", true},
-                    {"old.service", eMasked, "", false},
-                    {"once.service", eStatic, "", false},
-                    {"ssh.service", eEnabled, "Secure shell", true},
-                    {"udevd.service", eStatic, "Watches", true},
-                    {"vsftpd.service", eDisabled, "", false}};
-    ASSERT_EQ(services->size(), std::size(expected));
-    for (size_t i = 0; i < std::size(expected); ++i) {
-        SCOPED_TRACE(expected[i].name);
-        const TService& service = services->at(i);
-        EXPECT_EQ(service.name, expected[i].name);
-        EXPECT_EQ(*service.startMode, expected[i].startMode);
-        EXPECT_EQ(service.description.ValueOr(""), expected[i].description);
-        EXPECT_EQ(*service.running, expected[i].running);
-    }
+    std::vector<std::tuple<std::string, uint16_t, std::string, bool>> found;
+    for (const TService& service : *services)
+        found.emplace_back(service.name, *service.startMode, service.description.ValueOr(""), *service.running);
+    EXPECT_THAT(found, ::testing::ElementsAre(std::tuple("cron.service", eEnabled, "Runs at times", false),
+                                              std::tuple("lsb.service", eEnabled, "LSB: of a script", false),
+                                              std::tuple("my-getty@tty1.service", eEnabled, "Getty on tty1, %p", true),
+                                              std::tuple("old.service", eMasked, "", false),
+                                              std::tuple("once.service", eStatic, "", false),
+                                              std::tuple("ssh.service", eEnabled, "Secure shell", true),
+                                              std::tuple("udevd.service", eStatic, "Watches", true),
+                                              std::tuple("vsftpd.service", eDisabled, "", false)));
 }

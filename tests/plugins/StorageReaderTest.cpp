@@ -7,32 +7,28 @@
 #include "support/TestSupport.h"
 
 TEST(StorageReaderTest, OnlyFileSystemsThatAnswerAtOnceAreAsked) {
-    const struct {
-        const char *mounts, *reason;
-    } kCases[] = {
+    const std::string server = "it may wait for a server or a program";
+    const std::pair<const char*, std::string> kCases[] = {
         {"1 0 8:1 / /m rw - ext4 /dev/sda1 rw", ""},
         {"1 0 0:9 / /m rw - tmpfs tmpfs rw", ""},
         {"1 0 0:9 / /m rw - overlay overlay rw,lowerdir=/a,upperdir=/b", ""},
         {"1 0 0:9 / /m rw - overlay overlay rw,lowerdir=/a", "it passes the question on"},
-        {"1 0 0:9 / /m rw - nfs4 server:/export rw", "it may wait for a server or a program"},
-        {"1 0 0:9 / /m rw - fuse.sshfs host: rw", "it may wait for a server or a program"},
-        {"1 0 8:1 / /m rw - fuseblk /dev/sda1 rw", "it may wait for a server or a program"},
-        {"1 0 0:9 / /m rw - neverheardof x rw", "it may wait for a server or a program"},
+        {"1 0 0:9 / /m rw - nfs4 server:/export rw", server},
+        {"1 0 0:9 / /m rw - fuse.sshfs host: rw", server},
+        {"1 0 8:1 / /m rw - fuseblk /dev/sda1 rw", server},
+        {"1 0 0:9 / /m rw - neverheardof x rw", server},
         {"1 7 8:1 / /m rw - ext4 /dev/sda1 rw\n2 1 0:9 / /m rw - tmpfs tmpfs rw", "another mount stands over it"},
-        {"1 2 8:1 / /m rw - ext4 /dev/sda1 rw\n2 0 0:9 / / rw - cifs //a/b rw",
-         "the way to it may wait for a server or a program"},
-        {"1 2 8:1 / /m rw - ext4 /dev/sda1 rw\n2 0 0:9 / / rw - autofs x rw",
-         "the way to it may wait for a server or a program"},
+        {"1 2 8:1 / /m rw - ext4 /dev/sda1 rw\n2 0 0:9 / / rw - cifs //a/b rw", "the way to " + server},
+        {"1 2 8:1 / /m rw - ext4 /dev/sda1 rw\n2 0 0:9 / / rw - autofs x rw", "the way to " + server},
     };
     TempFolder root;
     root.Write(".kyr/statvfs", "/m\t4096 512 100 50 40 0 0\n");
     const TSystemRoot recorded(root.Path());
-    for (const auto& c : kCases) {
-        const std::vector<TMount> mounts = ParseMounts(c.mounts);
+    for (const auto& [table, reason] : kCases) {
+        const std::vector<TMount> mounts = ParseMounts(table);
         const TFact<TSpace> space = TSpaceReader(recorded, mounts).Ask(mounts.at(0));
-        EXPECT_EQ(space.source, *c.reason ? "/m (not asked: " + std::string(c.reason) + ")" : "statvfs of /m")
-            << c.mounts;
-        EXPECT_EQ(space ? space->available : 0, *c.reason ? 0u : 40u * 512) << c.mounts;
+        EXPECT_EQ(space.source, reason.empty() ? "statvfs of /m" : "/m (not asked: " + reason + ")") << table;
+        EXPECT_EQ(space ? space->available : 0, reason.empty() ? 40u * 512 : 0u) << table;
     }
 }
 
@@ -52,16 +48,9 @@ TEST(StorageReaderTest, RunningMachineIsAskedOfTheMountItselfAndNotOfOneInItsPla
 }
 
 TEST(StorageReaderTest, RecordedSpaceThatCannotBeIsNone) {
-    const struct {
-        const char* line;
-        size_t lines;
-    } kCases[] = {{"/a\\040b\t4096 4096 10 5 4 0 0", 1},
-                  {"/\t1 2 3", 0},
-                  {"/ 1 2 3 4 5 6 7", 0},
-                  {"/\t1 1 5 6 5 0 0", 0},
-                  {"/\t1 18446744073709551615 2 1 1 0 0", 0}};
-    for (const auto& c : kCases) EXPECT_EQ(ParseRecordedSpace(c.line).size(), c.lines) << c.line;
-    EXPECT_EQ(ParseRecordedSpace(kCases[0].line).at("/a b").used, 5u * 4096);
+    for (const char* line : {"/\t1 2 3", "/ 1 2 3 4 5 6 7", "/\t1 1 5 6 5 0 0", "/\t1 18446744073709551615 2 1 1 0 0"})
+        EXPECT_TRUE(ParseRecordedSpace(line).empty()) << line;
+    EXPECT_EQ(ParseRecordedSpace("/a\\040b\t4096 4096 10 5 4 0 0").at("/a b").used, 5u * 4096);
 }
 
 TEST(StorageReaderTest, WordsOfTheKernelAreRead) {
@@ -70,21 +59,14 @@ TEST(StorageReaderTest, WordsOfTheKernelAreRead) {
     EXPECT_EQ(MergeOptions("rw,relatime", "ro,relatime,size=4k"), "ro,relatime,size=4k");
     EXPECT_EQ(DiskOfPath("nvme0n1") + DiskOfPath("nvme0") + DiskOfPath("nvmecn") + DiskOfPath("cciss!c0d0"), "");
     EXPECT_STREQ(FindPartitionTypeName("C12A7328-F81F-11D2-BA4B-00A0C93EC93B"), "EFI system");
-    const struct {
-        const char *name, *group, *volume;
-    } kNames[] = {
-        {"vg0-root", "vg0", "root"}, {"a--b-c--d-real", "a-b", "c-d-real"}, {"whole", "whole", ""}, {"", "", ""}};
-    for (const auto& c : kNames) {
-        EXPECT_EQ(ParseVolumeNames(c.name).group, c.group) << c.name;
-        EXPECT_EQ(ParseVolumeNames(c.name).volume, c.volume) << c.name;
-    }
+    const std::pair<const char*, const char*> kNames[] = {
+        {"vg0-root", "vg0|root"}, {"a--b-c--d-real", "a-b|c-d-real"}, {"whole", "whole|"}, {"", "|"}};
+    for (const auto& [name, parts] : kNames)
+        EXPECT_EQ(ParseVolumeNames(name).group + "|" + ParseVolumeNames(name).volume, parts) << name;
 }
 
 TEST(StorageReaderTest, WayToADiskTellsItsBus) {
-    const struct {
-        const char* place;
-        EBusType type;
-    } kCases[] = {
+    const std::pair<const char*, EBusType> kCases[] = {
         {"../../devices/pci0000:00/0000:00:17.0/ata3/host2/target2:0:0/2:0:0:0/block/sda", EBusType::eSata},
         {"../../devices/pci0000:00/0000:00:14.0/usb1/1-4/1-4:1.0/host1/target1:0:0/1:0:0:0/block/sda", EBusType::eUsb},
         {"../../devices/platform/host3/session1/target3:0:0/3:0:0:0/block/sda", EBusType::eIscsi},
@@ -95,6 +77,6 @@ TEST(StorageReaderTest, WayToADiskTellsItsBus) {
         {"", EBusType::eUnknown},
     };
     const TUdevRecord serial(TFact<std::string>::Of("E:ID_ATA_SATA=1\n", "b8:0"));
-    for (const auto& c : kCases) EXPECT_EQ(BusTypeOf(c.place, serial), c.type) << c.place;
-    EXPECT_EQ(BusTypeOf(kCases[0].place, TUdevRecord()), EBusType::eAta);
+    for (const auto& [place, type] : kCases) EXPECT_EQ(BusTypeOf(place, serial), type) << place;
+    EXPECT_EQ(BusTypeOf(kCases[0].first, TUdevRecord()), EBusType::eAta);
 }

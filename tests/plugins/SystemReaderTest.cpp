@@ -47,21 +47,16 @@ TEST(SystemReaderTest, NumbersAndDatesOutOfRangeAreNotSupported) {
 }
 
 TEST(SystemReaderTest, OsReleaseIsReadAsAShellWould) {
-    const struct {
-        const char *lines, *expected;
-    } cases[] = {
-        {"NAME=\"Two Words\"", "Two Words"},
-        {"NAME='It is \\n so'", "It is \\n so"},
-        {"NAME=\"a\\\"b\\$c\"", "a\"b$c"},
-        {"NAME=a\\ b", "a b"},
-        {"NAME=first\nNAME=last", "last"},
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"NAME=\"Two Words\"", "Two Words"}, {"NAME='It is \\n so'", "It is \\n so"}, {"NAME=\"a\\\"b\\$c\"", "a\"b$c"},
+        {"NAME=a\\ b", "a b"}, {"NAME=first\nNAME=last", "last"}, {"\r\nNAME=Dos\r\n", "Dos"},
+        {"NAME=\"open", "open"}, {"NAME=end\\", "end\\"}, {"NAME=\"\"", "not present: /etc/os-release"},
         {"NAMES=other\n#NAME=comment", "not present: /etc/os-release"},
-        {"NAME=\"\"", "not present: /etc/os-release"},
-        {"\r\nNAME=Dos\r\n", "Dos"},
-        {"NAME=\"open", "open"},
-        {"NAME=end\\", "end\\"},
     };
-    for (const auto& c : cases) EXPECT_EQ(Show(ReadFile("etc/os-release", c.lines).osName), c.expected) << c.lines;
+    // clang-format on
+    for (const auto& [lines, expected] : cases)
+        EXPECT_EQ(Show(ReadFile("etc/os-release", lines).osName), expected) << lines;
 }
 
 TEST(SystemReaderTest, RollingDistributionHasItsBuildForAVersion) {
@@ -70,10 +65,7 @@ TEST(SystemReaderTest, RollingDistributionHasItsBuildForAVersion) {
 
 TEST(SystemReaderTest, HypervisorIsNamedByFirmwareOrKernel) {
     const std::string dmi = "sys/class/dmi/id/", clocks = "sys/devices/system/clocksource/clocksource0/";
-    const struct {
-        std::vector<std::pair<std::string, const char*>> files;
-        const char* expected;
-    } cases[] = {
+    const std::pair<std::vector<std::pair<std::string, const char*>>, const char*> cases[] = {
         {{{dmi + "sys_vendor", "VMware, Inc."}}, "VMware"},
         {{{dmi + "sys_vendor", "Microsoft Corporation"}, {dmi + "product_name", "Virtual Machine"}},
          "Microsoft Hyper-V"},
@@ -84,9 +76,9 @@ TEST(SystemReaderTest, HypervisorIsNamedByFirmwareOrKernel) {
         {{{clocks + "available_clocksource", "tsc \n"}, {dmi + "sys_vendor", "QEMU"}}, "QEMU"},
         {{{"proc/cpuinfo", "flags : fpu hypervisor lm"}}, "not supported: /proc/cpuinfo"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [files, expected] : cases) {
         const TempFolder machine;
-        for (const auto& [path, content] : c.files) machine.Write(path, content);
-        EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).hypervisor), c.expected) << c.files[0].second;
+        for (const auto& [path, content] : files) machine.Write(path, content);
+        EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).hypervisor), expected) << files[0].second;
     }
 }
