@@ -19,15 +19,8 @@ LogCapture::~LogCapture() { Logger().ClearLog(); }
 
 ILogger& LogCapture::Logger() const { return *TRootObject::GetCoreLogger(); }
 
-std::vector<std::string> LogCapture::TakeTexts() {
-    std::vector<std::string> texts;
-    for (const ILogger::TLogEntry& entry : Logger().GetLog()) texts.push_back(entry.text);
-    Logger().ClearLog();
-    return texts;
-}
-
-std::vector<std::string> LogCapture::TakeLines() {
-    std::vector<std::string> lines;
+TLines LogCapture::TakeLines() {
+    TLines lines;
     for (const ILogger::TLogEntry& entry : Logger().GetLog())
         lines.push_back(std::to_string(entry.severity) + ":" + entry.text);
     Logger().ClearLog();
@@ -57,6 +50,19 @@ std::string TempFolder::Write(const std::string& name, const std::string& conten
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
     return path.string();
+}
+
+std::string Joined(const TLines& parts, const std::string& separator) {
+    std::string text;
+    for (const std::string& part : parts) text += (text.empty() ? "" : separator) + part;
+    return text;
+}
+
+TLines Split(const std::string& text, char separator) {
+    std::istringstream stream(text);
+    TLines parts;
+    for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+    return parts;
 }
 
 std::string ReadFile(const std::string& path) {

@@ -9,6 +9,8 @@
 #include "kyr/ILogger.h"
 #include "kyr/TKYRException.h"
 
+using TLines = std::vector<std::string>;
+
 /// Runs an expression and gives the status that it raised, kyrStatusOK for none, so that a table can hold it.
 template <typename TAction>
 kyrStatusCode StatusOf(TAction&& action) {
@@ -35,10 +37,8 @@ public:
     LogCapture& operator=(const LogCapture&) = delete;
 
     ILogger& Logger() const;
-    /// The texts logged since the last call, oldest first; the log is empty afterwards.
-    std::vector<std::string> TakeTexts();
-    /// The same as lines "severity:text".
-    std::vector<std::string> TakeLines();
+    /// What was logged since the last call as lines "severity:text", oldest first; the log is empty afterwards.
+    TLines TakeLines();
 };
 
 /// The fixture of most tests: a log of its own.
@@ -73,6 +73,9 @@ public:
 private:
     std::string fPath;
 };
+
+std::string Joined(const TLines& parts, const std::string& separator);
+TLines Split(const std::string& text, char separator);
 
 /// The whole content of a file; fails the test if it cannot be read.
 std::string ReadFile(const std::string& path);

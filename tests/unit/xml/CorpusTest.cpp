@@ -5,13 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "kyr/TCIMClass.h"
-#include "kyr/TCIMInstance.h"
-#include "kyr/TCIMProperty.h"
-#include "kyr/TCIMPropertyDecl.h"
-#include "kyr/TCIMQualifier.h"
-#include "kyr/TContainer.h"
-#include "support/TestSupport.h"
+#include "support/SchemaBuilder.h"
 
 namespace {
 
@@ -22,22 +16,13 @@ std::string Number(const TList& list) {
     return std::to_string(list.size());
 }
 
-std::string Joined(const TRow& list, const char* separator) {
-    std::string text;
-    for (const std::string& item : list) text += (text.empty() ? "" : separator) + item;
-    return text;
-}
-
 std::string SortedNames(const std::vector<TCIMClass*>& classes) {
-    TRow names;
-    for (const TCIMClass* cls : classes) names.push_back(cls->GetName());
+    TRow names = NamesOf(classes);
     std::sort(names.begin(), names.end());
     return Joined(names, " ");
 }
 
-std::string TextOf(const TCIMValue& value) { return value.IsNull() ? "NULL" : value.ToString(10); }
-
-class Corpus : public LoggedTest, public ::testing::WithParamInterface<const char*> {
+class Corpus : public SchemaTest, public ::testing::WithParamInterface<const char*> {
 protected:
     void SetUp() override {
         if (std::getenv("KYRCORE_CORPUS") != nullptr) fFolder = std::string(std::getenv("KYRCORE_CORPUS")) + "/";
@@ -52,20 +37,13 @@ protected:
     void CheckClasses(const std::vector<TCIMClass*>& collected);
 
     std::string fFolder = std::string(KYRCORE_CORPUS_FOLDER) + "/";
-    TContainer fContainer;
 };
 
 /// The rows of a table without the one of its headings.
 std::vector<TRow> Corpus::Rows(const std::string& table) {
     std::ifstream stream(fFolder + "expect/" + GetParam() + "." + table + ".tsv");
     std::vector<TRow> rows;
-    for (std::string line; std::getline(stream, line);) {
-        rows.emplace_back();
-        for (size_t begin = 0, end; begin <= line.size(); begin = end + 1) {
-            end = std::min(line.find('\t', begin), line.size());
-            rows.back().push_back(line.substr(begin, end - begin));
-        }
-    }
+    for (std::string line; std::getline(stream, line);) rows.push_back(Split(line + '\t', '\t'));
     if (!rows.empty()) rows.erase(rows.begin());
     return rows;
 }

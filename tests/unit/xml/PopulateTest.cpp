@@ -2,8 +2,7 @@
 
 #include <filesystem>
 
-#include "kyr/TContainer.h"
-#include "support/TestSupport.h"
+#include "support/SchemaBuilder.h"
 
 namespace {
 
@@ -12,7 +11,7 @@ const std::string kGood =
     "<QUALIFIER NAME='Abstract' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER></CLASS></VALUE.OBJECT></DECLGROUP>"
     "</DECLARATION></CIM>";
 
-class Populate : public LoggedTest {
+class Populate : public SchemaTest {
 protected:
     kyrStatusCode StatusOfFile(const std::string& path) {
         return StatusOf([&] { fContainer.PopulateContainerFromFile(path); });
@@ -26,7 +25,6 @@ protected:
     }
 
     TempFolder fFolder;
-    TContainer fContainer;
 };
 
 /// A gzip file whose trailer claims another size.
@@ -72,7 +70,7 @@ TEST_F(Populate, ReadsUpToTheLimit) {
     EXPECT_EQ(fContainer.PopulateContainerFromFile(path).size(), 1u);
     std::filesystem::resize_file(path, 104857601);
     EXPECT_EQ(StatusOfFile(path), kyrStatusInvalidSpecificationDocument);
-    EXPECT_EQ(fLog.TakeTexts(), std::vector<std::string>());
+    EXPECT_TRUE(fLog.TakeLines().empty());
 }
 
 TEST_F(Populate, KeepsWhatAFailedDocumentHasAdded) {
@@ -81,8 +79,7 @@ TEST_F(Populate, KeepsWhatAFailedDocumentHasAdded) {
     const std::string path = fFolder.Write("half.xml", document);
     EXPECT_EQ(StatusOfFile(path), kyrStatusNotFound);
     EXPECT_NE(fContainer.FindClass("A"), nullptr);
-    EXPECT_EQ(fLog.TakeLines(),
-              std::vector<std::string>({"0:TCIMXMLParser: Couldn't find class B",
+    EXPECT_EQ(fLog.TakeLines(), TLines({"0:TCIMXMLParser: Couldn't find class B",
                                         "0:TCIMXMLParser: Threw exception kyrStatusNotFound on line 2",
                                         "0:Previous error was while parsing file '" + path + "'"}));
 }

@@ -2,12 +2,6 @@
 
 #include <algorithm>
 
-#include "kyr/TCIMClass.h"
-#include "kyr/TCIMInstance.h"
-#include "kyr/TCIMProperty.h"
-#include "kyr/TCIMPropertyDecl.h"
-#include "kyr/TCIMQualifier.h"
-
 namespace {
 
 const char* const kBeginning =
@@ -24,11 +18,8 @@ const char* const kBeginning =
     "<PROPERTY.REFERENCE NAME='From' REFERENCECLASS='A'><QUALIFIER NAME='Key' TYPE='boolean'><VALUE>true</VALUE>"
     "</QUALIFIER></PROPERTY.REFERENCE><PROPERTY.REFERENCE NAME='To' REFERENCECLASS='A'/></CLASS></VALUE.OBJECT>";
 
-std::string TextOf(const TCIMValue& value) { return value.IsNull() ? "NULL" : value.ToString(10); }
-
-std::string TypeOf(const TCIMValue& value) {
-    const int type = value.GetType();
-    std::string text = (type & 15) == 0 ? "none" : value.GetType().ToString();
+std::string TypeText(const TCIMValue& value) {
+    std::string text = (TypeOf(value) & 15) == 0 ? "none" : value.GetType().ToString();
     if (value.IsArray()) text += "[" + std::to_string(value.GetMaxArraySize()) + "]";
     if (value.IsReference() && value.GetReferencedClass() != nullptr)
         text += "(" + value.GetReferencedClass()->GetName() + ")";
@@ -44,7 +35,7 @@ std::string QualifiersOf(const ICIMAllowQualifiers& carrier) {
 }
 
 std::string Told(const TCIMQualifierDecl& declaration) {
-    return "qualifier " + declaration.GetName() + " " + TypeOf(declaration.GetValue()) + "=" +
+    return "qualifier " + declaration.GetName() + " " + TypeText(declaration.GetValue()) + "=" +
            TextOf(declaration.GetValue()) + " scope " + std::to_string(declaration.GetScope()) + " flavor " +
            std::to_string(declaration.GetFlavor());
 }
@@ -54,7 +45,7 @@ void List(const TCIMClass& cls, std::vector<std::string>& lines) {
     for (const TCIMPropertyDecl* property : cls.EnumeratePropertyDecls())
         if (property->GetClass() == &cls)
             lines.push_back("property " + cls.GetName() + "." + property->GetName() + " " +
-                            TypeOf(property->GetValue()) + "=" + TextOf(property->GetValue()) +
+                            TypeText(property->GetValue()) + "=" + TextOf(property->GetValue()) +
                             QualifiersOf(*property));
     for (const TCIMInstance* instance : cls.EnumerateInstances(false)) {
         lines.push_back("instance " + instance->BuildPath().GetPath());
@@ -62,12 +53,6 @@ void List(const TCIMClass& cls, std::vector<std::string>& lines) {
             if (!property->GetPropagated())
                 lines.back() += " " + property->GetName() + "=" + TextOf(property->GetValue());
     }
-}
-
-std::string Joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines) text += (text.empty() ? "" : "; ") + line;
-    return text;
 }
 
 /// Log lines of a document that failed, with the usual ones cut to what differs.
@@ -99,31 +84,26 @@ std::string OfA(const std::string& content) {
     return Instance("a", "<PROPERTY NAME='ID' TYPE='string'><VALUE>k</VALUE></PROPERTY>" + content);
 }
 
-ReaderTest::ReaderTest() { EXPECT_EQ(ReadGroup(kBeginning).rfind("qualifier ", 0), 0u); }
+TReader::TReader(LogCapture& log) : fReaderLog(log) { EXPECT_EQ(ReadGroup(kBeginning).rfind("qualifier ", 0), 0u); }
 
-std::string ReaderTest::Read(const std::string& document, bool tr907Mode) {
-    fLog.TakeLines();
+std::string TReader::Read(const std::string& document, bool tr907Mode) {
+    fReaderLog.TakeLines();
     std::string text = std::string(1, '\0') + document;
     TCIMXMLParser parser(&fContainer);
     if (tr907Mode) parser.SetTR907Mode();
     const kyrStatusCode status = StatusOf([&] { parser.Parse(&text[1]); });
-    std::vector<std::string> lines = fLog.TakeLines();
+    std::vector<std::string> lines = fReaderLog.TakeLines();
     if (status != kyrStatusOK) lines = Shortened(lines, status);
     for (const std::string& object : NewObjects()) lines.push_back(object);
-    fCollected.clear();
-    for (const TCIMClass* cls : parser.GetClassesCollected()) fCollected.push_back(cls->GetName());
-    return Joined(lines);
+    fCollected = NamesOf(parser.GetClassesCollected());
+    return Joined(lines, "; ");
 }
 
-std::string ReaderTest::ReadGroup(const std::string& content, bool tr907Mode) {
+std::string TReader::ReadGroup(const std::string& content, bool tr907Mode) {
     return Read("<CIM><DECLARATION><DECLGROUP>" + content + "</DECLGROUP></DECLARATION></CIM>", tr907Mode);
 }
 
-void ReaderTest::Expect(const std::vector<TCase>& cases, bool tr907Mode) {
-    for (const TCase& c : cases) EXPECT_EQ(ReadGroup(c.content, tr907Mode), c.outcome) << c.content;
-}
-
-std::vector<std::string> ReaderTest::NewObjects() {
+std::vector<std::string> TReader::NewObjects() {
     std::vector<std::string> all;
     for (const TCIMQualifierDecl* declaration : fContainer.EnumerateQualifiers()) all.push_back(Told(*declaration));
     for (const TCIMClass* cls : fContainer.GetRootClass()->EnumerateSubClasses(true)) List(*cls, all);

@@ -1,0 +1,90 @@
+// What of reading documents takes more to tell than a text and its outcome in cases/.
+#include "ReaderSupport.h"
+
+namespace {
+
+using Documents = ReaderTest;
+
+TEST_F(Documents, ClassesAreCollectedInOrderAndOnce) {
+    ReadGroup(Class("Z", "") + Class("Y", "") + Class("z", ""));
+    EXPECT_EQ(fCollected, std::vector<std::string>({"Z", "Y"}));
+}
+
+TEST_F(Documents, InMessagesCollectNoClasses) {
+    EXPECT_EQ(Read("<CIM><MESSAGE><SIMPLEREQ><IMETHODCALL NAME='CreateClass'>"
+                   "<LOCALNAMESPACEPATH><NAMESPACE NAME='root'/></LOCALNAMESPACEPATH><IPARAMVALUE NAME='NewInstance'>"
+                   "<CLASS NAME='New' SUPERCLASS='A'/></IPARAMVALUE><IPARAMVALUE NAME='NewClass'>"
+                   "<CLASS NAME='A' SUPERCLASS='B'/></IPARAMVALUE><IPARAMVALUE NAME='NewClass'>"
+                   "<INSTANCE CLASSNAME=''/></IPARAMVALUE></IMETHODCALL></SIMPLEREQ></MESSAGE></CIM>"),
+              "3:TContainer: class A already defined; class New:A");
+    EXPECT_THAT(fCollected, testing::IsEmpty());
+    EXPECT_EQ(fContainer.GetRootClass()->EnumerateInstances(false).size(), 1u);
+}
+
+TEST_F(Documents, TR907ModeReadsByTheDeclarationsType) {
+    const std::string kNew = "instance A.Id=\"k\" Id=k";
+    const std::pair<std::string, std::string> cases[] = {
+        {OfA("<PROPERTY NAME='N' TYPE='uint8'><VALUE>70000</VALUE></PROPERTY>"), kNew + " N=70000"},
+        {OfA("<PROPERTY NAME='N'/>"), kNew + " N=NULL"},
+        // What cannot be read by that type is skipped.
+        {OfA("<PROPERTY NAME='Tags'><VALUE>x</VALUE></PROPERTY>"), kNew},
+        {OfA("<PROPERTY NAME='X'><VALUE>x</VALUE></PROPERTY>"), "kyrStatusNotFound"},
+    };
+    for (const auto& [content, outcome] : cases) EXPECT_EQ(ReadGroup(content, true), outcome) << content;
+}
+
+TEST_F(Documents, HoldObjectsInEveryKindOfGroup) {
+    const std::string path =
+        "<NAMESPACEPATH><HOST>h</HOST><LOCALNAMESPACEPATH><NAMESPACE NAME='x'/></LOCALNAMESPACEPATH></NAMESPACEPATH>";
+    EXPECT_EQ(
+        Read("<CIM><DECLARATION><DECLGROUP.WITHNAME>" + path +
+             "<VALUE.NAMEDOBJECT><CLASS NAME='C1' SUPERCLASS='A'/></VALUE.NAMEDOBJECT>" +
+             "</DECLGROUP.WITHNAME><DECLGROUP.WITHPATH><VALUE.OBJECTWITHPATH><CLASSPATH>" + path +
+             "<CLASSNAME NAME='Ignored'/></CLASSPATH><CLASS NAME='C2' SUPERCLASS='A'/></VALUE.OBJECTWITHPATH>"
+             "<VALUE.OBJECTWITHLOCALPATH><LOCALINSTANCEPATH/><INSTANCE CLASSNAME='C2'><PROPERTY NAME='Id' "
+             "TYPE='string'>"
+             "<VALUE>1</VALUE></PROPERTY></INSTANCE></VALUE.OBJECTWITHLOCALPATH></DECLGROUP.WITHPATH></DECLARATION>"
+             "</CIM>"),
+        "class C1:A; class C2:A; instance C2.Id=\"1\" Id=1");
+    EXPECT_EQ(fCollected, std::vector<std::string>({"C1", "C2"}));
+}
+
+// After a rename the path of an instance cannot be built any more, and the failure destroys the instance.
+TEST_F(Documents, AnInstanceMayBeConsumedByAFailure) {
+    fContainer.GetClass("A")->GetPropertyDecl("Id")->SetName("Renamed");
+    ReadGroup(Instance("A", "<PROPERTY NAME='Renamed' TYPE='string'><VALUE>1</VALUE></PROPERTY>"));
+    EXPECT_TRUE(fContainer.GetClass("A")->EnumerateInstances(true).empty());
+}
+
+TEST_F(Documents, KeepTheLineEndsOfTexts) {
+    EXPECT_EQ(ReadGroup(Class("V", "<PROPERTY NAME='P' TYPE='string'><VALUE> 12 \r\n</VALUE></PROPERTY>")),
+              "class V:A; property V.P string= 12 \r\n");
+}
+
+TEST_F(Documents, ABadDateTimeIsDefaultedAndLogged) {
+    EXPECT_THAT(ReadGroup(Class("V", "<PROPERTY NAME='P' TYPE='datetime'><VALUE>garbage</VALUE></PROPERTY>")),
+                testing::MatchesRegex("0:Invalid datetime found on line 1\\.  Defaulting the datetime to .*\\.; "
+                                      "class V:A; property V\\.P datetime=19700101000000\\.000000\\+000"));
+}
+
+TEST_F(Documents, ArraysMayBeLong) {
+    const std::string item = "a rather long element of the array";
+    std::string values, text = item;
+    for (int i = 0; i < 100; ++i) values += "<VALUE>" + item + "</VALUE>";
+    for (int i = 1; i < 100; ++i) text += ", " + item;
+    EXPECT_EQ(ReadGroup(Class("V", "<PROPERTY.ARRAY NAME='P' TYPE='string'><VALUE.ARRAY>" + values +
+                                       "</VALUE.ARRAY></PROPERTY.ARRAY>")),
+              "class V:A; property V.P string[0]={ " + text + " }");
+}
+
+TEST_F(Documents, ADifferenceContainerLeavesBindingsOutThatAreNoKeys) {
+    fContainer.hackhack_TurnIntoADiffContainer();
+    const std::string begin =
+        "<PROPERTY.REFERENCE NAME='R' REFERENCECLASS='A'><VALUE.REFERENCE><INSTANCENAME CLASSNAME=";
+    const std::string end = "</INSTANCENAME></VALUE.REFERENCE></PROPERTY.REFERENCE>";
+    const std::string binding = "<KEYBINDING NAME='N'><KEYVALUE>5</KEYVALUE></KEYBINDING>";
+    EXPECT_THAT(ReadGroup(Class("V", begin + "'A'>" + binding + end, "L")), testing::EndsWith("reference(A)=A"));
+    EXPECT_THAT(ReadGroup(Class("W", begin + "''><KEYVALUE>5</KEYVALUE>" + end, "L")), testing::EndsWith("=<root>"));
+}
+
+}  // namespace
