@@ -12,7 +12,7 @@ protected:
     void Expect(const char* text, std::initializer_list<kyrStatusCode> statuses, const IPlugin* under = nullptr) {
         EXPECT_THAT(statuses, ::testing::Each(kyrStatusFail)) << text;
         for (const ILogger::TLogEntry& entry : fLog.Logger().GetLog()) EXPECT_EQ(entry.plugin, under) << text;
-        EXPECT_EQ(fLog.TakeLines(), std::vector<std::string>(statuses.size(), std::string("0:") + text));
+        EXPECT_EQ(fLog.TakeLines(), TLines(statuses.size(), std::string("0:") + text));
     }
 
     FakePlugin fPlugin{"fake"};

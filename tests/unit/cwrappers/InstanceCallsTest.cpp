@@ -9,8 +9,6 @@
 
 namespace {
 
-using TLines = std::vector<std::string>;
-
 /// Runs out of memory when it is told to.
 class TContainerWithoutMemory : public TContainer {
 public:

@@ -7,8 +7,6 @@
 
 namespace {
 
-using TLines = std::vector<std::string>;
-
 kyrStatusCode gStatus;  // what every entry returns
 TLines gSeen;           // which entries were called
 
@@ -54,15 +52,13 @@ protected:
 };
 
 TEST_F(ServicesTest, EveryStatusHasItsOwnNameAsText) {
-    const std::map<int32_t, const char*> cases = {{0, "kyrStatusOK"},
-                                                  {12, "kyrStatusDirectoryAlreadyExists"},
-                                                  {26, "kyrStatusFileNotFound"},
-                                                  {38, "kyrStatusEnd"},
-                                                  {39, "kyrStatusEnd"},
-                                                  {1000, "kyrStatusEnd"},
-                                                  {-1, "kyrStatusEnd"},
-                                                  {INT32_MIN, "kyrStatusEnd"}};
+    // clang-format off
+    const std::pair<int32_t, const char*> cases[] = {
+        {0, "kyrStatusOK"}, {12, "kyrStatusDirectoryAlreadyExists"}, {26, "kyrStatusFileNotFound"}};
+    // clang-format on
     for (const auto& [code, text] : cases) EXPECT_STREQ(kyrTranslateStatusCode(code), text) << code;
+    for (const int32_t code : {38, 39, 1000, -1, INT32_MIN})
+        EXPECT_STREQ(kyrTranslateStatusCode(code), "kyrStatusEnd") << code;
     EXPECT_EQ(TKYRException(kyrStatusFileNotFound).what(), kKYRErrorMessages[26]);
 }
 

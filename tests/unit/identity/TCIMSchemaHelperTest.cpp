@@ -4,7 +4,6 @@
 
 namespace {
 
-using TLines = std::vector<std::string>;
 /// What comes out, and the texts that it comes from.
 using TOrigins = std::vector<std::pair<std::string, TLines>>;
 

@@ -1,5 +1,3 @@
-#include "kyr/TCIMClass.h"
-
 #include <algorithm>
 
 #include "model/TCIMClassImpl.h"

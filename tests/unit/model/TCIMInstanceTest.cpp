@@ -1,5 +1,3 @@
-#include "kyr/TCIMInstance.h"
-
 #include "kyr/TCIMDateTime.h"
 #include "support/SchemaBuilder.h"
 

@@ -1,5 +1,3 @@
-#include "kyr/TCIMPropertyDecl.h"
-
 #include "support/SchemaBuilder.h"
 
 namespace {

@@ -1,5 +1,3 @@
-#include "kyr/TCIMProperty.h"
-
 #include "support/SchemaBuilder.h"
 
 namespace {
@@ -10,9 +8,8 @@ protected:
     static TCIMValue Uint16(unsigned short value) { return TCIMValue(value); }
     /// Declaration, value and earlier value; "*" behind one that is the property's own.
     static std::string Told(const TCIMProperty& property) {
-        const auto text = [](const TCIMValue& value) { return value.IsNull() ? "NULL" : value.ToString(10); };
-        return property.GetName() + "=" + text(property.GetValue()) + (property.GetPropagated() ? " " : "* ") +
-               text(property.GetPrevValue()) + (property.IsPrevValueDifferent() ? "*" : "");
+        return property.GetName() + "=" + TextOf(property.GetValue()) + (property.GetPropagated() ? " " : "* ") +
+               TextOf(property.GetPrevValue()) + (property.IsPrevValueDifferent() ? "*" : "");
     }
 
     TCIMClass& fBase = fSchema.AddClass("Base", {Key("ID")});

@@ -1,5 +1,3 @@
-#include "kyr/TCIMQualifier.h"
-
 #include <functional>
 
 #include "model/TContainerImpl.h"

@@ -1,5 +1,3 @@
-#include "kyr/TContainer.h"
-
 #include "support/SchemaBuilder.h"
 
 namespace {

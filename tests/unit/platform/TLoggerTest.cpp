@@ -12,8 +12,6 @@ namespace {
 constexpr const char* kOpened = "-- ORQ Log Opened ----------------------------\n";
 constexpr const char* kClosed = "-- ORQ Log Closed ----------------------------\n";
 
-using TLines = std::vector<std::string>;
-
 kyrLogSeverity Severity(int number) { return static_cast<kyrLogSeverity>(number); }
 
 class TLoggerTest : public ::testing::Test {
@@ -26,17 +24,17 @@ protected:
         fLogger->SetLogFilename(fFile);
     }
 
-    /// Logs to a new file at the case's threshold, and looks at what came of it.
-    template <typename TCase, typename TAction>
-    void ExpectOutcome(const TCase& c, TAction log) {
-        SCOPED_TRACE(std::to_string(c.severity) + " at " + std::to_string(c.threshold));
+    /// What comes of logging to a new file: the entries that are kept, in parentheses, what is printed and the status
+    /// of a failure.
+    template <typename TAction>
+    std::string Outcome(int threshold, TAction log) {
         Open();
-        fLogger->SetLogThreshold(Severity(c.threshold));
-        EXPECT_EQ(StatusOf(log), c.status);
-        TLines kept;
-        for (const ILogger::TLogEntry& entry : fLogger->GetLog()) kept.push_back(entry.text);
-        EXPECT_EQ(kept, c.kept);
-        EXPECT_EQ(ReadFile(fFile), std::string(kOpened) + c.printed);
+        fLogger->SetLogThreshold(Severity(threshold));
+        const kyrStatusCode status = StatusOf(log);
+        std::string outcome;
+        for (const ILogger::TLogEntry& entry : fLogger->GetLog()) outcome += "(" + entry.text + ")";
+        outcome += ReadFile(fFile).substr(std::string(kOpened).size());
+        return status == kyrStatusOK ? outcome : outcome + kyrTranslateStatusCode(status);
     }
 
     TempFolder fFolder;
@@ -46,55 +44,38 @@ protected:
 };
 
 TEST_F(TLoggerTest, SeverityAndThresholdDecideWhatIsKeptAndPrinted) {
-    const TLines kept = {"text"}, nothing = {};
-    const struct {
-        int severity;
-        int threshold;
-        TLines kept;
-        const char* printed;
-        kyrStatusCode status;
-    } cases[] = {
-        {0, 2, kept, "KYR_Core: [Error] text\n", kyrStatusOK},
-        {1, 2, kept, "KYR_Core: [Warning] text\n", kyrStatusOK},
-        {2, 2, kept, "KYR_Core: [Status] text\n", kyrStatusOK},
-        {3, 2, nothing, "", kyrStatusOK},
-        {4, 2, nothing, "", kyrStatusOK},
-        {3, 4, kept, "KYR_Core: [Debug] text\n", kyrStatusOK},
-        {4, 4, nothing, "KYR_Core: [Verbose] text\n", kyrStatusOK},
-        {0, -1, nothing, "", kyrStatusOK},
-        {100, 0, kept, "", kyrStatusOK},
-        {100, 100, kept, "", kyrStatusOK},
-        {7, 10, nothing, "", kyrStatusFail},
-        {-1, 2, kept, "", kyrStatusFail},
-        {-1, -2, nothing, "", kyrStatusOK},
+    // clang-format off
+    const std::tuple<int, int, const char*> cases[] = {
+        {0, 2, "(text)KYR_Core: [Error] text\n"}, {1, 2, "(text)KYR_Core: [Warning] text\n"},
+        {2, 2, "(text)KYR_Core: [Status] text\n"}, {3, 2, ""}, {4, 2, ""}, {3, 4, "(text)KYR_Core: [Debug] text\n"},
+        {4, 4, "KYR_Core: [Verbose] text\n"}, {0, -1, ""}, {100, 0, "(text)"}, {100, 100, "(text)"},
+        {7, 10, "kyrStatusFail"}, {-1, 2, "(text)kyrStatusFail"}, {-1, -2, ""},
     };
-    for (const auto& c : cases)
-        ExpectOutcome(c, [&] { fLogger->OutputLogEntry(nullptr, Severity(c.severity), "text"); });
+    // clang-format on
+    for (const auto& [severity, threshold, expected] : cases) {
+        const auto log = [&, number = severity] { fLogger->OutputLogEntry(nullptr, Severity(number), "text"); };
+        EXPECT_EQ(Outcome(threshold, log), expected) << severity << " at " << threshold;
+    }
 }
 
 TEST_F(TLoggerTest, DataIsDumpedAndObeysRulesOfItsOwn) {
     const unsigned char data[10241] = {0, 255, 0x1a};
     const std::string tooMuch = "Too much data to log--10k limit!";
-    const struct {
-        int severity;
-        int threshold;
-        int length;
-        TLines kept;
-        std::string printed;
-        kyrStatusCode status;
-    } cases[] = {
-        {2, 2, 3, {"00 ff 1a "}, "KYR_fake: [Status] 00 ff 1a \n", kyrStatusOK},
-        {0, 2, 0, {""}, "KYR_fake: [Error] \n", kyrStatusOK},
-        {0, 2, -5, {""}, "KYR_fake: [Error] \n", kyrStatusOK},
-        {4, 4, 1, {}, "KYR_fake: [Verbose] 00 \n", kyrStatusOK},
-        {3, 2, 1, {}, "", kyrStatusOK},
-        {100, 100, 1, {}, "", kyrStatusOK},
-        {-1, 2, 1, {"00 "}, "", kyrStatusFail},
-        {4, 2, 10241, {tooMuch}, "KYR_Core: [Error] " + tooMuch + "\n", kyrStatusOK},
-        {-2, -1, 10241, {}, "", kyrStatusOK},
+    // clang-format off
+    // Severity, threshold and length.
+    const std::tuple<int, int, int, std::string> cases[] = {
+        {2, 2, 3, "(00 ff 1a )KYR_fake: [Status] 00 ff 1a \n"}, {0, 2, 0, "()KYR_fake: [Error] \n"},
+        {0, 2, -5, "()KYR_fake: [Error] \n"}, {4, 4, 1, "KYR_fake: [Verbose] 00 \n"}, {3, 2, 1, ""}, {100, 100, 1, ""},
+        {-1, 2, 1, "(00 )kyrStatusFail"}, {4, 2, 10241, "(" + tooMuch + ")KYR_Core: [Error] " + tooMuch + "\n"},
+        {-2, -1, 10241, ""},
     };
-    for (const auto& c : cases)
-        ExpectOutcome(c, [&] { fLogger->OutputLogEntry(&fPlugin, Severity(c.severity), data, c.length); });
+    // clang-format on
+    for (const auto& [severity, threshold, length, expected] : cases) {
+        const auto log = [&, number = severity, count = length] {
+            fLogger->OutputLogEntry(&fPlugin, Severity(number), data, count);
+        };
+        EXPECT_EQ(Outcome(threshold, log), expected) << severity << " at " << threshold << ", " << length;
+    }
     fLogger->SetLogThreshold(kyrLogStatus);
     fLogger->OutputLogEntry(nullptr, kyrLogError, data, 10240);
     EXPECT_EQ(fLogger->GetLog().back().text.size(), 3 * 10240u);

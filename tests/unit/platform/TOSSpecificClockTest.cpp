@@ -22,15 +22,13 @@ long MinuteOfDay(time_t utc, int offset) { return (utc / 60 + offset) % (24 * 60
 TEST(TOSSpecificClockTest, TheOffsetIsThatOfTheZoneDaylightSavingIncluded) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     // Zones written out, so that the season does not matter: those with two names have daylight saving all year.
-    const struct {
-        const char* zone;
-        int offset;
-    } cases[] = {{"CET-1CEST,0/0,J365/25", 120},
-                 {"<+0545>-5:45", 345},
-                 {"NST3:30NDT,0/0,J365/25", -150},
-                 {"<+1030>-10:30<+11>-11,0/0,J365/25", 660},
-                 {"IST-1GMT0,0/0,J365/25", 0}};
-    for (const auto& c : cases) EXPECT_EXIT(ReadClock(c.zone, c.offset), ::testing::ExitedWithCode(0), "") << c.zone;
+    // clang-format off
+    const std::pair<const char*, int> cases[] = {
+        {"CET-1CEST,0/0,J365/25", 120}, {"<+0545>-5:45", 345}, {"NST3:30NDT,0/0,J365/25", -150},
+        {"<+1030>-10:30<+11>-11,0/0,J365/25", 660}, {"IST-1GMT0,0/0,J365/25", 0}};
+    // clang-format on
+    for (const auto& [zone, offset] : cases)
+        EXPECT_EXIT(ReadClock(zone, offset), ::testing::ExitedWithCode(0), "") << zone;
 }
 
 }  // namespace

@@ -19,31 +19,29 @@ protected:
 
 TEST_F(TOSSpecificFilesTest, FilesAndDirectoriesAreToldApart) {
     const std::string file = fFolder.Write("file", "12345");
-    const struct {
-        std::string path;
-        bool isFile;
-        bool isDirectory;
-    } cases[] = {{file, true, false},
-                 {"/dev/null", true, false},
-                 {fFolder.Path(), false, true},
-                 {In("missing"), false, false},
-                 {file + "/below", false, false}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(TOSSpecific::FileExists(c.path), c.isFile) << c.path;
-        EXPECT_EQ(TOSSpecific::DirExists(c.path), c.isDirectory) << c.path;
-        EXPECT_EQ(StatusOf([&] { TOSSpecific::GetFileSize(c.path); }), c.isFile ? kyrStatusOK : kyrStatusFileNotFound);
+    enum EKind { eFile, eDirectory, eNeither };
+    const std::pair<std::string, EKind> cases[] = {{file, eFile},
+                                                   {"/dev/null", eFile},
+                                                   {fFolder.Path(), eDirectory},
+                                                   {In("missing"), eNeither},
+                                                   {file + "/below", eNeither}};
+    for (const auto& [path, kind] : cases) {
+        EXPECT_EQ(TOSSpecific::FileExists(path), kind == eFile) << path;
+        EXPECT_EQ(TOSSpecific::DirExists(path), kind == eDirectory) << path;
+        EXPECT_EQ(StatusOf([&, name = path] { TOSSpecific::GetFileSize(name); }),
+                  kind == eFile ? kyrStatusOK : kyrStatusFileNotFound);
     }
     EXPECT_EQ(TOSSpecific::GetFileSize(file), 5);
 }
 
 TEST_F(TOSSpecificFilesTest, DirectoriesAreMadeOneLevelAtATimeAndListedByBareNames) {
-    const std::pair<std::string, kyrStatusCode> cases[] = {{In("a"), kyrStatusOK},
-                                                           {In("a"), kyrStatusDirectoryAlreadyExists},
-                                                           {In("b/c"), kyrStatusFileSystemError},
-                                                           {In("b"), kyrStatusOK},
-                                                           {In("b/c"), kyrStatusOK}};
-    for (const auto& [path, status] : cases)
-        EXPECT_EQ(StatusOf([&, name = path] { TOSSpecific::CreateDir(name); }), status) << path;
+    // clang-format off
+    const std::pair<const char*, kyrStatusCode> cases[] = {
+        {"a", kyrStatusOK}, {"a", kyrStatusDirectoryAlreadyExists}, {"b/c", kyrStatusFileSystemError},
+        {"b", kyrStatusOK}, {"b/c", kyrStatusOK}};
+    // clang-format on
+    for (const auto& [name, status] : cases)
+        EXPECT_EQ(StatusOf([&, path = In(name)] { TOSSpecific::CreateDir(path); }), status) << name;
     EXPECT_THAT(TOSSpecific::ListDir(fFolder.Path()), ::testing::UnorderedElementsAre("a", "b"));
     EXPECT_TRUE(TOSSpecific::ListDir(In("a")).empty());
     EXPECT_EQ(StatusOf([&] { TOSSpecific::ListDir(In("missing")); }), kyrStatusFileSystemError);

@@ -12,12 +12,8 @@ namespace {
 class TOSSpecificProcessTest : public LoggedTest {};
 
 TEST_F(TOSSpecificProcessTest, OutputAndExitCodeAreThoseOfTheProgram) {
-    const struct {
-        const char* path;
-        std::vector<std::string> arguments;
-        int exitCode;
-        std::string output;
-    } cases[] = {
+    // A program, its arguments, its exit code and what it prints.
+    const std::tuple<std::string, std::vector<std::string>, int, std::string> cases[] = {
         {"echo", {"a  b", "\"c\" 'd' $e *", ""}, 0, "a  b \"c\" 'd' $e * \n"},
         {"/bin/sh", {"-c", "echo one; echo two >&2; echo three"}, 0, "one\ntwo\nthree\n"},
         {"sh", {"-c", "printf only >&2; exit 3"}, 3, "only"},
@@ -29,11 +25,11 @@ TEST_F(TOSSpecificProcessTest, OutputAndExitCodeAreThoseOfTheProgram) {
         {"head", {"-c", "1048576", "/dev/zero"}, 0, std::string(1048576, '\0')},
     };
     printf("text in the parent's buffer, which no child may write");
-    for (const auto& c : cases) {
+    for (const auto& [path, arguments, exitCode, printed] : cases) {
         std::string output = "before";
-        EXPECT_EQ(TOSSpecific::SpawnProcess(c.path, c.arguments, output), c.exitCode) << c.path;
-        EXPECT_TRUE(output == c.output) << c.path << ": " << output.substr(0, 200);
-        EXPECT_EQ(fLog.TakeLines(), std::vector<std::string>{std::string("3:SpawnProcess: process ") + c.path});
+        EXPECT_EQ(TOSSpecific::SpawnProcess(path, arguments, output), exitCode) << path;
+        EXPECT_TRUE(output == printed) << path << ": " << output.substr(0, 200);
+        EXPECT_EQ(fLog.TakeLines(), TLines{"3:SpawnProcess: process " + path});
     }
     printf("\n");
     EXPECT_EQ(TOSSpecific::SpawnProcess("false"), "");
@@ -65,8 +61,7 @@ TEST_F(TOSSpecificProcessTest, FilesAreReadWhole) {
 
     EXPECT_EQ(StatusOf([&] { TOSSpecific::CaptureFile(folder.Path() + "/missing"); }), kyrStatusFileNotFound);
     EXPECT_EQ(StatusOf([&] { TOSSpecific::CaptureFile(folder.Path()); }), kyrStatusFileSystemError);
-    EXPECT_EQ(fLog.TakeLines(),
-              std::vector<std::string>({"0:ERROR: CaptureFile failed to open: " + folder.Path() + "/missing",
+    EXPECT_EQ(fLog.TakeLines(), TLines({"0:ERROR: CaptureFile failed to open: " + folder.Path() + "/missing",
                                         "0:ERROR: GetFileContents failed to read file"}));
 }
 

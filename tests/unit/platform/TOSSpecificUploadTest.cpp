@@ -1,6 +1,7 @@
 #include <dlfcn.h>
 
 #include <filesystem>
+#include <numeric>
 
 #include "kyr/TOSSpecific.h"
 #include "support/TestSupport.h"
@@ -71,35 +72,29 @@ TEST_F(TOSSpecificUploadTest, AnUnusableLibraryIsNoticedBeforeTheFileIsTouched) 
 }
 
 TEST_F(TOSSpecificUploadTest, TheLibraryIsCalledInOrderAndEachRefusalHasItsWords) {
-    const std::string calls[] = {"curl_global_init 3\n",
-                                 "curl_easy_init\n",
-                                 "curl_easy_setopt 10010 \"\"\n",
-                                 "curl_easy_setopt 46 1\n",
-                                 "curl_easy_setopt 10002 ftp://host/" + std::string(kTargetFolder) + "/abc.xml.gz\n",
-                                 "curl_easy_setopt 10009 c\n",
-                                 "curl_easy_perform\n",
-                                 "curl_easy_cleanup 1\n",
-                                 "curl_global_cleanup\n"};
+    // clang-format off
+    const std::string calls[] = {
+        "curl_global_init 3\n", "curl_easy_init\n", "curl_easy_setopt 10010 \"\"\n", "curl_easy_setopt 46 1\n",
+        "curl_easy_setopt 10002 ftp://host/" + std::string(kTargetFolder) + "/abc.xml.gz\n",
+        "curl_easy_setopt 10009 c\n", "curl_easy_perform\n", "curl_easy_cleanup 1\n", "curl_global_cleanup\n"};
+    // clang-format on
     const std::string curlFailure = "kyrStatusLibCurlFailure\n0:TOSSpecific|FTPFile: ";
     const std::string noConnection =
         "kyrStatusConnectionFailed\n0:TOSSpecific|FTPFile: Error connecting to Halvex Service";
-    const struct {
-        const char* result;
-        size_t calls;
-        std::string outcome;
-    } cases[] = {{"", 9, "true"},
-                 {"init=1", 2, curlFailure + "Error initalizing curl"},
-                 {"10010=1", 3, curlFailure + "Error configuring curl error buffer"},
-                 {"46=1", 4, curlFailure + "Error setting curl upload"},
-                 {"10002=1", 5, curlFailure + "Error setting curl target"},
-                 {"10009=1", 6, curlFailure + "Error setting curl upload file"},
-                 {"perform=6", 7, noConnection},
-                 {"perform=7", 7, noConnection},
-                 {"perform=28", 7, curlFailure + "Error performing upload command: the reason"}};
-    for (const auto& c : cases) {
-        std::string expected;
-        for (size_t i = 0; i < c.calls; ++i) expected += calls[i];
-        EXPECT_EQ(Upload(KYRCORE_FAKE_CURL, "host", fFile, c.result), expected + c.outcome + "\n") << c.result;
+    // The call that fails, how many are made, and what comes of it.
+    const std::tuple<const char*, size_t, std::string> cases[] = {
+        {"", 9, "true"},
+        {"init=1", 2, curlFailure + "Error initalizing curl"},
+        {"10010=1", 3, curlFailure + "Error configuring curl error buffer"},
+        {"46=1", 4, curlFailure + "Error setting curl upload"},
+        {"10002=1", 5, curlFailure + "Error setting curl target"},
+        {"10009=1", 6, curlFailure + "Error setting curl upload file"},
+        {"perform=6", 7, noConnection},
+        {"perform=7", 7, noConnection},
+        {"perform=28", 7, curlFailure + "Error performing upload command: the reason"}};
+    for (const auto& [result, count, outcome] : cases) {
+        const std::string expected = std::accumulate(calls, calls + count, std::string());
+        EXPECT_EQ(Upload(KYRCORE_FAKE_CURL, "host", fFile, result), expected + outcome + "\n") << result;
     }
 }
 

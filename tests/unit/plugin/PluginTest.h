@@ -9,8 +9,6 @@
 #include "kyr/TQueryManager.h"
 #include "support/SchemaBuilder.h"
 
-using TLines = std::vector<std::string>;
-
 /// A plugin root of its own, which is the current directory, with a plugin manager and a query manager on it. Libraries
 /// are copied into it under names that never come again: the loader then takes each for a new one and runs its
 /// constructors.

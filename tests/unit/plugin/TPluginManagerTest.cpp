@@ -48,17 +48,14 @@ TEST_F(TPluginManagerTest, ABrokenLibraryIsToldAndPassedOver) {
 }
 
 TEST_F(TPluginManagerTest, TypeAndInitDecideWhetherADocumentIsRead) {
-    const struct {
-        const char* fixture;
-        bool isInitialized;
-        bool hasDocument;
-    } cases[] = {
+    // The fixture, whether it is initialised, and whether its document is read.
+    const std::tuple<std::string, bool, bool> cases[] = {
         {"good", true, true}, {"documentonly", true, true}, {"neither", true, false}, {"initfails", false, false}};
-    for (const auto& c : cases) {
-        InstallAndLoad(c.fixture, Class(std::string("Class_") + c.fixture));
-        EXPECT_EQ(Last().IsInitialized(), c.isInitialized) << c.fixture;
-        EXPECT_EQ(Find(std::string("Class_") + c.fixture) != nullptr, c.hasDocument) << c.fixture;
-        EXPECT_EQ(StatusOfClasses(), c.hasDocument ? kyrStatusOK : kyrStatusFail) << c.fixture;
+    for (const auto& [fixture, isInitialized, hasDocument] : cases) {
+        InstallAndLoad(fixture, Class("Class_" + fixture));
+        EXPECT_EQ(Last().IsInitialized(), isInitialized) << fixture;
+        EXPECT_EQ(Find("Class_" + fixture) != nullptr, hasDocument) << fixture;
+        EXPECT_EQ(StatusOfClasses(), hasDocument ? kyrStatusOK : kyrStatusFail) << fixture;
     }
     EXPECT_EQ(Count(), 4u);
 }
