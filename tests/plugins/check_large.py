@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """check_large.py MACHINE KYR [OPTION OF KYR COLLECT]...
 
-Collects the large machine that fixtures/synthetic.py makes, and checks that nothing of it is missing.
+Collects the large machine that bench/synthetic.py makes, and checks that nothing of it is missing.
 """
 import collections
 import json
