@@ -2,13 +2,12 @@
 
 #include "json/JsonShapes.h"
 
-#include "kyr/TCIMDateTime.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
 #include "kyr/TCIMPropertyDecl.h"
-#include "kyr/TCIMReference.h"
 #include "kyr/TKYRException.h"
 #include "model/Qualifiers.h"
+#include "model/ValueVisitor.h"
 #include "model/Values.h"
 
 namespace {
@@ -68,21 +67,13 @@ std::string TypeName(CIM type) {
 
 void WriteValue(TJsonWriter& json, const TCIMValue& value) {
     if (value.IsNull()) return json.Null();
-    if (value.IsArray()) return WriteArray(json, static_cast<std::vector<TCIMValue>&>(value));
-    switch (value.GetType()) {
-        case CIM::eCIMReal32:
-            return json.Real(static_cast<float>(value));
-        case CIM::eCIMReal64:
-            return json.Real(static_cast<double>(value));
-        case CIM::eCIMString:
-            return json.String(static_cast<std::string>(value));
-        case CIM::eCIMDateTime:
-            return WriteDateTime(json, static_cast<TCIMDateTime>(value));
-        case CIM::eCIMReference:
-            return WriteReference(json, static_cast<TCIMReference>(value));
-        default:
-            json.Json(value.ToString(10));  // booleans and integers
-    }
+    VisitContent(value, TOverloads{[&](bool isTrue) { json.Boolean(isTrue); }, [&](float number) { json.Real(number); },
+                                   [&](double number) { json.Real(number); },
+                                   [&](const std::string& text) { json.String(text); },
+                                   [&](const TCIMDateTime& moment) { WriteDateTime(json, moment); },
+                                   [&](const TCIMReference& reference) { WriteReference(json, reference); },
+                                   [&](const std::vector<TCIMValue>& elements) { WriteArray(json, elements); },
+                                   [&](auto integer) { json.Json(std::to_string(integer)); }});
 }
 
 void WriteText(TJsonWriter& json, const char* key, const std::string& text) {

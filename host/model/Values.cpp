@@ -5,12 +5,12 @@
 
 #include "base/Text.h"
 #include "kyr/TCIMClass.h"
-#include "kyr/TCIMDateTime.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TKYRException.h"
 #include "model/Qualifiers.h"
+#include "model/ValueVisitor.h"
 
 namespace {
 
@@ -30,9 +30,9 @@ std::string DateTimeText(const TCIMDateTime& moment) {
 }
 
 std::string TextForPeople(const TCIMProperty& property) {
-    if (property.GetType() == TCIMValue::TCIMType::eCIMDateTime)
-        return DateTimeText(static_cast<TCIMDateTime>(property.GetValue()));
-    return property.ToString();
+    return VisitType(property.GetType(),
+                     TOverloads{[&](TContentType<TCIMDateTime>) { return DateTimeText(property.GetValue()); },
+                                [&](auto) { return property.ToString(); }});
 }
 
 std::string TrimmedVisible(std::string text) {

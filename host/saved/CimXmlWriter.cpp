@@ -5,11 +5,10 @@
 
 #include "base/OutputFile.h"
 #include "kyr/TCIMClass.h"
-#include "kyr/TCIMDateTime.h"
 #include "kyr/TCIMPropertyDecl.h"
-#include "kyr/TCIMReference.h"
 #include "kyr/TContainer.h"
 #include "model/Qualifiers.h"
+#include "model/ValueVisitor.h"
 
 namespace {
 
@@ -122,18 +121,11 @@ void TCimXmlWriter::Text(std::string_view text) {
 }
 
 void TCimXmlWriter::Scalar(const TCIMValue& value) {
-    switch (value.GetType()) {
-        case TType::eCIMString:
-            return Text(value.operator std::string());
-        case TType::eCIMReal32:
-            return Real(value.operator float());
-        case TType::eCIMReal64:
-            return Real(value.operator double());
-        case TType::eCIMDateTime:
-            return Raw(DateTimeText(value));
-        default:
-            Raw(value.ToString(10));
-    }
+    VisitType(value.GetType(), TOverloads{[&](TContentType<std::string>) { Text(value.operator std::string()); },
+                                          [&](TContentType<float>) { Real(value.operator float()); },
+                                          [&](TContentType<double>) { Real(value.operator double()); },
+                                          [&](TContentType<TCIMDateTime>) { Raw(DateTimeText(value)); },
+                                          [&](auto) { Raw(value.ToString(10)); }});
 }
 
 // The shortest text that reads back as the same number.
