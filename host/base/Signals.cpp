@@ -9,6 +9,8 @@ namespace {
 constexpr int kEnding[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1, SIGUSR2,
                            SIGALRM, SIGPROF, SIGVTALRM, SIGPOLL, SIGPWR,  SIGSTKFLT};
 
+constexpr std::chrono::milliseconds kDebounce(20);
+
 timespec Until(TTimePoint moment) {
     using namespace std::chrono;
     const TTimePoint now = TClock::now();
@@ -16,8 +18,9 @@ timespec Until(TTimePoint moment) {
     return {static_cast<time_t>(rest.count() / 1'000'000'000), static_cast<long>(rest.count() % 1'000'000'000)};
 }
 
-// While it is held it would come all the same, and whoever started us wants us to go on. A shell has SIGINT ignored for
-// all that it runs in the background, which means nothing.
+// A signal that is ignored would be delivered all the same while it is blocked, and whoever had it ignored, as nohup(1)
+// does, wants this process to go on. A shell ignores SIGINT for all that it runs in the background, whatever its user
+// wants, so that SIGINT does not count.
 bool IsIgnored(int signal) {
     struct sigaction action {};
     if (signal == SIGINT) return false;
@@ -26,28 +29,44 @@ bool IsIgnored(int signal) {
 
 }  // namespace
 
-THeldSignals::THeldSignals() {
-    sigemptyset(&fHeld);
-    sigaddset(&fHeld, SIGCHLD);
+TBlockedSignals::TBlockedSignals() {
+    sigemptyset(&fBlocked);
+    sigaddset(&fBlocked, SIGCHLD);
     for (const int signal : kEnding)
-        if (!IsIgnored(signal)) sigaddset(&fHeld, signal);
-    // One that is ignored would never come: our caller may have left it so.
+        if (!IsIgnored(signal)) sigaddset(&fBlocked, signal);
+    // The caller may have left SIGCHLD ignored; then it would never come, and nobody could wait for a child.
     struct sigaction action {};
     action.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &action, &fChildAction);
-    sigprocmask(SIG_BLOCK, &fHeld, &fBefore);
+    sigprocmask(SIG_BLOCK, &fBlocked, &fBefore);
 }
 
-THeldSignals::~THeldSignals() {
+TBlockedSignals::~TBlockedSignals() {
     sigprocmask(SIG_SETMASK, &fBefore, nullptr);
     sigaction(SIGCHLD, &fChildAction, nullptr);
 }
 
-TSignal THeldSignals::WaitUntil(TTimePoint moment) const {
+TSignal TBlockedSignals::WaitUntil(TTimePoint moment) const {
     const timespec timeout = Until(moment);
     siginfo_t info{};
-    const int signal = sigtimedwait(&fHeld, &info, &timeout);
+    const int signal = sigtimedwait(&fBlocked, &info, &timeout);
     return signal < 0 ? TSignal{} : TSignal{signal, info.si_code <= 0 ? info.si_pid : 0};
+}
+
+ESignalMeaning TInterruptions::WaitUntil(TTimePoint moment) {
+    const TSignal signal = fSignals.WaitUntil(moment);
+    if (signal.number == 0) return ESignalMeaning::eNoSignal;
+    if (!IsInterruption(signal)) return ESignalMeaning::eNothing;
+    const TTimePoint now = TClock::now();
+    const bool isRepeated = fSignal != 0;
+    if (isRepeated && now < fMoment + kDebounce) return ESignalMeaning::eNothing;
+    fMoment = now;
+    fSignal = signal.number;
+    return isRepeated ? ESignalMeaning::eRepeatedInterruption : ESignalMeaning::eInterruption;
+}
+
+bool TInterruptions::IsInterruption(const TSignal& signal) const {
+    return signal.number != SIGCHLD && !fIsOwnWork(signal);
 }
 
 std::string SignalName(int signal) {

@@ -12,4 +12,13 @@ TTimePoint After(TTimePoint start, double seconds);
 /// The seconds with their unit, such as "1.5 s".
 std::string SecondsText(double seconds);
 
+/// How long plugins may take.
+struct TRunLimits {
+    double timeout = 30;  ///< seconds for each plugin
+    double deadline = 0;  ///< seconds for all of them together; 0: none
+    TTimePoint start = TClock::now();
+
+    TTimePoint Latest() const { return deadline > 0 ? After(start, deadline) : TTimePoint::max(); }
+};
+
 #endif

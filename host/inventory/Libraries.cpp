@@ -8,7 +8,6 @@
 #include "base/CoreLog.h"
 #include "base/ExitStatus.h"
 #include "isolation/PluginContainer.h"
-#include "isolation/RunLimits.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"

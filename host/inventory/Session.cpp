@@ -14,7 +14,6 @@
 #include "inventory/Libraries.h"
 #include "isolation/InProcess.h"
 #include "isolation/PluginScheduler.h"
-#include "isolation/SystemCopy.h"
 #include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMQualifier.h"

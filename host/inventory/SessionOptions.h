@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/CoreLog.h"
-#include "isolation/RunLimits.h"
+#include "base/TimePoint.h"
 
 /// Where a collection comes from, and how it is collected. Paths are absolute: the current folder changes while plugins
 /// run.

@@ -2,7 +2,6 @@
 
 #include "isolation/PluginContainer.h"
 #include "isolation/PluginProxy.h"
-#include "isolation/SystemCopy.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TQueryManager.h"
 #include "model/ClassNames.h"
@@ -10,7 +9,7 @@
 
 namespace {
 
-// The core's query, of plugin proxies alone: all other plugins have no classes, or failed while they were loaded.
+// Asks only plugins that have a proxy: all others have no classes, or failed while they were loaded.
 class TQuery : public TQueryManager {
 public:
     void EnumerateInstances(IPlugin* plugin, TContainer* container, std::vector<std::string> classNames,

@@ -9,13 +9,14 @@
 struct TPluginLibrary;
 class TPluginContainer;
 
-/// Runs plugins in this very process, one after another, and without limits.
+/// Runs plugins in this process, one after another. A plugin that crashes or hangs takes the host with it.
 class TInProcessRun {
 public:
     TInProcessRun(TPluginContainer& container, const TCoreLog& log) : fContainer(container), fLog(log) {}
 
     void Load(TPluginLibrary& library);
-    /// Runs the core's query with the libraries that were loaded; no name stands for all classes.
+    /// Asks the plugins of the libraries that were loaded for the classes of those names, or for all if there is no
+    /// name.
     void Query(const std::vector<std::string>& classNames);
 
 private:
@@ -24,7 +25,7 @@ private:
     TPluginContainer& fContainer;
     const TCoreLog& fLog;
     TLogCapture fCapture;
-    TPluginLibrary* fLibrary = nullptr;  // the one that was loaded or called last
+    TPluginLibrary* fLibrary = nullptr;  // the one that was loaded or called last: what is logged comes from it
 };
 
 #endif

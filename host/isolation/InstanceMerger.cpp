@@ -15,49 +15,61 @@ bool HasInstances(const TContainer& container, const std::string& className) {
     try {
         const TCIMClass* const cls = container.FindClass(className);
         return cls != nullptr && !cls->EnumerateInstances(false).empty();
-    } catch (const TKYRException&) {  // it cannot be a name of a class
+    } catch (const TKYRException&) {  // no class can have that name
         return false;
     }
 }
 
 }  // namespace
 
-bool TInstanceMerger::Take(bool associations, TTimePoint latest) {
-    bool ended = false;
-    const TLogCapture refusals;  // each of them has its message by then
+TInstanceMerger::EProgress TInstanceMerger::Take(std::string_view records, bool associations, const TTimeSlice& slice) {
+    const size_t before = fBytesTaken;
+    const TLogCapture refusals;  // the report gets a message for each of them
+    EProgress progress = EProgress::eFinished;
     fContainer.SetActiveLibrary(&fLibrary);
     try {
-        ended = TakeRecords(associations, latest);
+        progress = TakeRecords(records, associations, slice);
     } catch (const TRecordError&) {
-        Drop({eFailed, ReasonFor(EReason::eDeliveryDamaged)});
+        Drop(eFailed, EReason::eDeliveryDamaged);
     }
     fContainer.SetActiveLibrary(nullptr);
-    return ended || static_cast<bool>(fDropped.reason);
+    if (fDropped.reason) return EProgress::eFinished;
+    if (progress == EProgress::eOutOfTime && fBytesTaken != before) ChargeDraining();
+    return progress;
 }
 
-bool TInstanceMerger::TakeRecords(bool associations, TTimePoint latest) {
-    const std::string_view records = fStream.Records();
-    while (fTaken < records.size() && !fDropped.reason && TClock::now() < latest) {
-        TRecordReader reader(records.substr(fTaken));
+// A plugin may have made what it says it has committed smaller than what was taken, so that the end may be passed.
+TInstanceMerger::EProgress TInstanceMerger::TakeRecords(std::string_view records, bool associations,
+                                                        const TTimeSlice& slice) {
+    while (fBytesTaken < records.size() && !fDropped.reason) {
+        if (slice.IsOver()) return EProgress::eOutOfTime;
+        TRecordReader reader(records.substr(fBytesTaken));
         ERecord kind{};
         TRecordReader record = reader.TakeRecord(kind);
-        if (kind == ERecord::eAsked) {
-            if (record.TakeNumber<uint8_t>() != 0 && !associations) return true;
-            SkipWhatIsThere(record);
+        if (kind == ERecord::eDataCall) {
+            if (record.TakeNumber<uint8_t>() != 0 && !associations) return EProgress::eFinished;
+            SkipFilledClasses(record);
         }
         if (kind == ERecord::eInstance) Store(record);
-        fTaken = records.size() - reader.Left();
+        fBytesTaken = records.size() - reader.BytesLeft();
     }
-    return false;
+    return EProgress::eTookAll;
 }
 
-void TInstanceMerger::Drop(const TOutcome& why) {
-    if (!fDropped.reason) fDropped = why;
+// The whole slice is charged, however long it took: time in which the host itself was stopped must not count.
+void TInstanceMerger::ChargeDraining() {
+    if (!fIsDraining) return;
+    fDrainBudget -= TTimeSlice::kLength;
+    if (fDrainBudget <= std::chrono::milliseconds(0)) Drop(eTimedOut, EReason::eNoTimeToStore);
 }
 
-void TInstanceMerger::SkipWhatIsThere(TRecordReader& record) {
-    while (!record.IsAtEnd())
-        if (const std::string name = record.TakeText(); HasInstances(fContainer, name)) fInstances.Skip(name);
+void TInstanceMerger::Drop(EState state, EReason why) {
+    if (!fDropped.reason) fDropped = {state, ReasonFor(why)};
+}
+
+void TInstanceMerger::SkipFilledClasses(TRecordReader& dataCall) {
+    while (!dataCall.IsAtEnd())
+        if (const std::string name = dataCall.TakeText(); HasInstances(fContainer, name)) fInstances.Skip(name);
 }
 
 void TInstanceMerger::Store(TRecordReader& record) {
@@ -71,7 +83,7 @@ void TInstanceMerger::Store(TRecordReader& record) {
 
 void TInstanceMerger::NoteRefusal(const std::string& className, const std::string& reason) {
     fRefusals.push_back({className, kyrLogError, "an instance that its process delivered was refused: " + reason});
-    if (fRefusals.size() == kMostRefusals) Drop({eFailed, ReasonFor(EReason::eTooManyRefused)});
+    if (fRefusals.size() == kMostRefusals) Drop(eFailed, EReason::eTooManyRefused);
 }
 
 void TInstanceMerger::Conclude() {

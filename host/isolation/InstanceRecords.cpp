@@ -1,10 +1,150 @@
 #include "isolation/InstanceRecords.h"
 
-#include "isolation/ValueRecords.h"
+#include <map>
+
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
 #include "kyr/TContainer.h"
+#include "model/ValueVisitor.h"
+
+namespace {
+
+using CIM = TCIMValue::TCIMType;
+
+constexpr int kMaxDepth = 16;  // of references whose keys are references
+
+// The root class is the one of the empty name.
+std::string NameOf(const TCIMClass* cls) {
+    return cls == nullptr || cls == cls->GetContainer()->GetRootClass() ? "" : cls->GetName();
+}
+
+void PutValue(TRecordStream& stream, const TCIMValue& value);
+
+template <typename TNumber>
+void PutContent(TRecordStream& stream, TNumber number) {
+    stream.PutNumber(number);
+}
+
+void PutContent(TRecordStream& stream, const std::string& text) { stream.PutText(text); }
+
+void PutContent(TRecordStream& stream, const TCIMDateTime& moment) {
+    stream.PutNumber(moment.IsNull());
+    stream.PutNumber(moment.IsInterval());
+    stream.PutNumber(moment.GetYear());
+    stream.PutNumber(moment.GetMonth());
+    stream.PutNumber(moment.GetDay());
+    stream.PutNumber(moment.GetHour());
+    stream.PutNumber(moment.GetMinute());
+    stream.PutNumber(moment.GetSecond());
+    stream.PutNumber(moment.GetMicroSeconds());
+    stream.PutNumber(moment.GetUTCOffset());
+}
+
+void PutContent(TRecordStream& stream, const TCIMReference& reference) {
+    const auto bindings = reference.EnumerateKeyBindings();
+    stream.PutText(NameOf(reference.GetClass()));
+    stream.PutNumber(static_cast<uint32_t>(bindings.size()));
+    for (const auto& [name, value] : bindings) {
+        stream.PutText(name);
+        PutValue(stream, value);
+    }
+}
+
+void PutContent(TRecordStream& stream, const std::vector<TCIMValue>& elements) {
+    stream.PutNumber(static_cast<uint32_t>(elements.size()));
+    for (const TCIMValue& element : elements) PutValue(stream, element);
+}
+
+void PutValue(TRecordStream& stream, const TCIMValue& value) {
+    stream.PutNumber(static_cast<uint8_t>(value.GetType()));
+    stream.PutNumber(value.GetMaxArraySize());
+    stream.PutNumber(value.IsNull());
+    if (value.IsNull()) return stream.PutText(NameOf(value.GetReferencedClass()));
+    VisitContent(value, [&](const auto& content) { PutContent(stream, content); });
+}
+
+/// Takes one value off a record. References are to classes of the container.
+class TValueReader {
+public:
+    TValueReader(TRecordReader& record, TContainer& container) : fRecord(record), fContainer(container) {}
+
+    /// Raises TRecordError, or a status of the core.
+    TCIMValue TakeValue() {
+        if (fDepth == kMaxDepth) throw TRecordError();
+        const CIM type = static_cast<CIM::ECIMType>(fRecord.TakeNumber<uint8_t>() & kTypeBits);
+        const auto maxSize = fRecord.TakeNumber<unsigned int>();
+        if (fRecord.TakeNumber<uint8_t>() != 0) return TakeNull(type, maxSize);
+        ++fDepth;
+        TCIMValue value = TakeContent(type, maxSize);
+        --fDepth;
+        return value;
+    }
+
+private:
+    static constexpr int kTypeBits = 31;
+
+    TCIMValue TakeNull(CIM type, unsigned int maxSize) {
+        TCIMValue value;
+        value.SetNullValue(type, maxSize);
+        const std::string target = fRecord.TakeText();
+        if (!target.empty()) value.SetReferencedClass(*fContainer.GetClass(target));
+        return value;
+    }
+
+    TCIMValue TakeContent(CIM type, unsigned int maxSize) {
+        return VisitType(
+            type, TOverloads{
+                      [](TContentType<void>) -> TCIMValue { throw TRecordError(); },
+                      [&](TContentType<bool>) { return TCIMValue(fRecord.TakeNumber<uint8_t>() != 0); },
+                      [&](TContentType<std::string>) { return TCIMValue(fRecord.TakeText()); },
+                      [&](TContentType<TCIMDateTime>) { return TCIMValue(TakeDateTime()); },
+                      [&](TContentType<TCIMReference>) { return TCIMValue(TakeReference()); },
+                      [&](TContentType<std::vector<TCIMValue>&>) { return TakeArray(type, maxSize); },
+                      [&](auto number) { return TCIMValue(fRecord.TakeNumber<typename decltype(number)::TContent>()); },
+                  });
+    }
+
+    TCIMDateTime TakeDateTime() {
+        const bool isNull = fRecord.TakeNumber<uint8_t>() != 0;
+        const bool isInterval = fRecord.TakeNumber<uint8_t>() != 0;
+        const auto year = fRecord.TakeNumber<unsigned short>();
+        const auto month = fRecord.TakeNumber<unsigned short>();
+        const auto day = fRecord.TakeNumber<unsigned int>();
+        const auto hour = fRecord.TakeNumber<unsigned short>();
+        const auto minute = fRecord.TakeNumber<unsigned short>();
+        const auto second = fRecord.TakeNumber<unsigned short>();
+        const auto microSeconds = fRecord.TakeNumber<unsigned int>();
+        const auto offset = fRecord.TakeNumber<short>();
+        if (isNull) return TCIMDateTime();
+        if (isInterval) return TCIMDateTime(day, hour, minute, second, microSeconds);
+        return TCIMDateTime(year, month, day, hour, minute, second, microSeconds, offset);
+    }
+
+    TCIMReference TakeReference() {
+        TCIMReference reference(&fContainer);
+        reference.SetClassName(fRecord.TakeText());
+        std::map<const std::string, const TCIMValue> bindings;
+        for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) {
+            const std::string name = fRecord.TakeText();
+            bindings.emplace(name, TakeValue());
+        }
+        reference.SetKeyBindings(bindings);
+        return reference;
+    }
+
+    TCIMValue TakeArray(CIM type, unsigned int maxSize) {
+        std::vector<TCIMValue> elements;
+        for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) elements.push_back(TakeValue());
+        return TCIMValue(static_cast<CIM::ECIMType>(type & ~CIM::eCIMArrayFlag), maxSize, elements);
+    }
+
+    TRecordReader& fRecord;
+    TContainer& fContainer;
+    int fDepth = 0;
+};
+
+}  // namespace
 
 void PutInstance(TRecordStream& stream, const TCIMInstance& instance, uint32_t number) {
     stream.Begin(ERecord::eInstance);
@@ -47,9 +187,10 @@ void TInstanceRecords::Update(TRecordReader& record, TCIMInstance& stored) {
 
 std::unique_ptr<TCIMInstance> TInstanceRecords::Take(TRecordReader& record, TCIMClass* cls) {
     std::unique_ptr<TCIMInstance> instance(fContainer.AllocateInstance(cls));
+    TValueReader value(record, fContainer);
     while (!record.IsAtEnd()) {
         const std::string name = record.TakeText();
-        instance->SetPropertyValue(name, TakeValue(record, fContainer));
+        instance->SetPropertyValue(name, value.TakeValue());
     }
     instance->Validate();
     return instance;

@@ -13,11 +13,12 @@ class TCIMClass;
 class TCIMInstance;
 class TContainer;
 
-/// Puts a record with the values that the instance has of its own. Instances are numbered as they come, and one that is
-/// stored once more comes again under its number.
+/// Puts a record with the values that the instance has of its own, exactly as they are: type, NULL, array size,
+/// references with their keys. Instances are numbered as they come, and one that is stored once more comes again under
+/// its number.
 void PutInstance(TRecordStream& stream, const TCIMInstance& instance, uint32_t number);
 
-/// Makes the instances of such records anew.
+/// Makes the instances of such records anew, in a container that has the classes.
 class TInstanceRecords {
 public:
     explicit TInstanceRecords(TContainer& container) : fContainer(container) {}
@@ -25,7 +26,8 @@ public:
     /// From now on instances of the class are passed over.
     void Skip(const std::string& className) { fSkipped.insert(className); }
     bool IsSkipped(const std::string& className) const { return fSkipped.count(className) != 0; }
-    /// Raises TRecordError, or a status of the core. The class of that name is told in any case.
+    /// Raises TRecordError for bytes that are no such record, or a status of the core for an instance that the
+    /// container refuses; className is set before that.
     void Store(TRecordReader& record, std::string& className);
 
 private:

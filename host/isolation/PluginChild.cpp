@@ -1,13 +1,21 @@
 #include "isolation/PluginChild.h"
 
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/sysinfo.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
 #include <cstdlib>
 
-#include "isolation/ChildLog.h"
 #include "isolation/PluginContainer.h"
 #include "isolation/PluginProxy.h"
 #include "isolation/RecordStream.h"
-#include "isolation/SystemCopy.h"
+#include "isolation/ReportRecords.h"
 #include "kyr/ILogger.h"
+#include "kyr/IPlugin.h"
+#include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TQueryManager.h"
 #include "kyr/TRootObject.h"
@@ -15,63 +23,169 @@
 
 namespace {
 
-void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes) {
-    const bool associations = classes.front()->IsAssociation();
-    stream.Begin(ERecord::eAsked);
-    stream.PutNumber(associations);
-    for (const TCIMClass* cls : classes) stream.PutText(cls->GetName());
-    stream.Commit();
-    stream.SetPhase(associations ? EPhase::eAssociations : EPhase::eOrdinary);
+constexpr rlim_t kMostMemory = rlim_t{2} << 30;
+constexpr rlim_t kLargestFile = rlim_t{256} << 20;
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsInstrumented = true;  // which takes terabytes of address space
+#else
+constexpr bool kIsInstrumented = false;
+#endif
+
+void Limit(__rlimit_resource_t resource, rlim_t value) {
+    rlimit limit{};
+    if (getrlimit(resource, &limit) != 0) return;
+    limit.rlim_cur = limit.rlim_max = std::min(value, limit.rlim_max);
+    setrlimit(resource, &limit);
 }
 
-void PutText(TRecordStream& stream, ERecord kind, const std::string& text) {
-    stream.Begin(kind);
-    stream.PutText(text);
-    stream.Commit();
+rlim_t MemoryForOne() {
+    struct sysinfo machine {};
+    if (sysinfo(&machine) != 0) return kMostMemory;
+    return std::min(kMostMemory, rlim_t{machine.totalram} * machine.mem_unit / 4);
 }
 
-void PutPlugins(TRecordStream& stream, const TPluginReport& report) {
-    for (const TPluginInfo& plugin : report.plugins) {
-        stream.Begin(ERecord::ePlugin);
-        stream.PutText(plugin.name);
-        stream.PutText(plugin.version);
-        stream.PutNumber(plugin.type);
-        stream.PutNumber(plugin.initialised);
-        stream.Commit();
-    }
-    if (report.loadFailure.empty()) return;
-    PutText(stream, ERecord::eRefusal, report.loadFailure);
+void SetLimits() {
+    Limit(RLIMIT_CORE, 0);
+    Limit(RLIMIT_FSIZE, kLargestFile);
+    if (!kIsInstrumented) Limit(RLIMIT_DATA, MemoryForOne());
+}
+
+// What the plugin prints must not mix with what the host prints.
+void SetStreams(int printed) {
+    const int null = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    dup2(null, STDIN_FILENO);
+    dup2(printed, STDOUT_FILENO);
+    dup2(printed, STDERR_FILENO);
+    close(null);
+    close(printed);
+}
+
+// When the machine runs out of memory, the kernel is to end a plugin's process rather than another one.
+void PreferForOutOfMemoryKiller() {
+    const int file = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
+    if (file < 0) return;
+    (void)!write(file, "1000", 4);
+    close(file);
+}
+
+// The caller of the host may have had signals ignored. SIGPIPE and SIGXFSZ stay ignored: that a pipe or file takes no
+// more is an error for the plugin to meet, and no reason to end it.
+void ResetSignals() {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGALRM, SIGCHLD, SIGUSR1, SIGUSR2}) std::signal(signal, SIG_DFL);
+    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+// A session of its own has no terminal and is a process group that the plugin cannot leave. Descriptors of the host are
+// closed but for standard streams.
+void PrepareProcess(int printed, bool closesOthers) {
+    setsid();
+    SetStreams(printed);
+    if (closesOthers) close_range(STDERR_FILENO + 1, ~0u, 0);
+    SetLimits();
+    PreferForOutOfMemoryKiller();
+    ResetSignals();
+}
+
+// The rest of the log is saved when the process exits, is told to end or crashes. Signal handlers and exit handlers
+// have no parameters, so what they need is here.
+constexpr int kEndingSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM};
+TRecordStream* gStream = nullptr;
+bool gWholeLog = false;
+
+void PutLog() {
+    for (const ILogger::TLogEntry& entry : TRootObject::GetCoreLogger()->GetLog())
+        if (gWholeLog || entry.severity <= kyrLogWarning) PutLogLine(*gStream, entry);
+}
+
+void MoveLog() {
+    PutLog();
+    TRootObject::GetCoreLogger()->ClearLog();
+}
+
+// The core does not tell how far it has come with loading a library, but the plugins that are registered show it.
+void NoteLoadingPhase() {
+    if (gStream->Phase() != EPhase::eLoading) return;
+    const auto& plugins = TRootObject::GetPluginManager()->GetPluginsContainer();
+    if (plugins.empty())
+        gStream->SetPhase(EPhase::eConstructing);
+    else
+        gStream->SetPhase(plugins.back()->IsInitialized() ? EPhase::eDescribing : EPhase::eInitialising);
+}
+
+void SaveLogAtExit() {
+    NoteLoadingPhase();
+    MoveLog();
+}
+
+// This is not allowed in a signal handler, but there is nothing to lose: what is on the stream stays there, and a
+// second fault ends the process by the default action. No memory is taken or freed: the heap may be locked.
+void SaveLogAndEnd(int signal) {
+    NoteLoadingPhase();
+    PutLog();
+    std::raise(signal);
+}
+
+// A stack that has overflowed leaves no room for a handler.
+void UseSignalStack() {
+    static char memory[65536];
+    stack_t stack{};
+    stack.ss_sp = memory;
+    stack.ss_size = sizeof memory;
+    sigaltstack(&stack, nullptr);
+}
+
+void SaveLogAtEnd() {
+    UseSignalStack();
+    struct sigaction action {};
+    action.sa_handler = SaveLogAndEnd;
+    action.sa_flags = static_cast<int>(SA_ONSTACK | SA_RESETHAND | SA_NODEFER);
+    for (const int signal : kEndingSignals) sigaction(signal, &action, nullptr);
+    std::atexit(SaveLogAtExit);
+}
+
+void StartLog(TRecordStream& stream, bool wholeLog) {
+    gStream = &stream;
+    gWholeLog = wholeLog;
+    if (!wholeLog) TRootObject::GetCoreLogger()->SetLogThreshold(kyrLogWarning);
+    SaveLogAtEnd();
 }
 
 void Ask(TPluginProxy& plugin, const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream) {
     TPluginContainer& container = task.container;
-    const auto putLog = [&] { PutLog(stream, task.wholeLog); };
-    const auto ended = [&](const std::string& reason) {
-        putLog();
-        PutText(stream, ERecord::eEnded, reason);
+    const auto asked = [&](const std::vector<TCIMClass*>& classes) {
+        PutDataCall(stream, classes);
+        stream.SetPhase(classes.front()->IsAssociation() ? EPhase::eAssociations : EPhase::eOrdinary);
+    };
+    const auto ended = [&](const std::string& failure) {
+        MoveLog();
+        PutDataCallEnd(stream, failure);
         stream.SetCurrentClass("");
         CopySystemToPluginSchema(container);
     };
-    plugin.Observe({[&](const std::vector<TCIMClass*>& classes) { PutDataCall(stream, classes); }, ended});
-    container.StartStreaming(stream, putLog);
+    plugin.Observe({asked, ended});
+    container.StartStreaming(stream, MoveLog);
     container.SetActiveLibrary(&library);
     CopySystemToPluginSchema(container);
     TQueryManager query;
     for (const bool associations : {false, true})
         query.EnumerateInstances(&plugin, &container, task.wanted.Names(), associations);
-    putLog();
+    MoveLog();
 }
 
 }  // namespace
 
-void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream) noexcept {
-    if (!task.wholeLog) TRootObject::GetCoreLogger()->SetLogThreshold(kyrLogWarning);
-    SaveLogAtEnd(stream, task.wholeLog);
+void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream, int printed) {
+    PrepareProcess(printed, !task.logInFile);
+    StartLog(stream, task.wholeLog);
     TPluginReport report;
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, report);
     PutPlugins(stream, report);
-    PutLog(stream, task.wholeLog);
+    MoveLog();
     if (plugin && !task.wanted.IsSchemaOnly()) Ask(*plugin, library, task, stream);
     stream.SetPhase(EPhase::eExiting);
-    std::exit(0);  // with all destructors: those of the plugin may want to say something
+    std::exit(0);  // runs the plugin's destructors, which may log
 }

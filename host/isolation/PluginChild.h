@@ -11,13 +11,13 @@ class TRecordStream;
 struct TPluginTask {
     TPluginContainer& container;
     const TClassSelection& wanted;  ///< of a schema alone, the library is only loaded
-    bool wholeLog;                  ///< and not only its errors and warnings
-    bool logInFile;                 ///< it writes to the file of the log too
+    bool wholeLog;                  ///< somebody reads more of the log than its errors and warnings
+    bool logInFile;                 ///< the log file of the host is written to, so that its descriptor stays open
 };
 
-/// The work of a plugin's process: loads the library, asks it, and puts on the stream what comes of it. An exception
-/// that nobody catches ends the process: what is above this call is not its own.
-[[noreturn]] void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task,
-                                 TRecordStream& stream) noexcept;
+/// The work of a plugin's process, once it is forked: loads the library, asks the plugin, and puts all that comes of it
+/// on the stream. What the plugin prints goes to the descriptor.
+[[noreturn]] void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream,
+                                 int printed);
 
 #endif

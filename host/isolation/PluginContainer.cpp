@@ -4,18 +4,34 @@
 
 #include "isolation/InstanceRecords.h"
 #include "isolation/RecordStream.h"
+#include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
+#include "kyr/TRootObject.h"
 
 namespace {
 
 bool HasClass(const TContainer& container, const std::string& name) {
     try {
         return container.FindClass(name) != nullptr;
-    } catch (const TKYRException&) {  // it cannot be a name of a class, as adding the class will tell
+    } catch (const TKYRException&) {  // no class can have that name; adding it raises the same
         return false;
     }
+}
+
+void RemoveInstances(TCIMClass& cls) {
+    for (auto all = cls.EnumerateInstances(true); !all.empty(); all = cls.EnumerateInstances(true))
+        all.front()->GetClass()->RemoveInstance(*all.front());
+}
+
+void Copy(const TCIMInstance& instance, const TContainer& target) {
+    TCIMInstance* const copy = target.AllocateInstance(target.GetClass(instance.GetClass()->GetName()));
+    for (const TCIMProperty* property : instance.EnumerateProperties())
+        if (!property->GetPropagated()) copy->SetPropertyValue(property->GetName(), property->GetValue());
+    copy->AddToContainer();
 }
 
 }  // namespace
@@ -58,4 +74,14 @@ void TPluginContainer::Put(const TCIMInstance& instance, uint32_t& number) const
     fBeforeRecord();
     if (number == 0) number = ++fCount;
     PutInstance(*fStream, instance, number);
+}
+
+void CopySystemToPluginSchema(const TContainer& collected) {
+    const TContainer& schema = *TRootObject::GetPluginManager()->GetSchema();
+    const std::string& name = TCIMSchemaHelper::kSystemCreationClassName;
+    const TCIMClass* const cls = collected.FindClass(name);
+    TCIMClass* const shown = schema.FindClass(name);
+    if (cls == nullptr || shown == nullptr) return;
+    RemoveInstances(*shown);
+    for (const TCIMInstance* instance : cls->EnumerateInstances(true)) Copy(*instance, schema);
 }

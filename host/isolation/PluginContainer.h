@@ -12,24 +12,26 @@
 class TRecordStream;
 struct TPluginLibrary;
 
-/// A container in which each library has its turn to fill the classes that are its own, or nobody's. In a plugin's
-/// process it puts each instance on a stream as soon as it is stored.
+/// A container into which several plugin libraries put instances, one after the other. While a library is active, it
+/// can make instances of its own classes and of those that belong to nobody. In a plugin's process each instance is
+/// put on a record stream as soon as it is stored.
 class TPluginContainer : public TContainer {
 public:
-    /// Instances that are made from now on go to the stream; before anything is put there, beforeRecord is called.
+    /// Instances that are made from now on are put on the stream; beforeRecord is called before each of them is made
+    /// and before each is put there.
     void StartStreaming(TRecordStream& stream, std::function<void()> beforeRecord);
 
-    /// Null: the class is ours alone.
+    /// Null: the class belongs to the host.
     void SetOwner(const TCIMClass& cls, const TPluginLibrary* library) { fOwners[&cls] = library; }
-    /// Whose instances are made from now on; null: ours, of any class.
+    /// The library that makes the instances from now on; null: the host, which can make those of any class.
     void SetActiveLibrary(const TPluginLibrary* library) { fActive = library; }
 
-    /// Notes the name of a class that is there already, as a document that is read may bring it.
+    /// Notes the name of a class that is there already, since another document brought it.
     TCIMClass* AllocateClass(const std::string& name, TCIMClass* superclass) const override;
     /// The names that were noted since the last call.
     std::vector<std::string> TakeDuplicateClasses() { return std::exchange(fDuplicates, {}); }
 
-    /// Raises kyrStatusAccessDenied if the class belongs to another than the one that has its turn.
+    /// Raises kyrStatusAccessDenied if the class does not belong to the active library.
     TCIMInstance* AllocateInstance(TCIMClass* cls) const override;
 
 private:
@@ -42,7 +44,10 @@ private:
     mutable std::vector<std::string> fDuplicates;
     TRecordStream* fStream = nullptr;
     std::function<void()> fBeforeRecord;
-    mutable uint32_t fCount = 0;
+    mutable uint32_t fCount = 0;  // of the instances that were stored
 };
+
+/// Puts the computer system that was collected where plugins look for it: in the plugin manager's schema.
+void CopySystemToPluginSchema(const TContainer& collected);
 
 #endif

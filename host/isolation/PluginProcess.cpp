@@ -1,13 +1,11 @@
 #include "isolation/PluginProcess.h"
 
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstring>
+#include <chrono>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -15,14 +13,12 @@
 
 #include "base/Signals.h"
 #include "base/Text.h"
-#include "isolation/ChildSetting.h"
-#include "isolation/PluginContainer.h"
 #include "isolation/ReportRecords.h"
 #include "states/PluginLibrary.h"
 
 namespace {
 
-constexpr double kTerminationGrace = 0.2;  // seconds between asking it to end and ending it
+constexpr std::chrono::milliseconds kTerminationGrace(200);
 constexpr off_t kPrintedBytes = 4096;
 constexpr size_t kPrintedLines = 20;
 
@@ -41,9 +37,14 @@ constexpr TPlace kPlaces[] = {
     {EPhase::eExiting, "in a destructor at exit"},
 };
 
-[[noreturn]] void Fail(const char* what) { throw std::system_error(errno, std::generic_category(), what); }
+int OpenPrinted() {
+    const int file = memfd_create("kyr-plugin", MFD_CLOEXEC);
+    if (file < 0) throw std::system_error(errno, std::generic_category(), "no memory for what it prints");
+    return file;
+}
 
-// The last lines, the first of which may be cut.
+// The last lines, the first of which may be cut. The plugin can change the size of the file at any time, so that less
+// may be read than was there.
 std::vector<std::string> ReadLastLines(int descriptor) {
     const off_t size = lseek(descriptor, 0, SEEK_END);
     std::string text(static_cast<size_t>(std::min(std::max<off_t>(size, 0), kPrintedBytes)), '\0');
@@ -58,60 +59,81 @@ std::vector<std::string> ReadLastLines(int descriptor) {
 
 }  // namespace
 
+struct TPluginProcess::TTransition {
+    EProcessState from;
+    EEvent event;
+    EProcessState to;
+    void (TPluginProcess::*action)();
+};
+
+const TPluginProcess::TTransition TPluginProcess::kTransitions[] = {
+    {EProcessState::eRunning, EEvent::eTimeUp, EProcessState::eTerminating, &TPluginProcess::Terminate},
+    {EProcessState::eRunning, EEvent::eStop, EProcessState::eTerminating, &TPluginProcess::Terminate},
+    {EProcessState::eRunning, EEvent::eEnd, EProcessState::eFinished, &TPluginProcess::Finish},
+    {EProcessState::eTerminating, EEvent::eTimeUp, EProcessState::eKilled, &TPluginProcess::Kill},
+    {EProcessState::eTerminating, EEvent::eEnd, EProcessState::eFinished, &TPluginProcess::Finish},
+    {EProcessState::eKilled, EEvent::eEnd, EProcessState::eFinished, &TPluginProcess::Finish},
+};
+
 TPluginProcess::TPluginProcess(TPluginLibrary& library, const TPluginTask& task, double timeout)
     : fLibrary(library),
-      fMerge(fStream, library, task.container),
       fTimeout(timeout),
-      fDeadline(After(TClock::now(), timeout)),
-      fPrinted(memfd_create("kyr-plugin", MFD_CLOEXEC)) {
-    if (fPrinted < 0) Fail("no memory for what it prints");
-    const pid_t parent = getpid();
-    fProcess = fork();
-    if (fProcess == 0) {
-        PrepareChild(parent, fPrinted, !task.logInFile);
-        RunPluginChild(library, task, fStream);
+      fMerger(library, task.container),
+      fPrinted(OpenPrinted()),
+      fProcess([&] { RunPluginChild(library, task, fStream, fPrinted.Number()); }),
+      fDeadline(After(TClock::now(), timeout)) {
+    fStream.HideFromChildren();
+}
+
+void TPluginProcess::Handle(EEvent event) {
+    for (const TTransition& transition : kTransitions) {
+        if (transition.from != fState || transition.event != event) continue;
+        fState = transition.to;
+        return (this->*transition.action)();
     }
-    if (fProcess < 0) {
-        close(fPrinted);
-        Fail("no process can be started for it");
-    }
-    fStream.Hide();
-}
-
-TPluginProcess::~TPluginProcess() {
-    if (IsFinished()) return;
-    close(fPrinted);
-    Kill();
-    waitpid(fProcess, nullptr, 0);
-}
-
-// It alone too: its group is there only once it runs.
-void TPluginProcess::Kill() const {
-    kill(-fProcess, SIGKILL);
-    kill(fProcess, SIGKILL);
-}
-
-bool TPluginProcess::HasEnded() const {
-    siginfo_t info{};
-    return waitid(P_PID, static_cast<id_t>(fProcess), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
 }
 
 void TPluginProcess::EscalateIfDue(TTimePoint now) {
     if (now < fDeadline) return;
-    if (!IsStopped()) return Stop({eTimedOut, ReasonFor(EReason::eNoAnswer, SecondsText(fTimeout))});
-    Kill();
-    fDeadline = TTimePoint::max();
+    if (fState == EProcessState::eRunning) fStopped = {eTimedOut, ReasonFor(EReason::eNoAnswer, SecondsText(fTimeout))};
+    Handle(EEvent::eTimeUp);
 }
 
 void TPluginProcess::Stop(const TOutcome& why) {
-    if (IsStopped()) return;
-    fStopped = why;
-    kill(fProcess, SIGTERM);
-    fDeadline = After(TClock::now(), kTerminationGrace);
+    if (fState == EProcessState::eRunning) fStopped = why;
+    Handle(EEvent::eStop);
+}
+
+bool TPluginProcess::FinishIfEnded() {
+    if (!IsFinished() && fProcess.HasEnded()) Handle(EEvent::eEnd);
+    return IsFinished();
+}
+
+void TPluginProcess::Terminate() {
+    fProcess.Terminate();
+    fDeadline = TClock::now() + kTerminationGrace;
+    fMerger.StartDraining();
+}
+
+void TPluginProcess::Kill() {
+    fProcess.Kill();
+    fDeadline = TTimePoint::max();
+}
+
+// What is left of the group must be killed before the process is waited for, as long as its number is surely its own.
+void TPluginProcess::Finish() {
+    fProcess.Kill();
+    const TProcessEnd end = fProcess.Wait();
+    TPluginReport& report = fLibrary.report;
+    const bool isReadable = ReadReport(fStream.Records(), report);
+    report.end = FindOutcome(end);
+    if (!isReadable && report.end.state == eComplete) report.end = {eFailed, ReasonFor(EReason::eDeliveryDamaged)};
+    ReadPrinted();
+    fPrinted.Close();
 }
 
 bool TPluginProcess::Includes(pid_t process) const {
-    return process > 0 && (process == fProcess || getsid(process) == fProcess);
+    return process > 0 && (process == fProcess.Id() || getsid(process) == fProcess.Id());
 }
 
 void TPluginProcess::NoteSentSignal(int signal) {
@@ -120,17 +142,8 @@ void TPluginProcess::NoteSentSignal(int signal) {
             {"", kyrLogError, "it sent " + SignalName(signal) + " to its host " + Where()});
 }
 
-void TPluginProcess::Finish() {
-    Kill();  // before it is waited for: the number is still its own
-    int status = 0;
-    while (waitpid(fProcess, &status, 0) < 0 && errno == EINTR) {
-    }
-    TPluginReport& report = fLibrary.report;
-    const bool readable = ReadReport(fStream, report);
-    report.end = FindOutcome(status);
-    if (!readable && report.end.state == eComplete) report.end = {eFailed, ReasonFor(EReason::eDeliveryDamaged)};
-    ReadPrinted();
-    close(std::exchange(fPrinted, -1));
+TInstanceMerger::EProgress TPluginProcess::Merge(bool associations, const TTimeSlice& slice) {
+    return fMerger.Take(fStream.Records(), associations, slice);
 }
 
 std::string TPluginProcess::Where() const {
@@ -141,20 +154,20 @@ std::string TPluginProcess::Where() const {
     return currentClass.empty() ? text : text + " at class " + currentClass;
 }
 
-TOutcome TPluginProcess::FindOutcome(int status) const {
+TOutcome TPluginProcess::FindOutcome(const TProcessEnd& end) const {
     const auto at = [this](TReason reason) {
         reason.place = Where();
         reason.className = fStream.CurrentClass();
         return reason;
     };
-    if (IsStopped()) return {fStopped.state, at(fStopped.reason)};
+    if (fStopped.reason) return {fStopped.state, at(fStopped.reason)};
     if (fStream.IsFull()) return {eFailed, ReasonFor(EReason::eTooMuchDelivered)};
-    if (WIFSIGNALED(status)) return {eFailed, at(ReasonFor(EReason::eCrashed, SignalName(WTERMSIG(status))))};
-    if (fStream.Phase() == EPhase::eExiting && WEXITSTATUS(status) == 0) return {};
-    return {eFailed, at(ReasonFor(EReason::eExited, std::to_string(WEXITSTATUS(status))))};
+    if (end.signal != 0) return {eFailed, at(ReasonFor(EReason::eCrashed, SignalName(end.signal)))};
+    if (fStream.Phase() == EPhase::eExiting && end.exitStatus == 0) return {};
+    return {eFailed, at(ReasonFor(EReason::eExited, std::to_string(end.exitStatus)))};
 }
 
 void TPluginProcess::ReadPrinted() {
-    for (const std::string& line : ReadLastLines(fPrinted))
+    for (const std::string& line : ReadLastLines(fPrinted.Number()))
         fLibrary.report.messages.push_back({"", kyrLogStatus, VisibleText(line)});
 }

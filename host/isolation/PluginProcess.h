@@ -3,57 +3,79 @@
 
 #include <sys/types.h>
 
+#include <string>
+
+#include "base/ChildProcess.h"
+#include "base/Descriptor.h"
 #include "base/TimePoint.h"
 #include "isolation/InstanceMerger.h"
 #include "isolation/PluginChild.h"
 #include "isolation/RecordStream.h"
 #include "model/CollectionState.h"
 
-/// A plugin's process, seen from ours. It leads a session of its own.
+/// A plugin's process as the host sees it, from its start until nothing is left of it but the records. It leads a
+/// session and a process group of its own. It is a state machine:
+///
+///     state         the process                    event     action                            next state
+///     eRunning      works, within its time         eTimeUp   SIGTERM; 200 ms are left to it    eTerminating
+///                                                  eStop     the same                          eTerminating
+///                                                  eEnd      write the report                  eFinished
+///     eTerminating  was told to end, and may       eTimeUp   SIGKILL                           eKilled
+///                   save its log before it does    eEnd      write the report                  eFinished
+///     eKilled       can do nothing any more        eEnd      write the report                  eFinished
+///     eFinished     is gone, with its group        none
+///
+/// In every other state an event is ignored.
 class TPluginProcess {
 public:
-    /// Starts it. Raises std::system_error.
+    /// Starts it. The timeout is in seconds. Raises std::system_error.
     TPluginProcess(TPluginLibrary& library, const TPluginTask& task, double timeout);
-    ~TPluginProcess();
-    TPluginProcess(const TPluginProcess&) = delete;
-    TPluginProcess& operator=(const TPluginProcess&) = delete;
 
-    /// It is no longer there, though it has not been waited for.
-    bool HasEnded() const;
-    bool IsFinished() const { return fPrinted < 0; }
-    /// We ended it, or are about to.
-    bool IsStopped() const { return static_cast<bool>(fStopped.reason); }
+    bool IsFinished() const { return fState == EProcessState::eFinished; }
     /// When EscalateIfDue has something to do.
     TTimePoint Deadline() const { return fDeadline; }
-    /// Stops it if its time is over, and again with more force if it does not stop.
+    /// Tells it to end once its time is up, and kills it if it does not.
     void EscalateIfDue(TTimePoint now);
+    /// Tells it to end; its outcome has the reason, unless it had been told to end before.
     void Stop(const TOutcome& why);
-    /// Whether that process is this one, or of its session; also when it is finished.
-    bool Includes(pid_t process) const;
-    /// Notes in the report, once, that it sent us a signal.
-    void NoteSentSignal(int signal);
-    /// Once it has ended: ends its group too, and writes in the library's report what became of it.
-    void Finish();
+    /// If it has ended, kills what is left of its group and writes in the library's report what became of it.
+    bool FinishIfEnded();
 
+    /// Whether the process with that number is this one, or was started by it; also when it is finished.
+    bool Includes(pid_t process) const;
+    /// Notes in the report, once, that it sent a signal to the host.
+    void NoteSentSignal(int signal);
+
+    /// Stores what it has delivered so far.
+    TInstanceMerger::EProgress Merge(bool associations, const TTimeSlice& slice);
+    TInstanceMerger& Merger() { return fMerger; }
     TPluginLibrary& Library() const { return fLibrary; }
-    /// What it has delivered, by now.
-    TInstanceMerger& Merge() { return fMerge; }
 
 private:
-    void Kill() const;
+    enum class EProcessState { eRunning, eTerminating, eKilled, eFinished };
+    enum class EEvent { eTimeUp, eStop, eEnd };
+    struct TTransition;
+    static const TTransition kTransitions[];
+
+    void Handle(EEvent event);
+    void Terminate();
+    void Kill();
+    void Finish();
+
     std::string Where() const;
-    TOutcome FindOutcome(int status) const;
+    TOutcome FindOutcome(const TProcessEnd& end) const;
     void ReadPrinted();
 
     TPluginLibrary& fLibrary;
-    TRecordStream fStream;
-    TInstanceMerger fMerge;
     const double fTimeout;
+    TRecordStream fStream;
+    TInstanceMerger fMerger;
+    TDescriptor fPrinted;  // a file in memory: what the plugin prints
+    TChildProcess fProcess;
+    EProcessState fState = EProcessState::eRunning;
     TTimePoint fDeadline;
-    TOutcome fStopped;  // why we stopped it
+    TOutcome fStopped;  // why it was told to end
     bool fSentSignal = false;
-    int fPrinted;
-    pid_t fProcess = -1;
 };
 
 #endif

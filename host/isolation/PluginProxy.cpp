@@ -55,7 +55,7 @@ boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::
     if (owner == nullptr || owner->type != kyrPluginDataCollector || !report.loadFailure.empty() || classes.empty())
         return nullptr;
     boost::shared_ptr<IPlugin>& plugin = *std::next(first, owner - report.plugins.data());
-    const boost::shared_ptr<TPluginProxy> standIn(new TPluginProxy(plugin, classes));
-    plugin = standIn;
-    return standIn;
+    const boost::shared_ptr<TPluginProxy> proxy(new TPluginProxy(plugin, classes));
+    plugin = proxy;
+    return proxy;
 }

@@ -13,13 +13,14 @@
 
 struct TPluginReport;
 
-/// Is told when a plugin is about to be called, for which classes, and what the call ended with; empty: it went well.
+/// Functions that are called before and after a plugin's data entry: with the classes that it is asked for, and with
+/// the status or exception that it ended with, empty if it went well.
 struct TCallObserver {
     std::function<void(const std::vector<TCIMClass*>&)> asked;
     std::function<void(const std::string&)> ended;
 };
 
-/// A plugin's callbacks, with an observer of its data entry.
+/// Passes calls on to a plugin's callbacks, and tells an observer of those of the data entry.
 class TProxyCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
 public:
     explicit TProxyCallbacks(IPluginCallbacks& callbacks) : fCallbacks(callbacks) {}
@@ -40,8 +41,8 @@ private:
     IPluginCallbacks& fCallbacks;
 };
 
-/// A plugin as its library registered it, with classes of ours for those of its document, which was read before the
-/// library was loaded.
+/// A plugin as its library registered it, but for the classes that it collects: they are those of the host's container,
+/// into which its document was read before the library was loaded.
 class TPluginProxy : public IPlugin {
 public:
     TPluginProxy(boost::shared_ptr<IPlugin> plugin, std::vector<TCIMClass*> classes)
@@ -62,8 +63,8 @@ private:
     mutable TProxyCallbacks fCallbacks;
 };
 
-/// Has the plugin manager load a library, and writes in the report what it registers and what went wrong. Gives the
-/// plugin to be asked for the classes, or null.
+/// Has the plugin manager load a library, and writes in the report which plugins it registers and what went wrong. The
+/// one that is to be asked for the classes is replaced by a proxy, which is returned; null if there is none.
 boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::vector<TCIMClass*>& classes,
                                             TPluginReport& report);
 

@@ -7,164 +7,175 @@
 
 #include "states/PluginLibrary.h"
 
-using namespace std::chrono_literals;
-
 namespace {
 
-constexpr auto kTimeSlice = 1ms;        // of work before we look round
-constexpr auto kSignalDebounce = 20ms;  // in which who signals us and then our group, as timeout(1) does, means it once
-constexpr auto kPollInterval = 20ms;    // in which something may have been delivered
-constexpr int kDrainBudget = 1000;
-constexpr int kMostPending = 64;  // one of each, and more where somebody sends without end
+constexpr std::chrono::milliseconds kPollInterval(20);  // in which a process may have delivered something
+
+// At most so many signals are handled at once: a plugin can send them without end.
+constexpr int kMostPending = 64;
 
 }  // namespace
 
-TPluginScheduler::TPluginScheduler(const TRunLimits& limits, size_t count, TListener listener)
-    : fTimeout(limits.timeout),
-      fDeadlineSeconds(limits.deadline),
-      fDeadline(limits.Latest()),
-      fAtOnce(std::max(4u, std::thread::hardware_concurrency())),
-      fListener(std::move(listener)),
-      fProgress(count) {}
+TProcessPool::TProcessPool(double timeout)
+    : fTimeout(timeout), fMostRunning(std::max(4u, std::thread::hardware_concurrency())) {}
 
-void TPluginScheduler::Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task) {
-    fWaiting.assign(libraries.begin(), libraries.end());
-    while (!fWaiting.empty() || fTold < fStarted.size()) {
-        if (fRunning.empty()) EndOrphans();  // which makes room for others
-        Start(task);
-        const bool isMore = TakeInSome(false);
-        TellEnded();
-        if (isMore || !fRunning.empty()) Wait(isMore ? TClock::now() : TClock::now() + kPollInterval);
-    }
-    EndOrphans();
+void TProcessPool::Enqueue(const std::vector<TPluginLibrary*>& libraries) {
+    fWaiting.insert(fWaiting.end(), libraries.begin(), libraries.end());
 }
 
-void TPluginScheduler::Conclude() {
-    fTaken = 0;
-    while (TakeInSome(true)) Wait(TClock::now());
-    HandlePendingSignals();
-    for (const auto& process : fStarted) process->Merge().Conclude();
+void TProcessPool::StartWaiting(const TPluginTask& task) {
+    while (IsWaiting() && fRunning.size() < fMostRunning && StartOne(*fWaiting.front(), task)) fWaiting.pop_front();
 }
 
-void TPluginScheduler::Start(const TPluginTask& task) {
-    while (!fWaiting.empty() && fRunning.size() < fAtOnce && StartOne(*fWaiting.front(), task)) fWaiting.pop_front();
-}
-
-// False: there is no room while others run.
-bool TPluginScheduler::StartOne(TPluginLibrary& library, const TPluginTask& task) try {
-    if (fStopped.reason) {
+// False: the system has no room for it while others run.
+bool TProcessPool::StartOne(TPluginLibrary& library, const TPluginTask& task) {
+    if (IsStopped()) {
         library.report.end = {eNotAsked, fStopped.reason};
         return true;
     }
-    fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fTimeout));
-    fRunning.push_back(fStarted.back().get());
-    return true;
-} catch (const std::system_error& e) {
-    if (!fRunning.empty()) return false;
-    library.report.end = {eFailed, ReasonFor(EReason::eNotStarted, e.what())};
-    return true;
+    try {
+        fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fTimeout));
+        fRunning.push_back(fStarted.back().get());
+        return true;
+    } catch (const std::system_error& e) {
+        if (IsRunning()) return false;
+        library.report.end = {eFailed, ReasonFor(EReason::eNotStarted, e.what())};
+        return true;
+    }
 }
 
-// While others still run. True: there is more.
-bool TPluginScheduler::TakeInSome(bool associations) {
-    const TTimePoint latest = TClock::now() + kTimeSlice;
-    for (; fTaken < fStarted.size(); ++fTaken, fDrainSlices = 0) {
-        TPluginProcess& process = *fStarted[fTaken];
+size_t TProcessPool::FinishEnded() {
+    const auto isFinished = [](TPluginProcess* process) { return process->FinishIfEnded(); };
+    const auto ended = std::remove_if(fRunning.begin(), fRunning.end(), isFinished);
+    const auto count = static_cast<size_t>(fRunning.end() - ended);
+    fRunning.erase(ended, fRunning.end());
+    return count;
+}
+
+void TProcessPool::EscalateDue(TTimePoint now) {
+    for (TPluginProcess* process : fRunning) process->EscalateIfDue(now);
+}
+
+TTimePoint TProcessPool::NextDeadline() const {
+    TTimePoint next = TTimePoint::max();
+    for (const TPluginProcess* process : fRunning) next = std::min(next, process->Deadline());
+    return next;
+}
+
+void TProcessPool::Stop(const TOutcome& why) {
+    if (!IsStopped()) fStopped = why;
+    for (TPluginProcess* process : fRunning) process->Stop(why);
+    for (const auto& process : fStarted) process->Merger().StartDraining();
+}
+
+void TProcessPool::Clear() {
+    fRunning.clear();
+    fStarted.clear();
+}
+
+std::vector<std::string> TProcessPool::RunningPaths() const {
+    std::vector<std::string> paths;
+    for (const TPluginProcess* process : fRunning) paths.push_back(process->Library().path);
+    return paths;
+}
+
+TPluginProcess* TProcessPool::FindSender(const TSignal& signal) const {
+    for (const auto& process : fStarted)
+        if (process->Includes(signal.sender)) return process.get();
+    return nullptr;
+}
+
+TPluginScheduler::TPluginScheduler(const TRunLimits& limits, size_t count, TListener listener)
+    : fLimits(limits),
+      fListener(std::move(listener)),
+      fInterruptions([this](const TSignal& signal) { return IsFromPlugin(signal); }),
+      fProgress(count),
+      fPool(limits.timeout) {}
+
+void TPluginScheduler::Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task) {
+    fPool.Enqueue(libraries);
+    while (fPool.IsWaiting() || fTold < fPool.Started().size()) {
+        if (!fPool.IsRunning()) KillOrphans();  // which makes room for others
+        fPool.StartWaiting(task);
+        const bool isMore = MergeSome(false);
+        TellEnded();
+        if (isMore || fPool.IsRunning()) Wait(isMore ? TClock::now() : TClock::now() + kPollInterval);
+    }
+    KillOrphans();
+}
+
+void TPluginScheduler::Conclude() {
+    fMerged = 0;
+    while (MergeSome(true)) Wait(TClock::now());
+    HandlePendingSignals();
+    for (const auto& process : fPool.Started()) process->Merger().Conclude();
+}
+
+// Stores instances for the length of a time slice. True: there is more to store at once.
+bool TPluginScheduler::MergeSome(bool associations) {
+    using EProgress = TInstanceMerger::EProgress;
+    const TTimeSlice slice;
+    for (; fMerged < fPool.Started().size(); ++fMerged) {
+        TPluginProcess& process = *fPool.Started()[fMerged];
         const bool hasEnded = process.IsFinished();
-        const bool hasAll = process.Merge().Take(associations, latest) || hasEnded;
-        if (TClock::now() >= latest) {
-            LimitDraining(process);
-            return true;
-        }
-        if (!hasAll) return false;
+        const EProgress progress = process.Merge(associations, slice);
+        if (progress == EProgress::eOutOfTime) return true;
+        if (progress == EProgress::eTookAll && !hasEnded) return false;
     }
     return false;
 }
 
-// What one can deliver in its time may take us longer to store.
-void TPluginScheduler::LimitDraining(TPluginProcess& process) {
-    if (!fStopped.reason && !process.IsStopped()) return;
-    if (++fDrainSlices < kDrainBudget) return;
-    process.Merge().Drop({eTimedOut, ReasonFor(EReason::eNoTimeToStore)});
-}
-
-void TPluginScheduler::Wait(TTimePoint latest) {
-    TTimePoint next = fStopped.reason ? TTimePoint::max() : fDeadline;
-    for (const TPluginProcess* process : fRunning) next = std::min(next, process->Deadline());
-    const TSignal signal = fSignals.WaitUntil(std::min({next, latest, fProgress.NextMoment()}));
-    const bool isInterruption = IsInterruption(signal);
-    FinishEnded();  // first: they may have ended in time while we were busy or stopped
-    if (isInterruption) Interrupt(signal.number);
-    const TTimePoint now = TClock::now();
-    if (now >= fDeadline) StopAll({eTimedOut, ReasonFor(EReason::eDeadlinePassed, SecondsText(fDeadlineSeconds))});
-    for (TPluginProcess* process : fRunning) process->EscalateIfDue(now);
-    fProgress.Show(now, RunningNames());
-}
-
-// A plugin has no say in when we end, but is named.
-bool TPluginScheduler::IsInterruption(const TSignal& signal) const {
-    if (signal.number == 0 || signal.number == SIGCHLD) return false;
-    for (const auto& process : fStarted) {
-        if (!process->Includes(signal.sender)) continue;
-        process->NoteSentSignal(signal.number);
-        return false;
+void TPluginScheduler::TellEnded() {
+    for (; fTold < fMerged && fPool.Started()[fTold]->IsFinished(); ++fTold) {
+        fProgress.Erase();  // the listener may print
+        fListener(*fPool.Started()[fTold]);
     }
-    return true;
 }
 
-// Nothing that a plugin sent is to be left when the signals are held no longer.
+// Waits for a signal, such as SIGCHLD, and does what is due. Processes that have ended come first: they may have ended
+// in time while the host was busy or itself stopped.
+void TPluginScheduler::Wait(TTimePoint latest) {
+    const TTimePoint deadline = fPool.IsStopped() ? TTimePoint::max() : fLimits.Latest();
+    const TTimePoint next = std::min({deadline, fPool.NextDeadline(), latest, fProgress.NextMoment()});
+    const ESignalMeaning meaning = fInterruptions.WaitUntil(next);
+    fProgress.Count(fPool.FinishEnded());
+    Interrupt(meaning);
+    const TTimePoint now = TClock::now();
+    if (now >= fLimits.Latest())
+        fPool.Stop({eTimedOut, ReasonFor(EReason::eDeadlinePassed, SecondsText(fLimits.deadline))});
+    fPool.EscalateDue(now);
+    fProgress.Show(now, fPool.RunningPaths());
+}
+
+// What a plugin sent must not be left pending, since it would act on the host once signals are blocked no longer.
 void TPluginScheduler::HandlePendingSignals() {
     for (int i = 0; i < kMostPending; ++i) {
-        const TSignal signal = fSignals.WaitUntil(TClock::now());
-        if (signal.number == 0) return;
-        if (IsInterruption(signal)) Interrupt(signal.number);
+        const ESignalMeaning meaning = fInterruptions.WaitUntil(TClock::now());
+        if (meaning == ESignalMeaning::eNoSignal) return;
+        Interrupt(meaning);
     }
 }
 
-// As long as they are there one sees whose they are.
-void TPluginScheduler::EndOrphans() {
+// Signals first: whose they are shows only as long as their senders exist.
+void TPluginScheduler::KillOrphans() {
     HandlePendingSignals();
-    fOrphans.EndAll();
+    fSubreaper.KillChildren();
 }
 
-void TPluginScheduler::FinishEnded() {
-    const auto finish = [this](TPluginProcess* process) {
-        if (!process->HasEnded()) return false;
-        process->Finish();
-        fProgress.CountOne();
-        return true;
-    };
-    fRunning.erase(std::remove_if(fRunning.begin(), fRunning.end(), finish), fRunning.end());
+// A signal from a plugin does not interrupt the host, but its report tells of it.
+bool TPluginScheduler::IsFromPlugin(const TSignal& signal) {
+    TPluginProcess* const sender = fPool.FindSender(signal);
+    if (sender != nullptr) sender->NoteSentSignal(signal.number);
+    return sender != nullptr;
 }
 
-void TPluginScheduler::TellEnded() {
-    for (; fTold < fTaken && fStarted[fTold]->IsFinished(); ++fTold) {
-        fProgress.Erase();  // they may have something to say themselves
-        fListener(*fStarted[fTold]);
-    }
-}
-
-void TPluginScheduler::Interrupt(int signal) {
-    const TTimePoint now = TClock::now();
-    if (fInterruption != 0 && now < fInterrupted + kSignalDebounce) return;
-    fInterrupted = now;
-    if (fInterruption != 0) {
-        fStarted.clear();  // which ends them
-        fOrphans.EndAll();
-        fProgress.Erase();
-        EndBySignal(signal);
-    }
-    fInterruption = signal;
-    StopAll({eFailed, ReasonFor(EReason::eInterrupted, SignalName(signal))});
-}
-
-void TPluginScheduler::StopAll(const TOutcome& why) {
-    if (!fStopped.reason) fStopped = why;
-    for (TPluginProcess* process : fRunning) process->Stop(why);
-}
-
-std::vector<std::string> TPluginScheduler::RunningNames() const {
-    std::vector<std::string> names;
-    for (const TPluginProcess* process : fRunning) names.push_back(process->Library().path);
-    return names;
+// The first time, what was collected so far is the result. The second time, this process ends at once.
+void TPluginScheduler::Interrupt(ESignalMeaning meaning) {
+    if (meaning == ESignalMeaning::eInterruption)
+        fPool.Stop({eFailed, ReasonFor(EReason::eInterrupted, SignalName(fInterruptions.Signal()))});
+    if (meaning != ESignalMeaning::eRepeatedInterruption) return;
+    fPool.Clear();
+    fSubreaper.KillChildren();
+    fProgress.Erase();
+    EndBySignal(fInterruptions.Signal());
 }

@@ -4,13 +4,57 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
-#include "base/Orphans.h"
+#include "base/ChildProcess.h"
+#include "base/Progress.h"
 #include "base/Signals.h"
+#include "base/TimePoint.h"
 #include "isolation/PluginProcess.h"
-#include "isolation/Progress.h"
-#include "isolation/RunLimits.h"
+
+/// The processes of the plugins: those that wait for room, those that run, and those that have ended.
+class TProcessPool {
+public:
+    using TProcesses = std::vector<std::unique_ptr<TPluginProcess>>;
+
+    /// The timeout is for each process, in seconds.
+    explicit TProcessPool(double timeout);
+
+    /// Libraries to be run as soon as there is room.
+    void Enqueue(const std::vector<TPluginLibrary*>& libraries);
+    /// Starts as many as there is room for. The report of a library whose process cannot be started tells why.
+    void StartWaiting(const TPluginTask& task);
+    /// Gives how many have ended since the last call.
+    size_t FinishEnded();
+    /// Stops those whose time is up.
+    void EscalateDue(TTimePoint now);
+    /// When EscalateDue has something to do.
+    TTimePoint NextDeadline() const;
+    /// Stops all, and starts no more.
+    void Stop(const TOutcome& why);
+    bool IsStopped() const { return static_cast<bool>(fStopped.reason); }
+    /// Kills those that run, and forgets all.
+    void Clear();
+
+    bool IsWaiting() const { return !fWaiting.empty(); }
+    bool IsRunning() const { return !fRunning.empty(); }
+    std::vector<std::string> RunningPaths() const;
+    /// In the order in which they were started, which is that of the libraries.
+    const TProcesses& Started() const { return fStarted; }
+    /// The one that sent the signal, or started the process that did; null if none did.
+    TPluginProcess* FindSender(const TSignal& signal) const;
+
+private:
+    bool StartOne(TPluginLibrary& library, const TPluginTask& task);
+
+    const double fTimeout;
+    const size_t fMostRunning;
+    TOutcome fStopped;  // why no more are started
+    std::deque<TPluginLibrary*> fWaiting;
+    TProcesses fStarted;
+    std::vector<TPluginProcess*> fRunning;
+};
 
 /// Runs libraries in processes of their own, several at a time, as long as there is time and nobody interrupts, and
 /// stores the instances that they deliver, in the order of the libraries.
@@ -19,48 +63,34 @@ public:
     using TListener = std::function<void(const TPluginProcess&)>;
 
     /// In all there are as many libraries as the count says. The listener is told of each process that has ended, in
-    /// the same order.
+    /// the order of the libraries.
     TPluginScheduler(const TRunLimits& limits, size_t count, TListener listener);
 
-    /// Stores the ordinary instances. The report of a library whose process could not be started tells why.
+    /// Runs them until all have ended, and stores their ordinary instances. The report of a library whose process could
+    /// not be started tells why.
     void Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task);
-    /// Once all have run: stores the others too, and concludes the reports.
+    /// Once all have run: stores the instances of associations too, and concludes the reports.
     void Conclude();
-    /// 0: nobody interrupted.
-    int Interruption() const { return fInterruption; }
+    /// The signal by which somebody interrupted it; 0: nobody did.
+    int Interruption() const { return fInterruptions.Signal(); }
 
 private:
-    void Start(const TPluginTask& task);
-    bool StartOne(TPluginLibrary& library, const TPluginTask& task);
-    bool TakeInSome(bool associations);
-    void LimitDraining(TPluginProcess& process);
-    void Wait(TTimePoint latest);
-    void FinishEnded();
+    bool MergeSome(bool associations);
     void TellEnded();
-    bool IsInterruption(const TSignal& signal) const;
+    void Wait(TTimePoint latest);
     void HandlePendingSignals();
-    void EndOrphans();
-    void Interrupt(int signal);
-    void StopAll(const TOutcome& why);
-    std::vector<std::string> RunningNames() const;
+    void KillOrphans();
+    bool IsFromPlugin(const TSignal& signal);
+    void Interrupt(ESignalMeaning meaning);
 
-    const double fTimeout;
-    const double fDeadlineSeconds;
-    const TTimePoint fDeadline;
-    const size_t fAtOnce;
+    const TRunLimits fLimits;
     const TListener fListener;
-    TOutcome fStopped;
-    int fInterruption = 0;
-    TTimePoint fInterrupted;
-    THeldSignals fSignals;
-    TOrphans fOrphans;
+    TInterruptions fInterruptions;
+    const TSubreaper fSubreaper;
     TProgress fProgress;
-    std::deque<TPluginLibrary*> fWaiting;
-    std::vector<TPluginProcess*> fRunning;
-    std::vector<std::unique_ptr<TPluginProcess>> fStarted;
-    size_t fTaken = 0;     // of those, from the start: all its instances of the kind that is on are stored
-    int fDrainSlices = 0;  // strokes for the next one, when we want to come to an end
-    size_t fTold = 0;      // the listener knows that they ended
+    TProcessPool fPool;
+    size_t fMerged = 0;  // from the first: all their instances of the kind that is being merged are stored
+    size_t fTold = 0;    // from the first: the listener knows that they ended
 };
 
 #endif

@@ -10,26 +10,29 @@
 
 namespace {
 
-// Of address space; memory is taken as it is filled. The smaller ones are for machines that count it all the same.
+// Of address space, tried in turn; memory is used only as it is filled. The smaller ones are for systems that limit
+// address space.
 constexpr size_t kSizes[] = {size_t{1} << 30, size_t{64} << 20, size_t{8} << 20};
 
-void* Map(size_t& size) {
+char* Map(size_t& size) {
     for (const size_t wanted : kSizes) {
         void* const memory =
             mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
         if (memory == MAP_FAILED) continue;
         size = wanted;
-        return memory;
+        return static_cast<char*>(memory);
     }
     throw std::system_error(errno, std::generic_category(), "no memory to share with a plugin's process");
 }
 
 }  // namespace
 
-TRecordStream::TRecordStream() { fHeader = new (Map(fSize)) THeader{}; }
-TRecordStream::~TRecordStream() { munmap(fHeader, fSize); }
+TSharedMemory::TSharedMemory() : fStart(Map(fSize)) {}
+TSharedMemory::~TSharedMemory() { munmap(fStart, fSize); }
 
-void TRecordStream::Hide() const { madvise(fHeader, fSize, MADV_DONTFORK); }
+void TSharedMemory::HideFromChildren() const { madvise(fStart, fSize, MADV_DONTFORK); }
+
+TRecordStream::TRecordStream() : fHeader(new (fMemory.Start()) THeader{}) {}
 
 void TRecordStream::Begin(ERecord kind) {
     fCursor = fRecord;
@@ -45,7 +48,7 @@ void TRecordStream::Commit() {
 }
 
 void TRecordStream::Put(const void* bytes, size_t count) {
-    if (fSize - sizeof(THeader) - fCursor < count) Overflow();
+    if (Capacity() - fCursor < count) EndAsFull();
     if (count != 0) std::memcpy(Start() + fCursor, bytes, count);
     fCursor += count;
 }
@@ -61,15 +64,16 @@ void TRecordStream::SetCurrentClass(std::string_view name) {
 }
 
 std::string TRecordStream::CurrentClass() const {
-    return {fHeader->currentClass, strnlen(fHeader->currentClass, sizeof fHeader->currentClass)};
+    const std::string bytes(fHeader->currentClass, sizeof fHeader->currentClass);
+    return bytes.substr(0, bytes.find('\0'));
 }
 
 std::string_view TRecordStream::Records() const {
     const uint64_t length = fHeader->committed.load();
-    return {Start(), length <= fSize - sizeof(THeader) ? length : 0};
+    return {Start(), length <= Capacity() ? length : 0};
 }
 
-void TRecordStream::Overflow() {
+void TRecordStream::EndAsFull() {
     fHeader->full.store(true);
     _exit(1);
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// What a plugin's process is at.
+/// What a plugin's process is doing.
 enum class EPhase : uint32_t {
     eLoading,
     eConstructing,
@@ -18,23 +18,38 @@ enum class EPhase : uint32_t {
     eExiting
 };
 
-enum class ERecord : uint8_t { ePlugin, eRefusal, eLog, eAsked, eInstance, eEnded };
+enum class ERecord : uint8_t { ePlugin, eLoadFailure, eLogLine, eDataCall, eInstance, eDataCallEnd };
 
-/// Memory that a plugin's process shares with ours, and fills with records: nothing that was committed is lost,
-/// however that process ends, and it needs no descriptor.
+/// Memory that the host shares with a process that it forks.
+class TSharedMemory {
+public:
+    /// Raises std::system_error.
+    TSharedMemory();
+    ~TSharedMemory();
+    TSharedMemory(const TSharedMemory&) = delete;
+    TSharedMemory& operator=(const TSharedMemory&) = delete;
+
+    char* Start() const { return fStart; }
+    size_t Size() const { return fSize; }
+    /// Processes that are forked from now on do not get this memory.
+    void HideFromChildren() const;
+
+private:
+    size_t fSize = 0;
+    char* fStart = nullptr;
+};
+
+/// Records that a plugin's process writes into shared memory while the host reads them. What was committed is there to
+/// stay however that process ends, and the plugin gets no descriptor that it could close or write to.
 class TRecordStream {
 public:
     /// Raises std::system_error.
     TRecordStream();
-    ~TRecordStream();
-    TRecordStream(const TRecordStream&) = delete;
-    TRecordStream& operator=(const TRecordStream&) = delete;
 
-    /// Keeps it from processes that are forked from now on.
-    void Hide() const;
+    void HideFromChildren() const { fMemory.HideFromChildren(); }
 
-    // For the process that fills it. A record is what is put between Begin and Commit; whoever begins anew drops what
-    // was begun. When the memory is used up, the process ends here.
+    // For the plugin's process. A record is what is put between Begin and Commit; whoever begins anew drops what was
+    // begun. When the memory is used up, the process ends here.
     void Begin(ERecord kind);
     void Commit();
     void Put(const void* bytes, size_t count);
@@ -43,57 +58,64 @@ public:
     void PutNumber(TNumber number) {
         Put(&number, sizeof number);
     }
-    /// Tells what the process is at, for the case that it ends there.
+    /// Tells what the process is doing, in case it ends there.
     void SetPhase(EPhase phase) { fHeader->phase.store(phase); }
     /// The class that the process is filling.
     void SetCurrentClass(std::string_view name);
 
-    // For the other process, which believes nothing.
+    // For the host. The plugin can write anything anywhere in the memory, at any time, so that none of this is more
+    // than what the plugin's process says.
     EPhase Phase() const { return fHeader->phase.load(); }
     std::string CurrentClass() const;
+    /// The process ended because there was no room for another record.
     bool IsFull() const { return fHeader->full.load(); }
-    /// The records that were committed.
+    /// The bytes of the committed records, within the memory in any case. They may still change.
     std::string_view Records() const;
 
 private:
     struct THeader {
-        std::atomic<uint64_t> committed;
+        std::atomic<uint64_t> committed;  // bytes
         std::atomic<EPhase> phase;
         std::atomic<bool> full;
         char currentClass[256];
     };
 
-    char* Start() const { return reinterpret_cast<char*>(fHeader + 1); }
-    [[noreturn]] void Overflow();
+    char* Start() const { return fMemory.Start() + sizeof(THeader); }
+    size_t Capacity() const { return fMemory.Size() - sizeof(THeader); }
+    [[noreturn]] void EndAsFull();
 
-    size_t fSize = 0;
-    THeader* fHeader = nullptr;
+    const TSharedMemory fMemory;
+    THeader* const fHeader;
     size_t fRecord = 0;  // where the record begins
     size_t fCursor = 0;  // where the next byte goes
 };
 
-/// Raised by a stream that does not hold what it should.
+/// Raised when bytes are not the records that they should be.
 class TRecordError {};
 
-/// Reads the bytes of a stream, and no others.
+/// Reads records from bytes that another process may have damaged, or be changing: it never reads beyond them, and
+/// looks at each byte only once.
 class TRecordReader {
 public:
     explicit TRecordReader(std::string_view bytes) : fRest(bytes) {}
 
     bool IsAtEnd() const { return fRest.empty(); }
-    size_t Left() const { return fRest.size(); }
-    std::string_view Take(size_t count);
+    size_t BytesLeft() const { return fRest.size(); }
     std::string TakeText();
     template <typename TNumber>
     TNumber TakeNumber() {
         TNumber number{};
         Take(sizeof number).copy(reinterpret_cast<char*>(&number), sizeof number);
+        // Without it the compiler may read the bytes again where the number is used, which may be another one by then.
+        std::atomic_signal_fence(std::memory_order_acq_rel);
         return number;
     }
     /// The next record.
     TRecordReader TakeRecord(ERecord& kind);
 
 private:
+    std::string_view Take(size_t count);
+
     std::string_view fRest;
 };
 

@@ -1,22 +1,29 @@
 #include "isolation/ReportRecords.h"
 
 #include "isolation/RecordStream.h"
+#include "kyr/TCIMClass.h"
 #include "states/PluginReport.h"
 
 namespace {
 
-// More than these only a plugin can have that means no good, and to read it all would take us too long.
+// No plugin has more than these unless it means harm, and reading it all would take the host too long.
 constexpr size_t kMostPlugins = 100;
 constexpr size_t kMostLines = 1'000'000;
 constexpr size_t kMostNames = 1'000'000;
 constexpr size_t kMostDataCalls = 2;
+
+void PutTextRecord(TRecordStream& stream, ERecord kind, const std::string& text) {
+    stream.Begin(kind);
+    stream.PutText(text);
+    stream.Commit();
+}
 
 template <typename TElement>
 void RequireRoom(const std::vector<TElement>& elements, size_t most) {
     if (elements.size() >= most) throw TRecordError();
 }
 
-// No text of a report can have a NUL, but for one that was not put there by us.
+// The functions below put C strings, so that a text with a NUL is none of theirs.
 std::string TakeReportText(TRecordReader& record) {
     const std::string text = record.TakeText();
     if (text.find('\0') != std::string::npos) throw TRecordError();
@@ -33,7 +40,7 @@ void ReadLogLine(TRecordReader& record, TPluginReport& report) {
     report.log.push_back(line);
 }
 
-void ReadAsked(TRecordReader& record, TPluginReport& report) {
+void ReadDataCall(TRecordReader& record, TPluginReport& report) {
     RequireRoom(report.dataCalls, kMostDataCalls);
     report.dataCalls.push_back({record.TakeNumber<uint8_t>() != 0, {}});
     std::vector<std::string>& asked = report.dataCalls.back().asked;
@@ -43,7 +50,7 @@ void ReadAsked(TRecordReader& record, TPluginReport& report) {
     }
 }
 
-void ReadEnded(TRecordReader& record, TPluginReport& report) {
+void ReadDataCallEnd(TRecordReader& record, TPluginReport& report) {
     if (report.dataCalls.empty()) throw TRecordError();
     report.dataCalls.back().finished = true;
     report.dataCalls.back().failure = TakeReportText(record);
@@ -51,27 +58,27 @@ void ReadEnded(TRecordReader& record, TPluginReport& report) {
 
 void ReadPlugin(TRecordReader& record, TPluginReport& report) {
     RequireRoom(report.plugins, kMostPlugins);
-    TPluginInfo facts;
-    facts.name = TakeReportText(record);
-    facts.version = TakeReportText(record);
-    facts.type = record.TakeNumber<int32_t>();
-    facts.initialised = record.TakeNumber<uint8_t>() != 0;
-    report.plugins.push_back(facts);
+    TPluginInfo plugin;
+    plugin.name = TakeReportText(record);
+    plugin.version = TakeReportText(record);
+    plugin.type = record.TakeNumber<int32_t>();
+    plugin.initialised = record.TakeNumber<uint8_t>() != 0;
+    report.plugins.push_back(plugin);
 }
 
 void ReadRecord(ERecord kind, TRecordReader& record, TPluginReport& report) {
     switch (kind) {
         case ERecord::ePlugin:
             return ReadPlugin(record, report);
-        case ERecord::eRefusal:
+        case ERecord::eLoadFailure:
             report.loadFailure = TakeReportText(record);
             return;
-        case ERecord::eLog:
+        case ERecord::eLogLine:
             return ReadLogLine(record, report);
-        case ERecord::eAsked:
-            return ReadAsked(record, report);
-        case ERecord::eEnded:
-            return ReadEnded(record, report);
+        case ERecord::eDataCall:
+            return ReadDataCall(record, report);
+        case ERecord::eDataCallEnd:
+            return ReadDataCallEnd(record, report);
         case ERecord::eInstance:
             return;
     }
@@ -80,13 +87,46 @@ void ReadRecord(ERecord kind, TRecordReader& record, TPluginReport& report) {
 
 }  // namespace
 
-bool ReadReport(const TRecordStream& stream, TPluginReport& report) try {
-    for (TRecordReader reader(stream.Records()); !reader.IsAtEnd();) {
-        ERecord kind{};
-        TRecordReader record = reader.TakeRecord(kind);
-        ReadRecord(kind, record, report);
+void PutPlugins(TRecordStream& stream, const TPluginReport& report) {
+    for (const TPluginInfo& plugin : report.plugins) {
+        stream.Begin(ERecord::ePlugin);
+        stream.PutText(plugin.name);
+        stream.PutText(plugin.version);
+        stream.PutNumber(plugin.type);
+        stream.PutNumber(plugin.initialised);
+        stream.Commit();
     }
-    return true;
-} catch (const TRecordError&) {
-    return false;
+    if (!report.loadFailure.empty()) PutTextRecord(stream, ERecord::eLoadFailure, report.loadFailure);
+}
+
+void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes) {
+    stream.Begin(ERecord::eDataCall);
+    stream.PutNumber(classes.front()->IsAssociation());
+    for (const TCIMClass* cls : classes) stream.PutText(cls->GetName());
+    stream.Commit();
+}
+
+void PutDataCallEnd(TRecordStream& stream, const std::string& failure) {
+    PutTextRecord(stream, ERecord::eDataCallEnd, failure);
+}
+
+void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry) {
+    stream.Begin(ERecord::eLogLine);
+    stream.PutNumber(entry.plugin == nullptr);
+    stream.PutNumber(entry.severity);
+    stream.PutText(entry.text);
+    stream.Commit();
+}
+
+bool ReadReport(std::string_view records, TPluginReport& report) {
+    try {
+        for (TRecordReader reader(records); !reader.IsAtEnd();) {
+            ERecord kind{};
+            TRecordReader record = reader.TakeRecord(kind);
+            ReadRecord(kind, record, report);
+        }
+        return true;
+    } catch (const TRecordError&) {
+        return false;
+    }
 }

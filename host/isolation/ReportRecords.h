@@ -1,11 +1,30 @@
 #ifndef KYR_HOST_ISOLATION_REPORTRECORDS_H
 #define KYR_HOST_ISOLATION_REPORTRECORDS_H
 
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kyr/ILogger.h"
+
+class TCIMClass;
 class TRecordStream;
 struct TPluginReport;
 
-/// Fills the report with all that a plugin's process put on the stream, but for the instances. False if something else
-/// stands there.
-bool ReadReport(const TRecordStream& stream, TPluginReport& report);
+// The records by which a plugin's process tells all but the instances: what was loaded, what was logged, and how its
+// data entry was called.
+
+/// The plugins that the library registered, and what loading it raised.
+void PutPlugins(TRecordStream& stream, const TPluginReport& report);
+/// The data entry is about to be called for these classes.
+void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes);
+/// It has returned; the failure is empty if it went well.
+void PutDataCallEnd(TRecordStream& stream, const std::string& failure);
+/// Takes no memory, so that it can be called while the heap is locked or damaged.
+void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry);
+
+/// Fills the report from the records, passing over instances. False if there is something else among them, or so much
+/// that only a plugin can have put it there that means harm; the report has what came before that.
+bool ReadReport(std::string_view records, TPluginReport& report);
 
 #endif

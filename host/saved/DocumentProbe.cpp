@@ -2,20 +2,24 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstring>
 #include <numeric>
 #include <sstream>
+#include <system_error>
 
+#include "base/ChildProcess.h"
+#include "base/Descriptor.h"
 #include "base/ExitStatus.h"
+#include "base/Signals.h"
 #include "kyr/TLogger.h"
 
 namespace {
@@ -23,11 +27,12 @@ namespace {
 using TPaths = std::vector<std::string>;
 using TReader = std::function<void(const std::string&)>;
 
-TCommandError CannotProbe() {
-    return TCommandError(eExitNothing, std::string("cannot start a process to try documents in: ") + strerror(errno));
+TCommandError CannotProbe(int error) {
+    return TCommandError(eExitNothing, std::string("cannot start a process to try documents in: ") + strerror(error));
 }
 
-// A document that is nested just deep enough to be read there must not overflow our own, deeper stack.
+// The host reads what the probe could read, on a stack that is in use deeper. A document that is nested just deep
+// enough for the probe must not overflow that one, so the probe has an eighth less.
 void NarrowStack() {
     rlimit stack{};
     if (getrlimit(RLIMIT_STACK, &stack) != 0 || stack.rlim_cur == RLIM_INFINITY) return;
@@ -36,9 +41,8 @@ void NarrowStack() {
 }
 
 void PrepareProbe() {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
     prctl(PR_SET_DUMPABLE, 0);
-    signal(SIGINT, SIG_IGN);  // our parent decides
+    signal(SIGINT, SIG_IGN);  // the parent decides what an interruption means
     const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
     for (const int descriptor : {STDOUT_FILENO, STDERR_FILENO}) dup2(null, descriptor);
     NarrowStack();
@@ -46,47 +50,53 @@ void PrepareProbe() {
 }
 
 // One byte for each document that is done with.
-[[noreturn]] void ReadAll(const TPaths& paths, const TReader& read, int report) {
+void ReadAll(const TPaths& paths, const TReader& read, int report) {
     PrepareProbe();
     for (const std::string& path : paths) {
         try {
             read(path);
         } catch (...) {
         }
-        if (write(report, "", 1) != 1) break;
+        if (write(report, "", 1) != 1) return;
     }
-    _exit(0);
 }
+
+TChildProcess StartProbe(const TPaths& paths, const TReader& read, int report) {
+    try {
+        return TChildProcess([&] { ReadAll(paths, read, report); });
+    } catch (const std::system_error& e) {
+        throw CannotProbe(e.code().value());
+    }
+}
+
+class TPipe {
+public:
+    TPipe() : TPipe(Make()) {}
+
+    TDescriptor fReadEnd, fWriteEnd;
+
+private:
+    explicit TPipe(std::array<int, 2> ends) : fReadEnd(ends[0]), fWriteEnd(ends[1]) {}
+
+    static std::array<int, 2> Make() {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) throw CannotProbe(errno);
+        return ends;
+    }
+};
 
 class TProbe {
 public:
-    TProbe(const TPaths& paths, const TReader& read) {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) throw CannotProbe();
-        fReport = ends[0];
-        fChild = fork();
-        if (fChild == 0) ReadAll(paths, read, ends[1]);
-        close(ends[1]);
-        if (fChild > 0) return;
-        close(fReport);
-        throw CannotProbe();
+    TProbe(const TPaths& paths, const TReader& read) : fChild(StartProbe(paths, read, fReport.fWriteEnd.Number())) {
+        fReport.fWriteEnd.Close();
     }
-    ~TProbe() {
-        if (fChild > 0) {
-            kill(fChild, SIGKILL);
-            WaitForEnd();
-        }
-        close(fReport);
-    }
-    TProbe(const TProbe&) = delete;
-    TProbe& operator=(const TProbe&) = delete;
 
     /// Gives how many were read before the child ended, or before one of them took too long.
     size_t Count(double seconds, TTimePoint latest) {
         size_t count = 0;
         char bytes[64];
         while (WaitForReport(std::min(After(TClock::now(), seconds), latest))) {
-            const ssize_t length = read(fReport, bytes, sizeof bytes);
+            const ssize_t length = read(fReport.fReadEnd.Number(), bytes, sizeof bytes);
             if (length == 0) return count;
             if (length > 0) count += static_cast<size_t>(length);
         }
@@ -96,14 +106,14 @@ public:
 
     std::string Harm(double seconds) {
         std::ostringstream text;
-        if (fLate) kill(fChild, SIGKILL);
-        const int status = WaitForEnd();
+        if (fLate) fChild.Kill();
+        const TProcessEnd end = fChild.Wait();
         if (fLate)
             text << "not read within " << seconds << " s";
-        else if (WIFSIGNALED(status))
-            text << "crashed the reader (SIG" << sigabbrev_np(WTERMSIG(status)) << ")";
+        else if (end.signal != 0)
+            text << "crashed the reader (" << SignalName(end.signal) << ")";
         else
-            text << "ended the reader with status " << WEXITSTATUS(status);
+            text << "ended the reader with status " << end.exitStatus;
         return text.str();
     }
 
@@ -112,22 +122,14 @@ private:
         using namespace std::chrono;
         for (;;) {
             const auto rest = std::clamp<nanoseconds>(end - TClock::now(), nanoseconds(0), hours(1));
-            pollfd report{fReport, POLLIN, 0};
+            pollfd report{fReport.fReadEnd.Number(), POLLIN, 0};
             if (poll(&report, 1, static_cast<int>(ceil<milliseconds>(rest).count())) > 0) return true;
             if (rest.count() == 0) return false;
         }
     }
 
-    int WaitForEnd() {
-        int status = 0;
-        while (waitpid(fChild, &status, 0) < 0 && errno == EINTR) {
-        }
-        fChild = -1;
-        return status;
-    }
-
-    int fReport;
-    pid_t fChild;
+    TPipe fReport;
+    TChildProcess fChild;
     bool fLate = false;
 };
 

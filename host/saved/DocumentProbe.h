@@ -7,10 +7,9 @@
 
 #include "base/TimePoint.h"
 
-/// Reads the documents one after the other in a child process and gives for each, in the order of the paths, why it
-/// must not be read here: the reader would crash or go on for ever. Empty for a document that is read or refused in
-/// an orderly way, which reading it here then shows. The function sees the container as it is now, and the child's
-/// copy of it alone is filled; the child's log is dropped.
+/// Tries documents in a child process before this process reads them, since the core's reader can be made to crash or
+/// to go on for ever. Gives for each, in the order of the paths, why it must not be read; empty for one that the reader
+/// takes or refuses. The function reads one document; what it stores and logs is lost with the child.
 std::vector<std::string> ProbeDocuments(const std::vector<std::string>& paths,
                                         const std::function<void(const std::string& path)>& read,
                                         double secondsForEach = 30, TTimePoint latest = TTimePoint::max());

@@ -1,4 +1,4 @@
-#include "isolation/Progress.h"
+#include "base/Progress.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -1,5 +1,5 @@
-#ifndef KYR_HOST_ISOLATION_PROGRESS_H
-#define KYR_HOST_ISOLATION_PROGRESS_H
+#ifndef KYR_HOST_BASE_PROGRESS_H
+#define KYR_HOST_BASE_PROGRESS_H
 
 #include <cstddef>
 #include <string>
@@ -7,8 +7,8 @@
 
 #include "base/TimePoint.h"
 
-/// One line on standard error, if that is a terminal: which plugins run, how many are done, how long it has taken. It
-/// comes after a moment only, and goes without a trace.
+/// One line on standard error, if that is a terminal: how many plugins are done, how long it has taken, which run. It
+/// is shown only after 150 ms, and erased in the end.
 class TProgress {
 public:
     explicit TProgress(size_t count);
@@ -16,7 +16,8 @@ public:
     TProgress(const TProgress&) = delete;
     TProgress& operator=(const TProgress&) = delete;
 
-    void CountOne() { ++fDone; }
+    /// So many more are done.
+    void Count(size_t ended) { fDone += ended; }
     /// When the line is to be shown next.
     TTimePoint NextMoment() const { return fNext; }
     /// Does nothing before that moment.

@@ -1,0 +1,89 @@
+#include "base/ChildProcess.h"
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+#include <system_error>
+
+namespace {
+
+// The callers further up the stack belong to the parent, so no exception may reach them.
+[[noreturn]] void RunInChild(const std::function<void()>& function, pid_t parent) noexcept {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(1);  // it had ended before it was watched
+    function();
+    _exit(0);
+}
+
+pid_t Fork(const std::function<void()>& function) {
+    const pid_t parent = getpid();
+    const pid_t id = fork();
+    if (id == 0) RunInChild(function, parent);
+    if (id < 0) throw std::system_error(errno, std::generic_category(), "no process can be started for it");
+    return id;
+}
+
+std::vector<pid_t> Children() {
+    std::ifstream file("/proc/thread-self/children");
+    std::vector<pid_t> children;
+    for (pid_t child; file >> child;) children.push_back(child);
+    return children;
+}
+
+}  // namespace
+
+TChildProcess::TChildProcess(const std::function<void()>& function) : fId(Fork(function)) {}
+
+TChildProcess::~TChildProcess() {
+    if (fWasWaitedFor) return;
+    Kill();
+    Wait();
+}
+
+bool TChildProcess::HasEnded() const {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(fId), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
+}
+
+void TChildProcess::Terminate() const { kill(fId, SIGTERM); }
+
+// The group exists only once the child has come so far that it leads one.
+void TChildProcess::Kill() const {
+    kill(-fId, SIGKILL);
+    kill(fId, SIGKILL);
+}
+
+TProcessEnd TChildProcess::Wait() {
+    int status = 0;
+    while (waitpid(fId, &status, 0) < 0 && errno == EINTR) {
+    }
+    fWasWaitedFor = true;
+    if (WIFSIGNALED(status)) return {WTERMSIG(status), 0};
+    return {0, WEXITSTATUS(status)};
+}
+
+TSubreaper::TSubreaper() : fExisting(Children()) { prctl(PR_SET_CHILD_SUBREAPER, 1); }
+
+TSubreaper::~TSubreaper() {
+    KillChildren();
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
+}
+
+// The children of each that ends become children of this process, so the list is read again until it is empty. A
+// process that has become another user's cannot be killed and is left.
+void TSubreaper::KillChildren() const {
+    const auto isLeft = [this](pid_t child) {
+        return std::find(fExisting.begin(), fExisting.end(), child) != fExisting.end() || kill(child, SIGKILL) != 0;
+    };
+    for (;;) {
+        std::vector<pid_t> children = Children();
+        children.erase(std::remove_if(children.begin(), children.end(), isLeft), children.end());
+        if (children.empty()) return;
+        for (const pid_t child : children) waitpid(child, nullptr, 0);
+    }
+}

@@ -1,0 +1,59 @@
+#ifndef KYR_HOST_BASE_CHILDPROCESS_H
+#define KYR_HOST_BASE_CHILDPROCESS_H
+
+#include <sys/types.h>
+
+#include <functional>
+#include <vector>
+
+/// How a process ended: by a signal, or by exiting.
+struct TProcessEnd {
+    int signal = 0;  ///< 0: it exited
+    int exitStatus = 0;
+};
+
+/// A child process that runs one function. It is forked, so that the function finds a copy of all memory. Children are
+/// waited for by this class alone: whoever calls wait() elsewhere takes their end away from it.
+class TChildProcess {
+public:
+    /// The child exits with status 0 when the function returns, without destructors and exit handlers. An exception
+    /// that leaves the function ends it by SIGABRT, and the end of this process by SIGKILL. Raises std::system_error.
+    explicit TChildProcess(const std::function<void()>& function);
+    /// Kills the child and waits for it, unless that was done.
+    ~TChildProcess();
+    TChildProcess(const TChildProcess&) = delete;
+    TChildProcess& operator=(const TChildProcess&) = delete;
+
+    /// Also after the child was waited for; the system may have given the number to another process by then.
+    pid_t Id() const { return fId; }
+    /// Whether the child has ended, though it was not waited for.
+    bool HasEnded() const;
+    /// Asks the child to end, by SIGTERM.
+    void Terminate() const;
+    /// Ends the child, and all processes of the group that it leads, if it leads one. Must not be called once the
+    /// child was waited for.
+    void Kill() const;
+    TProcessEnd Wait();
+
+private:
+    const pid_t fId;
+    bool fWasWaitedFor = false;
+};
+
+/// Makes this process a subreaper: while the object exists, a descendant whose parent has ended becomes a child of this
+/// process. Such processes are killed in the end. Children that this process had before are left alone.
+class TSubreaper {
+public:
+    TSubreaper();
+    ~TSubreaper();
+    TSubreaper(const TSubreaper&) = delete;
+    TSubreaper& operator=(const TSubreaper&) = delete;
+
+    /// Kills all children but those that were there before. No TChildProcess may exist that was not waited for.
+    void KillChildren() const;
+
+private:
+    const std::vector<pid_t> fExisting;
+};
+
+#endif
