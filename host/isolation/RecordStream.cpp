@@ -1,6 +1,8 @@
 #include "isolation/RecordStream.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,19 +10,53 @@
 #include <new>
 #include <system_error>
 
+#include "base/Descriptor.h"
+
 namespace {
 
 // Of address space, tried in turn; memory is used only as it is filled. The smaller ones are for systems that limit
-// address space.
+// address space or the size of files.
 constexpr size_t kSizes[] = {size_t{1} << 30, size_t{64} << 20, size_t{8} << 20};
 
+constexpr int kSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
+
+// Whether files may grow to that size, if need be once the limit of the user (ulimit -f) is lifted, as far as that is
+// allowed. Beyond the limit ftruncate would not fail, but end this process by SIGXFSZ.
+bool AllowFileSize(size_t size, const rlimit& limit) {
+    const rlimit none{RLIM_INFINITY, RLIM_INFINITY}, most{limit.rlim_max, limit.rlim_max};
+    return size <= limit.rlim_cur || setrlimit(RLIMIT_FSIZE, &none) == 0 ||
+           (size <= limit.rlim_max && setrlimit(RLIMIT_FSIZE, &most) == 0);
+}
+
+bool SetFileSize(int file, size_t size) {
+    rlimit before{};
+    if (getrlimit(RLIMIT_FSIZE, &before) != 0) return false;
+    const bool isSet = AllowFileSize(size, before) && ftruncate(file, static_cast<off_t>(size)) == 0;
+    setrlimit(RLIMIT_FSIZE, &before);
+    return isSet;
+}
+
+void* MapSealed(size_t size) {
+    const TDescriptor file(memfd_create("kyr-records", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+    if (file.Number() < 0 || !SetFileSize(file.Number(), size)) return MAP_FAILED;
+    if (fcntl(file.Number(), F_ADD_SEALS, kSeals) != 0) return MAP_FAILED;
+    return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_NORESERVE, file.Number(), 0);
+}
+
+// For systems without memfd, and for users who may not have files of such a size. A plugin can shrink this memory only
+// if it may open /proc/self/map_files, which takes the rights of the superuser, who has no such limits.
+void* MapAnonymous(size_t size) {
+    return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+}
+
 char* Map(size_t& size) {
-    for (const size_t wanted : kSizes) {
-        void* const memory =
-            mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (memory == MAP_FAILED) continue;
-        size = wanted;
-        return static_cast<char*>(memory);
+    for (void* (*map)(size_t) : {MapSealed, MapAnonymous}) {
+        for (const size_t wanted : kSizes) {
+            void* const memory = map(wanted);
+            if (memory == MAP_FAILED) continue;
+            size = wanted;
+            return static_cast<char*>(memory);
+        }
     }
     throw std::system_error(errno, std::generic_category(), "no memory to share with a plugin's process");
 }

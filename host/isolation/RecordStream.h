@@ -20,7 +20,8 @@ enum class EPhase : uint32_t {
 
 enum class ERecord : uint8_t { ePlugin, eLoadFailure, eLogLine, eDataCall, eInstance, eDataCallEnd };
 
-/// Memory that the host shares with a process that it forks.
+/// Memory that the host shares with a process that it forks. No process can change the size of it: a host that reads
+/// memory which was cut off would be ended by SIGBUS.
 class TSharedMemory {
 public:
     /// Raises std::system_error.

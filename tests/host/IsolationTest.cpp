@@ -76,6 +76,7 @@ constexpr THostile kHostile[] = {
     {"trying", "", 0, 3, ""},
     {"closing", "", 0, 3, ""},
     {"chattering", "", 0, 3, ""},
+    {"shrinking", "", 0, 3, ""},
     {"leaving", "", 0, 3, ""},
 };
 

@@ -80,6 +80,31 @@ BEHAVIOUR Scribble(void) {
     fclose(maps);
 }
 
+static void ShrinkFile(const char* path) {
+    const int file = open(path, O_RDWR);
+    (void)!ftruncate(file, 0);
+    close(file);
+}
+
+/* All files in memory that it has open or mapped; to open what is mapped takes the superuser. */
+BEHAVIOUR Shrink(void) {
+    char line[512], path[128], target[128];
+    unsigned long start, end;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+        snprintf(path, sizeof path, "/proc/self/fd/%d", descriptor);
+        const ssize_t length = readlink(path, target, sizeof target - 1);
+        target[length < 0 ? 0 : length] = '\0';
+        if (strstr(target, "memfd:") != NULL) ShrinkFile(path);
+    }
+    FILE* const maps = fopen("/proc/self/maps", "r");
+    while (fgets(line, sizeof line, maps) != NULL) {
+        if (strstr(line, " rw-s ") == NULL || sscanf(line, "%lx-%lx", &start, &end) != 2) continue;
+        snprintf(path, sizeof path, "/proc/self/map_files/%lx-%lx", start, end);
+        ShrinkFile(path);
+    }
+    fclose(maps);
+}
+
 static void* Spin(void* unused) {
     Loop();
     return unused;
