@@ -124,7 +124,7 @@ TEST_F(ThreadsTest, EachFillsReadsAndDestroysContainersOfItsOwn) {
                 container->GetClass("Disk")->GetPropertyDecl("Caption")->SetName("caption");
             }
         });
-        EXPECT_EQ(fLog.TakeTexts(), std::vector<std::string>(threads * kContainers, "CIM name 'no name' is invalid"));
+        EXPECT_EQ(fLog.TakeLines(), TLines(threads * kContainers, "0:CIM name 'no name' is invalid"));
     }
 }
 
