@@ -3,7 +3,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TKYRException.h"
-#include "model/InstanceCloser.h"
+#include "model/TCIMInstanceImpl.h"
 #include "platform/CoreLog.h"
 
 void kyriIOHandle::CloseCurrentInstance() {

@@ -116,3 +116,13 @@ boost::shared_ptr<TCIMInstance> TCIMInstanceImpl::Adopt() {
 bool TCIMInstanceImpl::operator==(const TCIMInstanceImpl& other) const {
     return fClass == other.fClass && fLayout->HasSameNames(*other.fLayout) && fProperties == other.fProperties;
 }
+
+void CloseInstance(TCIMInstance*& instance) {
+    const boost::shared_ptr<TCIMInstanceImpl> body = instance->GetBody();
+    try {
+        instance->AddToContainer();
+    } catch (...) {
+        if (body.unique()) instance = nullptr;  // the failure has destroyed the handle, which had shared the body
+        throw;
+    }
+}

@@ -4,7 +4,7 @@
 
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
-#include "model/InstanceCloser.h"
+#include "model/TCIMInstanceImpl.h"
 #include "model/TCIMClassImpl.h"
 #include "xml/ObjectStates.h"
 #include "xml/PathStates.h"
