@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr int kEnding[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1, SIGUSR2,
-                           SIGALRM, SIGPROF, SIGVTALRM, SIGPOLL, SIGPWR,  SIGSTKFLT};
+constexpr int kEndingSignals[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1, SIGUSR2,
+                                  SIGALRM, SIGPROF, SIGVTALRM, SIGPOLL, SIGPWR,  SIGSTKFLT};
 
 constexpr std::chrono::milliseconds kDebounce(20);
 
@@ -32,7 +32,7 @@ bool IsIgnored(int signal) {
 TBlockedSignals::TBlockedSignals() {
     sigemptyset(&fBlocked);
     sigaddset(&fBlocked, SIGCHLD);
-    for (const int signal : kEnding)
+    for (const int signal : kEndingSignals)
         if (!IsIgnored(signal)) sigaddset(&fBlocked, signal);
     // The caller may have left SIGCHLD ignored; then it would never come, and nobody could wait for a child.
     struct sigaction action {};

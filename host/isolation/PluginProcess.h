@@ -25,7 +25,7 @@
 ///     eKilled       can do nothing any more        eEnd      write the report                  eFinished
 ///     eFinished     is gone, with its group        none
 ///
-/// In every other state an event is ignored.
+/// An event that is not listed for a state changes nothing there.
 class TPluginProcess {
 public:
     /// Starts it. The timeout is in seconds. Raises std::system_error.

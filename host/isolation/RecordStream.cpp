@@ -110,7 +110,7 @@ std::string_view TRecordStream::Records() const {
 }
 
 void TRecordStream::EndAsFull() {
-    fHeader->full.store(true);
+    fHeader->full.store(1);
     _exit(1);
 }
 

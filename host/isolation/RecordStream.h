@@ -69,7 +69,7 @@ public:
     EPhase Phase() const { return fHeader->phase.load(); }
     std::string CurrentClass() const;
     /// The process ended because there was no room for another record.
-    bool IsFull() const { return fHeader->full.load(); }
+    bool IsFull() const { return fHeader->full.load() != 0; }
     /// The bytes of the committed records, within the memory in any case. They may still change.
     std::string_view Records() const;
 
@@ -77,7 +77,7 @@ private:
     struct THeader {
         std::atomic<uint64_t> committed;  // bytes
         std::atomic<EPhase> phase;
-        std::atomic<bool> full;
+        std::atomic<uint8_t> full;  // a bool must not have other values, which the plugin can write
         char currentClass[256];
     };
 
