@@ -4,8 +4,8 @@
 
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
-#include "model/TCIMInstanceImpl.h"
 #include "model/TCIMClassImpl.h"
+#include "model/TCIMInstanceImpl.h"
 #include "xml/ObjectStates.h"
 #include "xml/PathStates.h"
 
