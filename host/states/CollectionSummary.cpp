@@ -47,7 +47,7 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
         else
             others.emplace_back(name, outcome);
     }
-    const bool hasLine = IsOutcomeMissing(own) && !own.text.empty();
+    const bool hasLine = IsOutcomeMissing(own) && own.HasReason();
     if (hasLine) Report("plugin " + plugin, own.state, own.text + NamesText(sharing));
     for (const auto& [name, outcome] : others)
         Report("plugin " + plugin + ", class " + name, outcome.state, outcome.text);

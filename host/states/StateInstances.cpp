@@ -85,7 +85,7 @@ private:
     // A plugin with a reason of its own keeps it, whichever classes are wanted.
     void NarrowPlugin(TCIMInstance& plugin) {
         const TWantedCounts counts = fCounts[TextOf(plugin, "Name")];
-        if (!OutcomeOf(plugin).text.empty() || counts.missing != 0) return;
+        if (OutcomeOf(plugin).HasReason() || counts.missing != 0) return;
         counts.asked == 0 ? StoreNotSelected(plugin) : StoreOutcome(plugin, TOutcome());
     }
 
@@ -104,7 +104,9 @@ std::vector<TCIMInstance*> StatesOf(const TContainer& container, const char* cla
 TStoredOutcome OutcomeOf(const TCIMInstance& state) {
     const unsigned short number = NumberOf(state, "State");
     if (number < eComplete || number > eNotAsked) return {};
-    return {static_cast<EState>(number), static_cast<EReason>(NumberOf(state, "ReasonCode")), TextOf(state, "Reason")};
+    const auto code = static_cast<EReason>(NumberOf(state, "ReasonCode"));
+    const std::string sentence = TextOf(state, "Reason");
+    return {static_cast<EState>(number), code, sentence.empty() ? WordFor(code, *state.GetContainer()) : sentence};
 }
 
 std::string TextOf(const TCIMInstance& state, const char* name) {

@@ -17,7 +17,9 @@ class TContainer;
 struct TStoredOutcome {
     EState state = eComplete;
     EReason code = EReason::eNone;  ///< also in files of kyr 1.0, which have only the text
-    std::string text;
+    std::string text;               ///< the sentence; if there is a code alone, the word for it
+
+    bool HasReason() const { return code != EReason::eNone || !text.empty(); }
 };
 
 /// The instances of exactly that class; none if the container lacks the class.
