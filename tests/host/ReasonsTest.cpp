@@ -1,14 +1,16 @@
 #include <gmock/gmock.h>
 
+#include <set>
 #include <sstream>
 
 #include "KyrRun.h"
+#include "kyr/TContainer.h"
+#include "model/Reason.h"
+#include "states/StateInstances.h"
 
 using ::testing::HasSubstr;
 
 namespace {
-
-constexpr const char* kOtherWords = "Leider nein";
 
 // The text with all that stands between the two marks replaced.
 std::string ReplaceBetween(std::string text, const std::string& start, const std::string& end,
@@ -47,10 +49,13 @@ TEST(ReasonsTest, WordingInASavedFileDecidesNothing) {
     for (const std::string choice : {"", " --class TEST_Lost --class TEST_Kept", " --class MOLTA_ComputerSystem"}) {
         ASSERT_EQ(RunKyr("collect -o " + file + choice + root.Option()).status, 1);
         const std::string start = "NAME=\"Reason\" TYPE=\"string\"><VALUE>";
-        const std::string reworded = ReplaceBetween(ReadFile(file), start, "</VALUE>", kOtherWords);
-        const std::string other = root.Write("b.xml", reworded);
-        EXPECT_EQ(DecisionsOn(other), DecisionsOn(file)) << choice;
-        EXPECT_THAT(RunKyr("show " + other).err, HasSubstr("kyr: plugin noinit: refused: Leider nein\n"));
+        for (const std::string words : {"Leider nein", ""}) {
+            const std::string reworded = ReplaceBetween(ReadFile(file), start, "</VALUE>", words);
+            const std::string other = root.Write("b.xml", reworded);
+            EXPECT_EQ(DecisionsOn(other), DecisionsOn(file)) << choice << words;
+            const std::string printed = words.empty() ? "init failed" : words;
+            EXPECT_THAT(RunKyr("show " + other).err, HasSubstr("kyr: plugin noinit: refused: " + printed + "\n"));
+        }
     }
 }
 
@@ -74,4 +79,24 @@ TEST(ReasonsTest, JsonAndFilesHaveTheCode) {
     for (const char* word : {"data call failed", "init failed", "crashed", "no class of its own", "plugins incomplete"})
         for (const std::string& document : {live, saved})
             EXPECT_THAT(document, HasSubstr(std::string("\"reasonCode\": \"") + word + "\""));
+}
+
+// The codes stand in three places: the enumeration, the wordings in Reason.cpp, and the words in schema/collection.xml.
+TEST(ReasonsTest, EachCodeHasAWordingAndAWordOfItsOwn) {
+    const std::string header = ReadFile(SOURCES "/host/model/Reason.h");
+    TContainer container;
+    container.PopulateContainerFromFile(SOURCES "/schema/collection.xml");
+    std::set<std::string> words;
+    size_t codes = 0;
+    for (int number = 1; number < 1000; ++number) {
+        const bool isCode = header.find(" = " + std::to_string(number) + ",\n") != std::string::npos;
+        const auto code = static_cast<EReason>(number);
+        const std::string word = WordFor(code, container);
+        EXPECT_EQ(!SentenceOf(ReasonFor(code, "SIGSEGV")).empty(), isCode) << number;
+        EXPECT_EQ(word != std::to_string(number), isCode) << number;
+        codes += isCode;
+        if (isCode) words.insert(word);
+    }
+    EXPECT_EQ(words.size(), codes);
+    EXPECT_GT(codes, 0u);
 }
