@@ -12,8 +12,8 @@ struct TProcessEnd {
     int exitStatus = 0;
 };
 
-/// A child process that runs one function. It is forked, so that the function finds a copy of all memory. Children are
-/// waited for by this class alone: whoever calls wait() elsewhere takes their end away from it.
+/// A child process that runs one function. It is forked, so that the function finds a copy of all memory. Only this
+/// class may wait for its children: a wait() elsewhere in the process would take their exit status from it.
 class TChildProcess {
 public:
     /// The child exits with status 0 when the function returns, without destructors and exit handlers. An exception

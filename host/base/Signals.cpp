@@ -18,9 +18,9 @@ timespec Until(TTimePoint moment) {
     return {static_cast<time_t>(rest.count() / 1'000'000'000), static_cast<long>(rest.count() % 1'000'000'000)};
 }
 
-// A signal that is ignored would be delivered all the same while it is blocked, and whoever had it ignored, as nohup(1)
-// does, wants this process to go on. A shell ignores SIGINT for all that it runs in the background, whatever its user
-// wants, so that SIGINT does not count.
+// Ignored signals must not be blocked: while blocked they are kept and delivered like others. A caller that ignores
+// them, such as nohup(1), means this process to go on. A shell ignores SIGINT for everything that it runs in the
+// background, so that an ignored SIGINT does not show what the user means; it is handled.
 bool IsIgnored(int signal) {
     struct sigaction action {};
     if (signal == SIGINT) return false;

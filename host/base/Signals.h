@@ -15,9 +15,9 @@ struct TSignal {
     pid_t sender;  ///< 0: the kernel, as for a key on the terminal
 };
 
-/// Blocks the signals that would end this process, and SIGCHLD, so that they can be waited for. Those that tell of a
-/// fault of this process, and those that are ignored, are not blocked. What came meanwhile and was not waited for acts
-/// when the object is destroyed.
+/// Blocks the signals that would end this process, and SIGCHLD, so that they can be waited for. Those that stand for
+/// a fault of this process, and those that are ignored, are not blocked. Signals that came meanwhile and were not
+/// waited for take effect when the object is destroyed.
 class TBlockedSignals {
 public:
     TBlockedSignals();
@@ -42,7 +42,7 @@ enum class ESignalMeaning {
     eRepeatedInterruption  ///< somebody insists
 };
 
-/// Tells the signals by which somebody interrupts this process from all others.
+/// Distinguishes the signals by which somebody interrupts this process from all others.
 class TInterruptions {
 public:
     /// Whether the work itself sent the signal, which must not interrupt this process then.

@@ -27,7 +27,7 @@ constexpr rlim_t kMostMemory = rlim_t{2} << 30;
 constexpr rlim_t kLargestFile = rlim_t{256} << 20;
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsInstrumented = true;  // which takes terabytes of address space
+constexpr bool kIsInstrumented = true;  // AddressSanitizer maps terabytes, which a limit on memory would refuse
 #else
 constexpr bool kIsInstrumented = false;
 #endif
@@ -39,7 +39,7 @@ void Limit(__rlimit_resource_t resource, rlim_t value) {
     setrlimit(resource, &limit);
 }
 
-rlim_t MemoryForOne() {
+rlim_t MemoryLimit() {
     struct sysinfo machine {};
     if (sysinfo(&machine) != 0) return kMostMemory;
     return std::min(kMostMemory, rlim_t{machine.totalram} * machine.mem_unit / 4);
@@ -48,7 +48,7 @@ rlim_t MemoryForOne() {
 void SetLimits() {
     Limit(RLIMIT_CORE, 0);
     Limit(RLIMIT_FSIZE, kLargestFile);
-    if (!kIsInstrumented) Limit(RLIMIT_DATA, MemoryForOne());
+    if (!kIsInstrumented) Limit(RLIMIT_DATA, MemoryLimit());
 }
 
 // What the plugin prints must not mix with what the host prints.
@@ -79,8 +79,8 @@ void ResetSignals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// A session of its own has no terminal and is a process group that the plugin cannot leave. Descriptors of the host are
-// closed but for standard streams.
+// A session of its own has no terminal and is a process group that the plugin cannot leave. All descriptors of the host
+// but the standard streams are closed, unless it has a log file open.
 void PrepareProcess(int printed, bool closesOthers) {
     setsid();
     SetStreams(printed);
@@ -90,8 +90,8 @@ void PrepareProcess(int printed, bool closesOthers) {
     ResetSignals();
 }
 
-// The rest of the log is saved when the process exits, is told to end or crashes. Signal handlers and exit handlers
-// have no parameters, so what they need is here.
+// The rest of the log is saved when the process exits, gets SIGTERM or crashes. Signal handlers and exit handlers have
+// no parameters, so what they need is here.
 constexpr int kEndingSignals[] = {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM};
 TRecordStream* gStream = nullptr;
 bool gWholeLog = false;
@@ -106,7 +106,7 @@ void MoveLog() {
     TRootObject::GetCoreLogger()->ClearLog();
 }
 
-// The core does not tell how far it has come with loading a library, but the plugins that are registered show it.
+// The core does not say how far it has come with loading a library, but the plugins that are registered show it.
 void NoteLoadingPhase() {
     if (gStream->Phase() != EPhase::eLoading) return;
     const auto& plugins = TRootObject::GetPluginManager()->GetPluginsContainer();
@@ -121,8 +121,9 @@ void SaveLogAtExit() {
     MoveLog();
 }
 
-// This is not allowed in a signal handler, but there is nothing to lose: what is on the stream stays there, and a
-// second fault ends the process by the default action. No memory is taken or freed: the heap may be locked.
+// Reading the log is not safe in a signal handler: the signal may have come while it was being changed. It is tried all
+// the same, since committed records stay on the stream whatever happens here, and a second fault ends the process by
+// the default action. No memory is allocated or freed: the heap may be locked.
 void SaveLogAndEnd(int signal) {
     NoteLoadingPhase();
     PutLog();
@@ -138,7 +139,7 @@ void UseSignalStack() {
     sigaltstack(&stack, nullptr);
 }
 
-void SaveLogAtEnd() {
+void InstallLogHandlers() {
     UseSignalStack();
     struct sigaction action {};
     action.sa_handler = SaveLogAndEnd;
@@ -151,7 +152,7 @@ void StartLog(TRecordStream& stream, bool wholeLog) {
     gStream = &stream;
     gWholeLog = wholeLog;
     if (!wholeLog) TRootObject::GetCoreLogger()->SetLogThreshold(kyrLogWarning);
-    SaveLogAtEnd();
+    InstallLogHandlers();
 }
 
 void Ask(TPluginProxy& plugin, const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream) {

@@ -10,7 +10,7 @@ class TRecordStream;
 /// What a plugin's process is to do.
 struct TPluginTask {
     TPluginContainer& container;
-    const TClassSelection& wanted;  ///< of a schema alone, the library is only loaded
+    const TClassSelection& wanted;  ///< if only the schema, the library is loaded and not asked
     bool wholeLog;                  ///< somebody reads more of the log than its errors and warnings
     bool logInFile;                 ///< the log file of the host is written to, so that its descriptor stays open
 };

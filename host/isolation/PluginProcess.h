@@ -20,7 +20,7 @@
 ///     eRunning      works, within its time         eTimeUp   SIGTERM; 200 ms are left to it    eTerminating
 ///                                                  eStop     the same                          eTerminating
 ///                                                  eEnd      write the report                  eFinished
-///     eTerminating  was told to end, and may       eTimeUp   SIGKILL                           eKilled
+///     eTerminating  was sent SIGTERM, and may      eTimeUp   SIGKILL                           eKilled
 ///                   save its log before it does    eEnd      write the report                  eFinished
 ///     eKilled       can do nothing any more        eEnd      write the report                  eFinished
 ///     eFinished     is gone, with its group        none
@@ -34,9 +34,9 @@ public:
     bool IsFinished() const { return fState == EProcessState::eFinished; }
     /// When EscalateIfDue has something to do.
     TTimePoint Deadline() const { return fDeadline; }
-    /// Tells it to end once its time is up, and kills it if it does not.
+    /// Sends SIGTERM once its time is up, and SIGKILL if it has not ended a little later.
     void EscalateIfDue(TTimePoint now);
-    /// Tells it to end; its outcome has the reason, unless it had been told to end before.
+    /// Sends SIGTERM. Its outcome gets the reason, unless SIGTERM was sent before.
     void Stop(const TOutcome& why);
     /// If it has ended, kills what is left of its group and writes in the library's report what became of it.
     bool FinishIfEnded();
@@ -74,7 +74,7 @@ private:
     TChildProcess fProcess;
     EProcessState fState = EProcessState::eRunning;
     TTimePoint fDeadline;
-    TOutcome fStopped;  // why it was told to end
+    TOutcome fStopped;  // why SIGTERM was sent
     bool fSentSignal = false;
 };
 

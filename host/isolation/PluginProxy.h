@@ -20,7 +20,7 @@ struct TCallObserver {
     std::function<void(const std::string&)> ended;
 };
 
-/// Passes calls on to a plugin's callbacks, and tells an observer of those of the data entry.
+/// Passes calls on to a plugin's callbacks, and reports those of the data entry to an observer.
 class TProxyCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
 public:
     explicit TProxyCallbacks(IPluginCallbacks& callbacks) : fCallbacks(callbacks) {}
@@ -32,7 +32,7 @@ public:
     void PrepareForUnload() override { fCallbacks.PrepareForUnload(); }
     void Init() override { fCallbacks.Init(); }
     void DeInit() override { fCallbacks.DeInit(); }
-    /// Raises what the plugin's own raises, and kyrStatusFail for exceptions of a kind unknown.
+    /// Raises what the plugin's callback raises, and kyrStatusFail in place of what is no std::exception.
     void GetData(TContainer* container, std::vector<TCIMClass*>& classes) override;
 
     TCallObserver fObserver;

@@ -94,11 +94,11 @@ TPluginScheduler::TPluginScheduler(const TRunLimits& limits, size_t count, TList
 
 void TPluginScheduler::Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task) {
     fPool.Enqueue(libraries);
-    while (fPool.IsWaiting() || fTold < fPool.Started().size()) {
+    while (fPool.IsWaiting() || fReported < fPool.Started().size()) {
         if (!fPool.IsRunning()) KillOrphans();  // which makes room for others
         fPool.StartWaiting(task);
         const bool isMore = MergeSome(false);
-        TellEnded();
+        ReportEnded();
         if (isMore || fPool.IsRunning()) Wait(isMore ? TClock::now() : TClock::now() + kPollInterval);
     }
     KillOrphans();
@@ -125,10 +125,10 @@ bool TPluginScheduler::MergeSome(bool associations) {
     return false;
 }
 
-void TPluginScheduler::TellEnded() {
-    for (; fTold < fMerged && fPool.Started()[fTold]->IsFinished(); ++fTold) {
+void TPluginScheduler::ReportEnded() {
+    for (; fReported < fMerged && fPool.Started()[fReported]->IsFinished(); ++fReported) {
         fProgress.Erase();  // the listener may print
-        fListener(*fPool.Started()[fTold]);
+        fListener(*fPool.Started()[fReported]);
     }
 }
 
@@ -162,7 +162,7 @@ void TPluginScheduler::KillOrphans() {
     fSubreaper.KillChildren();
 }
 
-// A signal from a plugin does not interrupt the host, but its report tells of it.
+// A signal from a plugin does not interrupt the host, but is noted in the plugin's report.
 bool TPluginScheduler::IsFromPlugin(const TSignal& signal) {
     TPluginProcess* const sender = fPool.FindSender(signal);
     if (sender != nullptr) sender->NoteSentSignal(signal.number);

@@ -23,7 +23,7 @@ public:
 
     /// Libraries to be run as soon as there is room.
     void Enqueue(const std::vector<TPluginLibrary*>& libraries);
-    /// Starts as many as there is room for. The report of a library whose process cannot be started tells why.
+    /// Starts as many as there is room for. The report of a library whose process cannot be started says why.
     void StartWaiting(const TPluginTask& task);
     /// Gives how many have ended since the last call.
     size_t FinishEnded();
@@ -62,12 +62,12 @@ class TPluginScheduler {
 public:
     using TListener = std::function<void(const TPluginProcess&)>;
 
-    /// In all there are as many libraries as the count says. The listener is told of each process that has ended, in
-    /// the order of the libraries.
+    /// In all there are as many libraries as the count says. The listener is called for each process that has ended,
+    /// in the order of the libraries.
     TPluginScheduler(const TRunLimits& limits, size_t count, TListener listener);
 
     /// Runs them until all have ended, and stores their ordinary instances. The report of a library whose process could
-    /// not be started tells why.
+    /// not be started says why.
     void Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task);
     /// Once all have run: stores the instances of associations too, and concludes the reports.
     void Conclude();
@@ -76,7 +76,7 @@ public:
 
 private:
     bool MergeSome(bool associations);
-    void TellEnded();
+    void ReportEnded();
     void Wait(TTimePoint latest);
     void HandlePendingSignals();
     void KillOrphans();
@@ -89,8 +89,10 @@ private:
     const TSubreaper fSubreaper;
     TProgress fProgress;
     TProcessPool fPool;
-    size_t fMerged = 0;  // from the first: all their instances of the kind that is being merged are stored
-    size_t fTold = 0;    // from the first: the listener knows that they ended
+    // How many of the first processes are done: all their instances of the kind that is being merged are stored, and
+    // the listener was called for them.
+    size_t fMerged = 0;
+    size_t fReported = 0;
 };
 
 #endif

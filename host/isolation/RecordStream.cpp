@@ -14,8 +14,8 @@
 
 namespace {
 
-// Of address space, tried in turn; memory is used only as it is filled. The smaller ones are for systems that limit
-// address space or the size of files.
+// How many bytes of address space to map, tried in turn; memory is used only as it is filled. The smaller sizes are for
+// systems that limit address space or the size of files.
 constexpr size_t kSizes[] = {size_t{1} << 30, size_t{64} << 20, size_t{8} << 20};
 
 constexpr int kSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;

@@ -40,8 +40,8 @@ private:
     char* fStart = nullptr;
 };
 
-/// Records that a plugin's process writes into shared memory while the host reads them. What was committed is there to
-/// stay however that process ends, and the plugin gets no descriptor that it could close or write to.
+/// Records that a plugin's process writes into shared memory while the host reads them. Committed records
+/// stay, however that process ends, and the plugin gets no descriptor that it could close or write to.
 class TRecordStream {
 public:
     /// Raises std::system_error.
@@ -49,8 +49,8 @@ public:
 
     void HideFromChildren() const { fMemory.HideFromChildren(); }
 
-    // For the plugin's process. A record is what is put between Begin and Commit; whoever begins anew drops what was
-    // begun. When the memory is used up, the process ends here.
+    // For the plugin's process. A record is what is put between Begin and Commit; a second Begin drops a record
+    // that was not committed. When the memory is used up, Put ends the process.
     void Begin(ERecord kind);
     void Commit();
     void Put(const void* bytes, size_t count);
@@ -59,7 +59,7 @@ public:
     void PutNumber(TNumber number) {
         Put(&number, sizeof number);
     }
-    /// Tells what the process is doing, in case it ends there.
+    /// Notes what the process is doing, for the case that it ends there.
     void SetPhase(EPhase phase) { fHeader->phase.store(phase); }
     /// The class that the process is filling.
     void SetCurrentClass(std::string_view name);

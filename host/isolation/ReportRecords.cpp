@@ -6,7 +6,7 @@
 
 namespace {
 
-// No plugin has more than these unless it means harm, and reading it all would take the host too long.
+// Limits that no working plugin reaches. Without them a hostile one could keep the host reading for too long.
 constexpr size_t kMostPlugins = 100;
 constexpr size_t kMostLines = 1'000'000;
 constexpr size_t kMostNames = 1'000'000;

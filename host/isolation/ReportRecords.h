@@ -11,7 +11,7 @@ class TCIMClass;
 class TRecordStream;
 struct TPluginReport;
 
-// The records by which a plugin's process tells all but the instances: what was loaded, what was logged, and how its
+// The records for all that a plugin's process reports but the instances: what was loaded, what was logged, and how its
 // data entry was called.
 
 /// The plugins that the library registered, and what loading it raised.
@@ -20,11 +20,11 @@ void PutPlugins(TRecordStream& stream, const TPluginReport& report);
 void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes);
 /// It has returned; the failure is empty if it went well.
 void PutDataCallEnd(TRecordStream& stream, const std::string& failure);
-/// Takes no memory, so that it can be called while the heap is locked or damaged.
+/// Allocates nothing, so that it can be called while the heap is locked or damaged.
 void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry);
 
-/// Fills the report from the records, passing over instances. False if there is something else among them, or so much
-/// that only a plugin can have put it there that means harm; the report has what came before that.
+/// Fills the report from the records, passing over instances. False if there is something else among them, or more than
+/// the limits for one plugin allow; the report has what came before that.
 bool ReadReport(std::string_view records, TPluginReport& report);
 
 #endif

@@ -6,7 +6,7 @@
 /// The state of a collection, a plugin or a class: the numbers of the property State in schema/collection.xml.
 enum EState : unsigned short { eComplete = 1, ePartial, eFailed, eTimedOut, eRefused, eNotAsked };
 
-/// The classes of schema/collection.xml, of which instances are the states: the superclass, and the classes for the
+/// The classes of schema/collection.xml, whose instances hold the states: the superclass, and the classes for the
 /// collection as a whole, for each plugin and for each class.
 constexpr const char* kStateClass = "MOLTA_CollectionState";
 constexpr const char* kCollectionClass = "MOLTA_Collection";

@@ -42,7 +42,7 @@ constexpr TStateWord kStateWords[] = {
     {"Unknown", kUnknown},
 };
 
-// The flag "ht" does not tell: the kernel shows it for processors with one thread per core as well.
+// The flag "ht" does not show it: the kernel shows it for processors with one thread per core as well.
 bool HasHardwareThreads(const TPackage& package) {
     return package.threadCount.ValueOr(0) > package.coreCount.ValueOr(0);
 }

@@ -47,7 +47,7 @@ TText Find(const TSign (&signs)[N], const TText& words, char separator = '\0') {
     });
 }
 
-// The flag "hypervisor" tells that there is one. The first entry is enough, and the whole file is long.
+// The flag "hypervisor" shows that there is one. The first entry is enough, and the whole file is long.
 TText ReadProcessorFlag(const TSystemRoot& root) {
     const TText text = root.ReadFile("/proc/cpuinfo", 8192);
     if (!text) return text;

@@ -1,7 +1,7 @@
 #ifndef KYR_PLATFORM_SANITIZERS_H
 #define KYR_PLATFORM_SANITIZERS_H
 
-// What the code is instrumented with. GCC and clang tell it in two ways.
+// What the code is instrumented with. GCC and clang say so in two ways.
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #define KYR_ADDRESS_SANITIZER

@@ -59,9 +59,9 @@ TEST_F(JsonTest, EveryDocumentObeysTheGeneratedSchema) {
             files += " " + fFiles.Write(std::to_string(files.size()) + ".json", run.out);
         }
     }
-    const TRunResult verdict = Validate(files);
-    EXPECT_EQ(verdict.status, 0);
-    EXPECT_EQ(verdict.out + verdict.err, "");
+    const TRunResult validation = Validate(files);
+    EXPECT_EQ(validation.status, 0);
+    EXPECT_EQ(validation.out + validation.err, "");
 }
 
 TEST_F(JsonTest, DocumentThatWasTamperedWithIsRefused) {
