@@ -137,7 +137,7 @@ private:
         std::vector<TCIMClass*> asked;
         for (TCIMClass* cls : fClasses)
             if (cls->IsAssociation() == associations) asked.push_back(cls);
-        fReport.dataCalls.push_back({associations, NamesOf(asked), true, fInput.Text().c_str()});
+        fReport.dataCalls.push_back({associations, NamesOf(asked), true, {fInput.Text().c_str(), associations}});
         PutDataCall(fStream, asked);
         for (unsigned int count = fInput.Byte() % 8; count > 0; --count)
             StoreInstance(*asked[fInput.Byte() % asked.size()]);
@@ -221,7 +221,7 @@ std::string TextOf(const TPluginReport& report) {
         text << plugin.name << '\n' << plugin.version << '\n' << plugin.type << plugin.initialised << '\n';
     text << report.loadFailure << '\n';
     for (const TDataCall& call : report.dataCalls) {
-        text << call.associations << call.finished << call.failure << '\n';
+        text << call.associations << call.finished << call.failure.text << call.failure.isAccessDenied << '\n';
         for (const std::string& name : call.asked) text << name << '\n';
     }
     return text.str();

@@ -32,7 +32,7 @@ void TInProcessRun::Load(TPluginLibrary& library) {
         fContainer.SetActiveLibrary(&library);
         library.report.dataCalls.push_back({classes.front()->IsAssociation(), NamesOf(classes)});
     };
-    const auto ended = [&](const std::string& failure) {
+    const auto ended = [&](const TCallFailure& failure) {
         fContainer.SetActiveLibrary(nullptr);
         ReadLog();
         library.report.dataCalls.back().finished = true;

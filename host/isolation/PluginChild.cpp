@@ -161,7 +161,7 @@ void Ask(TPluginProxy& plugin, const TPluginLibrary& library, const TPluginTask&
         PutDataCall(stream, classes);
         stream.SetPhase(classes.front()->IsAssociation() ? EPhase::eAssociations : EPhase::eOrdinary);
     };
-    const auto ended = [&](const std::string& failure) {
+    const auto ended = [&](const TCallFailure& failure) {
         MoveLog();
         PutDataCallEnd(stream, failure);
         stream.SetCurrentClass("");

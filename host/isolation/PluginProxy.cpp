@@ -6,7 +6,6 @@
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
 #include "kyr/kyrPlugin.h"
-#include "states/PluginReport.h"
 
 namespace {
 
@@ -35,13 +34,14 @@ void TProxyCallbacks::GetData(TContainer* container, std::vector<TCIMClass*>& cl
     try {
         query->GetData(container, classes);
     } catch (const std::exception& e) {
-        fObserver.ended(e.what());
+        const auto* const status = dynamic_cast<const TKYRException*>(&e);
+        fObserver.ended({e.what(), status != nullptr && status->fCode == kyrStatusAccessDenied});
         throw;
     } catch (...) {
-        fObserver.ended("an exception of a kind unknown");
+        fObserver.ended({"an exception of a kind unknown"});
         throw TKYRException(kyrStatusFail);  // the core catches standard ones only
     }
-    fObserver.ended("");
+    fObserver.ended({});
 }
 
 boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::vector<TCIMClass*>& classes,

@@ -10,14 +10,13 @@
 #include "kyr/IPlugin.h"
 #include "kyr/IPluginBasicQueryCallbacks.h"
 #include "kyr/IPluginCallbacks.h"
-
-struct TPluginReport;
+#include "states/PluginReport.h"
 
 /// Functions that are called before and after a plugin's data entry: with the classes that it is asked for, and with
-/// the status or exception that it ended with, empty if it went well.
+/// the failure that it ended with, if any.
 struct TCallObserver {
     std::function<void(const std::vector<TCIMClass*>&)> asked;
-    std::function<void(const std::string&)> ended;
+    std::function<void(const TCallFailure&)> ended;
 };
 
 /// Passes calls on to a plugin's callbacks, and reports those of the data entry to an observer.

@@ -12,12 +12,6 @@ constexpr size_t kMostLines = 1'000'000;
 constexpr size_t kMostNames = 1'000'000;
 constexpr size_t kMostDataCalls = 2;
 
-void PutTextRecord(TRecordStream& stream, ERecord kind, const std::string& text) {
-    stream.Begin(kind);
-    stream.PutText(text);
-    stream.Commit();
-}
-
 template <typename TElement>
 void RequireRoom(const std::vector<TElement>& elements, size_t most) {
     if (elements.size() >= most) throw TRecordError();
@@ -53,7 +47,9 @@ void ReadDataCall(TRecordReader& record, TPluginReport& report) {
 void ReadDataCallEnd(TRecordReader& record, TPluginReport& report) {
     if (report.dataCalls.empty()) throw TRecordError();
     report.dataCalls.back().finished = true;
-    report.dataCalls.back().failure = TakeReportText(record);
+    TCallFailure& failure = report.dataCalls.back().failure;
+    failure.text = TakeReportText(record);
+    failure.isAccessDenied = record.TakeNumber<uint8_t>() != 0;
 }
 
 void ReadPlugin(TRecordReader& record, TPluginReport& report) {
@@ -96,7 +92,10 @@ void PutPlugins(TRecordStream& stream, const TPluginReport& report) {
         stream.PutNumber(plugin.initialised);
         stream.Commit();
     }
-    if (!report.loadFailure.empty()) PutTextRecord(stream, ERecord::eLoadFailure, report.loadFailure);
+    if (report.loadFailure.empty()) return;
+    stream.Begin(ERecord::eLoadFailure);
+    stream.PutText(report.loadFailure);
+    stream.Commit();
 }
 
 void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes) {
@@ -106,8 +105,11 @@ void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes) 
     stream.Commit();
 }
 
-void PutDataCallEnd(TRecordStream& stream, const std::string& failure) {
-    PutTextRecord(stream, ERecord::eDataCallEnd, failure);
+void PutDataCallEnd(TRecordStream& stream, const TCallFailure& failure) {
+    stream.Begin(ERecord::eDataCallEnd);
+    stream.PutText(failure.text);
+    stream.PutNumber(failure.isAccessDenied);
+    stream.Commit();
 }
 
 void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry) {

@@ -9,6 +9,7 @@
 
 class TCIMClass;
 class TRecordStream;
+struct TCallFailure;
 struct TPluginReport;
 
 // The records for all that a plugin's process reports but the instances: what was loaded, what was logged, and how its
@@ -19,7 +20,7 @@ void PutPlugins(TRecordStream& stream, const TPluginReport& report);
 /// The data entry is about to be called for these classes.
 void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes);
 /// It has returned; the failure is empty if it went well.
-void PutDataCallEnd(TRecordStream& stream, const std::string& failure);
+void PutDataCallEnd(TRecordStream& stream, const TCallFailure& failure);
 /// Allocates nothing, so that it can be called while the heap is locked or damaged.
 void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry);
 

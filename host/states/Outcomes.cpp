@@ -87,9 +87,9 @@ TOutcome FindNotAskedOutcome(const TPluginLibrary& library, const TCIMClass& cls
 
 // Errors about no class are added to the reason: they usually explain why the call failed.
 TOutcome FindFailedCallOutcome(const TPluginLibrary& library, const TDataCall& call, bool hasInstances) {
-    const EState none = call.failure == kyrTranslateStatusCode(kyrStatusAccessDenied) ? eRefused : eFailed;
+    const EState none = call.failure.isAccessDenied ? eRefused : eFailed;
     const TTexts errors = ErrorsOf(library, nullptr);
-    const std::string detail = errors.empty() ? call.failure : call.failure + ": " + FirstAndCount(errors);
+    const std::string detail = call.failure.text + (errors.empty() ? "" : ": " + FirstAndCount(errors));
     return {hasInstances ? ePartial : none, ReasonFor(EReason::eDataCallFailed, detail)};
 }
 
@@ -127,7 +127,7 @@ TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, c
         return {hasInstances || call->finished ? ePartial : report.end.state, report.end.reason};
     const TTexts errors = ErrorsOf(library, &cls);
     if (!errors.empty()) return {hasInstances ? ePartial : eFailed, ErrorsLogged(errors, &cls)};
-    if (!call->failure.empty()) return FindFailedCallOutcome(library, *call, hasInstances);
+    if (call->failure) return FindFailedCallOutcome(library, *call, hasInstances);
     const TReason missing = MissingValues(cls);
     return missing ? TOutcome{ePartial, missing} : TOutcome();
 }
@@ -158,7 +158,7 @@ TClassOutcomes FindClassOutcomes(const TPluginLibrary& library, const TClassSele
 // are about no class.
 TReason OwnReason(const TPluginLibrary& library) {
     for (const TDataCall& call : library.report.dataCalls)
-        if (!call.failure.empty()) return FindFailedCallOutcome(library, call, true).reason;
+        if (call.failure) return FindFailedCallOutcome(library, call, true).reason;
     const TTexts errors = ErrorsOf(library, nullptr);
     return errors.empty() ? TReason() : ErrorsLogged(errors, nullptr);
 }

@@ -13,7 +13,7 @@ constexpr size_t kLongestMessage = 4096;
 
 // The core logs the failure of a data call right after it. TDataCall::failure has it already, so that line is dropped.
 void TPluginReport::AddLogLine(const TLogLine& line) {
-    const bool repeatsFailure = line.core && !dataCalls.empty() && !dataCalls.back().failure.empty();
+    const bool repeatsFailure = line.core && !dataCalls.empty() && dataCalls.back().failure;
     if (line.severity > kyrLogWarning || repeatsFailure) return;
     messages.push_back({"", line.severity, CutText(line.text, kLongestMessage), line.core});
 }

@@ -24,12 +24,20 @@ struct TMessage {
     bool core = false;  ///< logged by the core, not by the plugin
 };
 
+/// Why a call of a plugin's data entry failed; empty if it went well.
+struct TCallFailure {
+    std::string text = {};        ///< the status or the exception's text
+    bool isAccessDenied = false;  ///< kyrStatusAccessDenied: the plugin refused to answer
+
+    explicit operator bool() const { return !text.empty(); }
+};
+
 /// One call of a plugin's data entry, which is called once for ordinary classes and once for associations.
 struct TDataCall {
     bool associations;
     std::vector<std::string> asked;  ///< the names of the classes
     bool finished = false;
-    std::string failure = {};  ///< the status or exception that ended it; empty: it succeeded
+    TCallFailure failure = {};
 };
 
 /// How loading and running one library went, in this process or in one of its own.
