@@ -1,42 +1,30 @@
-#include <gmock/gmock.h>
-
 #include "KyrRun.h"
-
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
 
 namespace {
 
-TRunResult RunAssoc(const std::string& arguments) {
-    static const TPluginRoot root({"machine"});
-    return RunKyr("assoc " + arguments + root.Option());
-}
+TRunResult RunAssoc(const std::string& arguments) { return RunKyrWith({"machine"}, "assoc " + arguments); }
 
 }  // namespace
 
 TEST(AssocTest, TiesOfOneKindStandTogether) {
-    const TRunResult run = RunAssoc("'TEST_Disk.DeviceID=\"nvme0n1\"'");
-    EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_EQ(run.out,
-              "nvme0n1\n"
-              "  TEST_Disk.DeviceID=\"nvme0n1\"\n"
-              "\n"
-              "TEST_BasedOn  Antecedent -> Dependent\n"
-              "  (not collected)\n"
-              "    TEST_Partition.DeviceID=\"gone\"\n"
-              "  sda2\n"
-              "    TEST_SwapPartition.DeviceID=\"sda2\"\n"
-              "\n"
-              "TEST_Contains  PartComponent -> GroupComponent\n"
-              "  alpha\n"
-              "    TEST_Computer.CreationClassName=\"TEST_Computer\",Name=\"alpha\"\n");
+    const char* const ties =
+        "nvme0n1\n"
+        "  TEST_Disk.DeviceID=\"nvme0n1\"\n"
+        "\n"
+        "TEST_BasedOn  Antecedent -> Dependent\n"
+        "  (not collected)\n"
+        "    TEST_Partition.DeviceID=\"gone\"\n"
+        "  sda2\n"
+        "    TEST_SwapPartition.DeviceID=\"sda2\"\n"
+        "\n"
+        "TEST_Contains  PartComponent -> GroupComponent\n"
+        "  alpha\n"
+        "    TEST_Computer.CreationClassName=\"TEST_Computer\",Name=\"alpha\"\n";
+    EXPECT_THAT(RunAssoc("'TEST_Disk.DeviceID=\"nvme0n1\"'"), FieldsAre(0, ties, _));
 }
 
 TEST(AssocTest, FiltersHoldBackOtherTies) {
-    const struct {
-        const char* filter;
-        size_t ties;
-    } cases[] = {
+    const std::pair<const char*, size_t> cases[] = {
         {"", 3},
         {" --assoc-class cim_component", 0},
         {" --assoc-class test_basedon", 2},
@@ -46,21 +34,17 @@ TEST(AssocTest, FiltersHoldBackOtherTies) {
         {" --result-role dependent", 2},
         {" --role PartComponent --result-role Dependent", 0},
     };
-    for (const auto& c : cases) {
-        const TRunResult run = RunAssoc(std::string("TEST_Disk.DeviceID=nvme0n1") + c.filter);
-        EXPECT_EQ(run.status, 0) << c.filter;
-        EXPECT_EQ(CountIn(run.out, "\n    TEST_"), c.ties) << c.filter;
-        EXPECT_EQ(run.err, c.ties == 0 ? "kyr: no ties\n" : "") << c.filter;
+    for (const auto& [filter, ties] : cases) {
+        const TRunResult run = RunAssoc(std::string("TEST_Disk.DeviceID=nvme0n1") + filter);
+        EXPECT_THAT(run, FieldsAre(0, _, ties == 0 ? "kyr: no ties\n" : "")) << filter;
+        EXPECT_EQ(CountIn(run.out, "\n    TEST_"), ties) << filter;
     }
 }
 
 TEST(AssocTest, PathsMayBeWrittenInManyWays) {
     const std::string hostile = "\n  TEST_Mount.Point=\"/mnt\\n\",Source=\"//h/a \"b\", Point=c\"\n";
     const std::string computer = "\n  TEST_Computer.CreationClassName=\"TEST_Computer\",Name=\"alpha\"\n";
-    const struct {
-        const char* path;
-        std::string found;
-    } cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         {"'TEST_Mount.Point=\"/mnt\\n\",Source=\"//h/a \"b\", Point=c\"'", hostile},
         {"'test_mount.source=//h/a \"b\", Point=c,POINT=/mnt\\n'", hostile},
         {"'TEST_Mount.Source=\"//h/a \\\"b\\\", Point=c\"'", hostile},
@@ -70,14 +54,11 @@ TEST(AssocTest, PathsMayBeWrittenInManyWays) {
          "CreationClassName=TEST_Computer'",
          ",PartComponent=\"TEST_Disk.DeviceID=\"sda\"\"\n"},
     };
-    for (const auto& c : cases) EXPECT_THAT(RunAssoc(c.path).out, HasSubstr(c.found)) << c.path;
+    for (const auto& [path, found] : cases) EXPECT_THAT(RunAssoc(path).out, HasSubstr(found)) << path;
 }
 
 TEST(AssocTest, PathThatNamesNothingIsToldWithWhatThereIs) {
-    const struct {
-        const char* path;
-        const char* message;
-    } cases[] = {
+    const std::pair<const char*, std::string> cases[] = {
         {"TEST_Dsk.DeviceID=sda", "unknown class 'TEST_Dsk'; did you mean 'TEST_Disk'?"},
         {"TEST_Disk", "'TEST_Disk' may be any of 2: TEST_Disk.DeviceID=\"nvme0n1\" or TEST_Disk.DeviceID=\"sda\""},
         {"TEST_Disk.DeviceID=sdb",
@@ -90,10 +71,6 @@ TEST(AssocTest, PathThatNamesNothingIsToldWithWhatThereIs) {
         {"TEST_Computer --result-role dependant --assoc-class TEST_BasedOn",
          "unknown role 'dependant'; did you mean 'Dependent'? (roles: Antecedent, Dependent)"},
     };
-    for (const auto& c : cases) {
-        const TRunResult run = RunAssoc(c.path);
-        EXPECT_EQ(run.status, 2) << c.path;
-        EXPECT_EQ(run.out, "") << c.path;
-        EXPECT_THAT(run.err, StartsWith(std::string("kyr: ") + c.message + "\n")) << c.path;
-    }
+    for (const auto& [path, message] : cases)
+        EXPECT_THAT(RunAssoc(path), FieldsAre(2, "", StartsWith("kyr: " + message + "\n"))) << path;
 }

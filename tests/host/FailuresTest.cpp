@@ -1,20 +1,16 @@
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 
 #include "KyrRun.h"
 
-using ::testing::HasSubstr;
-
 TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
     const TPluginRoot root({"noinit", "baddocument", "givesup", "denied", "keyless", "unregistered"});
     root.Write("broken/libbroken.pi.so", "no library");
     const TRunResult run = RunKyr("collect" + root.Option());
     EXPECT_EQ(run.status, 1);
-    EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem\n"));
-    EXPECT_THAT(run.out, HasSubstr("MOLTA_InstalledOS\n"));
-    EXPECT_THAT(run.out, HasSubstr("TEST_Kept\n  Id  1\n"));
+    for (const char* kept : {"MOLTA_ComputerSystem\n", "MOLTA_InstalledOS\n", "TEST_Kept\n  Id  1\n"})
+        EXPECT_THAT(run.out, HasSubstr(kept));
     for (const char* line : {
              "kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: ./broken/libbroken.pi.so: ",
              "kyr: plugin noinit: refused: its init entry failed: there is no device\n",
@@ -34,36 +30,30 @@ TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     const TPluginRoot root({});
     std::filesystem::create_directory(root.Path() + "/alone");
     std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/alone/libalone.pi.so");
-    const TRunResult run = RunKyr("identity" + root.Option());
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(
-        run.err,
-        "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n");
-    EXPECT_EQ(RunKyr("show --class TEST_Shown" + root.Option()).err, run.err + "kyr: unknown class 'TEST_Shown'\n");
+    const std::string message =
+        "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n";
+    EXPECT_THAT(RunKyr("identity" + root.Option()), FieldsAre(1, _, message));
+    EXPECT_EQ(RunKyr("show --class TEST_Shown" + root.Option()).err, message + "kyr: unknown class 'TEST_Shown'\n");
 }
 
 TEST(FailuresTest, SecondPluginOfALibraryIsToldWhoHasItsClasses) {
-    const TPluginRoot root({"pair"});
-    const TRunResult run = RunKyr("collect" + root.Option());
-    EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err,
-              "kyr: plugin pair: refused: the classes go to plugin pair, which its library registers before it\n");
+    EXPECT_THAT(
+        RunKyrWith({"pair"}, "collect"),
+        FieldsAre(1, _,
+                  "kyr: plugin pair: refused: the classes go to plugin pair, which its library registers before it\n"));
 }
 
 TEST(FailuresTest, NothingButFailuresIsNoResult) {
     const TempFolder root;
     root.Write("broken/libbroken.pi.so", "no library");
-    const TRunResult run = RunKyr("collect --plugins " + root.Path());
-    EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.out, "");
-    EXPECT_THAT(run.err, HasSubstr("kyr: nothing was collected\n"));
+    EXPECT_THAT(RunKyr("collect --plugins " + root.Path()),
+                FieldsAre(3, "", HasSubstr("kyr: nothing was collected\n")));
 }
 
 TEST(FailuresTest, EmptyPluginFolderIsNoResult) {
     const TempFolder root;
-    const TRunResult run = RunKyr("collect --plugins " + root.Path());
-    EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.err, "kyr: no plugins in '" + root.Path() + "'\nkyr: nothing was collected\n");
+    EXPECT_THAT(RunKyr("collect --plugins " + root.Path()),
+                FieldsAre(3, _, "kyr: no plugins in '" + root.Path() + "'\nkyr: nothing was collected\n"));
 }
 
 TEST(FailuresTest, PipeInPlaceOfALibraryHoldsNothingUp) {
@@ -76,10 +66,8 @@ TEST(FailuresTest, PipeInPlaceOfALibraryHoldsNothingUp) {
 TEST(FailuresTest, BaseDocumentThatCannotBeReadEndsTheCommand) {
     const TempFolder folder;
     const std::string missing = folder.Path() + "/none.xml", bad = folder.Write("bad.xml", "<CIM><NO/></CIM>");
-    TRunResult run = RunKyr("schema --schema " + missing);
-    EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(run.err, "kyr: cannot read the base document '" + missing + "': kyrStatusFileNotFound\n");
-    run = RunKyr("schema --schema " + bad);
-    EXPECT_EQ(run.status, 3);
-    EXPECT_THAT(run.err, HasSubstr("kyr: base document: CIM-XML Parser line 1:Unexpected element no\n"));
+    EXPECT_THAT(RunKyr("schema --schema " + missing),
+                FieldsAre(3, _, "kyr: cannot read the base document '" + missing + "': kyrStatusFileNotFound\n"));
+    EXPECT_THAT(RunKyr("schema --schema " + bad),
+                FieldsAre(3, _, HasSubstr("kyr: base document: CIM-XML Parser line 1:Unexpected element no\n")));
 }

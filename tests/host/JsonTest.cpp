@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <limits>
 
@@ -7,7 +5,6 @@
 #include "json/JsonValues.h"
 #include "kyr/TCIMDateTime.h"
 
-using ::testing::HasSubstr;
 using CIM = TCIMValue::TCIMType;
 
 namespace {

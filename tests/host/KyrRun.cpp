@@ -20,6 +20,10 @@ constexpr const char* kSanitizers = "";
 
 }  // namespace
 
+void PrintTo(const TRunResult& run, std::ostream* stream) {
+    *stream << "exit status " << run.status << ", output:\n" << run.out << "errors:\n" << run.err;
+}
+
 TRunResult RunShell(const std::string& command) {
     const TempFolder folder;
     const std::string out = folder.Write("out", ""), err = folder.Write("err", "");
@@ -39,6 +43,19 @@ TPluginRoot::TPluginRoot(std::initializer_list<const char*> fixtures) {
     fs::create_directory_symlink(SYSTEM_PLUGINS "/system", Path() + "/system");
     for (const std::string name : fixtures)
         fs::create_directory_symlink(FIXTURE_PLUGINS "/" + name, Path() + "/" + name);
+}
+
+TRunResult RunKyrWith(std::initializer_list<const char*> fixtures, const std::string& arguments,
+                      const std::string& environment) {
+    return RunKyr(arguments + TPluginRoot(fixtures).Option(), environment);
+}
+
+void TerminalTest::SetUp() {
+    if (RunOnTerminal("", "true").status != 0) GTEST_SKIP() << "needs a pseudo-terminal, which cannot be had here";
+}
+
+TRunResult TerminalTest::RunOnTerminal(const std::string& environment, const std::string& command) {
+    return RunShell("env " + environment + " script -qec '" + command + "' /dev/null </dev/null");
 }
 
 size_t CountIn(const std::string& text, const std::string& part) {

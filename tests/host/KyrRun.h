@@ -2,16 +2,26 @@
 #define KYRRUN_H
 
 #include <initializer_list>
+#include <ostream>
 #include <string>
 
 #include "support/TestSupport.h"
 
-/// What a run of kyr left.
+using testing::_;
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::FieldsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// What a run of kyr left; FieldsAre(status, out, err) matches it.
 struct TRunResult {
     int status;  ///< exit status; -1: it ended otherwise
     std::string out;
     std::string err;
 };
+void PrintTo(const TRunResult& run, std::ostream* stream);
 
 /// Runs a shell command.
 TRunResult RunShell(const std::string& command);
@@ -29,6 +39,18 @@ public:
 
     /// The option that makes kyr use it.
     std::string Option() const { return " --plugins " + Path() + " "; }
+};
+
+/// A run with such a root of its own.
+TRunResult RunKyrWith(std::initializer_list<const char*> fixtures, const std::string& arguments,
+                      const std::string& environment = "");
+
+/// Tests of what kyr does on a terminal; skipped where there are no pseudo-terminals.
+class TerminalTest : public testing::Test {
+protected:
+    void SetUp() override;
+    /// Standard output holds both.
+    static TRunResult RunOnTerminal(const std::string& environment, const std::string& command);
 };
 
 /// Whether a line has more bytes than that.

@@ -1,12 +1,7 @@
-#include <gmock/gmock.h>
-
 #include "KyrRun.h"
 
-using ::testing::HasSubstr;
-using ::testing::StartsWith;
-
 TEST(SchemaTest, TreeShowsEachClassBelowItsSuperclassWithItsPlugin) {
-    const TRunResult run = RunKyr("schema" + TPluginRoot({}).Option());
+    const TRunResult run = RunKyrWith({}, "schema");
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(run.out, StartsWith("CIM_Component (abstract) (association)\n"
                                     "  CIM_ConcreteComponent (abstract) (association)\n"
@@ -34,9 +29,9 @@ TEST(SchemaTest, ClassIsDescribedInFull) {
 }
 
 TEST(SchemaTest, ReferencesAndQualifiersAreShown) {
-    const TRunResult run = RunKyr("schema CIM_InstalledOS");
-    EXPECT_THAT(run.out, HasSubstr("Plugin      none\nQualifiers  Abstract=true, Association=true\n"));
-    EXPECT_THAT(run.out, HasSubstr("  GroupComponent  reference to CIM_ComputerSystem, key\n"));
+    EXPECT_THAT(RunKyr("schema CIM_InstalledOS").out,
+                AllOf(HasSubstr("Plugin      none\nQualifiers  Abstract=true, Association=true\n"),
+                      HasSubstr("  GroupComponent  reference to CIM_ComputerSystem, key\n")));
 }
 
 TEST(SchemaTest, WordsAreShownWithTheirNumbers) {
@@ -54,7 +49,5 @@ TEST(SchemaTest, NarrowTerminalGetsNarrowLines) {
 }
 
 TEST(SchemaTest, ArrayTypesAreShown) {
-    const TPluginRoot root({"shown"});
-    const TRunResult run = RunKyr("schema TEST_Shown" + root.Option());
-    EXPECT_THAT(run.out, HasSubstr("  Modes  uint16[]\n"));
+    EXPECT_THAT(RunKyrWith({"shown"}, "schema TEST_Shown").out, HasSubstr("  Modes  uint16[]\n"));
 }
