@@ -4,12 +4,13 @@
 Collects the large machine that bench/synthetic.py makes, and checks that nothing of it is missing.
 """
 import collections
-import json
-import os
 import resource
-import subprocess
 import sys
 import time
+
+sys.dont_write_bytecode = True  # nothing is left beside the sources
+
+from kyr_collect import collect
 
 EXPECTED = {"MOLTA_BaseBoard": 1, "MOLTA_Processor": 4, "MOLTA_ProcessorCore": 128, "MOLTA_HardwareThread": 256,
             "MOLTA_NUMANode": 4, "MOLTA_CacheMemory": 128 * 3 + 4, "MOLTA_PhysicalMemory": 64, "MOLTA_PCIDevice": 4096,
@@ -20,13 +21,12 @@ EXPECTED = {"MOLTA_BaseBoard": 1, "MOLTA_Processor": 4, "MOLTA_ProcessorCore": 1
             "MOLTA_Package": 256, "MOLTA_KernelModule": 256}
 
 
-def collect(machine, command):
+def collect_timed(machine, command):
     start = time.monotonic()
-    told = subprocess.run([command[0], "collect", "--json", *command[1:]], stdout=subprocess.PIPE, check=True,
-                          env={**os.environ, "KYR_SYSTEM_ROOT": machine})
+    collection = collect(command, machine)
     memory = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
     print(f"collected in {time.monotonic() - start:.2f} s, {memory / 1024:.0f} MB in the largest process")
-    return json.loads(told.stdout)
+    return collection
 
 
 def faults(collection):
@@ -40,6 +40,6 @@ def faults(collection):
             yield f"{counts[name]} instances of {name} in place of {count}"
 
 
-found = list(faults(collect(sys.argv[1], sys.argv[2:])))
+found = list(faults(collect_timed(sys.argv[1], sys.argv[2:])))
 print("\n".join(found) or "all there")
 sys.exit(1 if found else 0)

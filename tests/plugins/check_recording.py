@@ -5,18 +5,16 @@ Records this machine with scripts/record, collects it from the recording, and co
 itself: but for what changes by itself, the two must not differ in a byte.
 """
 import difflib
-import os
 import subprocess
 import sys
 import tarfile
 import tempfile
 
+sys.dont_write_bytecode = True  # nothing is left beside the sources
 
-def collect(command, root=None):
-    environment = {**os.environ, "KYR_SYSTEM_ROOT": root} if root else None
-    options = ["collect", "--stable", "--null", "--references"]
-    return subprocess.run([command[0], *options, *command[1:]], env=environment, stdout=subprocess.PIPE,
-                          check=True).stdout.decode("utf-8", "replace")
+from kyr_collect import output_of_collect
+
+OPTIONS = ["--stable", "--null", "--references"]
 
 
 def record(program, folder):
@@ -29,8 +27,8 @@ def record(program, folder):
 
 def differences(program, command):
     with tempfile.TemporaryDirectory() as folder:
-        recorded = collect(command, record(program, folder))
-        live = collect(command)
+        recorded = output_of_collect(command, OPTIONS, record(program, folder))
+        live = output_of_collect(command, OPTIONS)
     if live.count("\n") < 100:
         return ["Nearly nothing was collected.", live]
     return list(difflib.unified_diff(live.splitlines(), recorded.splitlines(), "live", "recorded", lineterm="", n=1))

@@ -4,18 +4,16 @@
 Compares the memory that kyr tells of the machines in the folder with what dmidecode makes of their firmware tables.
 Exit status 77 if dmidecode is not installed.
 """
-import json
-import os
 import re
 import shutil
 import struct
-import subprocess
 import sys
 import tempfile
 
 sys.dont_write_bytecode = True  # nothing is left beside the sources
 
 from compare_tools import PATH, blocks_of, output_of
+from kyr_collect import collect
 
 NAMES = {"Size": "Capacity", "Locator": "DeviceLocator", "Bank Locator": "BankLocator", "Asset Tag": "AssetTag",
          "Manufacturer": "Manufacturer", "Serial Number": "SerialNumber", "Part Number": "PartNumber",
@@ -76,9 +74,7 @@ def plain(value):
 
 def ours(machine, command):
     """Arrays first, each kind in the order of the table."""
-    collected = subprocess.run([command[0], "collect", "--json", *command[1:]], capture_output=True, check=False,
-                               env={**os.environ, "KYR_SYSTEM_ROOT": machine})
-    classes = {told["name"]: told["instances"] for told in json.loads(collected.stdout)["classes"]}
+    classes = {told["name"]: told["instances"] for told in collect(command, machine, check=False)["classes"]}
     for name in ("MOLTA_MemoryArray", "MOLTA_PhysicalMemory"):
         told = [{key: plain(at["value"]) for key, at in instance["properties"].items()} for instance in classes[name]]
         for instance in sorted(told, key=lambda at: int(at["Tag"].split("-")[1])):

@@ -109,7 +109,7 @@ def main():
     if len(asked) < 2:
         print(f"skipped: of the tools to compare with, only {asked} are installed")
         return SKIPPED
-    counts = compare(facts, facts_of(compare_ours.collect(sys.argv[1:])))
+    counts = compare(facts, facts_of(compare_ours.tell(sys.argv[1:])))
     print(f"\nagainst {', '.join(asked)}:")
     print(", ".join(f"{count} {word}" for word, count in sorted(counts.items())))
     return 1 if counts["DIFFERS"] or counts["MISSING"] or not counts["equal"] else 0

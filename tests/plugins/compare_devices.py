@@ -1,7 +1,8 @@
 """What the tools for devices and firmware tell of this machine, in the form that compare_tools.py tells of."""
 import re
 
-from compare_tools import blocks_of, first, json_of, lines_of, lower, memory_module, number, output_of, tool
+from compare_tools import (blocks_of, first, json_of, lines_of, lowered, memory_module, named, number, numbered,
+                           output_of, tool)
 
 
 @tool("lspci")
@@ -15,9 +16,8 @@ def lspci():
             name, _, digits = said.get(label, "").rpartition(" [")
             yield f"pci {slot}", f"{what} id", number(digits.rstrip("]"), 16)
             yield f"pci {slot}", what, name if not re.fullmatch(r"(Device|Class|Vendor|Subsystem)", name) else None
-        yield f"pci {slot}", "revision", number(said.get("Rev"), 16)
-        yield f"pci {slot}", "driver", said.get("Driver")
-        yield f"pci {slot}", "numa node", number(said.get("NUMANode"))
+        yield from named(f"pci {slot}", said.get, {"revision": numbered("Rev", 16), "driver": "Driver",
+                                                   "numa node": numbered("NUMANode")})
 
 
 @tool("lsusb")
@@ -37,28 +37,21 @@ def sensors():
                 yield f"temperature of {chip.split('-')[0]}", label, True
 
 
-# The block, its line, and how it is called here.
-DMI = [("BIOS Information", "Vendor", "firmware", "vendor"), ("BIOS Information", "Version", "firmware", "version"),
-       ("BIOS Information", "Release Date", "firmware", "date"),
-       ("System Information", "Manufacturer", "system", "vendor"),
-       ("System Information", "Product Name", "system", "product"),
-       ("System Information", "Version", "system", "version"),
-       ("System Information", "Serial Number", "system", "serial"),
-       ("System Information", "SKU Number", "system", "sku"), ("System Information", "Family", "system", "family"),
-       ("System Information", "UUID", "system", "uuid"),
-       ("Base Board Information", "Manufacturer", "board", "vendor"),
-       ("Base Board Information", "Product Name", "board", "product"),
-       ("Base Board Information", "Version", "board", "version"),
-       ("Base Board Information", "Serial Number", "board", "serial"),
-       ("Chassis Information", "Asset Tag", "system", "asset tag")]
+# The block, what it is called here, and its lines.
+DMI = [("BIOS Information", "firmware", {"vendor": "Vendor", "version": "Version", "date": "Release Date"}),
+       ("System Information", "system",
+        {"vendor": "Manufacturer", "product": "Product Name", "version": "Version", "serial": "Serial Number",
+         "sku": "SKU Number", "family": "Family", "uuid": lowered("UUID")}),
+       ("Base Board Information", "board",
+        {"vendor": "Manufacturer", "product": "Product Name", "version": "Version", "serial": "Serial Number"}),
+       ("Chassis Information", "system", {"asset tag": "Asset Tag"})]
 
 
 @tool("dmidecode")
 def dmidecode():
     for block, said in blocks_of(output_of("dmidecode")):
-        for title, label, thing, what in DMI:
-            if title in block and label in said:
-                yield thing, what, lower(said[label]) if what == "uuid" else said[label]
+        for title, thing, names in DMI:
+            yield from named(thing, said.get, names) if title in block else ()
         if "\nMemory Device\n" in block and re.match(r"\d", said.get("Size", "")):
             yield from memory_device(said)
 

@@ -1,15 +1,13 @@
 """What kyr tells of this machine, as (thing, what, value) in the form that compare_tools.py tells of."""
 import collections
-import json
 import re
-import subprocess
 
 from compare_tools import lowered, named
+from kyr_collect import collect
 
 
-def collect(command):
-    collected = subprocess.run([*command[:1], "collect", "--json", *command[1:]], stdout=subprocess.PIPE, check=True)
-    machine = TMachine(json.loads(collected.stdout))
+def tell(command):
+    machine = TMachine(collect(command))
     for class_name, thing, names in CLASSES:
         for instance in machine.all(class_name):
             yield from named(re.sub(r"{(.*?)}", lambda part: str(instance(part[1])), thing), instance, names)
