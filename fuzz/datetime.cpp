@@ -37,7 +37,8 @@ std::string Reprinted(std::string text) {
     return text.replace(0, 8, std::string(8 - days.size(), '0') + days);
 }
 
-void SetFromText(TCIMDateTime& time, const std::string& text) {
+void SetFromText(TCIMDateTime& time, TByteReader& input) {
+    const std::string text = input.Bytes(25);
     if (!Succeeds([&] { time.Set(text); })) return Require(time.IsNull(), "a bad text changes nothing");
     Require(time.ToString() == Reprinted(text), "a date-time prints as the text it came from");
 }
@@ -64,20 +65,10 @@ void SetInterval(TCIMDateTime& time, TByteReader& input) {
 }
 
 TCIMDateTime ReadDateTime(TByteReader& input) {
+    constexpr void (*kKinds[])(TCIMDateTime&, TByteReader&) = {SetFromText, SetTimestamp, SetInterval,
+                                                               [](TCIMDateTime&, TByteReader&) {}};
     TCIMDateTime time;
-    switch (input.Byte() % 4) {
-        case 0:
-            SetFromText(time, input.Bytes(25));
-            break;
-        case 1:
-            SetTimestamp(time, input);
-            break;
-        case 2:
-            SetInterval(time, input);
-            break;
-        default:
-            break;
-    }
+    input.Pick(kKinds)(time, input);
     return time;
 }
 

@@ -1,16 +1,10 @@
 // The display of a property. The first line is its value in the form of ReadValueLine; each further line is a qualifier
 // of the declaration: a digit that selects the name, then the value in the same form.
 #include <cstdint>
-#include <memory>
 #include <set>
-#include <vector>
 
-#include "kyr/TCIMClass.h"
-#include "kyr/TCIMProperty.h"
-#include "kyr/TCIMPropertyDecl.h"
-#include "kyr/TCIMQualifier.h"
-#include "kyr/TContainer.h"
 #include "support/FuzzSupport.h"
+#include "support/SchemaSketch.h"
 
 namespace {
 
@@ -18,39 +12,22 @@ constexpr const char* kQualifiers[] = {
     "NULLDISPLAY", "UNITS", "DISPLAYFIXEDUNITS", "DISPLAYCPUTIME", "ABBREVIATEUNITS", "BASE", "Values", "ValueMap"};
 constexpr unsigned char kFirstQualifier = '0';
 
-/// A property declaration and its qualifiers.
-class TDeclared {
-public:
-    TDeclared(const TCIMValue& value, TByteReader& input) : fDeclaration("Shown", fClass, value) {
-        while (!input.IsAtEnd()) {
-            const std::string line = input.Line();
-            if (!line.empty()) StatusOf([&] { Qualify(line); });
-        }
-    }
-
-    const TCIMPropertyDecl& Declaration() const { return fDeclaration; }
-
-private:
-    void Qualify(const std::string& line) {
+std::unique_ptr<TCIMPropertyDecl> ReadDeclaration(const TCIMValue& value, TByteReader& input, TContainer& container) {
+    const SchemaBuilder schema(container);
+    std::unique_ptr<TCIMPropertyDecl> declaration = schema.NewProperty(*container.GetRootClass(), {"Shown", value});
+    while (!input.IsAtEnd()) {
+        const std::string line = input.Line();
+        if (line.empty()) continue;
         const char* const name = kQualifiers[static_cast<unsigned char>(line.front() - kFirstQualifier) % 8];
-        const TCIMValue value = ReadValueLine(line.substr(1), fContainer);
-        if (fDeclaration.FindQualifier(name) != nullptr) return;
-        fQualifierDecls.push_back(std::make_unique<TCIMQualifierDecl>(
-            fContainer, name, value, TCIMQualifierDecl::eScopeProperty, TCIMQualifierDecl::eFlavorOverridable));
-        auto qualifier = std::make_unique<TCIMQualifier>(*fQualifierDecls.back(), value);
-        fDeclaration.AddQualifier(*qualifier);
-        qualifier.release();
+        if (declaration->FindQualifier(name) != nullptr) continue;
+        StatusOf([&] { schema.Qualify(*declaration, name, ReadValueLine(line.substr(1), container)); });
     }
-
-    TContainer fContainer;
-    TCIMClass fClass{fContainer, "K", nullptr};
-    std::vector<std::unique_ptr<TCIMQualifierDecl>> fQualifierDecls;
-    TCIMPropertyDecl fDeclaration;
-};
+    return declaration;
+}
 
 std::string NullText(const TCIMPropertyDecl& declaration) {
     const TCIMQualifier* const qualifier = declaration.FindQualifier("NULLDISPLAY");
-    if (qualifier == nullptr || qualifier->GetType() != TCIMValue::TCIMType::eCIMString) return "";
+    if (qualifier == nullptr || qualifier->GetType() != CIM::eCIMString) return "";
     const TCIMValue text = qualifier->GetValue();
     return text.IsNull() ? "" : static_cast<std::string>(text);
 }
@@ -95,8 +72,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     StatusOf([&] {
         const TCIMValue value = ReadValueLine(input.Line(), container);
         TRootObject::GetCoreLogger()->ClearLog();
-        const TDeclared declared(value, input);
-        const TCIMProperty property(declared.Declaration(), value);
+        const std::unique_ptr<TCIMPropertyDecl> declaration = ReadDeclaration(value, input, container);
+        const TCIMProperty property(*declaration, value);
         TRootObject::GetCoreLogger()->ClearLog();
         CheckDisplay(property);
         for (const ILogger::TLogEntry& entry : log.Entries())

@@ -1,6 +1,5 @@
 #include "support/ContainerText.h"
 
-#include <cstring>
 #include <sstream>
 
 #include "kyr/TCIMClass.h"
@@ -71,9 +70,9 @@ private:
         if (value.IsArray()) {
             for (const TCIMValue& element : value.operator std::vector<TCIMValue>&()) AddLine(element);
         } else if (value.GetType() == CIM::eCIMReal32) {
-            AddBits<unsigned int>(value.operator float());
+            fText << std::hexfloat << value.operator float();
         } else if (value.GetType() == CIM::eCIMReal64) {
-            AddBits<unsigned long>(value.operator double());
+            fText << std::hexfloat << value.operator double();
         } else if (value.IsReference()) {
             Add(value.operator TCIMReference());
         } else {
@@ -88,14 +87,6 @@ private:
             AddLine(value);
         }
         fText << '}';
-    }
-
-    template <typename TBits, typename TNumber>
-    void AddBits(TNumber number) {
-        TBits bits;
-        static_assert(sizeof bits == sizeof number, "all of them");
-        std::memcpy(&bits, &number, sizeof bits);
-        fText << bits;
     }
 
     std::ostringstream fText;

@@ -5,8 +5,8 @@
 
 class TContainer;
 
-/// All that a container holds as text, exact to the bit and in its own order: two containers with the same text cannot
-/// be told apart.
+/// All that a container holds as text, exact to the bit (but for the kinds of NaN) and in its own order: two containers
+/// with the same text cannot be told apart.
 std::string TextOf(const TContainer& container);
 
 #endif

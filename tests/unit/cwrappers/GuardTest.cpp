@@ -22,6 +22,12 @@ protected:
     TCIMDateTime fDate;
 };
 
+/// The calls for a type of number, and the type that the one for arrays names.
+#define EXPECT_NUMBERS_REFUSED(Type, Named)                                                 \
+    Expect("kyrArrayAdd" #Named ": NULL array parameter", {kyrArrayAdd##Type(nullptr, 1)}); \
+    Expect("kyrReferenceAdd" #Type ": NULL ref and/or key parameter",                       \
+           {kyrReferenceAdd##Type(nullptr, "k", 1), kyrReferenceAdd##Type(ref, nullptr, 1)})
+
 TEST_F(GuardTest, NullParametersAreRefusedWithTheWordsOfTheCall) {
     const kyrIOHandle io = &fHandle;
     const kyrCIMValueArray array = &fArray;
@@ -51,14 +57,15 @@ TEST_F(GuardTest, NullParametersAreRefusedWithTheWordsOfTheCall) {
 
     Expect("kyrNewCIMValueArray: NULL array parameter", {kyrNewCIMValueArray(nullptr)});
     Expect("kyrDeleteCIMValueArray: NULL array parameter", {kyrDeleteCIMValueArray(nullptr)});
-    Expect("kyrArrayAddBoolean: NULL array parameter", {kyrArrayAddBoolean(nullptr, 1)});
-    Expect("kyrArrayAddUint8: NULL array parameter", {kyrArrayAddUint8(nullptr, 1), kyrArrayAddSint8(nullptr, 1)});
-    Expect("kyrArrayAddUint16: NULL array parameter", {kyrArrayAddUint16(nullptr, 1)});
-    Expect("kyrArrayAddSint16: NULL array parameter", {kyrArrayAddSint16(nullptr, 1)});
-    Expect("kyrArrayAddUint32: NULL array parameter", {kyrArrayAddUint32(nullptr, 1)});
-    Expect("kyrArrayAddSint32: NULL array parameter", {kyrArrayAddSint32(nullptr, 1)});
-    Expect("kyrArrayAddUint64: NULL array parameter", {kyrArrayAddUint64(nullptr, 1)});
-    Expect("kyrArrayAddSint64: NULL array parameter", {kyrArrayAddSint64(nullptr, 1)});
+    EXPECT_NUMBERS_REFUSED(Boolean, Boolean);
+    EXPECT_NUMBERS_REFUSED(Uint8, Uint8);
+    EXPECT_NUMBERS_REFUSED(Sint8, Uint8);
+    EXPECT_NUMBERS_REFUSED(Uint16, Uint16);
+    EXPECT_NUMBERS_REFUSED(Sint16, Sint16);
+    EXPECT_NUMBERS_REFUSED(Uint32, Uint32);
+    EXPECT_NUMBERS_REFUSED(Sint32, Sint32);
+    EXPECT_NUMBERS_REFUSED(Uint64, Uint64);
+    EXPECT_NUMBERS_REFUSED(Sint64, Sint64);
     Expect("kyrArrayAddString: NULL array and/or value parameter",
            {kyrArrayAddString(nullptr, "v"), kyrArrayAddString(array, nullptr)});
     Expect("kyrArrayAddReference: NULL array and/or value parameter",
@@ -73,15 +80,6 @@ TEST_F(GuardTest, NullParametersAreRefusedWithTheWordsOfTheCall) {
            {kyrSetReferencePath(nullptr, "p"), kyrSetReferencePath(ref, nullptr)});
     Expect("kyrSetReferenceClassName: NULL ref and/or className parameter",
            {kyrSetReferenceClassName(nullptr, "c"), kyrSetReferenceClassName(ref, nullptr)});
-    Expect("kyrReferenceAddBoolean: NULL ref and/or key parameter", {kyrReferenceAddBoolean(nullptr, "k", 1)});
-    Expect("kyrReferenceAddUint8: NULL ref and/or key parameter", {kyrReferenceAddUint8(ref, nullptr, 1)});
-    Expect("kyrReferenceAddSint8: NULL ref and/or key parameter", {kyrReferenceAddSint8(nullptr, "k", 1)});
-    Expect("kyrReferenceAddUint16: NULL ref and/or key parameter", {kyrReferenceAddUint16(ref, nullptr, 1)});
-    Expect("kyrReferenceAddSint16: NULL ref and/or key parameter", {kyrReferenceAddSint16(nullptr, "k", 1)});
-    Expect("kyrReferenceAddUint32: NULL ref and/or key parameter", {kyrReferenceAddUint32(ref, nullptr, 1)});
-    Expect("kyrReferenceAddSint32: NULL ref and/or key parameter", {kyrReferenceAddSint32(nullptr, "k", 1)});
-    Expect("kyrReferenceAddUint64: NULL ref and/or key parameter", {kyrReferenceAddUint64(ref, nullptr, 1)});
-    Expect("kyrReferenceAddSint64: NULL ref and/or key parameter", {kyrReferenceAddSint64(nullptr, "k", 1)});
     Expect("kyrReferenceAddString: NULL ref, key and/or value parameter",
            {kyrReferenceAddString(nullptr, "k", "v"), kyrReferenceAddString(ref, nullptr, "v"),
             kyrReferenceAddString(ref, "k", nullptr)});

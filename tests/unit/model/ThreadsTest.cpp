@@ -11,19 +11,12 @@
 #include <mutex>
 #include <thread>
 
-#include "kyr/TCIMClass.h"
 #include "kyr/TCIMDateTime.h"
-#include "kyr/TCIMInstance.h"
-#include "kyr/TCIMProperty.h"
-#include "kyr/TCIMPropertyDecl.h"
-#include "kyr/TContainer.h"
 #include "model/TSmallObject.h"
 #include "platform/Sanitizers.h"
-#include "support/TestSupport.h"
+#include "support/SchemaBuilder.h"
 
 namespace {
-
-using TType = TCIMValue::TCIMType;
 
 /// About how many values each thread makes; more with KYR_THREAD_OBJECTS in the environment.
 unsigned ObjectsOfEach() {
@@ -74,24 +67,20 @@ protected:
         auto container = std::make_unique<TContainer>();
         container->PopulateContainerFromFile(fSchemaPath);
         TCIMClass* const cls = container->GetClass("Disk");
-        for (unsigned i = 0; i < disks; ++i) AddDisk(*container, *cls, i);
+        for (unsigned i = 0; i < disks; ++i) {
+            const TCIMValue block(static_cast<unsigned short>(i));
+            SchemaBuilder(*container)
+                .AddInstance(*cls,
+                             {{"Id", i},
+                              {"Caption", "hard disk drive number " + std::to_string(i)},
+                              {"Installed", TCIMDateTime("20040701120000.000000+060") + TCIMDateTime(i, 0, 0, 0, 0)},
+                              {"Blocks", TCIMValue(CIM::eCIMUint16, 0, {block, block, block})}});
+        }
         return container;
     }
 
     TempFolder fFolder;
     const std::string fSchemaPath = fFolder.Write("schema.xml", kSchema);
-
-private:
-    static void AddDisk(const TContainer& container, TCIMClass& cls, unsigned number) {
-        TCIMInstance* const disk = container.AllocateInstance(&cls);
-        disk->SetPropertyValue("Id", number);
-        disk->SetPropertyValue("Caption", "hard disk drive number " + std::to_string(number));
-        disk->SetPropertyValue("Installed",
-                               TCIMDateTime("20040701120000.000000+060") + TCIMDateTime(number, 0, 0, 0, 0));
-        const TCIMValue block(static_cast<unsigned short>(number));
-        disk->SetPropertyValue("Blocks", TCIMValue(TType::eCIMUint16, 0, {block, block, block}));
-        disk->AddToContainer();
-    }
 };
 
 /// Reads every value, and gives what the disks' numbers come to.
@@ -109,7 +98,7 @@ unsigned long SumBelow(unsigned long count) { return count * (count - 1) / 2; }
 /// An array of texts, too long to be held in place.
 TCIMValue Texts(unsigned number) {
     const TCIMValue text("a text that is allocated on its own, number " + std::to_string(number));
-    return TCIMValue(TType::eCIMString, 0, {text, text});
+    return TCIMValue(CIM::eCIMString, 0, {text, text});
 }
 
 TEST_F(ThreadsTest, EachFillsReadsAndDestroysContainersOfItsOwn) {

@@ -35,20 +35,25 @@ struct TRecorder : TXmlParser {
         if (fIsFatal) throw std::runtime_error(message);
     }
 
+    /// Parses a document, as far as it can be.
+    void Read(const std::string& document) {
+        fText = Framed(document);
+        try {
+            Parse(&fText[1]);
+        } catch (const std::runtime_error&) {
+        }
+    }
+
     using TXmlParser::fNext;
     using TXmlParser::fStart;
-    std::string fEvents;
+    std::string fText, fEvents;
     bool fIsFatal = true;
 };
 
 std::string EventsOf(const std::string& document, bool isFatal = true) {
-    std::string text = Framed(document);
     TRecorder recorder;
     recorder.fIsFatal = isFatal;
-    try {
-        recorder.Parse(&text[1]);
-    } catch (const std::runtime_error&) {
-    }
+    recorder.Read(document);
     return recorder.fEvents;
 }
 
@@ -163,15 +168,13 @@ TEST(TXmlParser, CountsOnFromItsLastCount) {
             EXPECT_EQ(GetCurLine(), expected);
         }
     };
-    std::string text = Framed("<a\n>\n<b\n>\n<c\n d='\n'/>\n<d>\n</d></b\n>\n<e\n/></a\n>");
-    TCounter counter;
-    counter.Parse(&text[1]);
+    TCounter().Read("<a\n>\n<b\n>\n<c\n d='\n'/>\n<d>\n</d></b\n>\n<e\n/></a\n>");
 }
 
 TEST(TXmlParser, ChangesNothingInTheTextButTheCaseOfAttributeNames) {
-    std::string text = Framed("<?xml?>\n<Ab Cd='Ef' gH=\"1\">text &amp; <b X='Y'/></Ab> rest");
-    TRecorder().Parse(&text[1]);
-    EXPECT_EQ(text.substr(1), "<?xml?>\n<Ab cd='Ef' gh=\"1\">text &amp; <b x='Y'/></Ab> rest");
+    TRecorder recorder;
+    recorder.Read("<?xml?>\n<Ab Cd='Ef' gH=\"1\">text &amp; <b X='Y'/></Ab> rest");
+    EXPECT_EQ(recorder.fText.substr(1), "<?xml?>\n<Ab cd='Ef' gh=\"1\">text &amp; <b x='Y'/></Ab> rest");
 }
 
 TEST(TXmlParser, FillsTheAttributesAnewWhateverACallbackHasDoneToThem) {
@@ -181,9 +184,8 @@ TEST(TXmlParser, FillsTheAttributesAnewWhateverACallbackHasDoneToThem) {
             attributes = {{"a", "old"}, {"zz", "old"}, {"m", "old"}};
         }
     };
-    std::string text = Framed("<r><e/><e m='1'/><e a='2' b='3'/><e/></r>");
     TMeddler meddler;
-    meddler.Parse(&text[1]);
+    meddler.Read("<r><e/><e m='1'/><e a='2' b='3'/><e/></r>");
     EXPECT_EQ(meddler.fEvents, "<r><e></e><e m=1></e><e a=2 b=3></e><e></e></r>");
 }
 
