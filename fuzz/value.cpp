@@ -3,42 +3,14 @@
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
-#include <locale>
-#include <sstream>
 
 #include "kyr/TContainer.h"
-#include "model/NumberText.h"
 #include "support/FuzzSupport.h"
+#include "support/NumberRoads.h"
 
 namespace {
 
 using TType = TCIMValue::TCIMType;
-
-std::istringstream BaselessStream(const std::string& text) {
-    std::istringstream stream(text);
-    stream.imbue(std::locale::classic());
-    stream >> std::boolalpha;
-    stream.unsetf(std::ios_base::dec);
-    return stream;
-}
-
-template <typename... TNumbers>
-void CheckRoads(const std::string& text) {
-    const auto check = [&](auto number) {
-        BaselessStream(text) >> number;
-        Require(ReadNumber<decltype(number)>(text) == number, "both roads to a number agree");
-    };
-    (check(TNumbers{}), ...);
-}
-
-void CheckTail(const std::string& text) {
-    unsigned long number = 0;
-    char expected[2] = {'a', 'b'};
-    BaselessStream(text) >> number >> expected[0] >> expected[1];
-    char tail[2] = {'a', 'b'};
-    Require(ReadNumberAndTail(text, tail[0], tail[1]) == number, "both roads to a number with a tail agree");
-    Require(tail[0] == expected[0] && tail[1] == expected[1], "both roads to a tail agree");
-}
 
 bool IsNumber(TType type) { return type >= TType::eCIMBoolean && type <= TType::eCIMReal64; }
 bool IsReal(TType type) { return type == TType::eCIMReal32 || type == TType::eCIMReal64; }
@@ -154,9 +126,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     TByteReader input(data, size);
     const std::string first = input.Line();
     const std::string second = input.Line();
-    CheckTail(input.Line());
+    Require(IsReadAsByAStream(input.Line()), "both roads to a number agree");
     if (first.empty()) return 0;
-    CheckRoads<bool, unsigned short, short, unsigned int, int, unsigned long, long, float, double>(first.substr(1));
+    Require(IsReadAsByAStream(first.substr(1)), "both roads to a number agree");
     CheckTextStatus(TypeOfLine(first), first.substr(1), container);
     StatusOf([&] {
         const TCIMValue a = ReadValueLine(first, container);
