@@ -12,7 +12,7 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "kyr/kyrPlugin.h"
+#include "testplugin.h"
 
 #define BEHAVIOUR __attribute__((unused)) static void
 
@@ -118,23 +118,12 @@ BEHAVIOUR LeaveBehind(void) {
     for (;;) sleep(60);
 }
 
-static kyrPluginHandle gPlugin;
 static kyrIOHandle gHandle;
 
 static kyrStatusCode Init(kyrPluginHandle plugin) {
     (void)plugin;
     AT_INIT();
     return kyrStatusOK;
-}
-
-static kyrStatusCode Nothing(kyrPluginHandle plugin) {
-    (void)plugin;
-    return kyrStatusOK;
-}
-
-static void Add(kyrIOHandle handle, const char* className, const char* id) {
-    kyrAddClass(handle, className);
-    kyrAddStringProperty(handle, "Id", id);
 }
 
 /* Instances of a class of another's, and of what tells how complete it all is. The one before them stays open, and is
@@ -155,15 +144,8 @@ static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const c
     return kyrStatusOK;
 }
 
-static kyrPluginInfo GetInfo(kyrPluginHandle plugin) {
-    (void)plugin;
-    const kyrPluginInfo info = {PLUGIN_NAME, "1.0", "1.0", kyrPluginDataCollector, 0};
-    return info;
-}
-
-__attribute__((constructor)) static void Register(void) {
-    kyrPluginCallbacks callbacks = {0, Init, Nothing, GetData, GetInfo, Nothing};
-    kyrRegisterPlugin(&callbacks, &gPlugin);
+__attribute__((constructor)) static void Load(void) {
+    Register();
     AT_LOAD();
 }
 
