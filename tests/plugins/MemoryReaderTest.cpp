@@ -5,8 +5,6 @@
 
 namespace {
 
-TMemoryFacts ReadMachine(const char* name) { return ReadMemory(TSystemRoot(std::string(MACHINES "/") + name)); }
-
 /// A table of one memory device of the size and the extended size.
 std::string DeviceOf(uint16_t size, uint32_t extendedSize) {
     std::string device(0x22, '\0');
@@ -51,7 +49,7 @@ TEST(MemoryReaderTest, TheEntryPointBoundsTheTable) {
 }
 
 TEST(MemoryReaderTest, NumbersThatDoNotFitAreNotSupported) {
-    const TMemoryUsage usage = ReadMachine("hostile").usage;
+    const TMemoryUsage usage = ReadMemory(TSystemRoot(MACHINES "/hostile")).usage;
     EXPECT_EQ(usage.free.absence, EAbsence::eNotSupported);
     EXPECT_FALSE(usage.available);
     EXPECT_EQ(usage.swapTotal.value, UINT64_MAX);

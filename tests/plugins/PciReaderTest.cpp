@@ -16,13 +16,6 @@ TEST(HardwareIdsTest, NamesAreFoundBelowWhatTheyBelongTo) {
     for (const auto& [id, name] : cases) EXPECT_EQ(names.Name(id).ValueOr("-"), name) << id;
 }
 
-TEST(PciReaderTest, FilesThatHoldNonsenseAreNotSupported) {
-    const TPciFacts facts = ReadPci(TSystemRoot(MACHINES "/hostile"));
-    const TPciIdentity& identity = facts.functions.at(0).identity;
-    EXPECT_EQ(identity.device.absence, EAbsence::eNotSupported);
-    EXPECT_EQ(identity.deviceName.source, "/sys/bus/pci/devices/0000:00:00.0/uevent");
-}
-
 TEST(PciReaderTest, LinkSpeedsAreTransfersPerSecond) {
     const std::pair<const char*, uint64_t> cases[] = {{"2.5 GT/s PCIe", 2'500'000'000},
                                                       {"8.0 GT/s PCIe", 8'000'000'000},

@@ -55,8 +55,3 @@ TEST(ProcessorReaderTest, MachineThatTellsNothingHasOneProcessorAndSaysWhy) {
     EXPECT_EQ(facts.packages[0].modelName.absence, EAbsence::eNotPresent);
     EXPECT_EQ(facts.packages[0].coreCount.source, "/proc/cpuinfo");
 }
-
-TEST(ProcessorReaderTest, NumbersThatAreNoneAreNotSupported) {
-    const TProcessorFacts facts = ReadProcessors(TSystemRoot(MACHINES "/hostile"));
-    EXPECT_EQ(facts.packages[0].bogoMips.absence, EAbsence::eNotSupported);
-}
