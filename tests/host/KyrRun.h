@@ -8,12 +8,8 @@
 #include "support/TestSupport.h"
 
 using testing::_;
-using testing::AllOf;
 using testing::ContainsRegex;
 using testing::FieldsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
 
 /// What a run of kyr left; FieldsAre(status, out, err) matches it.
 struct TRunResult {

@@ -6,10 +6,6 @@
 #include "support/SchemaSketch.h"
 #include "support/TestSupport.h"
 
-using testing::Each;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 /// The fixture of tests on a schema: a log, a container and a builder.
 class SchemaTest : public LoggedTest {
 protected:

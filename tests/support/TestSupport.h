@@ -9,6 +9,13 @@
 #include "kyr/ILogger.h"
 #include "kyr/TKYRException.h"
 
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
 using TLines = std::vector<std::string>;
 
 /// Runs an expression and gives the status that it raised, kyrStatusOK for none, so that a table can hold it.

@@ -69,16 +69,21 @@ BEHAVIOUR Chatter(void) {
     fflush(stdout);
 }
 
-/* Over all memory that it shares with others. */
-BEHAVIOUR Scribble(void) {
+/* All memory that it shares with others. */
+static void WithSharedMemory(void (*act)(unsigned long start, unsigned long end)) {
     char line[512];
     unsigned long start, end;
     FILE* const maps = fopen("/proc/self/maps", "r");
     while (fgets(line, sizeof line, maps) != NULL)
-        if (strstr(line, " rw-s ") != NULL && sscanf(line, "%lx-%lx", &start, &end) == 2)
-            for (unsigned long i = 16; i < 65536; ++i) ((unsigned char*)start)[i] ^= (unsigned char)(i * 7 % 251);
+        if (strstr(line, " rw-s ") != NULL && sscanf(line, "%lx-%lx", &start, &end) == 2) act(start, end);
     fclose(maps);
 }
+
+static void ScribbleOver(unsigned long start, unsigned long end) {
+    (void)end;
+    for (unsigned long i = 16; i < 65536; ++i) ((unsigned char*)start)[i] ^= (unsigned char)(i * 7 % 251);
+}
+BEHAVIOUR Scribble(void) { WithSharedMemory(ScribbleOver); }
 
 static void ShrinkFile(const char* path) {
     const int file = open(path, O_RDWR);
@@ -86,23 +91,22 @@ static void ShrinkFile(const char* path) {
     close(file);
 }
 
+static void ShrinkMapped(unsigned long start, unsigned long end) {
+    char path[128];
+    snprintf(path, sizeof path, "/proc/self/map_files/%lx-%lx", start, end);
+    ShrinkFile(path);
+}
+
 /* All files in memory that it has open or mapped; to open what is mapped takes the superuser. */
 BEHAVIOUR Shrink(void) {
-    char line[512], path[128], target[128];
-    unsigned long start, end;
+    char path[128], target[128];
     for (int descriptor = 0; descriptor < 1024; ++descriptor) {
         snprintf(path, sizeof path, "/proc/self/fd/%d", descriptor);
         const ssize_t length = readlink(path, target, sizeof target - 1);
         target[length < 0 ? 0 : length] = '\0';
         if (strstr(target, "memfd:") != NULL) ShrinkFile(path);
     }
-    FILE* const maps = fopen("/proc/self/maps", "r");
-    while (fgets(line, sizeof line, maps) != NULL) {
-        if (strstr(line, " rw-s ") == NULL || sscanf(line, "%lx-%lx", &start, &end) != 2) continue;
-        snprintf(path, sizeof path, "/proc/self/map_files/%lx-%lx", start, end);
-        ShrinkFile(path);
-    }
-    fclose(maps);
+    WithSharedMemory(ShrinkMapped);
 }
 
 static void* Spin(void* unused) {

@@ -3,7 +3,6 @@
 
 #include "support/SchemaBuilder.h"
 
-using TNames = std::vector<std::string>;
 using TSorted = std::multiset<std::string>;
 
 namespace {
@@ -52,7 +51,7 @@ TEST_F(AssociationsTest, ClassFindsTheAssociationsThatPointToIt) {
     };
     // clang-format on
     for (const auto& [from, assocClass, role, expected] : kCases) {
-        const TNames names = NamesOf(Class(from).References(assocClass, role));
+        const TLines names = NamesOf(Class(from).References(assocClass, role));
         EXPECT_EQ(TSorted(names.begin(), names.end()), expected) << from << " (" << assocClass << ", " << role << ')';
     }
     EXPECT_EQ(StatusOf([&] { fDisk.References("", "no name"); }), kyrStatusInvalidCIMName);
@@ -62,7 +61,7 @@ TEST_F(AssociationsTest, ClassFindsTheAssociationsThatPointToIt) {
 TEST_F(AssociationsTest, ClassFindsWhatStandsAtTheOtherEnds) {
     // clang-format off
     // In walking order, which each case keeps within one association or one result.
-    const std::tuple<const char*, const char*, const char*, const char*, const char*, TNames> kCases[] = {
+    const std::tuple<const char*, const char*, const char*, const char*, const char*, TLines> kCases[] = {
         {"System", "", "", "", "", {"Disk", "Disk"}}, {"Disk", "Hosts", "", "", "", {"System", "System"}},
         {"Disk", "SubHosts", "", "", "", {"System"}}, {"Disk", "Mirrors", "", "", "", {"Disk"}},
         {"NVMe", "SubHosts", "", "", "", {"System", "Disk"}}, {"NVMe", "Mirrors", "", "", "", {"Disk", "Disk"}},

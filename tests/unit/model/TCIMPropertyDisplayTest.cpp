@@ -2,10 +2,9 @@
 
 namespace {
 using TValues = std::vector<TCIMValue>;
-using TTexts = std::vector<std::string>;
 using TQualifiers = std::vector<std::pair<std::string, TCIMValue>>;
 
-TCIMValue Words(const TTexts& texts) { return TCIMValue(CIM::eCIMString, 0, TValues(texts.begin(), texts.end())); }
+TCIMValue Words(const TLines& texts) { return TCIMValue(CIM::eCIMString, 0, TValues(texts.begin(), texts.end())); }
 TCIMValue Uint8(unsigned char value) { return value; }
 
 class TCIMPropertyDisplayTest : public SchemaTest {
@@ -22,7 +21,7 @@ protected:
         const std::string outcome = Outcome([&] { text = Property(value, qualifiers).ToString(); });
         return text + outcome;
     }
-    TTexts Listed(const TCIMValue& value, const TQualifiers& qualifiers) {
+    TLines Listed(const TCIMValue& value, const TQualifiers& qualifiers) {
         return Property(value, qualifiers).ToStringVector();
     }
 
@@ -97,12 +96,12 @@ TEST_F(TCIMPropertyDisplayTest, ShowsArrays) {
     const TQualifiers words = {{"Values", Words({"zero", "one"})}, {"NULLDISPLAY", "none"}};
     EXPECT_EQ(Shown(numbers, {{"BASE", Uint8(16)}, {"UNITS", "Bytes"}}), "{ 0001, 0800 }");
     EXPECT_EQ(Shown(numbers, words) + Shown(1u, words), "{ 1, 2048 }one");
-    EXPECT_EQ(Listed(numbers, {{"UNITS", "Bytes"}}), (TTexts{"1 Bytes", "2 Kilobytes"}));
-    EXPECT_EQ(Listed(numbers, words), (TTexts{"one", "2048"}));
-    EXPECT_EQ(Listed(Null(CIM::eCIMUint8, 4), words), TTexts{"none"});
-    EXPECT_EQ(Listed(holed, {words[1]}), (TTexts{"1", "none"}));
+    EXPECT_EQ(Listed(numbers, {{"UNITS", "Bytes"}}), (TLines{"1 Bytes", "2 Kilobytes"}));
+    EXPECT_EQ(Listed(numbers, words), (TLines{"one", "2048"}));
+    EXPECT_EQ(Listed(Null(CIM::eCIMUint8, 4), words), TLines{"none"});
+    EXPECT_EQ(Listed(holed, {words[1]}), (TLines{"1", "none"}));
     EXPECT_EQ(StatusOf([&] { Listed(holed, words); }), kyrStatusValueIsNULL);
-    EXPECT_EQ(Listed(1u, words), TTexts{"1"});  // a scalar has no words here
+    EXPECT_EQ(Listed(1u, words), TLines{"1"});  // a scalar has no words here
 }
 
 TEST_F(TCIMPropertyDisplayTest, ShowsTheEarlierValueTheSameWay) {
@@ -110,13 +109,13 @@ TEST_F(TCIMPropertyDisplayTest, ShowsTheEarlierValueTheSameWay) {
     EXPECT_EQ(property.PrevToString(), "2 Kilobytes");
     property.SetPrevValue(TCIMValue(1u));
     EXPECT_EQ(property.ToString() + property.PrevToString(), "2 Kilobytes1 Bytes");
-    EXPECT_EQ(property.PrevToStringVector(), TTexts{"1 Bytes"});
+    EXPECT_EQ(property.PrevToStringVector(), TLines{"1 Bytes"});
 }
 
 TEST_F(TCIMPropertyDisplayTest, FindsWords) {
     // clang-format off
     // Words, the map, and what is shown for 0, 1, 2, ...
-    const std::tuple<TTexts, TTexts, TTexts> cases[] = {
+    const std::tuple<TLines, TLines, TLines> cases[] = {
         {{"a", "b", "c"}, {"1", "3", ".."}, {"c", "a", "c", "b", "c"}},
         {{"a", "b", "c"}, {"0", "..4", "5"}, {"a", "b", "b", "b", "b", "c", "6"}},
         {{"a", "b", "c"}, {"1", "3..", "7"}, {"0", "a", "2", "b", "b", "b", "b", "c", "c"}},

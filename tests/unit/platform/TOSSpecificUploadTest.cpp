@@ -8,8 +8,6 @@
 
 namespace {
 
-using ::testing::StartsWith;
-
 constexpr const char* kTargetFolder = "zenhost/tohalvex/grumline/kyr_upload";
 constexpr const char* kPython = "/usr/bin/python3";
 

@@ -6,8 +6,6 @@
 
 namespace {
 
-using ::testing::StartsWith;
-
 class TPluginManagerTest : public PluginTest {};
 
 TEST_F(TPluginManagerTest, APluginIsLoadedOnceInitialisedAndMarkedInTheSchema) {

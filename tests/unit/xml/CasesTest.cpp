@@ -66,10 +66,8 @@ std::string TestName(const testing::TestParamInfo<TSection>& test) {
 
 class ReaderCases : public LoggedTest, public testing::WithParamInterface<TSection> {};
 
-std::string Document(std::string frame, const std::string& text) {
-    if (BeginsWith(text, "<CIM")) return text;
-    return "<CIM><DECLARATION><DECLGROUP>" + frame.replace(frame.find("..."), 3, text) +
-           "</DECLGROUP></DECLARATION></CIM>";
+std::string Read(TReader& reader, std::string frame, const std::string& text) {
+    return BeginsWith(text, "<CIM") ? reader.Read(text) : reader.ReadGroup(frame.replace(frame.find("..."), 3, text));
 }
 
 TEST_P(ReaderCases, ComeOutAsTold) {
@@ -77,7 +75,7 @@ TEST_P(ReaderCases, ComeOutAsTold) {
     for (const auto& [text, expected] : GetParam().cases) {
         const bool goesOn = BeginsWith(text, "+ ");
         if (!goesOn) reader.emplace(fLog);
-        const std::string outcome = reader->Read(Document(GetParam().frame, text.substr(goesOn ? 2 : 0)));
+        const std::string outcome = Read(*reader, GetParam().frame, text.substr(goesOn ? 2 : 0));
         EXPECT_EQ(outcome.empty() ? "(nothing)" : outcome, expected) << text;
     }
 }

@@ -9,15 +9,13 @@
 
 namespace {
 
-using TRow = std::vector<std::string>;
-
 template <typename TList>
 std::string Number(const TList& list) {
     return std::to_string(list.size());
 }
 
 std::string SortedNames(const std::vector<TCIMClass*>& classes) {
-    TRow names = NamesOf(classes);
+    TLines names = NamesOf(classes);
     std::sort(names.begin(), names.end());
     return Joined(names, " ");
 }
@@ -33,16 +31,16 @@ protected:
     std::vector<TCIMClass*> Populate(const std::string& extension) {
         return fContainer.PopulateContainerFromFile(fFolder + GetParam() + extension);
     }
-    std::vector<TRow> Rows(const std::string& table);
+    std::vector<TLines> Rows(const std::string& table);
     void CheckClasses(const std::vector<TCIMClass*>& collected);
 
     std::string fFolder = std::string(KYRCORE_CORPUS_FOLDER) + "/";
 };
 
 /// The rows of a table without the one of its headings.
-std::vector<TRow> Corpus::Rows(const std::string& table) {
+std::vector<TLines> Corpus::Rows(const std::string& table) {
     std::ifstream stream(fFolder + "expect/" + GetParam() + "." + table + ".tsv");
-    std::vector<TRow> rows;
+    std::vector<TLines> rows;
     for (std::string line; std::getline(stream, line);) rows.push_back(Split(line + '\t', '\t'));
     if (!rows.empty()) rows.erase(rows.begin());
     return rows;
@@ -50,59 +48,59 @@ std::vector<TRow> Corpus::Rows(const std::string& table) {
 
 // clang-format off
 void Corpus::CheckClasses(const std::vector<TCIMClass*>& collected) {
-    const std::vector<TRow> rows = Rows("classes");
+    const std::vector<TLines> rows = Rows("classes");
     ASSERT_EQ(collected.size(), rows.size());
     for (size_t i = 0; i < rows.size(); ++i) {
         const TCIMClass& cls = *collected[i];
         const auto own = [&cls](const TCIMPropertyDecl* property) { return property->GetClass() == &cls; };
         const std::vector<const TCIMPropertyDecl*> properties = cls.EnumeratePropertyDecls();
         const TCIMClass* const superclass = cls.GetSuperClass();
-        const TRow found = {
+        const TLines found = {
             cls.GetName(), superclass == fContainer.GetRootClass() ? "" : superclass->GetName(),
             std::to_string(cls.IsAbstract()), std::to_string(cls.IsAssociation()), Number(properties),
             std::to_string(std::count_if(properties.begin(), properties.end(), own)),
             Joined(cls.EnumerateKeyNames(), ","), Number(cls.EnumerateQualifiers()),
             Number(cls.EnumerateSubClasses(false)), Number(cls.EnumerateSubClasses(true))};
-        EXPECT_EQ(found, TRow(rows[i].begin(), rows[i].begin() + 10));
+        EXPECT_EQ(found, TLines(rows[i].begin(), rows[i].begin() + 10));
     }
 }
 
 TEST_P(Corpus, IsReadAsItsTablesSay) {
     CheckClasses(Populate(".xml"));
     EXPECT_EQ(fContainer.EnumerateQualifiers().size(), Rows("qualifiers").size());
-    for (const TRow& row : Rows("qualifiers")) {
+    for (const TLines& row : Rows("qualifiers")) {
         const TCIMQualifierDecl& declaration = *fContainer.GetQualifierDecl(row[0]);
-        EXPECT_EQ(row, TRow({declaration.GetName(), declaration.GetType().ToString(),
+        EXPECT_EQ(row, TLines({declaration.GetName(), declaration.GetType().ToString(),
                              declaration.IsArray() ? "array" : "scalar", std::to_string(declaration.GetScope()),
                              std::to_string(declaration.GetFlavor()), TextOf(declaration.GetValue())}));
     }
-    for (const TRow& row : Rows("properties")) {
+    for (const TLines& row : Rows("properties")) {
         const TCIMClass& cls = *fContainer.GetClass(row[0]);
         const TCIMPropertyDecl& property = *cls.GetPropertyDecl(row[1]);
-        const TRow keys = cls.EnumerateKeyNames();
+        const TLines keys = cls.EnumerateKeyNames();
         const TCIMValue& value = property.GetValue();
-        EXPECT_EQ(row, TRow({cls.GetName(), property.GetName(), property.GetClass()->GetName(),
+        EXPECT_EQ(row, TLines({cls.GetName(), property.GetName(), property.GetClass()->GetName(),
                              property.GetType().ToString(), std::to_string(property.IsArray()),
                              std::to_string(value.GetMaxArraySize()),
                              value.IsReference() ? value.GetReferencedClass()->GetName() : "",
                              std::to_string(std::count(keys.begin(), keys.end(), property.GetName())),
                              Number(property.EnumerateQualifiers()), TextOf(value)}));
     }
-    for (const TRow& row : Rows("associations")) {
+    for (const TLines& row : Rows("associations")) {
         const TCIMClass& cls = *fContainer.GetClass(row[0]);
         const std::vector<TCIMClass*> references = cls.References("", "");
         const std::vector<TCIMClass*> associators = cls.Associators("", "", "", "");
-        EXPECT_EQ(row, TRow({cls.GetName(), Number(references), Number(associators), SortedNames(references),
+        EXPECT_EQ(row, TLines({cls.GetName(), Number(references), Number(associators), SortedNames(references),
                              SortedNames(associators)}));
     }
-    for (const TRow& row : Rows("left-out")) EXPECT_EQ(fContainer.FindClass(row[0]), nullptr) << row[0];
+    for (const TLines& row : Rows("left-out")) EXPECT_EQ(fContainer.FindClass(row[0]), nullptr) << row[0];
 }
 // clang-format on
 
 TEST_P(Corpus, HasTheInstancesOfItsTable) {
     Populate(".xml");
-    std::vector<TRow> rows = Rows("instances");
-    std::vector<TRow> found;
+    std::vector<TLines> rows = Rows("instances");
+    std::vector<TLines> found;
     for (const TCIMInstance* instance : fContainer.GetRootClass()->EnumerateInstances(true)) {
         const std::vector<const TCIMProperty*> properties = instance->EnumerateProperties();
         const auto isSet = [](const TCIMProperty* property) { return !property->GetPropagated(); };

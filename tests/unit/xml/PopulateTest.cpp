@@ -42,11 +42,7 @@ TEST_F(Populate, ReadsPlainAndCompressedDocuments) {
 
 TEST_F(Populate, RefusesWhatIsNoDocumentFile) {
     const std::string zipped = Zipped(kGood);
-    const struct {
-        const char* name;
-        std::string content;
-        kyrStatusCode status;
-    } cases[] = {
+    const std::tuple<const char*, std::string, kyrStatusCode> cases[] = {
         {"empty.xml", "", kyrStatusInvalidSpecificationDocument},
         {"plain.gz", kGood, kyrStatusInvalidGzipFile},
         {"x.gz/plain.xml", kGood, kyrStatusInvalidGzipFile},
@@ -59,7 +55,8 @@ TEST_F(Populate, RefusesWhatIsNoDocumentFile) {
         {"huge.gz", Claiming(zipped, 104857601), kyrStatusInvalidSpecificationDocument},
         {"nothing.gz", Zipped(""), kyrStatusInvalidSpecificationDocument},
     };
-    for (const auto& c : cases) EXPECT_EQ(StatusOfFile(fFolder.Write(c.name, c.content)), c.status) << c.name;
+    for (const auto& [name, content, status] : cases)
+        EXPECT_EQ(StatusOfFile(fFolder.Write(name, content)), status) << name;
     EXPECT_EQ(StatusOfFile(fFolder.Path()), kyrStatusFileNotFound);
     EXPECT_EQ(StatusOfFile(fFolder.Path() + "/no.gz"), kyrStatusFileNotFound);
 }

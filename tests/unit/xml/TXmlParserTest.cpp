@@ -35,13 +35,14 @@ struct TRecorder : TXmlParser {
         if (fIsFatal) throw std::runtime_error(message);
     }
 
-    /// Parses a document, as far as it can be.
-    void Read(const std::string& document) {
+    /// The events of a document, as far as it can be parsed.
+    const std::string& Read(const std::string& document) {
         fText = Framed(document);
         try {
             Parse(&fText[1]);
         } catch (const std::runtime_error&) {
         }
+        return fEvents;
     }
 
     using TXmlParser::fNext;
@@ -53,19 +54,16 @@ struct TRecorder : TXmlParser {
 std::string EventsOf(const std::string& document, bool isFatal = true) {
     TRecorder recorder;
     recorder.fIsFatal = isFatal;
-    recorder.Read(document);
-    return recorder.fEvents;
+    return recorder.Read(document);
 }
 
-struct TOutcome {
-    std::string events;
-    std::vector<std::string> documents;
-};
+/// Events, and the documents that they come of.
+using TOutcome = std::pair<std::string, std::vector<std::string>>;
 
 void ExpectOutcomes(const std::vector<TOutcome>& outcomes, const std::string& begin = "", bool isFatal = true) {
-    for (const TOutcome& outcome : outcomes)
-        for (const std::string& document : outcome.documents)
-            EXPECT_EQ(EventsOf(begin + document, isFatal), outcome.events) << document;
+    for (const auto& [events, documents] : outcomes)
+        for (const std::string& document : documents)
+            EXPECT_EQ(EventsOf(begin + document, isFatal), events) << document;
 }
 
 // clang-format off
@@ -184,9 +182,8 @@ TEST(TXmlParser, FillsTheAttributesAnewWhateverACallbackHasDoneToThem) {
             attributes = {{"a", "old"}, {"zz", "old"}, {"m", "old"}};
         }
     };
-    TMeddler meddler;
-    meddler.Read("<r><e/><e m='1'/><e a='2' b='3'/><e/></r>");
-    EXPECT_EQ(meddler.fEvents, "<r><e></e><e m=1></e><e a=2 b=3></e><e></e></r>");
+    EXPECT_EQ(TMeddler().Read("<r><e/><e m='1'/><e a='2' b='3'/><e/></r>"),
+              "<r><e></e><e m=1></e><e a=2 b=3></e><e></e></r>");
 }
 
 TEST(TXmlParser, TakesManyAttributesAndStillFindsTheRepeatedOne) {
