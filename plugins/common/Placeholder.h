@@ -3,7 +3,8 @@
 
 #include <string>
 
-/// True for texts such as "To be filled by O.E.M.", which firmware has in fields that were never filled. Ignores case.
+/// True for texts such as "To be filled by O.E.M.", "x.x" and "0123456789", which firmware has in fields that were
+/// never filled. Case, blanks and punctuation make no difference to the words among them.
 bool IsPlaceholder(const std::string& text);
 
 #endif

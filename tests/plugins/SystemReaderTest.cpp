@@ -23,12 +23,26 @@ TSystemFacts ReadDmiField(const std::string& name, const std::string& content) {
 
 }  // namespace
 
-TEST(SystemReaderTest, PlaceholdersOfMakersAreNotPresent) {
-    for (const char* text : {"\n", "To be filled by O.E.M.\n", "NOT SPECIFIED", "Default string  \n"})
+TEST(SystemReaderTest, FillersOfFirmwareAreNotPresent) {
+    // clang-format off
+    const char* const fillers[] = {
+        "\n", "To be filled by O.E.M.\n", "To be filled by O.E.M", "TBD by OEM", "NOT SPECIFIED", "NOT SUPPORT", "NO DPK",
+        "Default string  \n", "System SKU#", "N/A", "[Empty]", "Unknown (0)", "x.x", "XxXxXxX", "xxxxxxxxxxx", ".",
+        "..............", "----", "0", "0000000000000000", "00000000-0000-0000-0000-000000000000", "0123456789", "123456",
+        "123456789012345678", "01234567890123456789AB", "0123456789abcdef", "A1_AssetTagNum0", "P0-DIMMA1_AssetTag",
+        "Manufacturer00", "9876543210", "03000200-0400-0500-0006-000700080009", "FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF",
+    };
+    const char* const values[] = {
+        "Not Specified 2", "Unknown (0x7F98)", "0.0", "00A", "10000000", "X", "x3650", "XPS", "xX1", "1.2.3.4.5.6",
+        "12345", "1234567A", "1234568", "2345678", "987654", "SKU123", "OEM Works", "Asset 7", "Example Manufacturer",
+        "A1_7", "\xe6\x96\xb9\xe6\xad\xa3",
+    };
+    // clang-format on
+    for (const char* text : fillers)
         EXPECT_EQ(Show(ReadDmiField("product_serial", text).serialNumber),
                   "not present: /sys/class/dmi/id/product_serial")
             << text;
-    EXPECT_EQ(Show(ReadDmiField("product_serial", " Not Specified 2 \n").serialNumber), "Not Specified 2");
+    for (const char* text : values) EXPECT_EQ(Show(ReadDmiField("product_serial", text).serialNumber), text);
 }
 
 TEST(SystemReaderTest, MachineTypeModelIsSevenCharactersThatBeginWithADigit) {

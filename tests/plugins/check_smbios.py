@@ -19,7 +19,8 @@ NAMES = {"Size": "Capacity", "Locator": "DeviceLocator", "Bank Locator": "BankLo
          "Manufacturer": "Manufacturer", "Serial Number": "SerialNumber", "Part Number": "PartNumber",
          "Speed": "Speed", "Configured Memory Speed": "ConfiguredSpeed", "Total Width": "TotalWidth",
          "Data Width": "DataWidth", "Number Of Devices": "Slots", "Maximum Capacity": "MaximumCapacity"}
-NOTHING = ("", "Unknown", "Not Specified", "<BAD INDEX>", "No Module Installed")
+# What kyr leaves out: nothing, and what the firmware's maker left there.
+NOTHING = re.compile(r"|Unknown|Not Specified|<BAD INDEX>|No Module Installed|9876543210|.*_AssetTag")
 UNITS = {"bytes": 1, "kB": 1 << 10, "MB": 1 << 20, "GB": 1 << 30, "TB": 1 << 40, "MT/s": 1, "bits": 1}
 
 
@@ -50,7 +51,7 @@ def decoded(text):
     """A value as dmidecode prints it: dots for what cannot be printed, words for nothing, a number with its unit."""
     text = re.sub("[^ -~]", ".", text).strip(". ")
     number = re.fullmatch(rf"(\d+) ({'|'.join(UNITS)})", text)
-    return None if text in NOTHING else int(number[1]) * UNITS[number[2]] if number else text
+    return None if NOTHING.fullmatch(text) else int(number[1]) * UNITS[number[2]] if number else text
 
 
 def theirs(folder):
