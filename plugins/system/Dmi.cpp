@@ -32,17 +32,26 @@ std::optional<int64_t> ParseDate(const std::string& text) {
 // Not isalnum, which depends on the host's locale.
 bool IsLetterOrDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-// Four characters for the type and three for the model. A type begins with a digit; a product name does not.
-bool IsMachineTypeModel(const std::string& text) {
-    return text.size() == 7 && text[0] <= '9' && std::all_of(text.begin(), text.end(), IsLetterOrDigit);
+// Four characters for the type, which begins with a digit, and three for the model.
+bool IsMachineTypeModel(std::string_view text) {
+    return text[0] <= '9' && std::all_of(text.begin(), text.end(), IsLetterOrDigit);
+}
+
+// "Server -[4185C2X]-". Seven characters without the brackets may be anything: the library decides whether a product
+// name is a machine type.
+std::optional<std::string> FindBracketed(const std::string& text) {
+    const size_t start = text.find("-[");
+    if (start == std::string::npos || text.compare(std::min(start + 9, text.size()), 2, "]-") != 0) return {};
+    const std::string inside = text.substr(start + 2, 7);
+    return IsMachineTypeModel(inside) ? std::optional(inside) : std::nullopt;
 }
 
 // Some makers put it in the field of the product name, others in that of the SKU.
 TFact<std::string> FindMachineTypeModel(const TSystemFacts& facts) {
-    if (facts.productName && IsMachineTypeModel(*facts.productName)) return facts.productName;
-    if (facts.skuNumber && !IsMachineTypeModel(*facts.skuNumber))
-        return TFact<std::string>::Missing(EAbsence::eNotPresent, facts.skuNumber.source);
-    return facts.skuNumber;
+    for (const TFact<std::string>& field : {facts.productName, facts.skuNumber})
+        if (const TFact<std::string> found = field.Map(FindBracketed)) return found;
+    const EAbsence absence = facts.skuNumber ? EAbsence::eNotPresent : facts.skuNumber.absence;
+    return TFact<std::string>::Missing(absence, facts.skuNumber.source);
 }
 
 }  // namespace

@@ -45,11 +45,15 @@ TEST(SystemReaderTest, FillersOfFirmwareAreNotPresent) {
     for (const char* text : values) EXPECT_EQ(Show(ReadDmiField("product_serial", text).serialNumber), text);
 }
 
-TEST(SystemReaderTest, MachineTypeModelIsSevenCharactersThatBeginWithADigit) {
-    for (const char* name : {"Toughie", "4185C2", "4185C2XY", "4185-2X", "4185C2\xe4"})
-        for (const char* field : {"product_name", "product_sku"})
-            EXPECT_FALSE(ReadDmiField(field, name).machineTypeModel) << name;
-    EXPECT_EQ(Show(ReadDmiField("product_name", "4185C2X").machineTypeModel), "4185C2X");
+TEST(SystemReaderTest, MachineTypeModelStandsInBrackets) {
+    for (const char* field : {"product_name", "product_sku"}) {
+        for (const char* text :
+             {"4185C2X", "4185C2X 1", "[4185C2X]", "Server -[4185C2X]", "Server -[4185C2]-", "Server -[4185C2XY]-",
+              "Server -[4185-2X]-", "Server -[INVALID]-", "Server -[", "-[]-"})
+            EXPECT_FALSE(ReadDmiField(field, text).machineTypeModel) << text;
+        for (const char* text : {"-[4185C2X]-", "Server -[4185C2X]- Two"})
+            EXPECT_EQ(Show(ReadDmiField(field, text).machineTypeModel), "4185C2X") << text;
+    }
 }
 
 TEST(SystemReaderTest, NumbersAndDatesOutOfRangeAreNotSupported) {
