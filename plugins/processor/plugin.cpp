@@ -57,7 +57,15 @@ TFact<std::vector<uint16_t>> CharacteristicsOf(const TPackage& package) {
     });
 }
 
+// "Mitigation: Retpolines; PBRSB-eIBRS: Vulnerable; BHI: Retpoline", "Mitigation: Clear CPU buffers; SMT vulnerable"
+bool LeavesPartOpen(const std::string& text) {
+    for (const std::string_view part : Split(text, ';'))
+        if (EndsWith(part, "Vulnerable") || EndsWith(part, " vulnerable")) return true;
+    return false;
+}
+
 std::optional<uint16_t> VulnerabilityState(const std::string& text) {
+    if (LeavesPartOpen(text)) return kVulnerable;
     for (const TStateWord& word : kStateWords)
         if (text.compare(0, word.start.size(), word.start) == 0) return word.state;
     return {};
