@@ -22,12 +22,20 @@ kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** c
 
 kyrPluginInfo GetInfo(kyrPluginHandle) { return {gName, KYRCORE_VERSION, "1.0", kyrPluginDataCollector, 0}; }
 
+void LogAbsence(kyrLogSeverity severity, const char* className, EAbsence absence, const std::string& source) {
+    const std::string text = std::string(className) + ": " + AbsenceText(absence) + ": " + source;
+    kyrWriteLog(gPlugin, severity, text.c_str());
+}
+
 }  // namespace
 
 void LogAbsentClass(const char* className, EAbsence absence, const std::string& source) {
     const bool isFailure = absence == EAbsence::eNoPermission || absence == EAbsence::eReadError;
-    const std::string text = std::string(className) + ": " + AbsenceText(absence) + ": " + source;
-    kyrWriteLog(gPlugin, isFailure ? kyrLogError : kyrLogWarning, text.c_str());
+    LogAbsence(isFailure ? kyrLogError : kyrLogWarning, className, absence, source);
+}
+
+void LogMissingClass(const char* className, EAbsence absence, const std::string& source) {
+    LogAbsence(kyrLogError, className, absence, source);
 }
 
 void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&)) {

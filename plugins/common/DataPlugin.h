@@ -27,6 +27,13 @@ void LogIfAbsent(const char* className, const TFact<T>& list) {
     if (!list) LogAbsentClass(className, list.absence, list.source);
 }
 
+/// Logs the same as an error in any case, for a class that has an instance on every machine: the class is not complete.
+void LogMissingClass(const char* className, EAbsence absence, const std::string& source);
+template <typename T>
+void LogIfMissing(const char* className, const TFact<T>& fact) {
+    if (!fact) LogMissingClass(className, fact.absence, fact.source);
+}
+
 /// The function that reports the instances of one class.
 template <typename TFacts>
 struct TClassReport {

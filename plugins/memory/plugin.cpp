@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <iterator>
+
 #include "DataPlugin.h"
 #include "InstanceReport.h"
 #include "MemoryFacts.h"
@@ -42,7 +45,17 @@ constexpr TUsageProperty kUsageProperties[] = {
     {"HugePageSize", &TMemoryUsage::hugePageSize},
 };
 
+bool HasMemory(const TMemoryFacts& facts) {
+    return facts.hardware.installedModules ||
+           std::any_of(std::begin(kUsageProperties), std::end(kUsageProperties),
+                       [&](const TUsageProperty& property) { return bool(facts.usage.*property.fact); });
+}
+
 kyrStatusCode ReportSystemMemory(kyrIOHandle handle, const TMemoryFacts& facts) {
+    if (!HasMemory(facts)) {
+        LogIfMissing(kSystemMemory, facts.usage.total);
+        return kyrStatusOK;
+    }
     TInstanceReport report(handle, SystemMemoryPath());
     report.Set("Caption", "Memory of the system");
     for (const TUsageProperty& property : kUsageProperties) report.Add(property.name, facts.usage.*property.fact);
@@ -129,9 +142,9 @@ kyrStatusCode ReportModules(kyrIOHandle handle, const TMemoryFacts& facts) {
 }
 
 kyrStatusCode ReportSystemMemoryDevices(kyrIOHandle handle, const TMemoryFacts& facts) {
-    const kyrStatusCode status = ReportSystemDevice(handle, kSystemMemoryDevice, SystemMemoryPath());
-    if (status != kyrStatusOK) return status;
-    return ReportSystemDevices(handle, kSystemMemoryDevice, facts.swapAreas, SwapAreaPath);
+    const kyrStatusCode status = ReportSystemDevices(handle, kSystemMemoryDevice, facts.swapAreas, SwapAreaPath);
+    if (status != kyrStatusOK || !HasMemory(facts)) return status;
+    return ReportSystemDevice(handle, kSystemMemoryDevice, SystemMemoryPath());
 }
 
 kyrStatusCode ReportSystemMemoryHardware(kyrIOHandle handle, const TMemoryFacts& facts) {

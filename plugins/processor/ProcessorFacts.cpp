@@ -61,12 +61,6 @@ void Describe(TPackage& package, const TCpuInfo& info, uint32_t thread) {
         addresses.Map([](const std::string& text) { return ParseAddressWidth(text, "virtual"); });
 }
 
-/// For a machine without information on its threads: one package, described by the first entry of /proc/cpuinfo.
-void DescribeUnknown(TPackage& package, const TCpuInfo& info) {
-    Describe(package, info, 0);
-    package.coreCount = package.threadCount = package.clock = info.NumberField<uint32_t>(0, "processor");
-}
-
 /// Replaces `kept` if `other` is better, or if `kept` has nothing yet, not even a reason.
 template <typename F>
 void KeepBetter(TFact<uint32_t>& kept, const TFact<uint32_t>& other, F isBetter) {
@@ -111,7 +105,6 @@ TProcessorFacts ReadProcessors(const TSystemRoot& root) {
     TProcessorFacts facts;
     const TCpuInfo info(root.ReadFile("/proc/cpuinfo"));
     ReadTopology(root, info, facts);
-    if (facts.cores.empty()) DescribeUnknown(facts.packages.front(), info);
     ReadPackages(info, facts);
     ReadCaches(root, facts);
     ReadNumaNodes(root, facts);

@@ -74,7 +74,7 @@ struct TVulnerability {
     TFact<std::string> state;
 };
 
-/// There is at least one package.
+/// There are no packages if neither sysfs nor /proc/cpuinfo tells of a thread that is online.
 struct TProcessorFacts {
     std::vector<TPackage> packages;
     std::vector<TCore> cores;
@@ -84,6 +84,7 @@ struct TProcessorFacts {
     std::vector<TVulnerability> vulnerabilities;
 
     TListing threadListing;
+    TListing coreListing;  ///< of packages too
     TListing cacheListing;
     TListing nodeListing;
     TListing vulnerabilityListing;

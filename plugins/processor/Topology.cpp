@@ -27,21 +27,43 @@ public:
         ReadThreads();
         for (TThread& thread : fFacts.threads)
             if (thread.isOnline.ValueOr(false) && !thread.core) AssignCore(thread);
-        if (fFacts.packages.empty()) PackageOf(0);
+        if (fFacts.cores.empty())
+            fFacts.coreListing.value.reset();
+        else
+            fFacts.coreListing.value = true;
+        fFacts.cacheListing = fFacts.coreListing;
     }
 
 private:
     void ReadThreads() {
         const TFact<TNumbers> online = ReadCpuList(fRoot, "/sys/devices/system/cpu/online");
         const TNumbers listed = fInfo.Numbers();
-        TNumbers present = ReadCpuList(fRoot, "/sys/devices/system/cpu/present").ValueOr(listed);
+        TNumbers present =
+            ReadCpuList(fRoot, "/sys/devices/system/cpu/present").ValueOr(listed.empty() ? Folders() : listed);
         std::sort(present.begin(), present.end());
         present.erase(std::unique(present.begin(), present.end()), present.end());
         fFacts.threadListing = present.empty() ? ListingOf(online) : TListing::Of(true, online.source);
-        fFacts.cacheListing = fFacts.threadListing;
-        for (const uint32_t number : present)
-            fFacts.threads.push_back({number, online ? TFact<bool>::Of(Contains(*online, number), online.source)
-                                                     : TFact<bool>::Of(Contains(listed, number), "/proc/cpuinfo")});
+        fFacts.coreListing = ListingOf(online);
+        for (const uint32_t number : present) fFacts.threads.push_back({number, IsOnline(number, online, listed)});
+    }
+
+    /// The numbers of the folders cpu0, cpu1 and so on.
+    TNumbers Folders() const {
+        TNumbers numbers;
+        for (const std::string& name : fRoot.Names("/sys/devices/system/cpu"))
+            if (const auto number = ParseNumber<uint32_t>(name.substr(0, 3) == "cpu" ? name.substr(3) : "");
+                number && *number < kMaxCpus)
+                numbers.push_back(*number);
+        return numbers;
+    }
+
+    // Some architectures write /proc/cpuinfo in another form. Only a thread that is online has a topology.
+    TFact<bool> IsOnline(uint32_t number, const TFact<TNumbers>& online, const TNumbers& listed) const {
+        if (online) return TFact<bool>::Of(Contains(*online, number), online.source);
+        if (!listed.empty()) return TFact<bool>::Of(Contains(listed, number), "/proc/cpuinfo");
+        if (const std::string topology = CpuFile(number, "topology"); fRoot.Exists(topology))
+            return TFact<bool>::Of(true, topology);
+        return TFact<bool>::Missing(online.absence, online.source);
     }
 
     // From sysfs, or from /proc/cpuinfo if sysfs lacks it.

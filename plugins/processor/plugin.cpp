@@ -179,16 +179,17 @@ kyrStatusCode ReportVulnerability(kyrIOHandle handle, const TVulnerability& vuln
 }
 
 kyrStatusCode ReportProcessors(kyrIOHandle handle, const TProcessorFacts& facts) {
+    LogIfMissing(kProcessor, facts.coreListing);
     return ReportEach(handle, facts.packages, ReportProcessor);
 }
 
 kyrStatusCode ReportCores(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfAbsent(kCore, facts.threadListing);
+    LogIfMissing(kCore, facts.coreListing);
     return ReportEach(handle, facts.cores, ReportCore);
 }
 
 kyrStatusCode ReportThreads(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfAbsent(kThread, facts.threadListing);
+    LogIfMissing(kThread, facts.threadListing);
     return ReportEach(handle, facts.threads, ReportThread);
 }
 

@@ -76,6 +76,17 @@ TInstancePath OperatingSystemPath(const TSystemFacts& facts) {
 TInstancePath BoardPath() { return {kBaseBoard, {{"CreationClassName", kBaseBoard}, {"Tag", "Base board"}}}; }
 
 template <size_t N>
+bool HasAny(const TTextProperty (&properties)[N], const TSystemFacts& facts) {
+    return std::any_of(std::begin(properties), std::end(properties),
+                       [&](const TTextProperty& property) { return bool(facts.*property.fact); });
+}
+
+bool HasOperatingSystem(const TSystemFacts& facts) { return HasAny(kOperatingSystemTexts, facts); }
+bool HasBios(const TSystemFacts& facts) { return HasAny(kBiosTexts, facts) || facts.biosDate; }
+// Many virtual machines describe no board.
+bool HasBoard(const TSystemFacts& facts) { return HasAny(kBoardTexts, facts); }
+
+template <size_t N>
 void AddTexts(TInstanceReport& report, const TTextProperty (&properties)[N], const TSystemFacts& facts) {
     for (const TTextProperty& property : properties) report.Add(property.name, facts.*property.fact);
 }
@@ -99,6 +110,10 @@ kyrStatusCode ReportComputerSystem(kyrIOHandle handle, const TSystemFacts& facts
 }
 
 kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& facts) {
+    if (!HasOperatingSystem(facts)) {
+        LogIfMissing(kOperatingSystem, facts.osName);
+        return kyrStatusOK;
+    }
     TInstanceReport report(handle, OperatingSystemPath(facts));
     AddTexts(report, kOperatingSystemTexts, facts);
     report.Set("OSType", kOSTypeLinux);
@@ -109,16 +124,14 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
 }
 
 kyrStatusCode ReportBios(kyrIOHandle handle, const TSystemFacts& facts) {
+    if (!HasBios(facts)) {
+        LogIfAbsent(kBiosElement, facts.biosVendor);
+        return kyrStatusOK;
+    }
     TInstanceReport report(handle, {kBiosElement, {{"Name", "System firmware"}, {"SoftwareElementID", "0"}}});
     AddTexts(report, kBiosTexts, facts);
     AddTimestamp(report, "ReleaseDate", facts.biosDate);
     return report.Finish();
-}
-
-// Many virtual machines describe no board.
-bool HasBoard(const TSystemFacts& facts) {
-    return std::any_of(std::begin(kBoardTexts), std::end(kBoardTexts),
-                       [&](const TTextProperty& property) { return bool(facts.*property.fact); });
 }
 
 // "Example Systems ES-2200"
@@ -146,6 +159,7 @@ kyrStatusCode ReportProduct(kyrIOHandle handle, const TSystemFacts&) {
 }
 
 kyrStatusCode ReportInstalledOs(kyrIOHandle handle, const TSystemFacts& facts) {
+    if (!HasOperatingSystem(facts)) return kyrStatusOK;
     return ReportAssociation(handle, kInstalledOs, "GroupComponent", ComputerPath(facts), "PartComponent",
                              OperatingSystemPath(facts));
 }

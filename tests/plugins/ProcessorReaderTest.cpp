@@ -48,10 +48,44 @@ TEST(ProcessorReaderTest, CoresOfOneNumberStayApartWhenTheirSiblingsDo) {
     EXPECT_EQ(ShowCores(ReadProcessors(TSystemRoot(machine.Path()))), "socket0/core0: 0 \nsocket0/core0/cpu1: 1 \n");
 }
 
-TEST(ProcessorReaderTest, MachineThatTellsNothingHasOneProcessorAndSaysWhy) {
-    const TempFolder machine;
-    const TProcessorFacts facts = ReadProcessors(TSystemRoot(machine.Path()));
-    ASSERT_EQ(facts.packages.size(), 1u);
-    EXPECT_EQ(facts.packages[0].modelName.absence, EAbsence::eNotPresent);
-    EXPECT_EQ(facts.packages[0].coreCount.source, "/proc/cpuinfo");
+TEST(ProcessorReaderTest, NoProcessorIsClaimedWhereNothingTellsOfOne) {
+    const std::string cpus = "sys/devices/system/cpu/";
+    // A file of the machine, how many threads it tells of, and why no core is known.
+    const std::tuple<std::string, const char*, size_t, EAbsence> cases[] = {
+        {"etc/os-release", "", 0, EAbsence::eNotPresent},
+        {"proc/cpuinfo", "vendor_id : IBM/S390\nprocessor 0: version = FF\n", 0, EAbsence::eNotPresent},
+        {cpus + "online", "all of them", 0, EAbsence::eNotSupported},
+        {cpus + "present", "0-63", 64, EAbsence::eNotPresent},
+    };
+    for (const auto& [path, content, threads, absence] : cases) {
+        const TempFolder machine;
+        machine.Write(path, content);
+        const TProcessorFacts facts = ReadProcessors(TSystemRoot(machine.Path()));
+        EXPECT_TRUE(facts.packages.empty() && facts.cores.empty()) << path;
+        EXPECT_EQ(facts.threads.size(), threads) << path;
+        EXPECT_FALSE(facts.coreListing) << path;
+        EXPECT_EQ(facts.coreListing.absence, absence) << path;
+        EXPECT_EQ(facts.coreListing.source, "/sys/devices/system/cpu/online") << path;
+        for (const TThread& thread : facts.threads) EXPECT_FALSE(thread.isOnline);
+    }
+}
+
+TEST(ProcessorReaderTest, ProcessorsOfOtherArchitecturesAreTakenFromSysfs) {
+    const std::string cpus = "sys/devices/system/cpu/";
+    for (const bool hasLists : {true, false}) {
+        const TempFolder machine;
+        machine.Write("proc/cpuinfo", "vendor_id : IBM/S390\n# processors : 64\nprocessor 0: version = FF\n");
+        if (hasLists) machine.Write(cpus + "present", "0-63");
+        for (int cpu = 0; cpu < 64; ++cpu) {
+            const std::string topology = cpus + "cpu" + std::to_string(cpu) + "/topology/";
+            machine.Write(topology + "physical_package_id", std::to_string(cpu / 32));
+            machine.Write(topology + "core_id", std::to_string(cpu / 2));
+        }
+        const TProcessorFacts facts = ReadProcessors(TSystemRoot(machine.Path()));
+        ASSERT_EQ(facts.packages.size(), 2u);
+        EXPECT_EQ(facts.packages[1].coreCount.ValueOr(0), 16u);
+        EXPECT_EQ(facts.packages[1].threadCount.ValueOr(0), 32u);
+        EXPECT_EQ(facts.packages[1].modelName.source, "/proc/cpuinfo");
+        EXPECT_TRUE(facts.coreListing);
+    }
 }
