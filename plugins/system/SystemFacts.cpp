@@ -5,6 +5,7 @@ TSystemFacts ReadSystem(const TSystemRoot& root) {
     facts.isRunning = root.IsRunningMachine();
     ReadDmi(root, facts);
     ReadHypervisor(root, facts);
+    ReadContainer(root, facts);
     ReadOsRelease(root, facts);
     ReadKernel(root, facts);
     return facts;

@@ -18,6 +18,7 @@ struct TSystemFacts {
     TFact<uint16_t> chassisType;  ///< as in SMBIOS
 
     TFact<std::string> hypervisor;  ///< of which the computer is a guest
+    TFact<std::string> container;   ///< in which the collection ran
 
     // Its main board, from DMI.
     TFact<std::string> boardVendor;
@@ -52,6 +53,7 @@ TSystemFacts ReadSystem(const TSystemRoot& root);
 void ReadDmi(const TSystemRoot& root, TSystemFacts& facts);
 /// After ReadDmi: the firmware of many guests names their hypervisor.
 void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts);
+void ReadContainer(const TSystemRoot& root, TSystemFacts& facts);
 void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts);
 void ReadKernel(const TSystemRoot& root, TSystemFacts& facts);
 

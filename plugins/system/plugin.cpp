@@ -34,6 +34,7 @@ constexpr TTextProperty kComputerTexts[] = {
     {"UUID", &TSystemFacts::uuid},
     {"AssetTag", &TSystemFacts::assetTag},
     {"Hypervisor", &TSystemFacts::hypervisor},
+    {"Container", &TSystemFacts::container},
 };
 
 constexpr TTextProperty kOperatingSystemTexts[] = {

@@ -81,6 +81,24 @@ TEST(SystemReaderTest, RollingDistributionHasItsBuildForAVersion) {
     EXPECT_EQ(Show(ReadFile("usr/lib/os-release", "NAME=Roll\nBUILD_ID=rolling\n").osVersion), "rolling");
 }
 
+TEST(SystemReaderTest, ContainerIsToldByItsMarksOrByTheLayersOfItsRoot) {
+    const std::string mounts = "proc/self/mountinfo", layers = " rw - overlay overlay rw,lowerdir=";
+    const std::tuple<std::string, std::string, const char*> cases[] = {
+        {"run/systemd/container", "lxc\n", "lxc"},
+        {"run/.containerenv", "", "podman"},
+        {".dockerenv", "", "docker"},
+        {mounts, "8 1 0:9 / /" + layers + "/var/lib/docker/overlay2/l/A", "docker"},
+        {mounts, "8 1 0:9 / /" + layers + "/var/lib/containerd/io.containerd.snapshotter.v1.overlayfs/1", "containerd"},
+        {mounts, "8 1 0:9 / /" + layers + "/var/lib/containers/storage/overlay/l/A", "OCI"},
+        {mounts, "8 1 0:9 / /" + layers + "/run/live/rootfs", "not present: /run/systemd/container"},
+        {mounts, "8 1 0:9 / /var/lib/docker/overlay2/1/merged" + layers + "/var/lib/docker/overlay2/l/A",
+         "not present: /run/systemd/container"},
+        {"etc/os-release", "", "not present: /proc/self/mountinfo"},
+    };
+    for (const auto& [path, content, expected] : cases)
+        EXPECT_EQ(Show(ReadFile(path, content).container), expected) << content;
+}
+
 TEST(SystemReaderTest, HypervisorIsNamedByFirmwareOrKernel) {
     const std::string dmi = "sys/class/dmi/id/", clocks = "sys/devices/system/clocksource/clocksource0/";
     const std::pair<std::vector<std::pair<std::string, const char*>>, const char*> cases[] = {
