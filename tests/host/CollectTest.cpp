@@ -24,7 +24,7 @@ TEST(CollectTest, HostileTextIsMadeVisible) {
     machine.Write("sys/class/dmi/id/product_name", "a\x1b[31m\"<b>\"\t\xff\xc3\xa4\xe2\x80\xaez\n");
     machine.Write("sys/class/dmi/id/product_family", std::string(65536, 'y'));
     machine.Write("proc/sys/kernel/hostname", "\xc0\x80\r\n");
-    const TRunResult run = RunKyr("collect", "KYR_SYSTEM_ROOT=" + machine.Path());
+    const TRunResult run = RunKyr("collect --class MOLTA_ComputerSystem", "KYR_SYSTEM_ROOT=" + machine.Path());
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_THAT(run.out, HasSubstr("  ProductName        a\\x1B[31m\"<b>\"\\t\\xFF\xc3\xa4\\u202Ez\n"));
     EXPECT_THAT(run.out, HasSubstr("  ProductFamily      " + std::string(65536, 'y') + "\n"));
