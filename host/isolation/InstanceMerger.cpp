@@ -67,9 +67,12 @@ void TInstanceMerger::Drop(EState state, EReason why) {
     if (!fDropped.reason) fDropped = {state, ReasonFor(why)};
 }
 
+// A plugin is asked for classes of its library alone. A record with more names is forged, and could keep the host busy.
 void TInstanceMerger::SkipFilledClasses(TRecordReader& dataCall) {
-    while (!dataCall.IsAtEnd())
+    for (size_t count = 0; !dataCall.IsAtEnd(); ++count) {
+        if (count == fLibrary.classes.size()) throw TRecordError();
         if (const std::string name = dataCall.TakeText(); HasInstances(fContainer, name)) fInstances.Skip(name);
+    }
 }
 
 void TInstanceMerger::Store(TRecordReader& record) {

@@ -75,14 +75,24 @@ public:
         const CIM type = static_cast<CIM::ECIMType>(fRecord.TakeNumber<uint8_t>() & kTypeBits);
         const auto maxSize = fRecord.TakeNumber<unsigned int>();
         if (fRecord.TakeNumber<uint8_t>() != 0) return TakeNull(type, maxSize);
-        ++fDepth;
-        TCIMValue value = TakeContent(type, maxSize);
-        --fDepth;
-        return value;
+        const TNesting nesting(fDepth);
+        return TakeContent(type, maxSize);  // through no variable, which would be a copy of a whole array
     }
 
 private:
     static constexpr int kTypeBits = 31;
+
+    /// Counts a value as one within which others are read.
+    class TNesting {
+    public:
+        explicit TNesting(int& depth) : fDepth(++depth) {}
+        ~TNesting() { --fDepth; }
+        TNesting(const TNesting&) = delete;
+        TNesting& operator=(const TNesting&) = delete;
+
+    private:
+        int& fDepth;
+    };
 
     TCIMValue TakeNull(CIM type, unsigned int maxSize) {
         TCIMValue value;
