@@ -47,8 +47,11 @@ public:
             inventory.LookUp([this](const TContainer& schema) { return SelectClasses(schema, fClasses); });
         inventory.Collect(fClasses.empty() ? std::vector<std::string>() : NamesOf(classes));
         const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), fClasses);
-        SaveCollection(inventory.Container(), fOutput, fPrint.stable, fClasses.empty() ? nullptr : &saved);
-        return inventory.Conclude();
+        // A file of an earlier collection is worth more than one without anything in it.
+        const EExit status = inventory.Conclude();
+        if (status != eExitNothing)
+            SaveCollection(inventory.Container(), fOutput, fPrint.stable, fClasses.empty() ? nullptr : &saved);
+        return status;
     }
 
 private:

@@ -59,6 +59,7 @@ private:
     void ReadFile(const std::string& path) {
         TPluginManager::Initialize(".");
         ReadCollection(path, fContainer);
+        CheckInstanceCounts(fContainer);
     }
 
     const TCoreLog fLog;

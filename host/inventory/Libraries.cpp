@@ -37,12 +37,6 @@ void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) 
     libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eFolderUnreadable, error.message())};
 }
 
-// Whether something else than a file is in the place of a document. If nothing is there, loading the plugin reports it.
-bool IsNoFile(const std::string& path) {
-    std::error_code error;
-    return fs::exists(path, error) && !fs::is_regular_file(path, error);
-}
-
 // A document on which the reader never ends may take only a part of the time that all plugins have together.
 double SecondsForDocument(const TRunLimits& limits) {
     return limits.deadline > 0 ? std::min(limits.timeout, limits.deadline / 10) : limits.timeout;
@@ -55,9 +49,14 @@ std::map<std::string, std::string> FindHarm(const std::list<TPluginLibrary>& lib
     std::vector<std::string> documents;
     for (const TPluginLibrary& library : libraries) {
         const std::string document = library.DocumentPath();
-        if (IsNoFile(document))
+        std::error_code error;
+        const fs::file_status status = fs::status(document, error);
+        if (status.type() == fs::file_type::not_found) continue;  // loading the plugin reports it
+        if (error)
+            harms[document] = "cannot be read: " + error.message();
+        else if (!fs::is_regular_file(status))
             harms[document] = "is no file";
-        else if (fs::exists(document))
+        else
             documents.push_back(document);
     }
     const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };

@@ -11,16 +11,6 @@
 
 namespace {
 
-// Null for every unknown name. The core's search finds the root class for an empty name, and raises for a text that
-// cannot be a name.
-TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name) {
-    try {
-        return name.empty() ? nullptr : schema.FindClass(name);
-    } catch (const TKYRException&) {
-        return nullptr;
-    }
-}
-
 std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {
     std::vector<TCIMClass*> classes = cls.EnumerateSubClasses(true);
     classes.insert(classes.begin(), &cls);
@@ -40,6 +30,16 @@ std::vector<TCIMClass*> AllButStates(const TContainer& schema) {
 }
 
 }  // namespace
+
+// Null for every unknown name. The core's search finds the root class for an empty name, and raises for a text that
+// cannot be a name.
+TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name) {
+    try {
+        return name.empty() ? nullptr : schema.FindClass(name);
+    } catch (const TKYRException&) {
+        return nullptr;
+    }
+}
 
 TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name) {
     if (TCIMClass* const cls = FindClassNamed(schema, name)) return *cls;

@@ -17,6 +17,9 @@ struct TNameLess {
     bool operator()(const std::string& a, const std::string& b) const { return strcasecmp(a.c_str(), b.c_str()) < 0; }
 };
 
+/// Null if there is none, also for a name that no class can have.
+TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name);
+
 /// The class of that name. Raises TCommandError for an unknown class, with the names of similar ones.
 TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name);
 

@@ -45,6 +45,7 @@ constexpr TWording kWordings[] = {
     {EReason::eNotReported, "this machine does not tell it"},
     {EReason::eNotCollected, "nothing was collected that tells it"},
     {EReason::eBadFormat, "what this machine tells is not in the expected form"},
+    {EReason::eInstancesLost, "{detail} instances are in the file"},
 };
 
 struct TMember {

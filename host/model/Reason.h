@@ -49,6 +49,8 @@ enum class EReason : uint16_t {
     eNotReported = 54,
     eNotCollected = 55,
     eBadFormat = 56,
+    // A saved file
+    eInstancesLost = 60,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

@@ -6,6 +6,7 @@
 
 #include "base/Output.h"
 #include "base/Text.h"
+#include "kyr/TContainer.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -81,7 +82,12 @@ EExit ReportIncomplete(const TContainer& container) {
     for (const TCIMInstance* instance : StatesOf(container, kCollectedPluginClass))
         arePluginsReported |= ReportPlugin(container, TextOf(*instance, "Name"), OutcomeOf(*instance));
     EExit status = eExitComplete;
-    for (const TCIMInstance* instance : StatesOf(container, kCollectionClass)) {
+    const std::vector<TCIMInstance*> collections = StatesOf(container, kCollectionClass);
+    if (collections.empty() && container.FindClass(kCollectionClass) != nullptr) {
+        PrintDiagnostic("the file breaks off before it tells how complete the collection is; take another copy of it");
+        status = eExitPartial;
+    }
+    for (const TCIMInstance* instance : collections) {
         const TStoredOutcome outcome = OutcomeOf(*instance);
         if (NeedsOwnLine(outcome, arePluginsReported)) PrintDiagnostic(outcome.text);
         status = StatusOf(outcome.state);

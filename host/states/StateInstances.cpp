@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
+#include "model/ClassNames.h"
 #include "model/Values.h"
 #include "states/Outcomes.h"
 
@@ -36,6 +38,19 @@ unsigned short NumberOf(const TCIMInstance& state, const char* name) {
     return value.IsNull() ? 0 : static_cast<unsigned short>(value);
 }
 
+// How many instances of the class were collected, as its state tells.
+size_t CollectedCount(const TCIMInstance& state) {
+    const TCIMProperty* const property = state.FindProperty("InstanceCount");
+    if (property == nullptr || property->GetType() != CIM::eCIMUint32) return 0;
+    const TCIMValue value = property->GetValue();
+    return value.IsNull() ? 0 : static_cast<unsigned int>(value);
+}
+
+size_t CountInstances(const TContainer& container, const std::string& className) {
+    const TCIMClass* const cls = FindClassNamed(container, className);
+    return cls == nullptr ? 0 : cls->EnumerateInstances(false).size();
+}
+
 void StoreNotSelected(TCIMInstance& state) {
     StoreOutcome(state, {eNotAsked, ReasonFor(EReason::eNotSelected)});
     Clear(state, "LogLines");
@@ -45,6 +60,17 @@ void StoreNotSelected(TCIMInstance& state) {
 bool IsStateMissing(const TCIMInstance& state) {
     const TStoredOutcome outcome = OutcomeOf(state);
     return IsMissing(outcome.state, outcome.code);
+}
+
+TReason IncompletePlugins(const TContainer& container) {
+    const std::vector<TCIMInstance*> plugins = StatesOf(container, kCollectedPluginClass);
+    const auto missing = std::count_if(plugins.begin(), plugins.end(),
+                                       [](const TCIMInstance* plugin) { return IsStateMissing(*plugin); });
+    return PluginsIncomplete(static_cast<size_t>(missing), plugins.size());
+}
+
+void StoreIfComplete(TCIMInstance& state, const TOutcome& outcome) {
+    if (OutcomeOf(state).state == eComplete) StoreOutcome(state, outcome);
 }
 
 /// How many of a plugin's wanted classes were asked for, and how many of them are missing.
@@ -61,20 +87,13 @@ public:
     void Narrow() {
         for (TCIMInstance* cls : StatesOf(fContainer, kCollectedClassClass)) NarrowClass(*cls);
         for (TCIMInstance* plugin : StatesOf(fContainer, kCollectedPluginClass)) NarrowPlugin(*plugin);
-        const TReason reason = IncompletePlugins();
+        const TReason reason = IncompletePlugins(fContainer);
         for (TCIMInstance* collection : StatesOf(fContainer, kCollectionClass))
             if (OutcomeOf(*collection).code == EReason::ePluginsIncomplete)
                 StoreOutcome(*collection, {reason ? ePartial : eComplete, reason});
     }
 
 private:
-    TReason IncompletePlugins() const {
-        const std::vector<TCIMInstance*> plugins = StatesOf(fContainer, kCollectedPluginClass);
-        const auto missing = std::count_if(plugins.begin(), plugins.end(),
-                                           [](const TCIMInstance* plugin) { return IsStateMissing(*plugin); });
-        return PluginsIncomplete(static_cast<size_t>(missing), plugins.size());
-    }
-
     void NarrowClass(TCIMInstance& cls) {
         if (fWanted.IsSchemaOnly() || !fWanted.Includes(TextOf(cls, "Name"))) return StoreNotSelected(cls);
         TWantedCounts& counts = fCounts[TextOf(cls, "Plugin")];
@@ -131,6 +150,22 @@ std::string WordFor(EReason code, const TContainer& container) {
     TCIMProperty property(*declaration);
     property.SetValue(TCIMValue(static_cast<unsigned short>(code)));
     return DisplayText(property);
+}
+
+void CheckInstanceCounts(const TContainer& container) {
+    std::set<std::string> plugins;
+    for (TCIMInstance* state : StatesOf(container, kCollectedClassClass)) {
+        const size_t collected = CollectedCount(*state), held = CountInstances(container, TextOf(*state, "Name"));
+        if (held >= collected) continue;
+        const std::string counts = std::to_string(held) + " of " + std::to_string(collected);
+        StoreOutcome(*state, {ePartial, ReasonFor(EReason::eInstancesLost, counts)});
+        plugins.insert(TextOf(*state, "Plugin"));
+    }
+    if (plugins.empty()) return;
+    for (TCIMInstance* plugin : StatesOf(container, kCollectedPluginClass))
+        if (plugins.count(TextOf(*plugin, "Name")) != 0) StoreIfComplete(*plugin, {ePartial});
+    for (TCIMInstance* collection : StatesOf(container, kCollectionClass))
+        StoreIfComplete(*collection, {ePartial, IncompletePlugins(container)});
 }
 
 void NarrowStates(const TContainer& container, const TClassSelection& wanted) {

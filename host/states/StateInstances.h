@@ -35,6 +35,10 @@ void StoreOutcome(TCIMInstance& state, const TOutcome& outcome);
 /// container lacks the class.
 std::string WordFor(EReason code, const TContainer& container);
 
+/// For a collection that was read from a file: a class of which the file holds fewer instances than were collected
+/// becomes partial, and so do its plugin and the collection.
+void CheckInstanceCounts(const TContainer& container);
+
 /// Changes the state instances to what they would be if only the wanted classes had been collected. A plugin with a
 /// reason of its own, such as a crash, keeps its state.
 void NarrowStates(const TContainer& container, const TClassSelection& wanted);

@@ -63,6 +63,25 @@ TEST(FailuresTest, PipeInPlaceOfALibraryHoldsNothingUp) {
     EXPECT_EQ(RunKyr("identity" + root.Option()).status, 0);
 }
 
+TEST(FailuresTest, DocumentThatIsALoopOfLinksCostsItsPluginAlone) {
+    const TPluginRoot root({});
+    std::filesystem::create_directory(root.Path() + "/loop");
+    std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/loop/libloop.pi.so");
+    std::filesystem::create_symlink("loop.properties.xml", root.Path() + "/loop/loop.properties.xml");
+    EXPECT_THAT(
+        RunKyr("collect" + root.Option()),
+        FieldsAre(1, HasSubstr("MOLTA_ComputerSystem\n"),
+                  StartsWith("kyr: plugin ./loop/libloop.pi.so: refused: its document ./loop/loop.properties.xml "
+                             "cannot be read: Too many levels of symbolic links")));
+}
+
+TEST(FailuresTest, CollectionOfNothingLeavesTheFileOfAnEarlierOne) {
+    const TempFolder root;
+    const std::string file = root.Write("a.xml", "earlier");
+    EXPECT_EQ(RunKyr("collect --plugins " + root.Path() + " -o " + file).status, 3);
+    EXPECT_EQ(ReadFile(file), "earlier");
+}
+
 TEST(FailuresTest, BaseDocumentThatCannotBeReadEndsTheCommand) {
     const TempFolder folder;
     const std::string missing = folder.Path() + "/none.xml", bad = folder.Write("bad.xml", "<CIM><NO/></CIM>");

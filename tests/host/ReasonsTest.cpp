@@ -100,3 +100,23 @@ TEST(ReasonsTest, EachCodeHasAWordingAndAWordOfItsOwn) {
     EXPECT_EQ(words.size(), codes);
     EXPECT_GT(codes, 0u);
 }
+
+TEST(ReasonsTest, InstancesThatAFileHasLostAreMissed) {
+    const TPluginRoot root({"shown"});
+    const std::string file = root.Path() + "/a.xml";
+    ASSERT_EQ(RunKyr("collect -o " + file + root.Option()).status, 0);
+    const std::string whole = ReadFile(file), instance = "<VALUE.OBJECT><INSTANCE CLASSNAME=\"TEST_Shown\">";
+    const size_t first = whole.find(instance), second = whole.find(instance, first + 1);
+    std::string deleted = whole, stopped = whole, headless = whole;
+    deleted.erase(first, second - first);
+    stopped.replace(whole.find("</VALUE.OBJECT>", second), 2, "<!");  // here the reader ends without an error
+    headless.replace(whole.find("<VALUE.OBJECT><INSTANCE") + 1, 0, "!");
+    const char* const lost = "kyr: plugin shown, class TEST_Shown: partial: 1 of 2 instances are in the file\n";
+    for (const auto& [document, message] : {std::pair(deleted, lost), std::pair(stopped, lost),
+                                            std::pair(headless, "kyr: the file breaks off before it tells how")}) {
+        const TRunResult run = RunKyr("show " + root.Write("b.xml", document));
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(run.err, HasSubstr(message));
+    }
+    EXPECT_EQ(RunKyr("show --class MOLTA_ComputerSystem " + root.Write("b.xml", deleted)).err, "");
+}
