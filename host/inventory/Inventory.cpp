@@ -7,6 +7,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
 #include "kyr/TPluginManager.h"
+#include "model/ClassNames.h"
 #include "model/CollectionState.h"
 #include "saved/SavedCollection.h"
 #include "states/CollectionSummary.h"
@@ -14,17 +15,13 @@
 
 namespace {
 
-bool IsState(const TCIMClass* cls, const TCIMClass* states) {
-    return cls != nullptr && states != nullptr && cls->IsSubclassOf(states);
-}
-
 // The host writes the state instances, so no plugin is asked for them. If the caller asked for nothing but states,
 // every plugin must run for them, so all classes are wanted.
 TClassSelection WithoutStates(const std::vector<std::string>& names, const TContainer& container) {
-    const TCIMClass* const states = container.FindClass(kStateClass);
+    const std::unordered_set<const TCIMClass*> states = StateClasses(container);
     std::vector<std::string> rest;
     for (const std::string& name : names)
-        if (!IsState(container.FindClass(name), states)) rest.push_back(name);
+        if (states.count(container.FindClass(name)) == 0) rest.push_back(name);
     return rest.empty() ? TClassSelection::All() : TClassSelection::These(rest);
 }
 

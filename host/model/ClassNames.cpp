@@ -24,8 +24,8 @@ void Drop(std::vector<TCIMClass*>& classes, TCondition condition) {
 
 std::vector<TCIMClass*> AllButStates(const TContainer& schema) {
     std::vector<TCIMClass*> classes = schema.GetRootClass()->EnumerateSubClasses(true);
-    if (const TCIMClass* const states = schema.FindClass(kStateClass))
-        Drop(classes, [states](const TCIMClass* cls) { return cls->IsSubclassOf(states); });
+    const std::unordered_set<const TCIMClass*> states = StateClasses(schema);
+    Drop(classes, [&states](const TCIMClass* cls) { return states.count(cls) != 0; });
     return classes;
 }
 
@@ -39,6 +39,13 @@ TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name) {
     } catch (const TKYRException&) {
         return nullptr;
     }
+}
+
+std::unordered_set<const TCIMClass*> StateClasses(const TContainer& schema) {
+    TCIMClass* const states = schema.FindClass(kStateClass);
+    if (states == nullptr) return {};
+    const std::vector<TCIMClass*> classes = WithSubClasses(*states);
+    return {classes.begin(), classes.end()};
 }
 
 TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name) {

@@ -4,6 +4,7 @@
 #include <strings.h>
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 class TCIMClass;
@@ -16,6 +17,10 @@ inline bool IsSameName(const std::string& a, const std::string& b) { return strc
 struct TNameLess {
     bool operator()(const std::string& a, const std::string& b) const { return strcasecmp(a.c_str(), b.c_str()) < 0; }
 };
+
+/// The classes that say how complete a collection is. A set, because asking each of many classes whether it is a
+/// subclass of theirs takes time for every class above it.
+std::unordered_set<const TCIMClass*> StateClasses(const TContainer& schema);
 
 /// Null if there is none, also for a name that no class can have.
 TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name);

@@ -1,8 +1,8 @@
 #ifndef KYR_HOST_MODEL_CLASSSELECTION_H
 #define KYR_HOST_MODEL_CLASSSELECTION_H
 
-#include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -17,19 +17,19 @@ public:
     bool IsAll() const { return fCase == eAll; }
     bool IsSchemaOnly() const { return fCase == eSchemaOnly; }
     /// Whether the class is wanted. Where only the schema is wanted, it is wanted of every class.
-    bool Includes(const std::string& name) const {
-        return fCase != eThese || std::find(fNames.begin(), fNames.end(), name) != fNames.end();
-    }
+    bool Includes(const std::string& name) const { return fCase != eThese || fIndex.count(name) != 0; }
     /// The names in the form that the core's plugin manager takes: empty for all.
     const std::vector<std::string>& Names() const { return fNames; }
 
 private:
     enum ECase { eAll, eThese, eSchemaOnly };
 
-    TClassSelection(ECase which, std::vector<std::string> names) : fCase(which), fNames(std::move(names)) {}
+    TClassSelection(ECase which, std::vector<std::string> names)
+        : fCase(which), fNames(std::move(names)), fIndex(fNames.begin(), fNames.end()) {}
 
     ECase fCase;
     std::vector<std::string> fNames;
+    std::unordered_set<std::string> fIndex;  // of those names
 };
 
 #endif
