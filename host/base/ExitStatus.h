@@ -13,7 +13,7 @@ enum EExit {
     eExitOutput = 4,   ///< the result could not be written
 };
 
-/// Thrown to end the command with an exit status; what() is printed on standard error.
+/// Thrown to end the command with an exit status; what() is printed on standard error, unless it is empty.
 class TCommandError : public std::runtime_error {
 public:
     TCommandError(EExit status, const std::string& text) : std::runtime_error(text), fStatus(status) {}

@@ -43,7 +43,9 @@ size_t FindWidth() {
     return isatty(STDOUT_FILENO) == 0 ? TOutput::kUnlimited : ColumnsOfTerminal();
 }
 
+// A reader that has seen enough, such as head(1), closes the pipe. That is no fault that anybody wants to read about.
 [[noreturn]] void FailToWrite() {
+    if (errno == EPIPE) throw TCommandError(eExitOutput, "");
     throw TCommandError(eExitOutput, std::string("cannot write standard output: ") + std::strerror(errno));
 }
 

@@ -136,7 +136,7 @@ EExit RunCommandLine(int argc, char** argv) {
         output.Flush();
         return status;
     } catch (const TCommandError& e) {
-        PrintDiagnostic(e.what());
+        if (*e.what() != '\0') PrintDiagnostic(e.what());
         return e.fStatus;
     } catch (const std::exception& e) {
         PrintDiagnostic(std::string("unexpected failure: ") + e.what());
