@@ -9,8 +9,14 @@
 #include <csignal>
 #include <fstream>
 #include <system_error>
+#include <thread>
+
+#include "base/TimePoint.h"
 
 namespace {
+
+constexpr std::chrono::milliseconds kKillGrace(1000);
+constexpr std::chrono::milliseconds kPollInterval(1);
 
 // The callers further up the stack belong to the parent, so no exception may reach them.
 [[noreturn]] void RunInChild(const std::function<void()>& function, pid_t parent) noexcept {
@@ -35,6 +41,15 @@ std::vector<pid_t> Children() {
     return children;
 }
 
+// False if the child has not ended by then: SIGKILL does not end a process that waits in the kernel.
+bool WaitUntil(pid_t child, TTimePoint latest) {
+    while (waitpid(child, nullptr, WNOHANG) == 0) {
+        if (TClock::now() >= latest) return false;
+        std::this_thread::sleep_for(kPollInterval);
+    }
+    return true;
+}
+
 }  // namespace
 
 TChildProcess::TChildProcess(const std::function<void()>& function) : fId(Fork(function)) {}
@@ -42,7 +57,7 @@ TChildProcess::TChildProcess(const std::function<void()>& function) : fId(Fork(f
 TChildProcess::~TChildProcess() {
     if (fWasWaitedFor) return;
     Kill();
-    Wait();
+    WaitUntil(fId, TClock::now() + kKillGrace);
 }
 
 bool TChildProcess::HasEnded() const {
@@ -80,10 +95,12 @@ void TSubreaper::KillChildren() const {
     const auto isLeft = [this](pid_t child) {
         return std::find(fExisting.begin(), fExisting.end(), child) != fExisting.end() || kill(child, SIGKILL) != 0;
     };
+    const TTimePoint latest = TClock::now() + kKillGrace;
     for (;;) {
         std::vector<pid_t> children = Children();
         children.erase(std::remove_if(children.begin(), children.end(), isLeft), children.end());
         if (children.empty()) return;
-        for (const pid_t child : children) waitpid(child, nullptr, 0);
+        for (const pid_t child : children)
+            if (!WaitUntil(child, latest)) return;
     }
 }

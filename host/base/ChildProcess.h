@@ -19,7 +19,7 @@ public:
     /// The child exits with status 0 when the function returns, without destructors and exit handlers. An exception
     /// that leaves the function ends it by SIGABRT, and the end of this process by SIGKILL. Raises std::system_error.
     explicit TChildProcess(const std::function<void()>& function);
-    /// Kills the child and waits for it, unless that was done.
+    /// Kills the child and waits for it, unless that was done; for a second at most.
     ~TChildProcess();
     TChildProcess(const TChildProcess&) = delete;
     TChildProcess& operator=(const TChildProcess&) = delete;
@@ -34,6 +34,8 @@ public:
     /// child was waited for.
     void Kill() const;
     TProcessEnd Wait();
+    /// Neither kills the child nor waits for it any more.
+    void Abandon() { fWasWaitedFor = true; }
 
 private:
     const pid_t fId;
@@ -49,7 +51,8 @@ public:
     TSubreaper(const TSubreaper&) = delete;
     TSubreaper& operator=(const TSubreaper&) = delete;
 
-    /// Kills all children but those that were there before. No TChildProcess may exist that was not waited for.
+    /// Kills all children but those that were there before, and waits for them, for a second at most. No TChildProcess
+    /// may exist that was not waited for.
     void KillChildren() const;
 
 private:

@@ -19,8 +19,11 @@
 namespace {
 
 constexpr std::chrono::milliseconds kTerminationGrace(200);
+constexpr std::chrono::milliseconds kKillGrace(1000);
 constexpr off_t kPrintedBytes = 4096;
 constexpr size_t kPrintedLines = 20;
+
+constexpr const char* kNotEnded = ", but not ended: it is another user's process, or hangs in the kernel";
 
 struct TPlace {
     EPhase phase;
@@ -73,6 +76,7 @@ const TPluginProcess::TTransition TPluginProcess::kTransitions[] = {
     {EProcessState::eTerminating, EEvent::eTimeUp, EProcessState::eKilled, &TPluginProcess::Kill},
     {EProcessState::eTerminating, EEvent::eEnd, EProcessState::eFinished, &TPluginProcess::Finish},
     {EProcessState::eKilled, EEvent::eEnd, EProcessState::eFinished, &TPluginProcess::Finish},
+    {EProcessState::eKilled, EEvent::eTimeUp, EProcessState::eAbandoned, &TPluginProcess::Abandon},
 };
 
 TPluginProcess::TPluginProcess(TPluginLibrary& library, const TPluginTask& task, double timeout)
@@ -117,13 +121,21 @@ void TPluginProcess::Terminate() {
 
 void TPluginProcess::Kill() {
     fProcess.Kill();
-    fDeadline = TTimePoint::max();
+    fDeadline = TClock::now() + kKillGrace;
 }
 
 // What is left of the group must be killed before the process is waited for, as long as its number is surely its own.
 void TPluginProcess::Finish() {
     fProcess.Kill();
-    const TProcessEnd end = fProcess.Wait();
+    WriteReport(fProcess.Wait());
+}
+
+void TPluginProcess::Abandon() {
+    fProcess.Abandon();
+    WriteReport({});
+}
+
+void TPluginProcess::WriteReport(const TProcessEnd& end) {
     TPluginReport& report = fLibrary.report;
     const bool isReadable = ReadReport(fStream.Records(), report);
     report.end = FindOutcome(end);
@@ -156,7 +168,7 @@ std::string TPluginProcess::Where() const {
 
 TOutcome TPluginProcess::FindOutcome(const TProcessEnd& end) const {
     const auto at = [this](TReason reason) {
-        reason.place = Where();
+        reason.place = Where() + (fState == EProcessState::eAbandoned ? kNotEnded : "");
         reason.className = fStream.CurrentClass();
         return reason;
     };

@@ -23,7 +23,11 @@
 ///     eTerminating  was sent SIGTERM, and may      eTimeUp   SIGKILL                           eKilled
 ///                   save its log before it does    eEnd      write the report                  eFinished
 ///     eKilled       can do nothing any more        eEnd      write the report                  eFinished
+///                   (or is out of reach: another   eTimeUp   write the report, and do not      eAbandoned
+///                   user's, or in the kernel)                wait for it
 ///     eFinished     is gone, with its group        none
+///     eAbandoned    is there, a second after       none
+///                   SIGKILL
 ///
 /// An event that is not listed for a state changes nothing there.
 class TPluginProcess {
@@ -31,7 +35,8 @@ public:
     /// Starts it. The timeout is in seconds. Raises std::system_error.
     TPluginProcess(TPluginLibrary& library, const TPluginTask& task, double timeout);
 
-    bool IsFinished() const { return fState == EProcessState::eFinished; }
+    /// It is gone, or was given up.
+    bool IsFinished() const { return fState >= EProcessState::eFinished; }
     /// When EscalateIfDue has something to do.
     TTimePoint Deadline() const { return fDeadline; }
     /// Sends SIGTERM once its time is up, and SIGKILL if it has not ended a little later.
@@ -52,7 +57,7 @@ public:
     TPluginLibrary& Library() const { return fLibrary; }
 
 private:
-    enum class EProcessState { eRunning, eTerminating, eKilled, eFinished };
+    enum class EProcessState { eRunning, eTerminating, eKilled, eFinished, eAbandoned };
     enum class EEvent { eTimeUp, eStop, eEnd };
     struct TTransition;
     static const TTransition kTransitions[];
@@ -61,6 +66,8 @@ private:
     void Terminate();
     void Kill();
     void Finish();
+    void Abandon();
+    void WriteReport(const TProcessEnd& end);
 
     std::string Where() const;
     TOutcome FindOutcome(const TProcessEnd& end) const;

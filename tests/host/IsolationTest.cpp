@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 
@@ -176,4 +178,20 @@ TEST(IsolationTest, SecondInterruptionEndsAtOnceAndLeavesNothing) {
     EXPECT_EQ(run.out, "130\n");
     EXPECT_FALSE(fs::exists(root.Path() + "/out.xml"));
     EXPECT_FALSE(IsAnyoneLeft(mark));
+}
+
+TEST(IsolationTest, ProcessThatCannotBeEndedIsGivenUp) {
+    const std::string nobody = "setpriv --reuid=65534 --regid=65534 --clear-groups env ";
+    const TPluginRoot root({"executing"});
+    const std::string program = root.Path() + "/setpriv", mark = "KYR_TEST_ROOT=" + root.Path();
+    fs::permissions(root.Path(), fs::perms(0755));
+    fs::copy_file("/usr/bin/setpriv", program);
+    if (chmod(program.c_str(), 04755) != 0 || RunShell(nobody + KYR_PROGRAM " --version").status != 0)
+        GTEST_SKIP() << "needs a superuser who can become nobody";
+    const TRunResult run = RunShell(nobody + mark + " KYR_TEST_PROGRAM=" + program +
+                                    " " KYR_PROGRAM " collect --timeout 0.3" + root.Option());
+    EXPECT_THAT(run, FieldsAre(1, HasSubstr("TEST_First (2)\n"),
+                               HasSubstr("kyr: plugin executing: partial: no answer within 0.3 s, stopped in its data "
+                                         "entry at class TEST_First, but not ended: it is another user's process")));
+    EXPECT_TRUE(IsAnyoneLeft(mark));  // so the host did not wait for it
 }

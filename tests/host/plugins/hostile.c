@@ -45,6 +45,8 @@ BEHAVIOUR Ignore(void) {
     Loop();
 }
 BEHAVIOUR Signal(void) { raise(SIGRTMAX); }
+/* A set-uid program that changes its real user, too, is out of reach for signals of the host. */
+BEHAVIOUR Execute(void) { execl(getenv("KYR_TEST_PROGRAM"), "setpriv", "--reuid=0", "sleep", "4", (char*)NULL); }
 BEHAVIOUR Escape(void) {
     setpgid(0, getpgid(getppid()));
     Ignore();
