@@ -5,6 +5,7 @@
 #include "base/CoreLog.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TKYRException.h"
+#include "model/ClassNames.h"
 #include "states/PluginLibrary.h"
 
 namespace {
@@ -12,12 +13,8 @@ namespace {
 constexpr size_t kMostRefusals = 1000;
 
 bool HasInstances(const TContainer& container, const std::string& className) {
-    try {
-        const TCIMClass* const cls = container.FindClass(className);
-        return cls != nullptr && !cls->EnumerateInstances(false).empty();
-    } catch (const TKYRException&) {  // no class can have that name
-        return false;
-    }
+    const TCIMClass* const cls = FindClassNamed(container, className);
+    return cls != nullptr && !cls->EnumerateInstances(false).empty();
 }
 
 }  // namespace

@@ -11,16 +11,9 @@
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
+#include "model/ClassNames.h"
 
 namespace {
-
-bool HasClass(const TContainer& container, const std::string& name) {
-    try {
-        return container.FindClass(name) != nullptr;
-    } catch (const TKYRException&) {  // no class can have that name; adding it raises the same
-        return false;
-    }
-}
 
 void RemoveInstances(TCIMClass& cls) {
     for (auto all = cls.EnumerateInstances(true); !all.empty(); all = cls.EnumerateInstances(true))
@@ -57,7 +50,7 @@ void TPluginContainer::StartStreaming(TRecordStream& stream, std::function<void(
 
 TCIMClass* TPluginContainer::AllocateClass(const std::string& name, TCIMClass* superclass) const {
     TCIMClass* const cls = TContainer::AllocateClass(name, superclass);
-    if (HasClass(*this, name)) fDuplicates.push_back(name);
+    if (FindClassNamed(*this, name) != nullptr) fDuplicates.push_back(name);
     return cls;
 }
 
