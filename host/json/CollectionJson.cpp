@@ -80,6 +80,7 @@ private:
         WriteText(fJson, "name", cls.GetName());
         WritePlain("plugin", state, "Plugin");
         WriteState(state);
+        WriteTexts("missingSources", FindFilled(state, "MissingSources"));
         fJson.Key("instances");
         fJson.StartArray();
         for (const TCIMInstance* instance : instances) WriteInstance(*instance);
@@ -100,11 +101,11 @@ private:
         const TCIMProperty* const code = FindFilled(instance, "ReasonCode");
         WriteText(fJson, "reasonCode", code == nullptr ? "" : DisplayText(*code));
         WritePlain("reason", instance, "Reason");
-        WriteLog(FindFilled(instance, "LogLines"));
+        WriteTexts("log", FindFilled(instance, "LogLines"));
     }
 
-    void WriteLog(const TCIMProperty* lines) {
-        fJson.Key("log");
+    void WriteTexts(const char* key, const TCIMProperty* lines) {
+        fJson.Key(key);
         if (lines != nullptr && lines->IsArray()) return WriteValue(fJson, lines->GetValue());
         fJson.StartArray();
         fJson.EndArray();

@@ -4,7 +4,7 @@
 #include "model/Reason.h"
 
 /// The state of a collection, a plugin or a class: the numbers of the property State in schema/collection.xml.
-enum EState : unsigned short { eComplete = 1, ePartial, eFailed, eTimedOut, eRefused, eNotAsked };
+enum EState : unsigned short { eComplete = 1, ePartial, eFailed, eTimedOut, eRefused, eNotAsked, eNoSource };
 
 /// The classes of schema/collection.xml, whose instances hold the states: the superclass, and the classes for the
 /// collection as a whole, for each plugin and for each class.

@@ -38,6 +38,7 @@ constexpr TWording kWordings[] = {
     {EReason::eDeliveryDamaged, "it spoilt what it had delivered"},
     {EReason::eTooManyRefused, "too much of what it delivered was refused"},
     {EReason::eNoTimeToStore, "there was no time left to store all that it delivered"},
+    {EReason::eSourceMissing, "its source {file} is missing"},
     {EReason::eNotPresent, "not present{: file}"},
     {EReason::eNoPermission, "no permission{: file}"},
     {EReason::eNotSupported, "not supported{: file}"},

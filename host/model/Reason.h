@@ -41,6 +41,7 @@ enum class EReason : uint16_t {
     eDeliveryDamaged = 44,
     eTooManyRefused = 45,
     eNoTimeToStore = 46,
+    eSourceMissing = 47,
     // A single value
     eNotPresent = 50,
     eNoPermission = 51,

@@ -1,5 +1,6 @@
 #include "states/CollectionSummary.h"
 
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,7 +16,8 @@ constexpr size_t kLongestReason = 500;  // in bytes; reasons may hold paths and 
 constexpr size_t kMostNames = 5;
 
 void Report(const std::string& what, EState state, const std::string& text) {
-    constexpr const char* kNames[] = {"", "complete", "partial", "failed", "timed out", "refused", "not asked"};
+    constexpr const char* kNames[] = {"",          "complete", "partial",   "failed",
+                                      "timed out", "refused",  "not asked", "no source"};
     PrintDiagnostic(what + ": " + kNames[state] + ": " + CutText(text, kLongestReason));
 }
 
@@ -34,6 +36,30 @@ bool IsSame(const TStoredOutcome& a, const TStoredOutcome& b) {
 
 bool IsOutcomeMissing(const TStoredOutcome& outcome) { return IsMissing(outcome.state, outcome.code); }
 
+// One line for each source that is missing, which names the classes that are found by it.
+bool ReportMissingSources(const TContainer& container) {
+    std::map<std::string, std::vector<std::string>> classes;
+    for (const TCIMInstance* instance : StatesOf(container, kCollectedClassClass))
+        for (const std::string& source : TextsOf(*instance, "MissingSources"))
+            classes[source].push_back(TextOf(*instance, "Name"));
+    for (auto& [source, names] : classes)
+        PrintDiagnostic("missing source " + CutText(source, kLongestReason) + NamesText(std::move(names)));
+    return !classes.empty();
+}
+
+// Whether the class lacks nothing but sources, each of which has a line.
+bool LacksSourcesOnly(const TCIMInstance& cls, const TStoredOutcome& outcome) {
+    switch (outcome.code) {
+        case EReason::eSourceMissing:
+        case EReason::eNoPermission:
+        case EReason::eNotSupported:
+        case EReason::eReadError:
+            return !TextsOf(cls, "MissingSources").empty();
+        default:
+            return false;
+    }
+}
+
 // One line for the plugin, which names the classes that share its outcome, then one for each class with another
 // outcome. Returns whether it printed any.
 bool ReportPlugin(const TContainer& container, const std::string& plugin, const TStoredOutcome& own) {
@@ -41,7 +67,8 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
     std::vector<std::pair<std::string, TStoredOutcome>> others;
     for (const TCIMInstance* instance : StatesOf(container, kCollectedClassClass)) {
         const TStoredOutcome outcome = OutcomeOf(*instance);
-        if (TextOf(*instance, "Plugin") != plugin || !IsOutcomeMissing(outcome)) continue;
+        if (TextOf(*instance, "Plugin") != plugin || !IsOutcomeMissing(outcome) || LacksSourcesOnly(*instance, outcome))
+            continue;
         const std::string name = TextOf(*instance, "Name");
         if (IsSame(outcome, own))
             sharing.push_back(name);
@@ -78,7 +105,7 @@ EExit StatusOf(EState collection) {
 }  // namespace
 
 EExit ReportIncomplete(const TContainer& container) {
-    bool arePluginsReported = false;
+    bool arePluginsReported = ReportMissingSources(container);
     for (const TCIMInstance* instance : StatesOf(container, kCollectedPluginClass))
         arePluginsReported |= ReportPlugin(container, TextOf(*instance, "Name"), OutcomeOf(*instance));
     EExit status = eExitComplete;

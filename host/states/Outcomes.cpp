@@ -128,6 +128,8 @@ TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, c
     const TTexts errors = ErrorsOf(library, &cls);
     if (!errors.empty()) return {hasInstances ? ePartial : eFailed, ErrorsLogged(errors, &cls)};
     if (call->failure) return FindFailedCallOutcome(library, *call, hasInstances);
+    if (const auto sources = library.missingSources.find(cls.GetName()); sources != library.missingSources.end())
+        return {hasInstances ? ePartial : eNoSource, sources->second.front()};
     const TReason missing = MissingValues(cls);
     return missing ? TOutcome{ePartial, missing} : TOutcome();
 }

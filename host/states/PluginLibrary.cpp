@@ -47,3 +47,8 @@ void TPluginLibrary::AssignMessagesToClasses() {
     for (TMessage& message : report.messages)
         if (message.className.empty()) message.className = ClassOf(message, names);
 }
+
+void TPluginLibrary::AssignMissingSources(TMissingSources& all) {
+    for (const TCIMClass* cls : classes)
+        if (TMissingSources::node_type sources = all.extract(cls->GetName())) missingSources.insert(std::move(sources));
+}

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "states/MissingSources.h"
 #include "states/PluginReport.h"
 
 class TCIMClass;
@@ -15,12 +16,15 @@ struct TPluginLibrary {
     std::vector<std::string> duplicateClasses;  ///< in its document too, but declared by another one before
     TOutcome notLoaded;                         ///< why it must not be loaded; complete if it may be
     TPluginReport report;
+    TMissingSources missingSources;  ///< of its classes
 
     /// The path of its document; empty if the core cannot derive it from the library's path.
     std::string DocumentPath() const;
     /// Finds for each message of the report the class of this library that it is about. Plugins begin a line about a
     /// class with its name and ": "; in the core's lines the name may stand anywhere.
     void AssignMessagesToClasses();
+    /// Takes those of this library's classes over from what all plugins reported.
+    void AssignMissingSources(TMissingSources& all);
 };
 
 #endif

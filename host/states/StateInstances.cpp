@@ -10,6 +10,7 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "model/ClassNames.h"
+#include "model/Qualifiers.h"
 #include "model/Values.h"
 #include "states/Outcomes.h"
 
@@ -30,14 +31,6 @@ void Clear(TCIMInstance& state, const char* name) {
         state.SetProperty(TCIMProperty(property->GetDeclaration()));
 }
 
-// The value of a uint16 property; 0 if there is none.
-unsigned short NumberOf(const TCIMInstance& state, const char* name) {
-    const TCIMProperty* const property = state.FindProperty(name);
-    if (property == nullptr || property->GetType() != CIM::eCIMUint16) return 0;
-    const TCIMValue value = property->GetValue();
-    return value.IsNull() ? 0 : static_cast<unsigned short>(value);
-}
-
 // How many instances of the class were collected, as its state tells.
 size_t CollectedCount(const TCIMInstance& state) {
     const TCIMProperty* const property = state.FindProperty("InstanceCount");
@@ -53,7 +46,7 @@ size_t CountInstances(const TContainer& container, const std::string& className)
 
 void StoreNotSelected(TCIMInstance& state) {
     StoreOutcome(state, {eNotAsked, ReasonFor(EReason::eNotSelected)});
-    Clear(state, "LogLines");
+    for (const char* name : {"LogLines", "MissingSources"}) Clear(state, name);
     Set(state, "InstanceCount", TCIMValue(0u));
 }
 
@@ -122,7 +115,7 @@ std::vector<TCIMInstance*> StatesOf(const TContainer& container, const char* cla
 
 TStoredOutcome OutcomeOf(const TCIMInstance& state) {
     const unsigned short number = NumberOf(state, "State");
-    if (number < eComplete || number > eNotAsked) return {};
+    if (number < eComplete || number > eNoSource) return {};
     const auto code = static_cast<EReason>(NumberOf(state, "ReasonCode"));
     const std::string sentence = TextOf(state, "Reason");
     return {static_cast<EState>(number), code, sentence.empty() ? WordFor(code, *state.GetContainer()) : sentence};
@@ -133,6 +126,32 @@ std::string TextOf(const TCIMInstance& state, const char* name) {
     if (property == nullptr || property->GetType() != CIM::eCIMString) return "";
     const TCIMValue value = property->GetValue();
     return value.IsNull() ? "" : static_cast<std::string>(value);
+}
+
+unsigned short NumberOf(const TCIMInstance& state, const char* name) {
+    const TCIMProperty* const property = state.FindProperty(name);
+    if (property == nullptr || property->GetType() != CIM::eCIMUint16) return 0;
+    const TCIMValue value = property->GetValue();
+    return value.IsNull() ? 0 : static_cast<unsigned short>(value);
+}
+
+std::vector<std::string> TextsOf(const TCIMInstance& state, const char* name) {
+    std::vector<std::string> texts;
+    const TCIMProperty* const property = state.FindProperty(name);
+    if (property == nullptr || property->GetType() != kStringArray) return texts;
+    const TCIMValue value = property->GetValue();
+    if (value.IsNull()) return texts;
+    for (const TCIMValue& element : static_cast<std::vector<TCIMValue>&>(value))
+        if (!element.IsNull()) texts.push_back(static_cast<std::string>(element));
+    return texts;
+}
+
+// Removing an instance removes all others with its path.
+void RemoveInstances(TCIMClass& cls) {
+    std::map<std::string, TCIMInstance*> instances;
+    for (TCIMInstance* const instance : cls.EnumerateInstances(false))
+        instances.emplace(instance->BuildPath().GetPath(), instance);
+    for (const auto& [path, instance] : instances) cls.RemoveInstance(*instance);
 }
 
 void StoreOutcome(TCIMInstance& state, const TOutcome& outcome) {

@@ -7,6 +7,7 @@
 #include "model/ClassSelection.h"
 #include "model/CollectionState.h"
 
+class TCIMClass;
 class TCIMInstance;
 class TContainer;
 
@@ -28,6 +29,12 @@ std::vector<TCIMInstance*> StatesOf(const TContainer& container, const char* cla
 TStoredOutcome OutcomeOf(const TCIMInstance& state);
 /// The value of a string property; empty if there is none.
 std::string TextOf(const TCIMInstance& state, const char* name);
+/// The elements of a property that is an array of strings; none if there is none.
+std::vector<std::string> TextsOf(const TCIMInstance& state, const char* name);
+/// The value of a uint16 property; 0 if there is none.
+unsigned short NumberOf(const TCIMInstance& state, const char* name);
+/// Removes all instances of exactly that class.
+void RemoveInstances(TCIMClass& cls);
 /// Sets state, code and text. Properties that the instance's class lacks are skipped.
 void StoreOutcome(TCIMInstance& state, const TOutcome& outcome);
 

@@ -29,6 +29,16 @@ std::vector<TCIMValue> LogLines(const std::vector<const TMessage*>& messages) {
     return lines;
 }
 
+// "/sys/class/block: not present"
+std::vector<TCIMValue> SourceTexts(const std::vector<TReason>& sources) {
+    std::vector<TCIMValue> texts;
+    for (const TReason& source : sources) {
+        const bool isMissing = source.code == EReason::eSourceMissing;
+        texts.emplace_back(source.file + ": " + SentenceOf(ReasonFor(isMissing ? EReason::eNotPresent : source.code)));
+    }
+    return texts;
+}
+
 class TStateWriter {
 public:
     TStateWriter(const std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, const TContainer& container)
@@ -89,6 +99,10 @@ private:
         state.SetPropertyValue("Name", TCIMValue(cls.GetName()));
         state.SetPropertyValue("Plugin", TCIMValue(NameOf(library, plugins.empty() ? nullptr : &plugins.front())));
         state.SetPropertyValue("InstanceCount", TCIMValue(count));
+        const auto sources = library.missingSources.find(cls.GetName());
+        if (isSelected && sources != library.missingSources.end())
+            state.SetPropertyValue("MissingSources",
+                                   TCIMValue(TCIMValue::TCIMType::eCIMString, 0, SourceTexts(sources->second)));
         state.AddToContainer();
         fHasInstances |= count != 0;
         fIsAsked |= outcome.state != eNotAsked;
@@ -114,8 +128,7 @@ private:
 // Removes state instances that a plugin or its document has made: only the host may say how complete a collection is.
 void RemoveStates(const TContainer& container) {
     for (TCIMClass* const cls : container.GetClass(kStateClass)->EnumerateSubClasses(true))
-        for (auto states = cls->EnumerateInstances(false); !states.empty(); states = cls->EnumerateInstances(false))
-            cls->RemoveInstance(*states.front());
+        RemoveInstances(*cls);
 }
 
 }  // namespace
@@ -123,7 +136,11 @@ void RemoveStates(const TContainer& container) {
 void WriteStates(std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, int interruption,
                  const TContainer& container) {
     RemoveStates(container);
-    for (TPluginLibrary& library : libraries) library.AssignMessagesToClasses();
+    TMissingSources sources = TakeMissingSources(container);
+    for (TPluginLibrary& library : libraries) {
+        library.AssignMessagesToClasses();
+        library.AssignMissingSources(sources);
+    }
     TStateWriter writer(libraries, wanted, container);
     for (const TPluginLibrary& library : libraries) writer.WriteLibrary(library);
     writer.WriteCollection(interruption == 0 ? TReason() : ReasonFor(EReason::eInterrupted, SignalName(interruption)));

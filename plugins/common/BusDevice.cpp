@@ -31,6 +31,11 @@ TBusDevice FindBusDevice(const TSystemRoot& root, std::string_view link) {
     return root.Exists("/sys/bus/" + bus + "/devices/" + device.pciAddress + device.usbId) ? device : TBusDevice();
 }
 
+TListing ReadBusListing(const TSystemRoot& root) {
+    const TListing pci = ListingOf(root.ListKind("/sys/bus/pci/devices", "/sys/bus/pci"));
+    return pci ? ListingOf(root.ListKind("/sys/bus/usb/devices", "/sys/bus/usb")) : pci;
+}
+
 std::string ParentName(std::string_view link) {
     const size_t end = link.rfind('/');
     if (end == std::string_view::npos) return "";

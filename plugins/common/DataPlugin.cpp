@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr const char* kMissingSource = "MOLTA_MissingSource";
+
 const char* gName = nullptr;
 kyrStatusCode (*gGetData)(kyrIOHandle, const TWantedClasses&) = nullptr;
 kyrPluginHandle gPlugin = nullptr;
@@ -22,20 +24,18 @@ kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** c
 
 kyrPluginInfo GetInfo(kyrPluginHandle) { return {gName, KYRCORE_VERSION, "1.0", kyrPluginDataCollector, 0}; }
 
-void LogAbsence(kyrLogSeverity severity, const char* className, EAbsence absence, const std::string& source) {
-    const std::string text = std::string(className) + ": " + AbsenceText(absence) + ": " + source;
-    kyrWriteLog(gPlugin, severity, text.c_str());
-}
+// Numbers of the ValueMap of MOLTA_MissingSource.Absence, in the order of EAbsence.
+uint16_t NumberOf(EAbsence absence) { return static_cast<uint16_t>(static_cast<int>(absence) + 1); }
 
 }  // namespace
 
-void LogAbsentClass(const char* className, EAbsence absence, const std::string& source) {
-    const bool isFailure = absence == EAbsence::eNoPermission || absence == EAbsence::eReadError;
-    LogAbsence(isFailure ? kyrLogError : kyrLogWarning, className, absence, source);
-}
-
-void LogMissingClass(const char* className, EAbsence absence, const std::string& source) {
-    LogAbsence(kyrLogError, className, absence, source);
+kyrStatusCode ReportMissingSource(kyrIOHandle handle, const char* className, const TListing& source) {
+    if (!IsKnownClass(handle, kMissingSource)) return kyrStatusOK;
+    const bool isPath = source.source.compare(0, 1, "/") == 0;
+    const std::string place = isPath ? TSystemRoot::FromEnvironment().FindObstacle(source.source) : source.source;
+    TInstanceReport report(handle, {kMissingSource, {{"ClassName", className}, {"Source", place}}});
+    report.Set("Absence", NumberOf(source.absence));
+    return report.Finish();
 }
 
 void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&)) {

@@ -19,26 +19,18 @@ using TWantedClasses = std::vector<std::string_view>;
 /// static object, while the core loads it.
 void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&));
 
-/// Logs why a class has no instances: an error if its source could not be read, a warning if it is absent or not
-/// supported.
-void LogAbsentClass(const char* className, EAbsence absence, const std::string& source);
-template <typename T>
-void LogIfAbsent(const char* className, const TFact<T>& list) {
-    if (!list) LogAbsentClass(className, list.absence, list.source);
-}
+/// Reports that a source of the class is missing, as a MOLTA_MissingSource: what was not found there may exist.
+kyrStatusCode ReportMissingSource(kyrIOHandle handle, const char* className, const TListing& source);
 
-/// Logs the same as an error in any case, for a class that has an instance on every machine: the class is not complete.
-void LogMissingClass(const char* className, EAbsence absence, const std::string& source);
-template <typename T>
-void LogIfMissing(const char* className, const TFact<T>& fact) {
-    if (!fact) LogMissingClass(className, fact.absence, fact.source);
-}
-
-/// The function that reports the instances of one class.
+/// How one class is reported.
 template <typename TFacts>
 struct TClassReport {
     const char* className;
+    /// Reports its instances.
     kyrStatusCode (*report)(kyrIOHandle handle, const TFacts& facts);
+    /// What the instances are found by, each with whether it could be read. Those of an association are the sources of
+    /// the classes that it ties.
+    std::vector<TListing (*)(const TFacts& facts)> sources;
 };
 
 /// A plugin that reads all its facts and then reports them class by class. The core calls it once for ordinary classes
@@ -60,8 +52,16 @@ private:
             if (!fReported.emplace(name).second) fFacts.reset();
         if (!fFacts) fFacts = fRead(TSystemRoot::FromEnvironment());
         return ReportEach(fReports, [&](const TClassReport<TFacts>& entry) {
-            return IsWanted(entry.className, wanted) ? entry.report(handle, *fFacts) : kyrStatusOK;
+            return IsWanted(entry.className, wanted) ? Report(handle, entry) : kyrStatusOK;
         });
+    }
+
+    kyrStatusCode Report(kyrIOHandle handle, const TClassReport<TFacts>& entry) const {
+        const kyrStatusCode status = ReportEach(entry.sources, [&](const auto& sourceOf) {
+            const TListing source = sourceOf(*fFacts);
+            return source ? kyrStatusOK : ReportMissingSource(handle, entry.className, source);
+        });
+        return status == kyrStatusOK ? entry.report(handle, *fFacts) : status;
     }
 
     static bool IsWanted(std::string_view className, const TWantedClasses& wanted) {

@@ -48,5 +48,17 @@ template <typename T>
 TListing ListingOf(const TFact<T>& list) {
     return list.Map([](const T&) { return std::optional(true); });
 }
+/// The same for a source that not every machine has: only one that is there and cannot be read is missing.
+template <typename T>
+TListing UnlessUnreadable(const TFact<T>& fact) {
+    const bool isUnreadable = fact.absence == EAbsence::eNoPermission || fact.absence == EAbsence::eReadError;
+    return fact || !isUnreadable ? TListing::Of(true, fact.source) : ListingOf(fact);
+}
+/// A list that is empty on no machine: its source is not what it should be, if it is.
+template <typename T>
+TFact<T> NeverEmpty(TFact<T> list) {
+    if (list && list->empty()) list.value.reset();
+    return list;
+}
 
 #endif

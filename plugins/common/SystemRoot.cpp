@@ -2,7 +2,9 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,6 +23,14 @@ bool IsRegular(int descriptor) {
 bool IsFolder(const char* path) {
     struct stat status;
     return stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Whether something else than the kernel's own file system is mounted over a folder of it. lxcfs, by which containers
+// see their own share of /proc and /sys, is a FUSE file system.
+bool IsCovered(const char* path) {
+    struct statfs status;
+    if (statfs(path, &status) != 0) return false;
+    return status.f_type != SYSFS_MAGIC && status.f_type != PROC_SUPER_MAGIC && status.f_type != FUSE_SUPER_MAGIC;
 }
 
 constexpr size_t kPage = 4096;
@@ -110,6 +120,27 @@ TFact<std::vector<std::string>> TSystemRoot::List(const std::string& path) const
         if (const std::string_view name = entry->d_name; name != "." && name != "..") names.emplace_back(name);
     std::sort(names.begin(), names.end(), NaturalLess);
     return TFact<TNames>::Of(std::move(names), path);
+}
+
+TFact<std::vector<std::string>> TSystemRoot::ListKind(const std::string& path, const std::string& kind) const {
+    TFact<std::vector<std::string>> names = List(path);
+    if (!names && names.absence == EAbsence::eNotPresent && !kind.empty() && LacksKind(kind)) names.value.emplace();
+    if (names && names->empty() && IsRunningMachine() && IsCovered(path.c_str())) names.value.reset();
+    return names;
+}
+
+bool TSystemRoot::LacksKind(const std::string& kind) const {
+    return !Exists(kind) && errno == ENOENT && !Names(kind.substr(0, kind.rfind('/'))).empty();
+}
+
+std::string TSystemRoot::FindObstacle(const std::string& path) const {
+    for (size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+        const std::string folder = path.substr(0, end);
+        const TFact<std::vector<std::string>> names = List(folder);
+        const bool isBarred = !names && access((Locate(folder) + "/.").c_str(), F_OK) != 0;
+        if (isBarred || (names && names->empty())) return folder;
+    }
+    return path;
 }
 
 std::vector<std::string> TSystemRoot::Names(const std::string& path) const { return List(path).ValueOr({}); }

@@ -55,6 +55,14 @@ public:
     TFact<std::string> ReadLinkName(const std::string& path) const;
     /// The names in a folder in natural order: eth2 before eth10.
     TFact<std::vector<std::string>> List(const std::string& path) const;
+    /// The same names of a folder in which the kernel lists all things of a kind. There are none if the kernel does not
+    /// support the kind: see LacksKind. Without a kind, every kernel has the folder.
+    TFact<std::vector<std::string>> ListKind(const std::string& path, const std::string& kind = "") const;
+    /// Whether the kernel shows that it does not support a kind of things: there is no such folder as /sys/bus/usb, but
+    /// there are others beside it.
+    bool LacksKind(const std::string& kind) const;
+    /// The part of a path at which reading it ends: "/sys" of "/sys/class/net/eth0" if sysfs is not mounted.
+    std::string FindObstacle(const std::string& path) const;
     /// The same names; none if the folder cannot be read.
     std::vector<std::string> Names(const std::string& path) const;
     bool Exists(const std::string& path) const;

@@ -59,6 +59,13 @@ std::vector<std::string_view> Columns(std::string_view line) {
     return columns;
 }
 
+// A machine without DMI has no table.
+TListing SmbiosListing(const TSystemRoot& root, const TFact<std::string>& table) {
+    if (table || table.absence != EAbsence::eNotPresent) return ListingOf(table);
+    const TFact<std::vector<std::string>> dmi = root.ListKind("/sys/class/dmi", "/sys/class/dmi");
+    return dmi && !dmi->empty() ? ListingOf(table) : ListingOf(dmi);
+}
+
 }  // namespace
 
 TMemoryUsage ParseMeminfo(const TFact<std::string>& meminfo) {
@@ -88,6 +95,7 @@ std::vector<TSwapArea> ParseSwaps(const TFact<std::string>& swaps) {
 
 TMemoryFacts ReadMemory(const TSystemRoot& root) {
     const TFact<std::string> swaps = root.ReadFile("/proc/swaps");
-    return {ParseMeminfo(root.ReadFile("/proc/meminfo")), ParseSwaps(swaps), ParseMemoryHardware(ReadSmbiosTable(root)),
-            ListingOf(swaps)};
+    const TFact<std::string> table = ReadSmbiosTable(root);
+    return {ParseMeminfo(root.ReadFile("/proc/meminfo")), ParseSwaps(swaps), ParseMemoryHardware(table),
+            ListingOf(swaps), SmbiosListing(root, table)};
 }

@@ -47,6 +47,7 @@ struct TMemoryFacts {
     std::vector<TSwapArea> swapAreas;
     TMemoryHardware hardware;
     TListing swapListing;
+    TListing smbiosListing;
 };
 
 TMemoryFacts ReadMemory(const TSystemRoot& root);

@@ -52,10 +52,7 @@ bool HasMemory(const TMemoryFacts& facts) {
 }
 
 kyrStatusCode ReportSystemMemory(kyrIOHandle handle, const TMemoryFacts& facts) {
-    if (!HasMemory(facts)) {
-        LogIfMissing(kSystemMemory, facts.usage.total);
-        return kyrStatusOK;
-    }
+    if (!HasMemory(facts)) return kyrStatusOK;
     TInstanceReport report(handle, SystemMemoryPath());
     report.Set("Caption", "Memory of the system");
     for (const TUsageProperty& property : kUsageProperties) report.Add(property.name, facts.usage.*property.fact);
@@ -127,17 +124,14 @@ kyrStatusCode ReportModule(kyrIOHandle handle, const TMemoryModule& module) {
 }
 
 kyrStatusCode ReportSwapAreas(kyrIOHandle handle, const TMemoryFacts& facts) {
-    LogIfAbsent(kSwapArea, facts.swapListing);
     return ReportEach(handle, facts.swapAreas, ReportSwapArea);
 }
 
 kyrStatusCode ReportArrays(kyrIOHandle handle, const TMemoryFacts& facts) {
-    LogIfAbsent(kMemoryArray, facts.hardware.installedModules);
     return ReportEach(handle, facts.hardware.arrays, ReportArray);
 }
 
 kyrStatusCode ReportModules(kyrIOHandle handle, const TMemoryFacts& facts) {
-    LogIfAbsent(kPhysicalMemory, facts.hardware.installedModules);
     return ReportEach(handle, facts.hardware.modules, ReportModule);
 }
 
@@ -161,13 +155,17 @@ kyrStatusCode ReportArrayModules(kyrIOHandle handle, const TMemoryFacts& facts) 
     });
 }
 
+TListing Usage(const TMemoryFacts& facts) { return ListingOf(facts.usage.total); }
+TListing Swaps(const TMemoryFacts& facts) { return facts.swapListing; }
+TListing Smbios(const TMemoryFacts& facts) { return facts.smbiosListing; }
+
 const TDataPlugin<TMemoryFacts> gPlugin("memory", ReadMemory,
-                                        {{kSystemMemory, ReportSystemMemory},
-                                         {kSwapArea, ReportSwapAreas},
-                                         {kMemoryArray, ReportArrays},
-                                         {kPhysicalMemory, ReportModules},
-                                         {kSystemMemoryDevice, ReportSystemMemoryDevices},
-                                         {kSystemMemoryHardware, ReportSystemMemoryHardware},
-                                         {kMemoryArrayModule, ReportArrayModules}});
+                                        {{kSystemMemory, ReportSystemMemory, {Usage}},
+                                         {kSwapArea, ReportSwapAreas, {Swaps}},
+                                         {kMemoryArray, ReportArrays, {Smbios}},
+                                         {kPhysicalMemory, ReportModules, {Smbios}},
+                                         {kSystemMemoryDevice, ReportSystemMemoryDevices, {Usage, Swaps}},
+                                         {kSystemMemoryHardware, ReportSystemMemoryHardware, {Smbios}},
+                                         {kMemoryArrayModule, ReportArrayModules, {Smbios}}});
 
 }  // namespace

@@ -57,7 +57,6 @@ kyrStatusCode ReportAdapter(kyrIOHandle handle, const TAdapter& adapter) {
 TInstancePath AdapterPath(const std::string& name) { return DevicePath(kAdapter, name); }
 
 kyrStatusCode ReportAdapters(kyrIOHandle handle, const TNetworkFacts& facts) {
-    LogIfAbsent(kAdapter, facts.adapterListing);
     return ReportEach(handle, facts.adapters, ReportAdapter);
 }
 

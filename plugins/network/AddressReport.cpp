@@ -86,7 +86,6 @@ kyrStatusCode ReportAddress(kyrIOHandle handle, const TIPAddress& address) {
 }  // namespace
 
 kyrStatusCode ReportAddresses(kyrIOHandle handle, const TNetworkFacts& facts) {
-    LogIfAbsent(kAddress, facts.addressListing);
     return ReportEach(handle, facts.addresses, ReportAddress);
 }
 

@@ -29,7 +29,8 @@ TNetworkFacts ReadNetwork(const TSystemRoot& root) {
     TNetworkFacts facts;
     const TFact<std::string> links = ReadNetlinkTable(root, ENetlinkTable::eLinks);
     facts.adapters = ReadAdapters(root, links);
-    facts.adapterListing = ListingOf(links);
+    // Without the kernel's table, the adapters are listed by sysfs.
+    facts.adapterListing = ListingOf(NeverEmpty(root.ListKind("/sys/class/net")));
     const TAdapterNames names = NamesOf(facts.adapters);
     const TFact<std::string> addresses = ReadNetlinkTable(root, ENetlinkTable::eAddresses);
     if (addresses) facts.addresses = ParseAddresses(*addresses, names);
@@ -42,5 +43,6 @@ TNetworkFacts ReadNetwork(const TSystemRoot& root) {
     const TFact<std::string> routes = ReadNetlinkTable(root, ENetlinkTable::eRoutes);
     if (routes) facts.routes = ParseRoutes(*routes, names);
     facts.routeListing = ListingOf(routes);
+    facts.busListing = ReadBusListing(root);
     return facts;
 }

@@ -94,6 +94,7 @@ struct TNetworkFacts {
     TListing adapterListing;
     TListing addressListing;
     TListing routeListing;
+    TListing busListing;  ///< of the devices that drive adapters
 };
 
 TNetworkFacts ReadNetwork(const TSystemRoot& root);

@@ -62,7 +62,6 @@ kyrStatusCode ReportRoute(kyrIOHandle handle, const TRoute& route) {
 }  // namespace
 
 kyrStatusCode ReportRoutes(kyrIOHandle handle, const TNetworkFacts& facts) {
-    LogIfAbsent(kRoute, facts.routeListing);
     return ReportEach(handle, facts.routes, ReportRoute);
 }
 

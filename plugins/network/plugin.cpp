@@ -4,15 +4,20 @@
 
 namespace {
 
+TListing Adapters(const TNetworkFacts& facts) { return facts.adapterListing; }
+TListing Buses(const TNetworkFacts& facts) { return facts.busListing; }
+TListing Addresses(const TNetworkFacts& facts) { return facts.addressListing; }
+TListing Routes(const TNetworkFacts& facts) { return facts.routeListing; }
+
 const TDataPlugin<TNetworkFacts> gPlugin("network", ReadNetwork,
-                                         {{"MOLTA_NetworkAdapter", ReportAdapters},
-                                          {"MOLTA_SystemNetworkAdapter", ReportSystemAdapters},
-                                          {"MOLTA_NetworkAdapterMember", ReportAdapterMembers},
-                                          {"MOLTA_LowerNetworkAdapter", ReportLowerAdapters},
-                                          {"MOLTA_NetworkAdapterDevice", ReportAdapterDevices},
-                                          {"MOLTA_IPAddress", ReportAddresses},
-                                          {"MOLTA_NetworkAdapterAddress", ReportAddressAdapters},
-                                          {"MOLTA_Route", ReportRoutes},
-                                          {"MOLTA_RouteAdapter", ReportRouteAdapters}});
+                                         {{"MOLTA_NetworkAdapter", ReportAdapters, {Adapters}},
+                                          {"MOLTA_SystemNetworkAdapter", ReportSystemAdapters, {Adapters}},
+                                          {"MOLTA_NetworkAdapterMember", ReportAdapterMembers, {Adapters}},
+                                          {"MOLTA_LowerNetworkAdapter", ReportLowerAdapters, {Adapters}},
+                                          {"MOLTA_NetworkAdapterDevice", ReportAdapterDevices, {Adapters, Buses}},
+                                          {"MOLTA_IPAddress", ReportAddresses, {Addresses}},
+                                          {"MOLTA_NetworkAdapterAddress", ReportAddressAdapters, {Adapters, Addresses}},
+                                          {"MOLTA_Route", ReportRoutes, {Routes}},
+                                          {"MOLTA_RouteAdapter", ReportRouteAdapters, {Adapters, Routes}}});
 
 }  // namespace

@@ -121,7 +121,7 @@ void FillNames(const THardwareIds& names, TPciIdentity& identity) {
 }  // namespace
 
 TPciFacts ReadPci(const TSystemRoot& root) {
-    const TFact<std::vector<std::string>> entries = root.List("/sys/bus/pci/devices");
+    const TFact<std::vector<std::string>> entries = root.ListKind("/sys/bus/pci/devices", "/sys/bus/pci");
     std::vector<std::string> addresses = entries.ValueOr({});
     std::sort(addresses.begin(), addresses.end());  // natural order would take the hexadecimal digits for decimal ones
     TPciFacts facts;

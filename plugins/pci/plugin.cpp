@@ -62,7 +62,6 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TPciFunction& function) {
 }
 
 kyrStatusCode ReportDevices(kyrIOHandle handle, const TPciFacts& facts) {
-    LogIfAbsent(kDevice, facts.listing);
     return ReportEach(handle, facts.functions, ReportDevice);
 }
 
@@ -78,9 +77,11 @@ kyrStatusCode ReportBridgeDevices(kyrIOHandle handle, const TPciFacts& facts) {
     });
 }
 
+TListing Devices(const TPciFacts& facts) { return facts.listing; }
+
 const TDataPlugin<TPciFacts> gPlugin("pci", ReadPci,
-                                     {{kDevice, ReportDevices},
-                                      {kSystemDevice, ReportSystemPciDevices},
-                                      {kBridgeDevice, ReportBridgeDevices}});
+                                     {{kDevice, ReportDevices, {Devices}},
+                                      {kSystemDevice, ReportSystemPciDevices, {Devices}},
+                                      {kBridgeDevice, ReportBridgeDevices, {Devices}}});
 
 }  // namespace

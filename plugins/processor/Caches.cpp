@@ -38,7 +38,7 @@ private:
             if (fSeen.count({index, thread.number}) > 0) continue;
             const std::string folder = CpuFile(thread.number, "cache/index" + std::to_string(index) + "/");
             const TFact<uint16_t> level = fRoot.ReadNumber<uint16_t>(folder + "level");
-            if (index == 0) fFacts.cacheListing = ListingOf(level);
+            if (index == 0) fFacts.cacheListing = UnlessUnreadable(level);
             if (!level) return;
             fFacts.caches.push_back(ReadCache(thread, index, folder));
             fFacts.caches.back().level = level;
@@ -66,4 +66,7 @@ private:
 
 }  // namespace
 
-void ReadCaches(const TSystemRoot& root, TProcessorFacts& facts) { TCacheReader(root, facts).Read(); }
+void ReadCaches(const TSystemRoot& root, TProcessorFacts& facts) {
+    facts.cacheListing = facts.coreListing;
+    TCacheReader(root, facts).Read();
+}

@@ -41,6 +41,12 @@ std::vector<size_t> PackagesOf(TProcessorFacts& facts, const TFact<std::string>&
     return packages;
 }
 
+// A kernel that knows nodes has a bus of them too.
+TFact<std::vector<std::string>> ListNodes(const TSystemRoot& root) {
+    const std::string folder = "/sys/devices/system/node";
+    return root.ListKind(folder, root.Exists("/sys/bus/node") ? "" : folder);
+}
+
 TNumaNode ReadNode(const TSystemRoot& root, const std::string& name, TProcessorFacts& facts) {
     const std::string folder = "/sys/devices/system/node/" + name + "/";
     const TFact<std::string> memory = root.ReadFile(folder + "meminfo");
@@ -57,7 +63,7 @@ TNumaNode ReadNode(const TSystemRoot& root, const std::string& name, TProcessorF
 }  // namespace
 
 void ReadNumaNodes(const TSystemRoot& root, TProcessorFacts& facts) {
-    const TFact<std::vector<std::string>> names = root.List("/sys/devices/system/node");
+    const TFact<std::vector<std::string>> names = ListNodes(root);
     facts.nodeListing = ListingOf(names);
     for (const std::string& name : names.ValueOr({}))
         if (IsNode(name)) facts.nodes.push_back(ReadNode(root, name, facts));

@@ -93,7 +93,9 @@ void ReadPackages(const TCpuInfo& info, TProcessorFacts& facts) {
 }
 
 void ReadVulnerabilities(const TSystemRoot& root, TProcessorFacts& facts) {
-    const TFact<std::vector<std::string>> names = root.List(kVulnerabilities);
+    const TFact<std::vector<std::string>> names = root.Exists(kVulnerabilities)
+                                                      ? NeverEmpty(root.List(kVulnerabilities))
+                                                      : root.ListKind(kVulnerabilities, kVulnerabilities);
     facts.vulnerabilityListing = ListingOf(names);
     for (const std::string& name : names.ValueOr({}))
         facts.vulnerabilities.push_back({name, root.ReadText(std::string(kVulnerabilities) + "/" + name)});
@@ -103,7 +105,10 @@ void ReadVulnerabilities(const TSystemRoot& root, TProcessorFacts& facts) {
 
 TProcessorFacts ReadProcessors(const TSystemRoot& root) {
     TProcessorFacts facts;
-    const TCpuInfo info(root.ReadFile("/proc/cpuinfo"));
+    const TFact<std::string> file = root.ReadFile("/proc/cpuinfo");
+    const TCpuInfo info(file);
+    facts.cpuInfoListing = ListingOf(file);
+    facts.cpuListing = ListingOf(NeverEmpty(root.ListKind("/sys/devices/system/cpu")));
     ReadTopology(root, info, facts);
     ReadPackages(info, facts);
     ReadCaches(root, facts);

@@ -83,8 +83,10 @@ struct TProcessorFacts {
     std::vector<TNumaNode> nodes;
     std::vector<TVulnerability> vulnerabilities;
 
+    TListing cpuInfoListing;
+    TListing cpuListing;  ///< the kernel's folder of all threads
     TListing threadListing;
-    TListing coreListing;  ///< of packages too
+    TListing coreListing;  ///< whether any core is known; the same for packages
     TListing cacheListing;
     TListing nodeListing;
     TListing vulnerabilityListing;

@@ -31,7 +31,6 @@ public:
             fFacts.coreListing.value.reset();
         else
             fFacts.coreListing.value = true;
-        fFacts.cacheListing = fFacts.coreListing;
     }
 
 private:

@@ -179,32 +179,26 @@ kyrStatusCode ReportVulnerability(kyrIOHandle handle, const TVulnerability& vuln
 }
 
 kyrStatusCode ReportProcessors(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfMissing(kProcessor, facts.coreListing);
     return ReportEach(handle, facts.packages, ReportProcessor);
 }
 
 kyrStatusCode ReportCores(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfMissing(kCore, facts.coreListing);
     return ReportEach(handle, facts.cores, ReportCore);
 }
 
 kyrStatusCode ReportThreads(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfMissing(kThread, facts.threadListing);
     return ReportEach(handle, facts.threads, ReportThread);
 }
 
 kyrStatusCode ReportCaches(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfAbsent(kCache, facts.cacheListing);
     return ReportEach(handle, facts.caches, ReportCache);
 }
 
 kyrStatusCode ReportNodes(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfAbsent(kNode, facts.nodeListing);
     return ReportEach(handle, facts.nodes, ReportNode);
 }
 
 kyrStatusCode ReportVulnerabilities(kyrIOHandle handle, const TProcessorFacts& facts) {
-    LogIfAbsent(kVulnerability, facts.vulnerabilityListing);
     return ReportEach(handle, facts.vulnerabilities, ReportVulnerability);
 }
 
@@ -254,19 +248,28 @@ kyrStatusCode ReportProcessorsOfNodes(kyrIOHandle handle, const TProcessorFacts&
     });
 }
 
-const TDataPlugin<TProcessorFacts> gPlugin("processor", ReadProcessors,
-                                           {{kProcessor, ReportProcessors},
-                                            {kCore, ReportCores},
-                                            {kThread, ReportThreads},
-                                            {kCache, ReportCaches},
-                                            {kNode, ReportNodes},
-                                            {kVulnerability, ReportVulnerabilities},
-                                            {"MOLTA_SystemProcessor", ReportSystemProcessors},
-                                            {"MOLTA_CoreOfProcessor", ReportCoresOfProcessors},
-                                            {"MOLTA_ThreadOfCore", ReportThreadsOfCores},
-                                            {"MOLTA_SystemCacheMemory", ReportSystemCaches},
-                                            {"MOLTA_AssociatedCacheMemory", ReportCachesOfProcessors},
-                                            {"MOLTA_SystemNUMANode", ReportSystemNodes},
-                                            {"MOLTA_NUMANodeProcessor", ReportProcessorsOfNodes}});
+TListing CpuInfo(const TProcessorFacts& facts) { return facts.cpuInfoListing; }
+TListing Cpus(const TProcessorFacts& facts) { return facts.cpuListing; }
+TListing Cores(const TProcessorFacts& facts) { return facts.coreListing; }
+TListing Threads(const TProcessorFacts& facts) { return facts.threadListing; }
+TListing Caches(const TProcessorFacts& facts) { return facts.cacheListing; }
+TListing Nodes(const TProcessorFacts& facts) { return facts.nodeListing; }
+TListing Vulnerabilities(const TProcessorFacts& facts) { return facts.vulnerabilityListing; }
+
+const TDataPlugin<TProcessorFacts> gPlugin(
+    "processor", ReadProcessors,
+    {{kProcessor, ReportProcessors, {CpuInfo, Cpus, Cores}},
+     {kCore, ReportCores, {Cpus, Cores}},
+     {kThread, ReportThreads, {Cpus, Threads}},
+     {kCache, ReportCaches, {Cpus, Caches}},
+     {kNode, ReportNodes, {Nodes}},
+     {kVulnerability, ReportVulnerabilities, {Vulnerabilities}},
+     {"MOLTA_SystemProcessor", ReportSystemProcessors, {Cpus, Cores}},
+     {"MOLTA_CoreOfProcessor", ReportCoresOfProcessors, {Cpus, Cores}},
+     {"MOLTA_ThreadOfCore", ReportThreadsOfCores, {Cpus, Cores, Threads}},
+     {"MOLTA_SystemCacheMemory", ReportSystemCaches, {Cpus, Caches}},
+     {"MOLTA_AssociatedCacheMemory", ReportCachesOfProcessors, {Cpus, Caches, Cores}},
+     {"MOLTA_SystemNUMANode", ReportSystemNodes, {Nodes}},
+     {"MOLTA_NUMANodeProcessor", ReportProcessorsOfNodes, {Nodes, Cores}}});
 
 }  // namespace

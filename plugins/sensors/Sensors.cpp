@@ -146,10 +146,10 @@ TSensor ReadZone(const TSystemRoot& root, const std::string& folder, const std::
     return sensor;
 }
 
-void AddZones(const TSystemRoot& root, std::vector<TSensor>& sensors) {
+void AddZones(const TSystemRoot& root, const std::vector<std::string>& zones, std::vector<TSensor>& sensors) {
     std::set<std::string> chips;
     for (const TSensor& sensor : sensors) chips.insert(sensor.chip);
-    for (const std::string& zone : root.Names(kThermal)) {
+    for (const std::string& zone : zones) {
         if (zone.substr(0, 12) != "thermal_zone") continue;
         const std::string folder = kThermal + '/' + zone + '/';
         const std::string type = root.ReadText(folder + "type").ValueOr(zone);
@@ -179,13 +179,15 @@ std::string StableDevicePath(const std::string& link, const std::string& chip) {
 
 TSensorFacts ReadSensors(const TSystemRoot& root) {
     TSensorFacts facts;
-    const TFact<std::vector<std::string>> chips = root.List(kHwmon);
+    const TFact<std::vector<std::string>> chips = root.ListKind(kHwmon, kHwmon);
     facts.listing = ListingOf(chips);
+    const TFact<std::vector<std::string>> zones = root.ListKind(kThermal, kThermal);
+    facts.zoneListing = ListingOf(zones);
     for (const std::string& hwmon : chips.ValueOr({})) {
         const TChip chip = ReadChip(root, hwmon);
         for (const TKind& kind : kKinds) AddChannels(root, chip, kind, facts.sensors);
     }
-    AddZones(root, facts.sensors);
+    AddZones(root, zones.ValueOr({}), facts.sensors);
     MakeIdsUnique(facts.sensors);
     return facts;
 }

@@ -29,6 +29,7 @@ struct TSensor {
 struct TSensorFacts {
     std::vector<TSensor> sensors;
     TListing listing;
+    TListing zoneListing;
 };
 
 /// Reads /sys/class/hwmon, and the thermal zones that have no hwmon device.

@@ -71,7 +71,6 @@ kyrStatusCode ReportFan(kyrIOHandle handle, const TSensor& sensor) {
 
 template <ESensorKind kind>
 kyrStatusCode ReportSensors(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kSensorClasses[static_cast<size_t>(kind)], facts.sensors.listing);
     return ReportEach(facts.sensors.sensors, [&](const TSensor& sensor) {
         if (sensor.kind != kind) return kyrStatusOK;
         return kind == ESensorKind::eFan ? ReportFan(handle, sensor) : ReportNumericSensor(handle, sensor);
@@ -107,7 +106,6 @@ kyrStatusCode ReportBattery(kyrIOHandle handle, const TBattery& battery) {
 }
 
 kyrStatusCode ReportBatteries(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kBattery, facts.power.listing);
     return ReportEach(handle, facts.power.batteries, ReportBattery);
 }
 
@@ -121,7 +119,6 @@ kyrStatusCode ReportPowerSupply(kyrIOHandle handle, const TPowerSupply& supply) 
 }
 
 kyrStatusCode ReportPowerSupplies(kyrIOHandle handle, const TFacts& facts) {
-    LogIfAbsent(kPowerSupply, facts.power.listing);
     return ReportEach(handle, facts.power.supplies, ReportPowerSupply);
 }
 
@@ -135,15 +132,19 @@ kyrStatusCode ReportSystemPowerSources(kyrIOHandle handle, const TFacts& facts) 
     return ReportSystemDevices(handle, kSystemPowerSource, facts.power.supplies, PowerSupplyPath);
 }
 
+TListing Chips(const TFacts& facts) { return facts.sensors.listing; }
+TListing Zones(const TFacts& facts) { return facts.sensors.zoneListing; }
+TListing Supplies(const TFacts& facts) { return facts.power.listing; }
+
 const TDataPlugin<TFacts> gPlugin("sensors", Read,
-                                  {{kSensorClasses[0], ReportSensors<ESensorKind::eTemperature>},
-                                   {kSensorClasses[1], ReportSensors<ESensorKind::eVoltage>},
-                                   {kSensorClasses[2], ReportSensors<ESensorKind::eCurrent>},
-                                   {kSensorClasses[3], ReportSensors<ESensorKind::ePower>},
-                                   {kSensorClasses[4], ReportSensors<ESensorKind::eFan>},
-                                   {kBattery, ReportBatteries},
-                                   {kPowerSupply, ReportPowerSupplies},
-                                   {kSystemSensor, ReportSystemSensors},
-                                   {kSystemPowerSource, ReportSystemPowerSources}});
+                                  {{kSensorClasses[0], ReportSensors<ESensorKind::eTemperature>, {Chips, Zones}},
+                                   {kSensorClasses[1], ReportSensors<ESensorKind::eVoltage>, {Chips}},
+                                   {kSensorClasses[2], ReportSensors<ESensorKind::eCurrent>, {Chips}},
+                                   {kSensorClasses[3], ReportSensors<ESensorKind::ePower>, {Chips}},
+                                   {kSensorClasses[4], ReportSensors<ESensorKind::eFan>, {Chips}},
+                                   {kBattery, ReportBatteries, {Supplies}},
+                                   {kPowerSupply, ReportPowerSupplies, {Supplies}},
+                                   {kSystemSensor, ReportSystemSensors, {Chips, Zones}},
+                                   {kSystemPowerSource, ReportSystemPowerSources, {Supplies}}});
 
 }  // namespace

@@ -7,11 +7,13 @@
 namespace {
 
 // The search path of systemd: a unit in an earlier folder hides one of the same name in a later folder.
+constexpr const char* kAdministratorFolder = "/etc/systemd/system";
 constexpr const char* kVendorFolder = "/usr/lib/systemd/system";
+constexpr const char* kOldVendorFolder = "/lib/systemd/system";
 constexpr const char* kUnitFolders[] = {
-    "/etc/systemd/system", "/run/systemd/system", "/run/systemd/generator",     "/usr/local/lib/systemd/system",
-    kVendorFolder,         "/lib/systemd/system", "/run/systemd/generator.late"};
-constexpr const char* kEnablingFolders[] = {"/etc/systemd/system", "/run/systemd/system", "/run/systemd/generator",
+    kAdministratorFolder, "/run/systemd/system", "/run/systemd/generator",     "/usr/local/lib/systemd/system",
+    kVendorFolder,        kOldVendorFolder,      "/run/systemd/generator.late"};
+constexpr const char* kEnablingFolders[] = {kAdministratorFolder, "/run/systemd/system", "/run/systemd/generator",
                                             "/run/systemd/generator.late"};
 constexpr const char* kSlice = "/sys/fs/cgroup/system.slice";
 constexpr const char* kOldSlice = "/sys/fs/cgroup/systemd/system.slice";
@@ -129,7 +131,7 @@ TService MakeService(const TSystemRoot& root, const std::string& name, const std
 
 }  // namespace
 
-TFact<std::vector<TService>> ReadServices(const TSystemRoot& root) {
+std::vector<TService> ReadServices(const TSystemRoot& root) {
     const std::set<std::string> enabled = FindEnabled(root);
     std::set<std::string> names = enabled;
     for (const char* folder : kUnitFolders)
@@ -141,6 +143,17 @@ TFact<std::vector<TService>> ReadServices(const TSystemRoot& root) {
         if (RealNameOf(root, path, name).empty())
             services.push_back(MakeService(root, name, path, enabled.count(name) != 0));
     }
-    if (services.empty()) return TFact<std::vector<TService>>::Missing(EAbsence::eNotPresent, kVendorFolder);
-    return TFact<std::vector<TService>>::Of(std::move(services), kVendorFolder);
+    return services;
+}
+
+TListing ReadServiceListing(const TSystemRoot& root) {
+    TFact<std::vector<std::string>> units = root.List(kVendorFolder);
+    if (!units && units.absence == EAbsence::eNotPresent) units = root.List(kOldVendorFolder);
+    const bool hasSystemd = root.Exists("/usr/lib/systemd/systemd") || root.Exists("/lib/systemd/systemd");
+    if (hasSystemd && units) units = root.List(kAdministratorFolder);
+    if (hasSystemd || units || units.absence != EAbsence::eNotPresent) return ListingOf(NeverEmpty(units));
+    if (root.Exists("/sbin/init")) return TListing::Missing(EAbsence::eNotSupported, "services of /sbin/init");
+    // A container often has no service manager at all.
+    const bool hasNone = root.Exists("/usr/lib") || root.Exists("/usr/share");
+    return hasNone ? TListing::Of(true, kVendorFolder) : TListing::Missing(EAbsence::eNotPresent, kVendorFolder);
 }

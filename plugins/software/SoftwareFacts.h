@@ -57,7 +57,9 @@ enum EStartMode : uint16_t { eEnabled = 1, eDisabled, eStatic, eMasked };
 struct TSoftware {
     TFact<std::vector<TPackage>> packages;
     TFact<std::vector<TKernelModule>> modules;
-    TFact<std::vector<TService>> services;
+    std::vector<TService> services;
+    TListing packageListing;
+    TListing serviceListing;
 };
 
 TSoftware ReadSoftware(const TSystemRoot& root);
@@ -65,6 +67,8 @@ TSoftware ReadSoftware(const TSystemRoot& root);
 // The parts of it, in order of their names. The texts are the content of /var/lib/dpkg/status and /proc/modules.
 std::vector<TPackage> ParsePackages(std::string_view text, const std::string& source);
 std::vector<TKernelModule> ParseModules(std::string_view text, const std::string& source);
-TFact<std::vector<TService>> ReadServices(const TSystemRoot& root);
+std::vector<TService> ReadServices(const TSystemRoot& root);
+/// Whether the system's services are those that ReadServices finds, or could be found.
+TListing ReadServiceListing(const TSystemRoot& root);
 
 #endif

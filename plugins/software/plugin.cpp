@@ -40,15 +40,9 @@ void AddTo(TInstanceReport& report, const TService& service) {
     report.Add("Started", service.running);
 }
 
-template <typename T, typename F>
-kyrStatusCode ReportEachOf(const TFact<std::vector<T>>& list, F report) {
-    return list ? ReportEach(*list, report) : kyrStatusOK;
-}
-
 template <typename T>
-kyrStatusCode ReportAll(kyrIOHandle handle, const char* className, const TFact<std::vector<T>>& list) {
-    LogIfAbsent(className, list);
-    return ReportEachOf(list, [handle](const T& item) {
+kyrStatusCode ReportAll(kyrIOHandle handle, const std::vector<T>& list) {
+    return ReportEach(list, [handle](const T& item) {
         TInstanceReport report(handle, PathOf(item));
         AddTo(report, item);
         return report.Finish();
@@ -56,19 +50,19 @@ kyrStatusCode ReportAll(kyrIOHandle handle, const char* className, const TFact<s
 }
 
 kyrStatusCode ReportPackages(kyrIOHandle handle, const TSoftware& software) {
-    return ReportAll(handle, kPackage, software.packages);
+    return ReportAll(handle, software.packages.ValueOr({}));
 }
 
 kyrStatusCode ReportModules(kyrIOHandle handle, const TSoftware& software) {
-    return ReportAll(handle, kModule, software.modules);
+    return ReportAll(handle, software.modules.ValueOr({}));
 }
 
 kyrStatusCode ReportServices(kyrIOHandle handle, const TSoftware& software) {
-    return ReportAll(handle, kService, software.services);
+    return ReportAll(handle, software.services);
 }
 
 kyrStatusCode ReportModuleDependencies(kyrIOHandle handle, const TSoftware& software) {
-    return ReportEachOf(software.modules, [handle](const TKernelModule& module) {
+    return ReportEach(software.modules.ValueOr({}), [handle](const TKernelModule& module) {
         return ReportEach(module.users, [&](const std::string& user) {
             return ReportAssociation(handle, "MOLTA_ModuleDependency", "Antecedent", PathOf(module), "Dependent",
                                      TInstancePath{kModule, {{"Name", user}}});
@@ -77,25 +71,29 @@ kyrStatusCode ReportModuleDependencies(kyrIOHandle handle, const TSoftware& soft
 }
 
 kyrStatusCode ReportHostedServices(kyrIOHandle handle, const TSoftware& software) {
-    return ReportEachOf(software.services, [handle](const TService& service) {
+    return ReportEach(software.services, [handle](const TService& service) {
         return ReportAssociation(handle, "MOLTA_HostedService", "Antecedent", ComputerSystem(), "Dependent",
                                  PathOf(service));
     });
 }
 
 kyrStatusCode ReportInstalledPackages(kyrIOHandle handle, const TSoftware& software) {
-    return ReportEachOf(software.packages, [handle](const TPackage& package) {
+    return ReportEach(software.packages.ValueOr({}), [handle](const TPackage& package) {
         return ReportAssociation(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
                                  PathOf(package));
     });
 }
 
+TListing Packages(const TSoftware& software) { return software.packageListing; }
+TListing Modules(const TSoftware& software) { return ListingOf(software.modules); }
+TListing Services(const TSoftware& software) { return software.serviceListing; }
+
 const TDataPlugin<TSoftware> gPlugin("software", ReadSoftware,
-                                     {{kPackage, ReportPackages},
-                                      {kModule, ReportModules},
-                                      {kService, ReportServices},
-                                      {"MOLTA_ModuleDependency", ReportModuleDependencies},
-                                      {"MOLTA_HostedService", ReportHostedServices},
-                                      {"MOLTA_InstalledPackage", ReportInstalledPackages}});
+                                     {{kPackage, ReportPackages, {Packages}},
+                                      {kModule, ReportModules, {Modules}},
+                                      {kService, ReportServices, {Services}},
+                                      {"MOLTA_ModuleDependency", ReportModuleDependencies, {Modules}},
+                                      {"MOLTA_HostedService", ReportHostedServices, {Services}},
+                                      {"MOLTA_InstalledPackage", ReportInstalledPackages, {Packages}}});
 
 }  // namespace

@@ -71,7 +71,7 @@ void ReadEntry(const TSystemRoot& root, TDeviceEntry entry, TStorage& storage) {
 }  // namespace
 
 void ReadBlockDevices(const TSystemRoot& root, TStorage& storage) {
-    storage.deviceNames = root.List("/sys/class/block");
+    storage.deviceNames = root.ListKind("/sys/class/block");
     for (const std::string& name : storage.deviceNames.ValueOr({})) {
         const std::string link = "/sys/class/block/" + name;
         ReadEntry(root, {name, link + "/", root.ReadLink(link).ValueOr(""), TUdevRecord()}, storage);

@@ -105,7 +105,6 @@ TInstancePath PathOf(const TDeviceKey& device) {
 }
 
 kyrStatusCode ReportDisks(kyrIOHandle handle, const TStorage& storage) {
-    LogIfAbsent(kDisk, storage.deviceNames);
     return ReportEach(handle, storage.disks, ReportDisk);
 }
 

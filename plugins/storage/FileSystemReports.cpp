@@ -57,7 +57,6 @@ kyrStatusCode ReportFileSystems(kyrIOHandle handle, const TStorage& storage) {
 }
 
 kyrStatusCode ReportMounts(kyrIOHandle handle, const TStorage& storage) {
-    LogIfAbsent(kMount, storage.mounts);
     return ReportEach(storage.mounts.ValueOr({}),
                       [&](const TMount& mount) { return ReportMount(handle, mount, storage.mounts.source); });
 }

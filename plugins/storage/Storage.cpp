@@ -15,6 +15,7 @@ TStorage ReadStorage(const TSystemRoot& root) {
     ReadBlockDevices(root, storage);
     ReadFileSystems(root, storage);
     ReadSwaps(root, storage);
+    storage.busListing = ReadBusListing(root);
     return storage;
 }
 

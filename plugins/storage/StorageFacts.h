@@ -146,6 +146,8 @@ struct TStorage {
     std::vector<TFileSystem> fileSystems;
     TFact<std::vector<TMount>> mounts;
     std::vector<TSwap> swaps;
+    TListing swapListing;
+    TListing busListing;  ///< of the devices that disks are reached by
     TFact<std::vector<std::string>> deviceNames;
 };
 

@@ -12,7 +12,9 @@ std::string PathIn(std::string_view line) {
 }  // namespace
 
 void ReadSwaps(const TSystemRoot& root, TStorage& storage) {
-    const std::string text = root.ReadFile("/proc/swaps").ValueOr("");
+    const TFact<std::string> file = root.ReadFile("/proc/swaps");
+    storage.swapListing = ListingOf(file);
+    const std::string text = file.ValueOr("");
     std::map<std::string, std::string> names;
     for (const TBlockDevice* const device : EnumerateDevices(storage))
         for (const std::string& path : device->paths) names.emplace(path, device->name);

@@ -57,6 +57,7 @@ TFact<std::string> FindMachineTypeModel(const TSystemFacts& facts) {
 }  // namespace
 
 void ReadDmi(const TSystemRoot& root, TSystemFacts& facts) {
+    facts.dmiListing = ListingOf(root.ListKind("/sys/class/dmi/id", "/sys/class/dmi"));
     facts.manufacturer = ReadField(root, "sys_vendor");
     facts.productName = ReadField(root, "product_name");
     facts.productVersion = ReadField(root, "product_version");

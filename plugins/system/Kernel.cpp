@@ -49,6 +49,8 @@ void ReadKernel(const TSystemRoot& root, TSystemFacts& facts) {
         ReadUname(facts);
     else
         ReadKernelFiles(root, facts);
-    facts.bootTime = root.ReadFile("/proc/stat").Map(FindBootTime);
+    const TFact<std::string> statistics = root.ReadFile("/proc/stat");
+    facts.kernelListing = ListingOf(statistics);
+    facts.bootTime = statistics.Map(FindBootTime);
     facts.upTime = root.ReadText("/proc/uptime").Map(ParseUpTime);
 }

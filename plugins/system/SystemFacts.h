@@ -45,6 +45,10 @@ struct TSystemFacts {
     TFact<int64_t> bootTime;  ///< seconds since 1970
     TFact<uint64_t> upTime;   ///< in seconds
     bool isRunning = false;   ///< the running machine, not a recorded one
+
+    TListing dmiListing;
+    TListing osReleaseListing;
+    TListing kernelListing;
 };
 
 TSystemFacts ReadSystem(const TSystemRoot& root);

@@ -111,10 +111,7 @@ kyrStatusCode ReportComputerSystem(kyrIOHandle handle, const TSystemFacts& facts
 }
 
 kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& facts) {
-    if (!HasOperatingSystem(facts)) {
-        LogIfMissing(kOperatingSystem, facts.osName);
-        return kyrStatusOK;
-    }
+    if (!HasOperatingSystem(facts)) return kyrStatusOK;
     TInstanceReport report(handle, OperatingSystemPath(facts));
     AddTexts(report, kOperatingSystemTexts, facts);
     report.Set("OSType", kOSTypeLinux);
@@ -125,10 +122,7 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
 }
 
 kyrStatusCode ReportBios(kyrIOHandle handle, const TSystemFacts& facts) {
-    if (!HasBios(facts)) {
-        LogIfAbsent(kBiosElement, facts.biosVendor);
-        return kyrStatusOK;
-    }
+    if (!HasBios(facts)) return kyrStatusOK;
     TInstanceReport report(handle, {kBiosElement, {{"Name", "System firmware"}, {"SoftwareElementID", "0"}}});
     AddTexts(report, kBiosTexts, facts);
     AddTimestamp(report, "ReleaseDate", facts.biosDate);
@@ -141,10 +135,7 @@ std::string BoardCaption(const TSystemFacts& facts) {
 }
 
 kyrStatusCode ReportBoard(kyrIOHandle handle, const TSystemFacts& facts) {
-    if (!HasBoard(facts)) {
-        LogIfAbsent(kBaseBoard, facts.boardVendor);
-        return kyrStatusOK;
-    }
+    if (!HasBoard(facts)) return kyrStatusOK;
     TInstanceReport report(handle, BoardPath());
     report.Set("Caption", BoardCaption(facts));
     AddTexts(report, kBoardTexts, facts);
@@ -170,13 +161,19 @@ kyrStatusCode ReportSystemBoard(kyrIOHandle handle, const TSystemFacts& facts) {
     return ReportAssociation(handle, kSystemBoard, "GroupComponent", ComputerPath(facts), "PartComponent", BoardPath());
 }
 
+TListing Dmi(const TSystemFacts& facts) { return facts.dmiListing; }
+TListing Bios(const TSystemFacts& facts) { return UnlessUnreadable(facts.biosVendor); }
+TListing Board(const TSystemFacts& facts) { return UnlessUnreadable(facts.boardVendor); }
+TListing OsRelease(const TSystemFacts& facts) { return facts.osReleaseListing; }
+TListing KernelStatistics(const TSystemFacts& facts) { return facts.kernelListing; }
+
 const TDataPlugin<TSystemFacts> gPlugin("system", ReadSystem,
-                                        {{kComputerSystem, ReportComputerSystem},
-                                         {kOperatingSystem, ReportOperatingSystem},
-                                         {kBiosElement, ReportBios},
-                                         {kBaseBoard, ReportBoard},
-                                         {kProduct, ReportProduct},
-                                         {kInstalledOs, ReportInstalledOs},
-                                         {kSystemBoard, ReportSystemBoard}});
+                                        {{kComputerSystem, ReportComputerSystem, {Dmi}},
+                                         {kOperatingSystem, ReportOperatingSystem, {OsRelease, KernelStatistics}},
+                                         {kBiosElement, ReportBios, {Dmi, Bios}},
+                                         {kBaseBoard, ReportBoard, {Dmi, Board}},
+                                         {kProduct, ReportProduct, {}},
+                                         {kInstalledOs, ReportInstalledOs, {OsRelease, KernelStatistics}},
+                                         {kSystemBoard, ReportSystemBoard, {Dmi, Board}}});
 
 }  // namespace

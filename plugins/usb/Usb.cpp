@@ -90,10 +90,11 @@ void FillNames(const THardwareIds& names, TUsbDevice& device) {
 }  // namespace
 
 TUsbFacts ReadUsb(const TSystemRoot& root) {
-    const TFact<std::vector<std::string>> list = root.List("/sys/bus/usb/devices");
+    const TFact<std::vector<std::string>> list = root.ListKind("/sys/bus/usb/devices", "/sys/bus/usb");
     const std::vector<std::string> entries = list.ValueOr({});
     TUsbFacts facts;
     facts.listing = ListingOf(list);
+    facts.busListing = ReadBusListing(root);
     THardwareIds names;
     for (const std::string& entry : entries) {
         if (entry.find(':') != std::string::npos) continue;

@@ -47,6 +47,7 @@ struct TUsbDevice {
 struct TUsbFacts {
     std::vector<TUsbDevice> devices;
     TListing listing;
+    TListing busListing;  ///< of the controllers
 };
 
 TUsbFacts ReadUsb(const TSystemRoot& root);

@@ -81,7 +81,6 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TUsbDevice& device) {
 }
 
 kyrStatusCode ReportDevices(kyrIOHandle handle, const TUsbFacts& facts) {
-    LogIfAbsent(kDevice, facts.listing);
     return ReportEach(handle, facts.devices, ReportDevice);
 }
 
@@ -105,10 +104,13 @@ kyrStatusCode ReportControllerHubs(kyrIOHandle handle, const TUsbFacts& facts) {
     });
 }
 
+TListing Devices(const TUsbFacts& facts) { return facts.listing; }
+TListing Buses(const TUsbFacts& facts) { return facts.busListing; }
+
 const TDataPlugin<TUsbFacts> gPlugin("usb", ReadUsb,
-                                     {{kDevice, ReportDevices},
-                                      {kSystemDevice, ReportSystemUsbDevices},
-                                      {kHubDevice, ReportHubDevices},
-                                      {kControllerHub, ReportControllerHubs}});
+                                     {{kDevice, ReportDevices, {Devices}},
+                                      {kSystemDevice, ReportSystemUsbDevices, {Devices}},
+                                      {kHubDevice, ReportHubDevices, {Devices}},
+                                      {kControllerHub, ReportControllerHubs, {Devices, Buses}}});
 
 }  // namespace

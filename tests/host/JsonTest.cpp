@@ -75,7 +75,7 @@ TEST_F(JsonTest, DocumentThatWasTamperedWithIsRefused) {
         {"\"state\": \"complete\"", "\"state\": \"good\""},
         {"\"reasonCode\": null", "\"reasonCode\": \"because\""},
         {"\"reason\": null,", ""},
-        {"\"version\": 2", "\"version\": 1"},
+        {"\"version\": 3", "\"version\": 2"},
         {"kyrcore/collection", "kyrcore/schema"},
     };
     const std::string document = Run("collect --json").out;

@@ -59,9 +59,8 @@ TEST(SoftwareReaderTest, ServicesTellHowTheyAreStartedAndWhetherTheyRun) {
     root.Write(slice + "udevd.service/cgroup.events", "populated 1\nfrozen 0\n");
     root.Write(slice + "system-my\\x2dgetty.slice/my-getty@tty1.service/cgroup.procs", "813\n");
     const auto services = ReadServices(TSystemRoot(root.Path()));
-    ASSERT_TRUE(services);
     std::vector<std::tuple<std::string, uint16_t, std::string, bool>> found;
-    for (const TService& service : *services)
+    for (const TService& service : services)
         found.emplace_back(service.name, *service.startMode, service.description.ValueOr(""), *service.running);
     EXPECT_THAT(found, ::testing::ElementsAre(std::tuple("cron.service", eEnabled, "Runs at times", false),
                                               std::tuple("lsb.service", eEnabled, "LSB: of a script", false),
