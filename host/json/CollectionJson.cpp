@@ -5,8 +5,10 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "model/CollectionState.h"
+#include "model/Provenance.h"
 #include "model/Qualifiers.h"
 #include "model/Values.h"
 #include "states/StateInstances.h"
@@ -81,10 +83,29 @@ private:
         WritePlain("plugin", state, "Plugin");
         WriteState(state);
         WriteTexts("missingSources", FindFilled(state, "MissingSources"));
+        WriteNullReasons(cls, !instances.empty());
         fJson.Key("instances");
         fJson.StartArray();
         for (const TCIMInstance* instance : instances) WriteInstance(*instance);
         fJson.EndArray();
+        fJson.EndObject();
+    }
+
+    // What a property without a value means in each instance whose UnavailableValues does not say it.
+    void WriteNullReasons(const TCIMClass& cls, bool hasInstances) {
+        fJson.Key("nullReasons");
+        fJson.StartObject();
+        for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls())
+            if (const std::string meaning = NullMeaningOf(*declaration); hasInstances && !meaning.empty())
+                WriteNullReason(declaration->GetName(), meaning);
+        fJson.EndObject();
+    }
+
+    void WriteNullReason(const std::string& property, const std::string& meaning) {
+        fJson.Key(property.c_str());
+        fJson.StartObject();
+        WriteText(fJson, "reasonCode", WordFor(CodeOfAbsence(meaning), fContainer));
+        WriteText(fJson, "reason", meaning);
         fJson.EndObject();
     }
 

@@ -32,6 +32,7 @@ const std::vector<TJsonDefinition> kJsonDefinitions = {
     {"facts",
      R"({"type": "object", "propertyNames": {"pattern": "^[a-z][A-Za-z]*$"},
          "additionalProperties": {"$ref": "#/definitions/fact"}})"},
+    {"nullReasons", R"({"type": "object", "additionalProperties": {"$ref": "#/definitions/nullReason"}})"},
     {"qualifiers", R"({"type": "object", "additionalProperties": {"$ref": "#/definitions/qualifier"}})"},
 };
 
@@ -65,8 +66,10 @@ const std::vector<TJsonShape> kJsonShapes = {
       {"reason", "maybeText"},
       {"log", "text[]"},
       {"missingSources", "text[]"},
+      {"nullReasons", "nullReasons"},
       {"instances", "any[]"}},
      TJsonShape::eByClass},
+    {"nullReason", {{"reasonCode", "reasonCode"}, {"reason", "text"}}},
     {"instanceName", {{"class", "className"}, {"path", "text"}}},
     {"identity", {{"schema", "text"}, {"version", "version2"}, {"facts", "facts"}}},
     {"fact", {{"label", "text"}, {"value", "maybeText"}, {"reasonCode", "reasonCode"}, {"reason", "maybeText"}}},

@@ -3,6 +3,8 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "model/Qualifiers.h"
 
 namespace {
 
@@ -27,27 +29,21 @@ std::vector<TEntry> EntriesOf(const TCIMInstance& instance, const char* companio
     return entries;
 }
 
-/// The words that plugins may use in UnavailableValues, alone or followed by ": source".
+/// The words that plugins may use in UnavailableValues and NullMeans, alone or followed by ": source" or ": text".
 struct TAbsenceWord {
     const char* word;
     EReason code;
 };
 
-constexpr TAbsenceWord kAbsenceWords[] = {{"not present", EReason::eNotPresent},
-                                          {"no permission", EReason::eNoPermission},
-                                          {"not supported", EReason::eNotSupported},
-                                          {"read error", EReason::eReadError}};
-
-EReason CodeOf(const std::string& word) {
-    for (const TAbsenceWord& each : kAbsenceWords)
-        if (each.word == word) return each.code;
-    return EReason::eNone;
-}
+constexpr TAbsenceWord kAbsenceWords[] = {
+    {"not present", EReason::eNotPresent},      {"no permission", EReason::eNoPermission},
+    {"not supported", EReason::eNotSupported},  {"read error", EReason::eReadError},
+    {"does not apply", EReason::eDoesNotApply}, {"not reported", EReason::eNotReported}};
 
 TReason AbsenceIn(const TEntry& entry, const TCIMInstance& instance) {
     const size_t colon = entry.note.find(": ");
     TReason reason;
-    reason.code = CodeOf(entry.note.substr(0, colon));
+    reason.code = CodeOfAbsence(entry.note);
     reason.className = instance.GetClass()->GetName();
     reason.property = entry.property;
     if (colon != std::string::npos) reason.file = entry.note.substr(colon + 2);
@@ -61,6 +57,15 @@ std::vector<TReason> AbsencesOf(const TCIMInstance& instance) {
     for (const TEntry& entry : EntriesOf(instance, "UnavailableValues"))
         if (const TReason reason = AbsenceIn(entry, instance)) reasons.push_back(reason);
     return reasons;
+}
+
+std::string NullMeaningOf(const TCIMPropertyDecl& declaration) { return QualifierText(declaration, "NullMeans"); }
+
+EReason CodeOfAbsence(const std::string& text) {
+    const std::string word = text.substr(0, text.find(": "));
+    for (const TAbsenceWord& each : kAbsenceWords)
+        if (each.word == word) return each.code;
+    return EReason::eNone;
 }
 
 TProvenance::TProvenance(const TCIMInstance& instance)

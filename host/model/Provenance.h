@@ -9,10 +9,17 @@
 #include "model/Reason.h"
 
 class TCIMInstance;
+class TCIMPropertyDecl;
 
 /// Why properties of the instance have no value: the entries of its property UnavailableValues, in their order. Entries
-/// that do not use one of the four wordings in that property's description are left out.
+/// that do not use one of the wordings in that property's description are left out.
 std::vector<TReason> AbsencesOf(const TCIMInstance& instance);
+
+/// Why an instance has no value for the property, if its UnavailableValues does not say: the qualifier NullMeans, such
+/// as "does not apply: it is no VLAN". Empty if the property has none.
+std::string NullMeaningOf(const TCIMPropertyDecl& declaration);
+/// The code for such a text, by its first words; eNone if they are none of the known ones.
+EReason CodeOfAbsence(const std::string& text);
 
 /// The instance's properties ValueSources and UnavailableValues, which say for other properties where the value was
 /// read, and why there is none.

@@ -46,6 +46,7 @@ constexpr TWording kWordings[] = {
     {EReason::eNotReported, "this machine does not tell it"},
     {EReason::eNotCollected, "nothing was collected that tells it"},
     {EReason::eBadFormat, "what this machine tells is not in the expected form"},
+    {EReason::eDoesNotApply, "does not apply{: file}"},
     {EReason::eInstancesLost, "{detail} instances are in the file"},
 };
 

@@ -50,6 +50,7 @@ enum class EReason : uint16_t {
     eNotReported = 54,
     eNotCollected = 55,
     eBadFormat = 56,
+    eDoesNotApply = 57,
     // A saved file
     eInstancesLost = 60,
 };

@@ -95,6 +95,7 @@ public:
 
     void Print() const {
         PrintHead();
+        if (fOptions.provenance && fInstances.size() > 1) PrintNullMeanings();
         for (const TCIMInstance* instance : fInstances) {
             if (instance != fInstances.front()) fOutput.Write("\n");
             PrintInstance(*instance);
@@ -129,6 +130,29 @@ private:
         fOutput.Write("\n");
     }
 
+    // Once for the class, since most have the same reason. An instance with another one says so itself.
+    void PrintNullMeanings() const {
+        std::vector<std::string> names;
+        for (const std::string& name : fFields)
+            if (std::any_of(fInstances.begin(), fInstances.end(),
+                            [&name](const TCIMInstance* instance) { return IsUnexplained(*instance, name); }))
+                names.push_back(name);
+        if (names.empty()) return;
+        fOutput.Write("  Why some have no value:\n");
+        for (const std::string& name : names) PrintLines(name, WrapText(NullMeaning(name), fValueWidth), "");
+        fOutput.Write("\n");
+    }
+
+    static bool IsUnexplained(const TCIMInstance& instance, const std::string& name) {
+        return !HasValue(instance, name) && TProvenance(instance).AbsenceOf(name).empty();
+    }
+
+    std::string NullMeaning(const std::string& name) const {
+        const TCIMPropertyDecl* const declaration = fClass.FindPropertyDecl(name);
+        const std::string meaning = declaration == nullptr ? "" : NullMeaningOf(*declaration);
+        return meaning.empty() ? "no reason is given" : meaning;
+    }
+
     void PrintInstance(const TCIMInstance& instance) const {
         const std::optional<TProvenance> provenance =
             fOptions.provenance ? std::optional<TProvenance>(instance) : std::nullopt;
@@ -144,7 +168,8 @@ private:
             const std::string source = provenance == nullptr ? "" : provenance->SourceOf(name);
             return PrintLines(name, ValueLines(property, fOptions.raw, fValueWidth), VisibleText(source));
         }
-        const std::string absence = provenance == nullptr ? "" : provenance->AbsenceOf(name);
+        std::string absence = provenance == nullptr ? "" : provenance->AbsenceOf(name);
+        if (absence.empty() && provenance != nullptr && fInstances.size() == 1) absence = NullMeaning(name);
         if (!absence.empty())
             PrintLines(name, WrapText("not available (" + VisibleText(absence) + ")", fValueWidth), "");
         else if (fOptions.null)

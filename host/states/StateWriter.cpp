@@ -127,8 +127,7 @@ private:
 
 // Removes state instances that a plugin or its document has made: only the host may say how complete a collection is.
 void RemoveStates(const TContainer& container) {
-    for (TCIMClass* const cls : container.GetClass(kStateClass)->EnumerateSubClasses(true))
-        RemoveInstances(*cls);
+    for (TCIMClass* const cls : container.GetClass(kStateClass)->EnumerateSubClasses(true)) RemoveInstances(*cls);
 }
 
 }  // namespace

@@ -13,6 +13,16 @@ std::string Caption(const TAdapter& adapter) {
     return adapter.kind ? adapter.name + " (" + *adapter.kind + ')' : adapter.name;
 }
 
+/// Notes for each property why the fact that decides on it is missing.
+template <typename T, size_t count>
+void AddAbsences(TInstanceReport& report, const char* const (&properties)[count], const TFact<T>& fact) {
+    for (const char* const property : properties)
+        if (!fact) report.Add(property, fact);
+}
+
+constexpr const char* kTableProperties[] = {"ElementName", "Kind", "VLANID"};
+constexpr const char* kDeviceProperties[] = {"Driver", "Bus", "BusID", "Wireless"};
+
 void AddIdentity(TInstanceReport& report, const TAdapter& adapter) {
     report.Set("Name", adapter.name);
     report.Set("Caption", Caption(adapter));
@@ -22,6 +32,7 @@ void AddIdentity(TInstanceReport& report, const TAdapter& adapter) {
     report.Add("Virtual", adapter.isVirtual);
     if (adapter.kind) report.Set("Kind", *adapter.kind);
     if (adapter.vlan) report.Set("VLANID", *adapter.vlan);
+    AddAbsences(report, kTableProperties, adapter.linkTable);
 }
 
 void AddLink(TInstanceReport& report, const TAdapter& adapter) {
@@ -48,6 +59,7 @@ kyrStatusCode ReportAdapter(kyrIOHandle handle, const TAdapter& adapter) {
     AddIdentity(report, adapter);
     AddLink(report, adapter);
     if (adapter.device) AddDevice(report, adapter);
+    AddAbsences(report, kDeviceProperties, adapter.isVirtual);
     for (size_t i = 0; i < eCounters; ++i) report.Add(kCounterNames[i], adapter.counters[i]);
     return report.Finish();
 }

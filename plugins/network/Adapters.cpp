@@ -87,6 +87,9 @@ std::vector<TAdapter> ReadAdapters(const TSystemRoot& root, const TFact<std::str
     std::stable_sort(adapters.begin(), adapters.end(), [](const TAdapter& a, const TAdapter& b) {
         return a.index.ValueOr(UINT32_MAX) < b.index.ValueOr(UINT32_MAX);
     });
-    for (TAdapter& adapter : adapters) ReadDevice(root, adapter);
+    for (TAdapter& adapter : adapters) {
+        adapter.linkTable = ListingOf(table);
+        ReadDevice(root, adapter);
+    }
     return adapters;
 }

@@ -42,6 +42,7 @@ struct TAdapter {
     TFact<bool> carrier;
     TFact<uint16_t> operationalState;  ///< ifOperStatus of RFC 2863, less one
     std::array<TFact<uint64_t>, eCounters> counters;
+    TListing linkTable;  ///< the kernel's table, which alone has alias, kind and VLAN
     std::optional<std::string> alias;
     std::optional<std::string> kind;  ///< of a software device: "bridge", "vlan"
     std::optional<uint16_t> vlan;

@@ -132,7 +132,10 @@ kyrStatusCode ReportThread(kyrIOHandle handle, const TThread& thread) {
     TInstanceReport report(handle, ThreadPath(thread));
     report.Add("EnabledState",
                thread.isOnline.Map([](bool isOnline) { return std::optional(isOnline ? kEnabled : kDisabled); }));
-    if (thread.core) report.Add("CurrentClockSpeed", thread.clock);
+    if (thread.core)
+        report.Add("CurrentClockSpeed", thread.clock);
+    else if (!thread.isOnline)
+        report.Add("CurrentClockSpeed", thread.isOnline);
     return report.Finish();
 }
 

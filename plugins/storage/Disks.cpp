@@ -87,7 +87,7 @@ TFact<uint32_t> RotationRateOf(const TUdevRecord& udev) {
     TFact<uint32_t> rate = udev.FindOptional("ID_ATA_ROTATION_RATE_RPM").Map([](const std::string& text) {
         return ParseNumber<uint32_t>(text);
     });
-    if (!rate || *rate == 0) rate = {};
+    if (rate && *rate == 0) rate = {};
     return rate;
 }
 

@@ -17,7 +17,7 @@ void AddSpaces(const TFileSystem& fileSystem, TInstanceReport& report) {
         AddSpace(space, &TSpace::used, "UsedSpace", report);
         AddSpace(space, &TSpace::available, "AvailableSpace", report);
     }
-    if (!space || space->inodes == 0) return;
+    if (space && space->inodes == 0) return;
     AddSpace(space, &TSpace::inodes, "Inodes", report);
     AddSpace(space, &TSpace::freeInodes, "FreeInodes", report);
 }

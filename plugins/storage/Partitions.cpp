@@ -76,8 +76,11 @@ TPartition ReadPartition(const TSystemRoot& root, TDeviceEntry& entry, TFact<uin
     partition.type = entry.udev.Find("ID_PART_ENTRY_TYPE");
     if (const char* const name = FindPartitionTypeName(partition.type.ValueOr("")))
         partition.typeName = TFact<std::string>::Of(name, partition.type.source);
+    else if (!partition.type)
+        partition.typeName = partition.type;
     partition.partitionName = entry.udev.FindOptional("ID_PART_ENTRY_NAME");
-    if (!partition.partitionName) partition.partitionName = ReadKernelName(root, entry.folder);
+    if (!partition.partitionName)
+        if (TFact<std::string> name = ReadKernelName(root, entry.folder)) partition.partitionName = std::move(name);
     partition.uuid = entry.udev.Find("ID_PART_ENTRY_UUID");
     return partition;
 }

@@ -36,6 +36,16 @@ bool IsDescribed(const TCarrier& carrier) {
     return description != nullptr && !description->GetValue().IsNull();
 }
 
+/// Whether the text of NullMeans, if there is one, begins with a word for the reason.
+bool IsReasonGiven(const TCIMPropertyDecl& property) {
+    const TCIMQualifier* const meaning = property.FindQualifier("NullMeans");
+    if (meaning == nullptr) return true;
+    const std::string text = meaning->GetValue();
+    for (const char* reason : {"does not apply: ", "not present: ", "not reported: "})
+        if (text.rfind(reason, 0) == 0) return true;
+    return false;
+}
+
 /// What is wrong with a property; empty if nothing.
 std::string Fault(const TCIMPropertyDecl& property) {
     const std::vector<std::string> map = Texts(property, "ValueMap"), values = Texts(property, "Values");
@@ -44,6 +54,7 @@ std::string Fault(const TCIMPropertyDecl& property) {
     if (HasRepeats(map) || HasRepeats(values)) return "a value or a word stands twice";
     if (IsNumeric(property) && map.empty() && property.FindQualifier("Units") == nullptr)
         return "a number with neither Units nor ValueMap";
+    if (!IsReasonGiven(property)) return "NullMeans does not begin with a reason";
     return "";
 }
 

@@ -86,6 +86,7 @@ TEST_P(GoldenTest, MachineIsToldAsExpected) {
     if (std::getenv("KYR_RENEW_GOLDENS") != nullptr) std::ofstream(expected) << ReadFile(actual);
     const TRunResult difference = RunShell("diff -u " + expected + ' ' + actual);
     EXPECT_EQ(difference.status, 0) << difference.out << difference.err;
+    EXPECT_EQ(CountIn(ReadFile(actual), "no reason is given"), 0u) << "a value is missing without a reason";
 }
 
 TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
