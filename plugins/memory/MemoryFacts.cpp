@@ -94,7 +94,7 @@ std::vector<TSwapArea> ParseSwaps(const TFact<std::string>& swaps) {
 }
 
 TMemoryFacts ReadMemory(const TSystemRoot& root) {
-    const TFact<std::string> swaps = root.ReadFile("/proc/swaps");
+    const TFact<std::string> swaps = NeverEmpty(root.ReadFile("/proc/swaps"));
     const TFact<std::string> table = ReadSmbiosTable(root);
     return {ParseMeminfo(root.ReadFile("/proc/meminfo")), ParseSwaps(swaps), ParseMemoryHardware(table),
             ListingOf(swaps), SmbiosListing(root, table)};

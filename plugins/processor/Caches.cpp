@@ -38,11 +38,16 @@ private:
             if (fSeen.count({index, thread.number}) > 0) continue;
             const std::string folder = CpuFile(thread.number, "cache/index" + std::to_string(index) + "/");
             const TFact<uint16_t> level = fRoot.ReadNumber<uint16_t>(folder + "level");
-            if (index == 0) fFacts.cacheListing = UnlessUnreadable(level);
+            if (index == 0 && !level) fFacts.cacheListing = ListingWithout(level, CpuFile(thread.number, "cache"));
             if (!level) return;
             fFacts.caches.push_back(ReadCache(thread, index, folder));
             fFacts.caches.back().level = level;
         }
+    }
+
+    // Processors of virtual machines often show no caches, and then have no folder of them.
+    TListing ListingWithout(const TFact<uint16_t>& level, const std::string& folder) const {
+        return fRoot.Exists(folder) ? ListingOf(NeverEmpty(fRoot.List(folder))) : UnlessUnreadable(level);
     }
 
     TCache ReadCache(const TThread& thread, uint32_t index, const std::string& folder) {

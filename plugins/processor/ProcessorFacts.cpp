@@ -105,7 +105,7 @@ void ReadVulnerabilities(const TSystemRoot& root, TProcessorFacts& facts) {
 
 TProcessorFacts ReadProcessors(const TSystemRoot& root) {
     TProcessorFacts facts;
-    const TFact<std::string> file = root.ReadFile("/proc/cpuinfo");
+    const TFact<std::string> file = NeverEmpty(root.ReadFile("/proc/cpuinfo"));
     const TCpuInfo info(file);
     facts.cpuInfoListing = ListingOf(file);
     facts.cpuListing = ListingOf(NeverEmpty(root.ListKind("/sys/devices/system/cpu")));

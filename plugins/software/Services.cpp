@@ -18,6 +18,14 @@ constexpr const char* kEnablingFolders[] = {kAdministratorFolder, "/run/systemd/
 constexpr const char* kSlice = "/sys/fs/cgroup/system.slice";
 constexpr const char* kOldSlice = "/sys/fs/cgroup/systemd/system.slice";
 
+constexpr const char* kInit = "/sbin/init";
+
+// Whether systemd starts the system.
+bool IsSystemd(const TSystemRoot& root) {
+    if (root.ReadLinkName(kInit).ValueOr("") == "systemd") return true;
+    return root.Exists("/usr/lib/systemd/systemd") || root.Exists("/lib/systemd/systemd");
+}
+
 bool IsService(std::string_view name) { return EndsWith(name, ".service") && !EndsWith(name, "@.service"); }
 
 // The path of a unit file, which may be a dangling link; empty if there is none.
@@ -149,10 +157,9 @@ std::vector<TService> ReadServices(const TSystemRoot& root) {
 TListing ReadServiceListing(const TSystemRoot& root) {
     TFact<std::vector<std::string>> units = root.List(kVendorFolder);
     if (!units && units.absence == EAbsence::eNotPresent) units = root.List(kOldVendorFolder);
-    const bool hasSystemd = root.Exists("/usr/lib/systemd/systemd") || root.Exists("/lib/systemd/systemd");
-    if (hasSystemd && units) units = root.List(kAdministratorFolder);
-    if (hasSystemd || units || units.absence != EAbsence::eNotPresent) return ListingOf(NeverEmpty(units));
-    if (root.Exists("/sbin/init")) return TListing::Missing(EAbsence::eNotSupported, "services of /sbin/init");
+    if (IsSystemd(root) && units && !units->empty()) units = root.List(kAdministratorFolder);
+    if (IsSystemd(root) || units || units.absence != EAbsence::eNotPresent) return ListingOf(NeverEmpty(units));
+    if (root.Exists(kInit)) return TListing::Missing(EAbsence::eNotSupported, std::string("services of ") + kInit);
     // A container often has no service manager at all.
     const bool hasNone = root.Exists("/usr/lib") || root.Exists("/usr/share");
     return hasNone ? TListing::Of(true, kVendorFolder) : TListing::Missing(EAbsence::eNotPresent, kVendorFolder);

@@ -55,7 +55,9 @@ void MarkCovered(std::vector<TMount>& mounts) {
 }  // namespace
 
 TFact<std::vector<TMount>> ReadMounts(const TSystemRoot& root) {
-    return root.ReadFile(kMounts).Map([](const std::string& text) { return std::optional(ParseMounts(text)); });
+    return NeverEmpty(root.ReadFile(kMounts)).Map([](const std::string& text) {
+        return std::optional(ParseMounts(text));
+    });
 }
 
 std::vector<TMount> ParseMounts(std::string_view text) {

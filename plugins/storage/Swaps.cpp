@@ -12,7 +12,7 @@ std::string PathIn(std::string_view line) {
 }  // namespace
 
 void ReadSwaps(const TSystemRoot& root, TStorage& storage) {
-    const TFact<std::string> file = root.ReadFile("/proc/swaps");
+    const TFact<std::string> file = NeverEmpty(root.ReadFile("/proc/swaps"));
     storage.swapListing = ListingOf(file);
     const std::string text = file.ValueOr("");
     std::map<std::string, std::string> names;

@@ -49,7 +49,7 @@ void ReadKernel(const TSystemRoot& root, TSystemFacts& facts) {
         ReadUname(facts);
     else
         ReadKernelFiles(root, facts);
-    const TFact<std::string> statistics = root.ReadFile("/proc/stat");
+    const TFact<std::string> statistics = NeverEmpty(root.ReadFile("/proc/stat"));
     facts.kernelListing = ListingOf(statistics);
     facts.bootTime = statistics.Map(FindBootTime);
     facts.upTime = root.ReadText("/proc/uptime").Map(ParseUpTime);
