@@ -1,5 +1,7 @@
 #include "saved/CimXmlWriter.h"
 
+#include <utf8proc.h>
+
 #include <charconv>
 #include <cmath>
 
@@ -32,27 +34,41 @@ bool CanBeKeyOf(const TCIMClass& cls, const std::string& name, const TCIMValue& 
            !value.IsNull() && !value.IsArray();
 }
 
-// Control characters are escaped too: XML readers turn a plain CR into LF, and refuse most of the others.
 bool NeedsNoEscape(unsigned char c) {
     return (c >= ' ' && c != '<' && c != '&' && c != '>' && c != 0x7f) || c == '\t' || c == '\n';
 }
 
+// How many bytes at the start of the text can be copied as they are: those of its first character, or 0.
+size_t PlainLength(std::string_view text) {
+    if (static_cast<unsigned char>(text[0]) < 0x80) return NeedsNoEscape(static_cast<unsigned char>(text[0])) ? 1 : 0;
+    utf8proc_int32_t character = 0;
+    const auto bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+    const utf8proc_ssize_t length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &character);
+    const bool isInXml = character != 0xfffe && character != 0xffff;
+    return length > 0 && isInXml ? static_cast<size_t>(length) : 0;
+}
+
+// The core's reader makes a byte of a numeric reference: its number modulo 256. Other readers make the character of
+// that number, and refuse control characters. So a byte that is no UTF-8 is written as the character of its number,
+// and a control character as its picture (U+2400 and following), which has the same number modulo 256.
 std::string EscapeXml(unsigned char c) {
+    constexpr unsigned int kControlPictures = 0x2400;
     if (c == '<') return "&lt;";
     if (c == '&') return "&amp;";
     if (c == '>') return "&gt;";
-    return "&#" + std::to_string(c) + ";";
+    return "&#" + std::to_string(c < ' ' && c != '\r' ? kControlPictures + c : c) + ";";
 }
 
-// Bytes above 127 are copied, whether they are valid UTF-8 or not, so that the core's reader gets the same bytes back.
-// NUL cannot be written in XML at all; Text() refuses it before.
+// NUL cannot be written at all; Text() refuses it before.
 void AppendXmlText(std::string& target, std::string_view text) {
     size_t done = 0;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        if (NeedsNoEscape(c)) continue;
-        target.append(text, done, i - done).append(EscapeXml(c));
-        done = i + 1;
+    for (size_t i = 0; i < text.size();) {
+        if (const size_t length = PlainLength(text.substr(i)); length != 0) {
+            i += length;
+            continue;
+        }
+        target.append(text, done, i - done).append(EscapeXml(static_cast<unsigned char>(text[i])));
+        done = ++i;
     }
     target.append(text, done);
 }

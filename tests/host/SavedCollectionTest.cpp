@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 
 #include "base/ExitStatus.h"
@@ -189,6 +190,37 @@ TEST_F(SavedCollectionTest, WhatIsNoCollectionIsRefusedByFileAndCause) {
     }
     EXPECT_EQ(ErrorOf(eExitNothing, [&] { ReadCollection("/no.xml", fContainer); }),
               "cannot read the collection '/no.xml': No such file or directory");
+}
+
+// Text that XML cannot hold as it is: the core's reader gets the same bytes back, and others a document that is valid.
+TEST_F(SavedCollectionTest, AnyTextIsReadByOtherParsersToo) {
+    std::string all;
+    for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
+    const std::pair<std::string, std::string> cases[] = {
+        {"\x01\x1f\r\x7f", "\xe2\x90\x81\xe2\x90\x9f\r\x7f"},
+        {"a\xe4"
+         "b",
+         "a\xc3\xa4"
+         "b"},
+        {"\xc3\xa4 \xf0\x9f\x98\x80", "\xc3\xa4 \xf0\x9f\x98\x80"},
+        {"\xef\xbf\xbe\xc0\x80\xed\xa0\x80\xe2\x82", ""},  // no character, too long, a surrogate, cut off
+        {all, ""},
+    };
+    for (const auto& [text, others] : cases) {
+        TCIMClass& cls = fSchema.AddClass("A", {{"Id", TCIMValue("default " + text), {"Key"}}});
+        fSchema.AddInstance(cls, {{"Id", TCIMValue(text)}});
+        SaveCollection(fContainer, fPath, false);
+        TContainer read;
+        ReadCollection(fPath, read);
+        EXPECT_EQ(TextOf(read), TextOf(fContainer));
+        const std::string program =
+            "import sys, xml.etree.ElementTree as t\n"
+            "sys.stdout.buffer.write(t.parse(sys.argv[1]).find('.//INSTANCE//VALUE').text.encode())";
+        const std::string out = fFolder.Path() + "/out";
+        ASSERT_EQ(std::system(("python3 -c \"" + program + "\" " + fPath + " >" + out).c_str()), 0);
+        EXPECT_THAT(ReadFile(out), others.empty() ? Not(IsEmpty()) : testing::Matcher<std::string>(others));
+        fContainer.RemoveClass(cls);
+    }
 }
 
 TEST(DocumentProbeTest, NamesTheDocumentsThatWouldHarmItsReader) {
