@@ -1,8 +1,10 @@
 #include "inventory/Inventory.h"
 
+#include <exception>
 #include <utility>
 
 #include "base/CoreLog.h"
+#include "base/Output.h"
 #include "inventory/Session.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
@@ -44,6 +46,13 @@ public:
 
     TContainer& Container() { return fContainer; }
 
+    EExit Conclude() const {
+        const EExit status = ReportIncomplete(fContainer);
+        if (!fFileChange || status != eExitComplete) return status;
+        PrintDiagnostic(SentenceOf(fFileChange));
+        return eExitPartial;
+    }
+
     void Run(const TClassSelection& wanted) {
         if (std::exchange(fRun, true)) return;
         if (fSession)
@@ -55,13 +64,24 @@ public:
 private:
     void ReadFile(const std::string& path) {
         TPluginManager::Initialize(".");
-        ReadCollection(path, fContainer);
+        fFileChange = ReadCollection(path, fContainer);
         CheckInstanceCounts(fContainer);
+        if (fFileChange) KeepFileChange();
+    }
+
+    // What is left of a damaged schema may take no states; Conclude tells of the change all the same.
+    void KeepFileChange() {
+        const TLogCapture capture;
+        try {
+            StoreFileChange(fContainer, fFileChange);
+        } catch (const std::exception&) {
+        }
     }
 
     const TCoreLog fLog;
     TPluginContainer& fContainer;
     std::unique_ptr<TSession> fSession;
+    TReason fFileChange;  // why a file is not as it was saved
     bool fRun = false;
 };
 
@@ -70,4 +90,4 @@ TInventory::~TInventory() = default;
 TContainer& TInventory::Container() const { return fBody->Container(); }
 void TInventory::LoadPlugins() { fBody->Run(TClassSelection::SchemaOnly()); }
 void TInventory::Collect(const std::vector<std::string>& classes) { fBody->Run(WithoutStates(classes, Container())); }
-EExit TInventory::Conclude() const { return ReportIncomplete(Container()); }
+EExit TInventory::Conclude() const { return fBody->Conclude(); }

@@ -48,6 +48,7 @@ constexpr TWording kWordings[] = {
     {EReason::eBadFormat, "what this machine tells is not in the expected form"},
     {EReason::eDoesNotApply, "does not apply{: file}"},
     {EReason::eInstancesLost, "{detail} instances are in the file"},
+    {EReason::eFileChanged, "the file is not as it was saved{: detail}"},
 };
 
 struct TMember {

@@ -53,6 +53,7 @@ enum class EReason : uint16_t {
     eDoesNotApply = 57,
     // A saved file
     eInstancesLost = 60,
+    eFileChanged = 61,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

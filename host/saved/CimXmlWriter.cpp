@@ -1,6 +1,7 @@
 #include "saved/CimXmlWriter.h"
 
 #include <utf8proc.h>
+#include <zlib.h>
 
 #include <charconv>
 #include <cmath>
@@ -11,6 +12,7 @@
 #include "kyr/TContainer.h"
 #include "model/Qualifiers.h"
 #include "model/ValueVisitor.h"
+#include "saved/EndMark.h"
 
 namespace {
 
@@ -126,7 +128,10 @@ std::string TCimXmlWriter::NameOf(const TCIMClass& cls) const {
     throw TUnsavable("the class '" + cls.GetName() + "' is not in the collection under its name");
 }
 
-size_t TCimXmlWriter::Finish() {
+size_t TCimXmlWriter::Finish(const TContents& contents) {
+    Raw(EndMarkStart(contents));
+    WriteBuffer();
+    Raw(EndMarkEnd(fChecksum));
     WriteBuffer();
     return fSize;
 }
@@ -194,6 +199,7 @@ void TCimXmlWriter::KeyBinding(const TCIMClass& cls, const std::string& name, co
 
 void TCimXmlWriter::WriteBuffer() {
     fSize += fBuffer.size();
+    fChecksum = crc32_z(fChecksum, reinterpret_cast<const Bytef*>(fBuffer.data()), fBuffer.size());
     if (fSize <= kLargestDocument) fFile.Write(fBuffer);
     fBuffer.clear();
 }

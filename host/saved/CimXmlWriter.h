@@ -14,6 +14,7 @@ class TCIMPropertyDecl;
 class TCIMReference;
 class TContainer;
 class TOutputFile;
+struct TContents;
 
 /// Thrown for what CIM-XML cannot hold, or what the core's reader would give back changed; what() says why.
 class TUnsavable : public std::runtime_error {
@@ -40,9 +41,9 @@ public:
     /// back as another class.
     std::string NameOf(const TCIMClass& cls) const;
 
-    /// Writes what is still buffered and returns the size of the document. Of a document that gets larger than
-    /// kLargestDocument the rest is counted, but not written.
-    size_t Finish();
+    /// Appends the end mark, writes what is still buffered and returns the size of the document. Of a document that
+    /// gets larger than kLargestDocument the rest is counted, but not written.
+    size_t Finish(const TContents& contents);
 
     static constexpr size_t kLargestDocument = 104857600;  ///< bytes; the core's reader refuses more
 
@@ -62,6 +63,7 @@ private:
     TOutputFile& fFile;
     std::string fBuffer;
     size_t fSize = 0;
+    unsigned long fChecksum = 0;  // CRC-32 of what was written
 };
 
 /// The attribute TYPE with a blank in front; for an array it is the type of its elements. Empty for a value without a

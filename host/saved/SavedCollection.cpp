@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <numeric>
 #include <utility>
 
 #include "base/CoreLog.h"
@@ -14,14 +16,16 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
+#include "model/CollectionState.h"
 #include "saved/CimXmlWriter.h"
 #include "saved/DocumentProbe.h"
+#include "saved/DocumentText.h"
+#include "saved/EndMark.h"
 
 namespace {
 
-constexpr const char* kHead =
-    "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-    "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n<DECLARATION>\n<DECLGROUP>\n";
+constexpr const char* kXmlDeclaration = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+constexpr const char* kHead = "\n<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">\n<DECLARATION>\n<DECLGROUP>\n";
 constexpr const char* kTail = "</DECLGROUP>\n</DECLARATION>\n</CIM>\n";
 
 [[noreturn]] void RefusePath(const std::string& path, const std::string& reason, const std::string& better) {
@@ -47,6 +51,16 @@ std::vector<TCIMClass*> AllClasses(const TContainer& container) {
     return classes;
 }
 
+size_t CountInstances(const std::vector<TCIMClass*>& classes) {
+    const auto add = [](size_t sum, const TCIMClass* cls) { return sum + cls->EnumerateInstances(false).size(); };
+    return std::accumulate(classes.begin(), classes.end(), size_t(0), add);
+}
+
+TContents ContentsOf(const TContainer& container) {
+    const std::vector<TCIMClass*> classes = AllClasses(container);
+    return {classes.size() - 1, CountInstances(classes)};  // no document brings the root class
+}
+
 // For a message: leaving out the class with the most instances makes the collection smaller.
 std::string DescribeLargest(const std::vector<TCIMClass*>& classes) {
     std::pair<size_t, std::string> largest;
@@ -65,6 +79,42 @@ void RequireFile(const std::string& path) {
     if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) RefuseReading(path, std::strerror(errno));
     if (!S_ISREG(status.st_mode)) RefuseReading(path, "it is no regular file");
     if (status.st_size == 0) RefuseReading(path, "it is empty");
+}
+
+// The core's reader would never come back from such a document.
+void RefuseEndlessValue(const std::string& path) {
+    const std::string text = ReadDocumentText(path);
+    const size_t at = FindEndlessValue(text);
+    if (at == std::string::npos) return;
+    const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<long>(at), '\n');
+    RefuseReading(
+        path, "the value of an attribute in line " + std::to_string(line) + " is not closed; take another copy of it");
+}
+
+// "1 of 3 instances", or nothing if as many are there as were saved.
+std::string DescribeLoss(size_t found, size_t saved, const char* what) {
+    return found >= saved ? "" : std::to_string(found) + " of " + std::to_string(saved) + " " + what;
+}
+
+// Files of earlier versions have no mark, and tell how complete the collection is.
+TReason FindBreakOff(const TContainer& container) {
+    const TCIMClass* const cls = container.FindClass(kCollectionClass);
+    if (cls == nullptr || !cls->EnumerateInstances(false).empty()) return {};
+    return ReasonFor(EReason::eFileChanged, "it breaks off before it tells how complete the collection is");
+}
+
+TReason FindChange(const TDocumentEnds& ends, const TContainer& container) {
+    if (ends.start.empty()) return ReasonFor(EReason::eFileChanged, "it cannot be uncompressed without an error");
+    const TEndMark mark = FindEndMark(ends);
+    if (mark.state == TEndMark::eIntact) return {};
+    if (mark.state == TEndMark::eNone) return FindBreakOff(container);
+    if (mark.state == TEndMark::eDamaged)
+        return ReasonFor(EReason::eFileChanged, "its last line is missing or damaged");
+    const TContents found = ContentsOf(container);
+    const std::string instances = DescribeLoss(found.instances, mark.contents.instances, "instances");
+    const std::string classes = DescribeLoss(found.classes, mark.contents.classes, "classes");
+    const std::string left = instances + (instances.empty() || classes.empty() ? "" : " and ") + classes;
+    return ReasonFor(EReason::eFileChanged, left.empty() ? "" : left + " are left");
 }
 
 // The errors that the core has logged about a document. Its last one only adds the path, which the message has already.
@@ -100,12 +150,14 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
     RequireReadableName(path);
     TOutputFile file(path, EndsWith(path, ".gz"));
     TCimXmlWriter writer(container, file);
+    writer.Raw(kXmlDeclaration);
+    writer.Raw(kEndMarkAnnouncement);
     writer.Raw(kHead);
     WriteSchema(container, writer);
     const std::vector<TCIMClass*> written = classes == nullptr ? AllClasses(container) : *classes;
     WriteInstances(written, stable, writer);
     writer.Raw(kTail);
-    const size_t size = writer.Finish();
+    const size_t size = writer.Finish({ContentsOf(container).classes, CountInstances(written)});
     if (size > TCimXmlWriter::kLargestDocument)
         throw TCommandError(eExitOutput,
                             "cannot write '" + path + "': the collection takes " + std::to_string(size) +
@@ -114,8 +166,10 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
     file.Finish();
 }
 
-void ReadCollection(const std::string& path, TContainer& container) {
+TReason ReadCollection(const std::string& path, TContainer& container) {
     RequireFile(path);
+    const TDocumentEnds ends = ReadDocumentEnds(path);
+    if (MayBeEndless(ends)) RefuseEndlessValue(path);
     const auto read = [&](const std::string& file) { container.PopulateContainerFromFile(file); };
     const std::string harm = ProbeDocuments({path}, read).front();
     if (!harm.empty()) RefuseReading(path, harm + "; it is damaged, or was made to do harm");
@@ -127,4 +181,5 @@ void ReadCollection(const std::string& path, TContainer& container) {
     }
     if (container.GetRootClass()->EnumerateSubClasses(false).empty())
         RefuseReading(path, "there is no class in it; it must be a file that kyr collect -o wrote");
+    return FindChange(ends, container);
 }

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "model/Reason.h"
+
 class TCIMClass;
 class TContainer;
 
@@ -20,7 +22,9 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
                     const std::vector<TCIMClass*>* classes = nullptr);
 
 /// Reads a saved collection into an empty container. The document is tried in a child process first, so that one that
-/// crashes the reader is refused. Raises TCommandError with eExitNothing.
-void ReadCollection(const std::string& path, TContainer& container);
+/// crashes the reader is refused. Returns eFileChanged with what is missing if the file is not as it was saved, which
+/// is hardly known of files without an end mark: those of earlier versions and of other programs. Raises TCommandError
+/// with eExitNothing.
+TReason ReadCollection(const std::string& path, TContainer& container);
 
 #endif

@@ -82,10 +82,11 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
     return hasLine || !others.empty();
 }
 
-// Usually the lines of the plugins explain why a collection is not complete. An interruption is not among them, and
-// files of kyr 1.0 may say only in the reason of the collection, which has no code there, what is missing.
+// Usually the lines of the plugins explain why a collection is not complete. An interruption and damage to the file are
+// not among them, and files of kyr 1.0 may say only in the reason of the collection, which has no code there, what is
+// missing.
 bool NeedsOwnLine(const TStoredOutcome& collection, bool arePluginsReported) {
-    if (collection.code == EReason::eInterrupted) return true;
+    if (collection.code == EReason::eInterrupted || collection.code == EReason::eFileChanged) return true;
     return collection.code == EReason::eNone && collection.state == ePartial && !arePluginsReported;
 }
 
@@ -109,12 +110,7 @@ EExit ReportIncomplete(const TContainer& container) {
     for (const TCIMInstance* instance : StatesOf(container, kCollectedPluginClass))
         arePluginsReported |= ReportPlugin(container, TextOf(*instance, "Name"), OutcomeOf(*instance));
     EExit status = eExitComplete;
-    const std::vector<TCIMInstance*> collections = StatesOf(container, kCollectionClass);
-    if (collections.empty() && container.FindClass(kCollectionClass) != nullptr) {
-        PrintDiagnostic("the file breaks off before it tells how complete the collection is; take another copy of it");
-        status = eExitPartial;
-    }
-    for (const TCIMInstance* instance : collections) {
+    for (const TCIMInstance* instance : StatesOf(container, kCollectionClass)) {
         const TStoredOutcome outcome = OutcomeOf(*instance);
         if (NeedsOwnLine(outcome, arePluginsReported)) PrintDiagnostic(outcome.text);
         status = StatusOf(outcome.state);

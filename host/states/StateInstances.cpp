@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "base/Locations.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -64,6 +65,15 @@ TReason IncompletePlugins(const TContainer& container) {
 
 void StoreIfComplete(TCIMInstance& state, const TOutcome& outcome) {
     if (OutcomeOf(state).state == eComplete) StoreOutcome(state, outcome);
+}
+
+// The time of collection stays NULL: the core would set it to the present time.
+void AddCollectionState(TContainer& container) {
+    if (container.FindClass(kCollectionClass) == nullptr) container.PopulateContainerFromFile(FindStateDocument());
+    TCIMInstance& state = *container.AllocateInstance(container.GetClass(kCollectionClass));
+    Set(state, "Tool", TCIMValue("kyr"));
+    Set(state, "DateTimeOfCollection", TCIMValue(CIM::eCIMDateTime, 0));
+    state.AddToContainer();
 }
 
 /// How many of a plugin's wanted classes were asked for, and how many of them are missing.
@@ -185,6 +195,17 @@ void CheckInstanceCounts(const TContainer& container) {
         if (plugins.count(TextOf(*plugin, "Name")) != 0) StoreIfComplete(*plugin, {ePartial});
     for (TCIMInstance* collection : StatesOf(container, kCollectionClass))
         StoreIfComplete(*collection, {ePartial, IncompletePlugins(container)});
+}
+
+void StoreFileChange(TContainer& container, const TReason& change) {
+    if (StatesOf(container, kCollectionClass).empty()) AddCollectionState(container);
+    for (TCIMInstance* collection : StatesOf(container, kCollectionClass)) {
+        const TStoredOutcome before = OutcomeOf(*collection);
+        TReason reason = change;
+        if (before.code == EReason::eInterrupted) reason.detail += "; the collection was " + before.text;
+        if (before.state == eComplete || before.state == ePartial || before.state == eNotAsked)
+            StoreOutcome(*collection, {ePartial, reason});
+    }
 }
 
 void NarrowStates(const TContainer& container, const TClassSelection& wanted) {

@@ -46,6 +46,10 @@ std::string WordFor(EReason code, const TContainer& container);
 /// becomes partial, and so do its plugin and the collection.
 void CheckInstanceCounts(const TContainer& container);
 
+/// For a collection that was read from a file that is not as it was saved: makes the collection partial, for that
+/// reason. A container that lacks the instance for the collection gets one, of the class in the state document.
+void StoreFileChange(TContainer& container, const TReason& change);
+
 /// Changes the state instances to what they would be if only the wanted classes had been collected. A plugin with a
 /// reason of its own, such as a crash, keeps its state.
 void NarrowStates(const TContainer& container, const TClassSelection& wanted);

@@ -22,6 +22,13 @@ std::string ReplaceBetween(std::string text, const std::string& start, const std
     return text;
 }
 
+// A file as it was saved before files had an end mark.
+std::string WithoutMark(const std::string& document) {
+    const std::string announcement = "<!-- The last line holds the CRC-32 of all before it. -->";
+    const size_t at = document.find(announcement), end = at + announcement.size();
+    return document.substr(0, at) + document.substr(end, document.rfind("<!--") - end);
+}
+
 // "plugin noinit: refused" and the names of classes at the end, of a line on standard error.
 std::string WithoutReason(const std::string& line) {
     const size_t state = line.find(": ", line.find("plugin ")), reason = line.find(": ", state + 2);
@@ -50,7 +57,7 @@ TEST(ReasonsTest, WordingInASavedFileDecidesNothing) {
         ASSERT_EQ(RunKyr("collect -o " + file + choice + root.Option()).status, 1);
         const std::string start = "NAME=\"Reason\" TYPE=\"string\"><VALUE>";
         for (const std::string words : {"Leider nein", ""}) {
-            const std::string reworded = ReplaceBetween(ReadFile(file), start, "</VALUE>", words);
+            const std::string reworded = ReplaceBetween(WithoutMark(ReadFile(file)), start, "</VALUE>", words);
             const std::string other = root.Write("b.xml", reworded);
             EXPECT_EQ(DecisionsOn(other), DecisionsOn(file)) << choice << words;
             const std::string printed = words.empty() ? "init failed" : words;
@@ -105,7 +112,8 @@ TEST(ReasonsTest, InstancesThatAFileHasLostAreMissed) {
     const TPluginRoot root({"shown"});
     const std::string file = root.Path() + "/a.xml";
     ASSERT_EQ(RunKyr("collect -o " + file + root.Option()).status, 0);
-    const std::string whole = ReadFile(file), instance = "<VALUE.OBJECT><INSTANCE CLASSNAME=\"TEST_Shown\">";
+    const std::string whole = WithoutMark(ReadFile(file)),
+                      instance = "<VALUE.OBJECT><INSTANCE CLASSNAME=\"TEST_Shown\">";
     const size_t first = whole.find(instance), second = whole.find(instance, first + 1);
     std::string deleted = whole, stopped = whole, headless = whole;
     deleted.erase(first, second - first);
@@ -113,10 +121,30 @@ TEST(ReasonsTest, InstancesThatAFileHasLostAreMissed) {
     headless.replace(whole.find("<VALUE.OBJECT><INSTANCE") + 1, 0, "!");
     const char* const lost = "kyr: plugin shown, class TEST_Shown: partial: 1 of 2 instances are in the file\n";
     for (const auto& [document, message] : {std::pair(deleted, lost), std::pair(stopped, lost),
-                                            std::pair(headless, "kyr: the file breaks off before it tells how")}) {
+                                            std::pair(headless, "saved: it breaks off before it tells how complete")}) {
         const TRunResult run = RunKyr("show " + root.Write("b.xml", document));
         EXPECT_EQ(run.status, 1);
         EXPECT_THAT(run.err, HasSubstr(message));
     }
     EXPECT_EQ(RunKyr("show --class MOLTA_ComputerSystem " + root.Write("b.xml", deleted)).err, "");
+}
+
+// Wherever the reader leaves a file that has an end mark, status, text and JSON tell it.
+TEST(ReasonsTest, ChangeOfAFileIsToldEverywhere) {
+    const TPluginRoot root({"shown"});
+    const std::string file = root.Path() + "/a.xml", again = root.Path() + "/c.xml";
+    ASSERT_EQ(RunKyr("collect -o " + file + root.Option()).status, 0);
+    const std::string whole = ReadFile(file);
+    for (const char* place : {"<CLASS NAME=\"MOLTA_CollectionState\"", "<CLASS NAME=\"TEST_Shown\"",
+                              "<INSTANCE CLASSNAME=\"TEST_Shown\"", "<INSTANCE CLASSNAME=\"MOLTA_CollectedClass\""}) {
+        std::string document = whole;
+        document.insert(document.find(place) + 1, "!");  // here the reader ends without an error
+        const std::string other = root.Write("b.xml", document);
+        const char* const told = "the file is not as it was saved: ";
+        EXPECT_THAT(RunKyr("show " + other), FieldsAre(1, _, HasSubstr(told))) << place;
+        EXPECT_THAT(RunKyr("schema " + other), FieldsAre(1, _, HasSubstr(told))) << place;
+        EXPECT_THAT(RunKyr("show --json " + other).out, HasSubstr("\"reasonCode\": \"file changed\"")) << place;
+        EXPECT_EQ(RunKyr("collect " + other + " -o " + again).status, 1);
+        EXPECT_THAT(RunKyr("show " + again), FieldsAre(1, _, HasSubstr(told))) << place;
+    }
 }

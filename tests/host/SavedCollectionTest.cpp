@@ -5,9 +5,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 
 #include "base/ExitStatus.h"
 #include "saved/DocumentProbe.h"
+#include "saved/DocumentText.h"
 #include "support/ContainerText.h"
 #include "support/RandomContainer.h"
 #include "support/SchemaBuilder.h"
@@ -179,6 +181,7 @@ TEST_F(SavedCollectionTest, WhatIsNoCollectionIsRefusedByFileAndCause) {
         {"a", "CIM-XML Parser line 1:Unexpected character before prolog" + hint},
         {"<CIM>\n<a/></CIM>", "CIM-XML Parser line 2:Unexpected element a.*" + hint},
         {"<CIM></CIM>", "there is no class in it; it must be a file that kyr collect -o wrote"},
+        {"<CIM>\n<a/>\n<b c=\"", "the value of an attribute in line 3 is not closed; take another copy of it"},
         {DeeplyNested(),
          "(crashed the reader .SIGSEGV.|ended the reader with status 1); it is damaged, or was made to do harm"},
     };
@@ -220,6 +223,96 @@ TEST_F(SavedCollectionTest, AnyTextIsReadByOtherParsersToo) {
         ASSERT_EQ(std::system(("python3 -c \"" + program + "\" " + fPath + " >" + out).c_str()), 0);
         EXPECT_THAT(ReadFile(out), others.empty() ? Not(IsEmpty()) : testing::Matcher<std::string>(others));
         fContainer.RemoveClass(cls);
+    }
+}
+
+TEST_F(SavedCollectionTest, ChangeOfASavedFileIsTold) {
+    TCIMClass& cls = fSchema.AddClass("A", {Key("Id")});
+    fSchema.AddClass("B", {Key("Id")});
+    for (const char* id : {"one", "two"}) fSchema.AddInstance(cls, {{"Id", TCIMValue(id)}});
+    SaveCollection(fContainer, fPath, false);
+    const std::string whole = ReadFile(fPath), cut = whole.substr(0, whole.rfind("<!--"));
+    const std::string announcement = whole.substr(whole.find("<!--"), whole.find("-->") + 3 - whole.find("<!--"));
+    const auto replaced = [](std::string text, const std::string& from, const std::string& to) {
+        return text.replace(text.find(from), from.size(), to);
+    };
+    const std::string changed = "the file is not as it was saved", lost = ": its last line is missing or damaged";
+    const std::pair<std::string, std::string> cases[] = {
+        {whole, ""},
+        {replaced(whole, "one", "six"), changed},
+        {replaced(whole, announcement, ""), changed},
+        {replaced(whole, "</INSTANCE>", "<![CDATA[>"), changed + ": 0 of 2 instances are left"},
+        {replaced(whole, "<CLASS NAME=\"B\"", "<!B"), changed + ": 0 of 2 instances and 1 of 2 classes are left"},
+        {replaced(whole, "</CIM>\n<!--", "</CIM>\n<!-"), changed + lost},
+        {cut, changed + lost},
+        {replaced(cut, announcement, ""), ""},  // as earlier versions saved it
+    };
+    for (const auto& [document, message] : cases) {
+        TContainer read;
+        EXPECT_EQ(SentenceOf(ReadCollection(fFolder.Write("b.xml", document), read)), message);
+    }
+}
+
+enum class EReading { eTaken, eRefused, eEndless };
+
+// Waits longer for a reader that should come to an end.
+EReading ReadingOf(const std::string& document, bool isEndExpected) {
+    const LogCapture log;
+    const TempFolder folder;
+    TContainer container;
+    const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
+    const std::string path = folder.Write("a.xml", document);
+    if (!ProbeDocuments({path}, read, isEndExpected ? 30 : 0.1).front().empty()) return EReading::eEndless;
+    return StatusOf([&] { read(path); }) == kyrStatusOK ? EReading::eTaken : EReading::eRefused;
+}
+
+TEST(DocumentTextTest, FindsTheValueThatTheReaderWouldNeverLeave) {
+    const std::string root = "<?xml?>\n<!DOCTYPE a>\n\n<CIM a='>'>\n";
+    const std::pair<std::string, bool> cases[] = {
+        {"<CIM a=\"", true},
+        {root + "<DECLARATION b = 'x\"", true},
+        {root + "<DECLARATION/><!-- <!-- > --><?/?><x b='\"' c=\"'>", true},
+        {root + "<x b=\"&", false},
+        {root + "<x b=\"\" c", false},
+        {root + "<x b=\"\">\"", false},
+        {root + "</x b=\"", false},
+        {root + "<!-- <x b=\"", false},
+        {root + "<![CDATA[ <x b=\"", false},
+        {root + "<? <x b=\"", false},
+        {root + "</CIM><x b=\"", false},
+        {std::string("<CIM/>\0<x b=\"", 13), false},
+        {"<CIM/><x b=\"", false},
+        {"<", false},
+        {"", false},
+    };
+    for (const auto& [document, isEndless] : cases) {
+        EXPECT_EQ(FindEndlessValue(document) != std::string::npos, isEndless) << document;
+        EXPECT_EQ(ReadingOf(document, !isEndless) == EReading::eEndless, isEndless) << document;
+    }
+}
+
+// A document with pieces of markup and of itself in places where they do not belong, cut off.
+std::string SpoiltDocument(unsigned int seed) {
+    static const char* const pieces[] = {"<CIM a=\"", "<x y='", "\"", "'", ">",  "/>",    "<!-- ",
+                                         "-->",       "<?",     "?>", "&", "<!", "</CIM>"};
+    std::mt19937 random(seed);
+    const auto below = [&](size_t end) { return random() % end; };
+    std::string text =
+        "<?xml version=\"1.0\"?>\n<CIM CIMVERSION=\"2.0\">\n<!-- a 'comment' -->\n<DECLARATION>\n"
+        "<DECLGROUP> <QUALIFIER.DECLARATION NAME=\"Key\" TYPE='boolean'><SCOPE "
+        "PROPERTY=\"true\"/></QUALIFIER.DECLARATION>\n"
+        "</DECLGROUP></DECLARATION></CIM>\n<!-- the end -->\n";
+    for (size_t i = below(3); i > 0; --i) text.insert(below(text.size()), pieces[below(std::size(pieces))]);
+    text.resize(below(text.size()) + 1);
+    return below(2) == 0 ? text : text + pieces[below(2)];
+}
+
+// What it finds in a document that the reader refuses before does not matter.
+TEST(DocumentTextTest, FindsAllThatHoldsUpTheReaderAndNothingThatItTakes) {
+    for (unsigned int seed = 0; seed < 150; ++seed) {
+        const std::string document = SpoiltDocument(seed);
+        const bool isEndless = FindEndlessValue(document) != std::string::npos;
+        EXPECT_NE(ReadingOf(document, !isEndless), isEndless ? EReading::eTaken : EReading::eEndless) << document;
     }
 }
 

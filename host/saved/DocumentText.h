@@ -1,0 +1,27 @@
+#ifndef KYR_HOST_SAVED_DOCUMENTTEXT_H
+#define KYR_HOST_SAVED_DOCUMENTTEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// The ends of a document's text, as the core's reader gets it: uncompressed.
+struct TDocumentEnds {
+    std::string start;           ///< the first bytes
+    std::string end;             ///< the last bytes
+    unsigned long checksum = 0;  ///< the CRC-32 of all before the end
+    bool hasNul = false;         ///< a NUL byte, at which the reader stops
+};
+
+/// Goes once through the text. All is empty if the reader cannot get it.
+TDocumentEnds ReadDocumentEnds(const std::string& path);
+/// The whole text; empty if the reader cannot get it.
+std::string ReadDocumentText(const std::string& path);
+
+/// Where the tag begins in which the core's reader would go on for ever, because an attribute value in it is not closed
+/// before the document ends; npos if it gets to the end. Of no use for documents that it refuses.
+size_t FindEndlessValue(std::string_view document);
+/// Whether FindEndlessValue could find one, as far as the ends tell.
+bool MayBeEndless(const TDocumentEnds& ends);
+
+#endif
