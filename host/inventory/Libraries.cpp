@@ -4,9 +4,12 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <set>
+#include <vector>
 
 #include "base/CoreLog.h"
 #include "base/ExitStatus.h"
+#include "base/Text.h"
 #include "isolation/PluginContainer.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
@@ -26,6 +29,19 @@ TPluginLibrary LibraryAt(const fs::path& path) {
     return library;
 }
 
+std::set<std::string> DocumentsOf(const std::list<TPluginLibrary>& libraries) {
+    std::set<std::string> documents;
+    for (const TPluginLibrary& library : libraries) documents.insert(library.DocumentPath());
+    return documents;
+}
+
+// For "a.properties.xml" the library "liba.pi.so" beside it.
+fs::path LibraryOf(const fs::path& document) {
+    const std::string name = document.filename().string();
+    const std::string stem = name.substr(0, name.size() - TOSSpecific::kSpecificationExtension.size());
+    return document.parent_path() / ("lib" + stem + TOSSpecific::kPluginExtension);
+}
+
 // Only regular files: opening a pipe with the name of a library would block.
 void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) {
     std::error_code error, ignored;
@@ -35,6 +51,28 @@ void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) 
     if (!error) return;
     libraries.push_back(LibraryAt(folder));
     libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eFolderUnreadable, error.message())};
+}
+
+// Each document that is no library's, as a library that cannot be opened: it was forgotten, or has another name.
+void AddMissingLibraries(const fs::path& folder, const std::set<std::string>& documents,
+                         std::list<TPluginLibrary>& libraries) {
+    std::error_code error;
+    for (const fs::directory_entry& file : fs::directory_iterator(folder, error)) {
+        const std::string path = file.path().string();
+        if (!EndsWith(path, TOSSpecific::kSpecificationExtension) || documents.count(path) != 0) continue;
+        libraries.push_back(LibraryAt(LibraryOf(file.path())));
+        libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eCannotOpen, "only its document is there")};
+    }
+}
+
+// The folders of the plugins.
+std::vector<fs::path> FindFolders() {
+    std::vector<fs::path> folders;
+    std::error_code error, ignored;
+    for (const fs::directory_entry& folder : fs::directory_iterator(".", error))
+        if (folder.is_directory(ignored)) folders.push_back(folder.path());
+    if (error) throw TCommandError(eExitNothing, "cannot read the plugin folder: " + error.message());
+    return folders;
 }
 
 // A document on which the reader never ends may take only a part of the time that all plugins have together.
@@ -82,10 +120,10 @@ std::vector<TCIMClass*> Read(const std::string& document, TContainer& container)
 
 std::list<TPluginLibrary> FindLibraries() {
     std::list<TPluginLibrary> libraries;
-    std::error_code error, ignored;
-    for (const fs::directory_entry& folder : fs::directory_iterator(".", error))
-        if (folder.is_directory(ignored)) AddLibraries(folder.path(), libraries);
-    if (error) throw TCommandError(eExitNothing, "cannot read the plugin folder: " + error.message());
+    const std::vector<fs::path> folders = FindFolders();
+    for (const fs::path& folder : folders) AddLibraries(folder, libraries);
+    const std::set<std::string> documents = DocumentsOf(libraries);
+    for (const fs::path& folder : folders) AddMissingLibraries(folder, documents, libraries);
     libraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.path < b.path; });
     return libraries;
 }

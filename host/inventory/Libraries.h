@@ -11,8 +11,8 @@ struct TRunLimits;
 class TPluginContainer;
 
 /// The plugin libraries in the subfolders of the current folder, sorted by path, so that of two documents that declare
-/// a class, the same one is read first in every run. A subfolder that cannot be read is listed as a library that cannot
-/// be loaded. Raises TCommandError if the current folder cannot be read.
+/// a class, the same one is read first in every run. A subfolder that cannot be read, and the library that a document
+/// lacks, are listed as libraries that cannot be loaded. Raises TCommandError if the current folder cannot be read.
 std::list<TPluginLibrary> FindLibraries();
 
 /// Reads the libraries' documents into both containers, and stores in each library which classes its document declares,

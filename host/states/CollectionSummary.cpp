@@ -1,5 +1,6 @@
 #include "states/CollectionSummary.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -60,9 +61,12 @@ bool LacksSourcesOnly(const TCIMInstance& cls, const TStoredOutcome& outcome) {
     }
 }
 
-// One line for the plugin, which names the classes that share its outcome, then one for each class with another
-// outcome. Returns whether it printed any.
-bool ReportPlugin(const TContainer& container, const std::string& plugin, const TStoredOutcome& own) {
+// " and 3 more of its library", or nothing.
+std::string MoreText(size_t more) { return more == 0 ? "" : " and " + std::to_string(more) + " more of its library"; }
+
+// One line for the plugin, which names the classes that share its outcome and counts the other plugins that do, then
+// one for each class with another outcome. Returns whether it printed any.
+bool ReportPlugin(const TContainer& container, const std::string& plugin, const TStoredOutcome& own, size_t more) {
     std::vector<std::string> sharing;
     std::vector<std::pair<std::string, TStoredOutcome>> others;
     for (const TCIMInstance* instance : StatesOf(container, kCollectedClassClass)) {
@@ -76,10 +80,29 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
             others.emplace_back(name, outcome);
     }
     const bool hasLine = IsOutcomeMissing(own) && own.HasReason();
-    if (hasLine) Report("plugin " + plugin, own.state, own.text + NamesText(sharing));
+    if (hasLine) Report("plugin " + plugin + MoreText(more), own.state, own.text + NamesText(sharing));
     for (const auto& [name, outcome] : others)
         Report("plugin " + plugin + ", class " + name, outcome.state, outcome.text);
     return hasLine || !others.empty();
+}
+
+bool IsSameFailure(const TCIMInstance& a, const TCIMInstance& b) {
+    const TStoredOutcome outcome = OutcomeOf(a);
+    return IsOutcomeMissing(outcome) && IsSame(outcome, OutcomeOf(b)) && TextOf(a, "Library") == TextOf(b, "Library");
+}
+
+// Plugins of one library that fail alike, of which there may be a hundred, are told of once.
+bool ReportPlugins(const TContainer& container) {
+    const std::vector<TCIMInstance*> plugins = StatesOf(container, kCollectedPluginClass);
+    bool any = false;
+    for (auto plugin = plugins.begin(); plugin != plugins.end();) {
+        const auto isOther = [&](const TCIMInstance* other) { return !IsSameFailure(**plugin, *other); };
+        const auto next = std::find_if(plugin + 1, plugins.end(), isOther);
+        const auto more = static_cast<size_t>(next - plugin - 1);
+        any |= ReportPlugin(container, TextOf(**plugin, "Name"), OutcomeOf(**plugin), more);
+        plugin = next;
+    }
+    return any;
 }
 
 // Usually the lines of the plugins explain why a collection is not complete. An interruption and damage to the file are
@@ -106,13 +129,13 @@ EExit StatusOf(EState collection) {
 }  // namespace
 
 EExit ReportIncomplete(const TContainer& container) {
-    bool arePluginsReported = ReportMissingSources(container);
-    for (const TCIMInstance* instance : StatesOf(container, kCollectedPluginClass))
-        arePluginsReported |= ReportPlugin(container, TextOf(*instance, "Name"), OutcomeOf(*instance));
+    const bool areSourcesReported = ReportMissingSources(container);
+    const bool arePluginsReported = ReportPlugins(container) || areSourcesReported;
     EExit status = eExitComplete;
     for (const TCIMInstance* instance : StatesOf(container, kCollectionClass)) {
         const TStoredOutcome outcome = OutcomeOf(*instance);
-        if (NeedsOwnLine(outcome, arePluginsReported)) PrintDiagnostic(outcome.text);
+        if (NeedsOwnLine(outcome, arePluginsReported))
+            PrintDiagnostic(outcome.HasReason() ? outcome.text : "the collection is partial, and does not say why");
         status = StatusOf(outcome.state);
     }
     return status;

@@ -43,6 +43,25 @@ TEST(FailuresTest, SecondPluginOfALibraryIsToldWhoHasItsClasses) {
                   "kyr: plugin pair: refused: the classes go to plugin pair, which its library registers before it\n"));
 }
 
+TEST(FailuresTest, PluginsOfALibraryThatFailAlikeAreToldOfOnce) {
+    EXPECT_THAT(RunKyrWith({"crowd"}, "collect").err,
+                "kyr: plugin crowd and 88 more of its library: refused: the classes go to plugin crowd, which its "
+                "library registers before it\n");
+}
+
+TEST(FailuresTest, DocumentWithoutItsLibraryIsNamed) {
+    const TPluginRoot root({});
+    const std::string document = ReadFile(FIXTURE_PLUGINS "/shown/shown.properties.xml");
+    root.Write("alone/alone.properties.xml", document);
+    root.Write("ours/libtwo.properties.xml", document);  // of libours/libtwo.pi.so: the core drops the first "lib"
+    std::filesystem::create_directory(root.Path() + "/libours");
+    std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/libours/libtwo.pi.so");
+    EXPECT_THAT(
+        RunKyr("collect" + root.Option()),
+        FieldsAre(1, HasSubstr("TEST_Shown (2)\n"),
+                  "kyr: plugin ./alone/libalone.pi.so: refused: cannot be opened: only its document is there\n"));
+}
+
 TEST(FailuresTest, NothingButFailuresIsNoResult) {
     const TempFolder root;
     root.Write("broken/libbroken.pi.so", "no library");

@@ -148,3 +148,14 @@ TEST(ReasonsTest, ChangeOfAFileIsToldEverywhere) {
         EXPECT_THAT(RunKyr("show " + again), FieldsAre(1, _, HasSubstr(told))) << place;
     }
 }
+
+TEST(ReasonsTest, PartialCollectionThatDoesNotSayWhyIsTold) {
+    const TPluginRoot root({"shown"});
+    const std::string file = root.Path() + "/a.xml";
+    ASSERT_EQ(RunKyr("collect -o " + file + root.Option()).status, 0);
+    const std::string document = WithoutMark(ReadFile(file)),
+                      state = "<PROPERTY NAME=\"State\" TYPE=\"uint16\"><VALUE>";
+    const size_t at = document.find(state, document.find("<INSTANCE CLASSNAME=\"MOLTA_Collection\"")) + state.size();
+    const std::string other = root.Write("b.xml", std::string(document).replace(at, 1, "2"));
+    EXPECT_EQ(RunKyr("show " + other).err, "kyr: the collection is partial, and does not say why\n");
+}

@@ -10,6 +10,9 @@
 #ifndef KEY_VALUE
 #define KEY_VALUE "1"
 #endif
+#ifndef REGISTRATIONS
+#define REGISTRATIONS 1
+#endif
 
 static kyrStatusCode Init(kyrPluginHandle plugin) {
     if (INIT_STATUS != kyrStatusOK) kyrWriteLog(plugin, kyrLogError, "there is no device");
@@ -30,8 +33,5 @@ __attribute__((constructor))
 void Load(void);
 
 void Load(void) {
-    Register();
-#ifdef REGISTERS_TWO
-    Register();
-#endif
+    for (int i = 0; i < REGISTRATIONS; ++i) Register();
 }
