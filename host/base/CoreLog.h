@@ -35,8 +35,12 @@ public:
     /// Whether lines below a warning are printed or written to a file; if not, they need not be passed on.
     bool IsWatched() const { return fVerbose || fIsInFile; }
     bool IsInFile() const { return fIsInFile; }
+    /// Adds a last line to the log file, if there is one. Returns whether the file has got all that was logged; if not,
+    /// says so on standard error.
+    bool Finish() const;
 
 private:
+    std::string fFile;
     bool fVerbose;
     bool fIsInFile;
 };

@@ -26,7 +26,12 @@ void RequireLocation(std::string& path, const std::string& option) {
 void MakeSystemRootAbsolute() {
     constexpr const char* kVariable = "KYR_SYSTEM_ROOT";
     const char* const root = std::getenv(kVariable);
-    if (root != nullptr && *root != '\0') setenv(kVariable, std::filesystem::absolute(root).c_str(), 1);
+    if (root == nullptr || *root == '\0') return;
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(root, error);
+    if (error)
+        throw TCommandError(eExitNothing, "cannot find the current folder, for KYR_SYSTEM_ROOT: " + error.message());
+    setenv(kVariable, path.c_str(), 1);
 }
 
 }  // namespace
@@ -88,6 +93,9 @@ void TCommand::SetExamples(const std::string& examples) { fApp.footer(examples +
 
 std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "the name is empty" : ""; }
 
+// Without a current folder, as when somebody has deleted it, opening the path tells that nothing is there.
 void MakeAbsolute(std::string& path) {
-    if (!path.empty()) path = std::filesystem::absolute(path).string();
+    std::error_code error;
+    const std::string absolute = std::filesystem::absolute(path, error).string();
+    if (!path.empty() && !error) path = absolute;
 }

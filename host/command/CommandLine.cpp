@@ -3,7 +3,9 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "base/NearMatches.h"
 #include "command/Command.h"
@@ -43,9 +45,10 @@ void RefuseUnknownArgument(const CLI::App& app, const std::string& word) {
     RefuseUse(app, "unexpected argument '" + word + "'");
 }
 
+// The parser leaves "--" among what it does not know, though it obeys it.
 void RefuseUnknownArguments(const CLI::App& app) {
-    const std::vector<std::string> words = app.remaining();
-    if (!words.empty()) RefuseUnknownArgument(app, words.front());
+    for (const std::string& word : app.remaining())
+        if (word != "--") RefuseUnknownArgument(app, word);
 }
 
 /// An option that cannot be used together with others, because one of them would have no effect.
@@ -83,9 +86,29 @@ void RefuseConflicts(const CLI::App& command) {
 TCommands MakeCommands(CLI::App& app) {
     TCommands commands;
     for (const auto make :
-         {MakeCollectCommand, MakeShowCommand, MakeAssocCommand, MakeSchemaCommand, MakeIdentityCommand})
+         {MakeCollectCommand, MakeShowCommand, MakeAssocCommand, MakeSchemaCommand, MakeIdentityCommand}) {
         commands.push_back(make(app));
+        commands.back()->App().set_version_flag("-V,--version", kVersionText);
+    }
+    app.add_subcommand("help", "Print this help, or that of the command named behind it");
     return commands;
+}
+
+// In the order of the command line, without the program. "help" is written as the option of the command that it names.
+std::vector<std::string> ArgumentsFor(const CLI::App& app, int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + std::max(argc, 1));
+    if (arguments.empty() || arguments.front() != "help") return arguments;
+    arguments.erase(arguments.begin());
+    const std::vector<std::string> known = CommandNames(app);
+    if (!arguments.empty() && std::find(known.begin(), known.end(), arguments.front()) == known.end())
+        RefuseUnknownArgument(app, arguments.front());
+    arguments.emplace_back("--help");
+    return arguments;
+}
+
+void Parse(CLI::App& app, std::vector<std::string> arguments) {
+    std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the end
+    app.parse(std::move(arguments));
 }
 
 // The command that the arguments name, after a check that nothing among the arguments would be ignored.
@@ -114,7 +137,7 @@ EExit Run(int argc, char** argv, TOutput& output) {
     app.allow_extras();
     const TCommands commands = MakeCommands(app);
     try {
-        app.parse(argc, argv);
+        Parse(app, ArgumentsFor(app, argc, argv));
     } catch (const CLI::CallForHelp&) {
         return Print(app.help(), output);
     } catch (const CLI::CallForVersion&) {

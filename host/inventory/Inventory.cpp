@@ -47,10 +47,8 @@ public:
     TContainer& Container() { return fContainer; }
 
     EExit Conclude() const {
-        const EExit status = ReportIncomplete(fContainer);
-        if (!fFileChange || status != eExitComplete) return status;
-        PrintDiagnostic(SentenceOf(fFileChange));
-        return eExitPartial;
+        const EExit status = ReportStates();
+        return fLog.Finish() ? status : eExitOutput;
     }
 
     void Run(const TClassSelection& wanted) {
@@ -67,6 +65,13 @@ private:
         fFileChange = ReadCollection(path, fContainer);
         CheckInstanceCounts(fContainer);
         if (fFileChange) KeepFileChange();
+    }
+
+    EExit ReportStates() const {
+        const EExit status = ReportIncomplete(fContainer);
+        if (!fFileChange || status != eExitComplete) return status;
+        PrintDiagnostic(SentenceOf(fFileChange));
+        return eExitPartial;
     }
 
     // What is left of a damaged schema may take no states; Conclude tells of the change all the same.

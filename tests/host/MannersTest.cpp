@@ -1,9 +1,15 @@
+#include <sys/stat.h>
+
+#include <filesystem>
+
 #include "KyrRun.h"
 
 TEST(MannersTest, HelpAndVersionGoToStandardOutput) {
-    for (const char* arguments : {"--help", "collect --help", "schema --help", "identity -h"})
+    for (const char* arguments : {"--help", "collect --help", "schema --help", "identity -h", "help", "help show"})
         EXPECT_THAT(RunKyr(arguments), FieldsAre(0, HasSubstr("Usage: kyr"), "")) << arguments;
-    EXPECT_THAT(RunKyr("--version"), FieldsAre(0, "kyr 1.0.0\n", _));
+    EXPECT_EQ(RunKyr("help assoc").out, RunKyr("assoc --help").out);
+    for (const char* arguments : {"--version", "collect --version", "show -V"})
+        EXPECT_THAT(RunKyr(arguments), FieldsAre(0, "kyr 1.0.0\n", _)) << arguments;
 }
 
 TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
@@ -15,6 +21,8 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
          "kyr: unknown option '--pluginz'; did you mean '--plugins'? (try 'kyr collect --help')\n"},
         {"collect --zzz", "kyr: unknown option '--zzz' (try 'kyr collect --help')\n"},
         {"schema A B", "kyr: unexpected argument 'B' (try 'kyr schema --help')\n"},
+        {"help shwo", "kyr: unknown command 'shwo'; did you mean 'show'? (try 'kyr --help')\n"},
+        {"show -- a.xml -b", "kyr: unknown option '-b' (try 'kyr show --help')\n"},
         {"collect identity", "kyr: more than one command given (try 'kyr --help')\n"},
         {"show a.xml --from b.xml", "kyr: --from and FILE do not go together (try 'kyr show --help')\n"},
         {"show a.xml --timeout 3",
@@ -42,6 +50,47 @@ TEST(MannersTest, OutputThatCannotBeWrittenIsAnErrorOfOurs) {
     }
 }
 
+TEST(MannersTest, LimitOfAFilesSizeIsAnErrorOfOurs) {
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/a.xml", log = folder.Path() + "/log", out = folder.Path() + "/out";
+    const std::pair<std::string, std::string> cases[] = {
+        {"show >" + out, "cannot write standard output"},
+        {"collect -o " + file, "cannot write '" + file + "'"},
+        {"collect -o " + file + ".gz", "cannot write '" + file + ".gz'"},
+        {"identity >/dev/null --log " + log, "cannot write the log '" + log + "'"},
+    };
+    for (const auto& [arguments, message] : cases)
+        EXPECT_THAT(RunShell("(ulimit -f 1; " KYR_PROGRAM " " + arguments + ")"), FieldsAre(4, "", HasSubstr(message)))
+            << arguments;
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
+TEST(MannersTest, DeletedCurrentFolderTakesNoRelativePath) {
+    const std::pair<const char*, TRunResult> cases[] = {
+        {"identity", {0, "", ""}},
+        {"show a.xml", {3, "", "kyr: cannot read the collection 'a.xml': No such file or directory\n"}},
+        {"collect -o a.xml", {4, "", "kyr: cannot write 'a.xml': "}},
+        {"collect --log a.log", {4, "", "kyr: cannot write the log 'a.log': "}},
+    };
+    for (const auto& [arguments, expected] : cases) {
+        const TempFolder folder;
+        const std::string gone = folder.Path() + "/gone";
+        EXPECT_THAT(RunShell("mkdir " + gone + "; cd " + gone + "; rmdir " + gone + "; " KYR_PROGRAM " " + arguments),
+                    FieldsAre(expected.status, _, HasSubstr(expected.err)))
+            << arguments;
+    }
+}
+
+TEST(MannersTest, WhatIsNoFileIsNotRead) {
+    const TempFolder folder;
+    ASSERT_EQ(mkfifo((folder.Path() + "/fifo").c_str(), 0600), 0);
+    for (const std::string& path : {folder.Path(), folder.Path() + "/fifo", std::string("/dev/zero")})
+        EXPECT_THAT(RunKyr("show " + path),
+                    FieldsAre(3, "", "kyr: cannot read the collection '" + path + "': it is no regular file\n"));
+    EXPECT_THAT(RunShell("cd " + folder.Path() + "; touch ./-x.xml; " KYR_PROGRAM " show -- -x.xml"),
+                FieldsAre(3, "", "kyr: cannot read the collection '" + folder.Path() + "/-x.xml': it is empty\n"));
+}
+
 TEST(MannersTest, ClosedPipeIsAnErrorWithoutAWord) {
     EXPECT_EQ(RunShell("{ sleep 0.2; " KYR_PROGRAM " collect; echo $? >&2; } | true").err, "4\n");
 }
@@ -61,8 +110,9 @@ TEST(MannersTest, LogIsFramedAndVerboseTellsEachStep) {
 }
 
 TEST(MannersTest, LogThatCannotBeWrittenIsToldAtOnce) {
-    EXPECT_THAT(RunKyr("collect --log /dev/null/log"),
-                FieldsAre(4, _, StartsWith("kyr: cannot write the log '/dev/null/log': ")));
+    for (const std::string log : {"/dev/null/log", "/dev/full"})
+        EXPECT_THAT(RunKyr("collect --log " + log),
+                    FieldsAre(4, "", StartsWith("kyr: cannot write the log '" + log + "': ")));
 }
 
 TEST(MannersTest, PathsAreThoseOfTheCallersFolder) {

@@ -5,6 +5,7 @@
 
 int main(int argc, char** argv) {
     OpenMissingStandardStreams();
-    std::signal(SIGPIPE, SIG_IGN);  // writing to a closed pipe then fails like any other write: exit status 4
+    // Writing to a closed pipe, or beyond the limit of a file's size, then fails like any other write: exit status 4.
+    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
     return RunCommandLine(argc, argv);
 }
