@@ -87,9 +87,10 @@ public:
     const TContainer& Container() const { return fContainer; }
 
     void Merge(std::string_view records) {
-        TInstanceMerger merger(fLibraries.front(), fContainer);
-        for (const bool associations : {false, true})
-            while (merger.Take(records, associations, TTimeSlice()) == TInstanceMerger::EProgress::eOutOfTime) continue;
+        TStorageRoom room(0);
+        TInstanceMerger merger(fLibraries.front(), fContainer, room, 30);
+        for (const EPass pass : {EPass::eSmallParts, EPass::eRest, EPass::eAssociations})
+            while (merger.Take(records, pass, TTimeSlice()) == TInstanceMerger::EProgress::eOutOfTime) continue;
         merger.Conclude();
     }
 

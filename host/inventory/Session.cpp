@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -141,10 +142,24 @@ void TSession::RunInProcess(const TRounds& rounds, const TClassSelection& wanted
     if (!wanted.IsSchemaOnly()) run.Query(wanted.Names());
 }
 
+// Of all documents together.
+size_t TSession::SchemaBytes() const {
+    std::error_code error;
+    size_t bytes = 0;
+    const auto add = [&](const std::string& path) {
+        const std::uintmax_t size = std::filesystem::file_size(path, error);
+        if (!error) bytes += size;
+    };
+    for (const std::string& path : {fOptions.schema, FindStateDocument()}) add(path);
+    for (const TPluginLibrary& library : fLibraries)
+        if (!library.classes.empty()) add(library.DocumentPath());
+    return bytes;
+}
+
 // Returns the signal that interrupted the collection, or 0.
 int TSession::RunIsolated(const TRounds& rounds, const TClassSelection& wanted) {
     const auto printLog = [this](const TPluginProcess& process) { PrintLog(process.Library()); };
-    TPluginScheduler processes(fOptions.limits, fLibraries.size(), printLog);
+    TPluginScheduler processes(fOptions.limits, fLibraries.size(), SchemaBytes(), printLog);
     const TPluginTask task{fContainer, wanted, fLog.IsWatched(), fLog.IsInFile()};
     for (const std::vector<TPluginLibrary*>& round : rounds) {
         for (TPluginLibrary* library : round) ClaimClasses(*library, fLibraries);

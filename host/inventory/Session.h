@@ -32,6 +32,7 @@ private:
     void ReadBaseDocument(const std::string& path);
     TRounds FindRounds();
     void AssignClassesToLibraries();
+    size_t SchemaBytes() const;
     void PrintLog(TPluginLibrary& library) const;
     void RunInProcess(const TRounds& rounds, const TClassSelection& wanted);
     int RunIsolated(const TRounds& rounds, const TClassSelection& wanted);

@@ -1,6 +1,8 @@
 #include "isolation/InstanceMerger.h"
 
 #include <algorithm>
+#include <ctime>
+#include <new>
 
 #include "base/CoreLog.h"
 #include "kyr/TCIMClass.h"
@@ -17,34 +19,70 @@ bool HasInstances(const TContainer& container, const std::string& className) {
     return cls != nullptr && !cls->EnumerateInstances(false).empty();
 }
 
+// Of this thread, so that time in which the host itself was stopped or had no processor does not count.
+TStorageRoom::TTime ProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+TStorageRoom::TTime TimeToStore(double seconds) {
+    constexpr double kMost = 1e9;
+    const std::chrono::duration<double> time(std::clamp(seconds, 1.0, kMost));
+    return std::chrono::duration_cast<TStorageRoom::TTime>(time);
+}
+
 }  // namespace
 
-TInstanceMerger::EProgress TInstanceMerger::Take(std::string_view records, bool associations, const TTimeSlice& slice) {
-    const size_t before = fBytesTaken;
+TInstanceMerger::TInstanceMerger(TPluginLibrary& library, TPluginContainer& container, TStorageRoom& room,
+                                 double seconds)
+    : fLibrary(library), fContainer(container), fInstances(container), fRoom(room), fTime(TimeToStore(seconds)) {}
+
+TInstanceMerger::EProgress TInstanceMerger::Take(std::string_view records, EPass pass, const TTimeSlice& slice) {
+    BeginPass(pass);
+    const size_t bytesBefore = fBytesTaken, roomBefore = fInstances.Room();
+    const TStorageRoom::TTime start = ProcessorTime();
+    const EProgress progress = TakeGuarded(records, slice);
+    if (fBytesTaken == bytesBefore) return progress;
+    fRoom.TakeBytes(roomBefore - fInstances.Room());
+    SpendTime(ProcessorTime() - start);
+    if (progress == EProgress::eOutOfTime && fTime.count() <= 0) Drop(eTimedOut, EReason::eNoTimeToStore);
+    return fDropped.reason ? EProgress::eFinished : progress;
+}
+
+void TInstanceMerger::BeginPass(EPass pass) {
+    if (fPass != pass) fInstances.SetRoom(fRoom.BytesFor(pass));
+    fPass = pass;
+    if (fRoom.IsStopped() && !std::exchange(fIsRunStopped, true)) LimitTime(fRoom.TimeForOne());
+}
+
+TInstanceMerger::EProgress TInstanceMerger::TakeGuarded(std::string_view records, const TTimeSlice& slice) {
     const TLogCapture refusals;  // the report gets a message for each of them
     EProgress progress = EProgress::eFinished;
     fContainer.SetActiveLibrary(&fLibrary);
     try {
-        progress = TakeRecords(records, associations, slice);
+        progress = TakeRecords(records, slice);
     } catch (const TRecordError&) {
         Drop(eFailed, EReason::eDeliveryDamaged);
+    } catch (const TNoRoom&) {
+        progress = StopForWantOfRoom();
+    } catch (const std::bad_alloc&) {
+        Drop(eFailed, EReason::eTooMuchDelivered);
     }
     fContainer.SetActiveLibrary(nullptr);
-    if (fDropped.reason) return EProgress::eFinished;
-    if (progress == EProgress::eOutOfTime && fBytesTaken != before) ChargeDraining();
-    return progress;
+    return fDropped.reason ? EProgress::eFinished : progress;
 }
 
 // A plugin may have made what it says it has committed smaller than what was taken, so that the end may be passed.
-TInstanceMerger::EProgress TInstanceMerger::TakeRecords(std::string_view records, bool associations,
-                                                        const TTimeSlice& slice) {
+TInstanceMerger::EProgress TInstanceMerger::TakeRecords(std::string_view records, const TTimeSlice& slice) {
     while (fBytesTaken < records.size() && !fDropped.reason) {
         if (slice.IsOver()) return EProgress::eOutOfTime;
         TRecordReader reader(records.substr(fBytesTaken));
         ERecord kind{};
         TRecordReader record = reader.TakeRecord(kind);
+        if (kind > ERecord::eDataCallEnd) throw TRecordError();
         if (kind == ERecord::eDataCall) {
-            if (record.TakeNumber<uint8_t>() != 0 && !associations) return EProgress::eFinished;
+            if (record.TakeNumber<uint8_t>() != 0 && fPass != EPass::eAssociations) return EProgress::eFinished;
             SkipFilledClasses(record);
         }
         if (kind == ERecord::eInstance) Store(record);
@@ -53,11 +91,15 @@ TInstanceMerger::EProgress TInstanceMerger::TakeRecords(std::string_view records
     return EProgress::eTookAll;
 }
 
-// The whole slice is charged, however long it took: time in which the host itself was stopped must not count.
-void TInstanceMerger::ChargeDraining() {
-    if (!fIsDraining) return;
-    fDrainBudget -= TTimeSlice::kLength;
-    if (fDrainBudget <= std::chrono::milliseconds(0)) Drop(eTimedOut, EReason::eNoTimeToStore);
+// There may be more room in the pass after the first one.
+TInstanceMerger::EProgress TInstanceMerger::StopForWantOfRoom() {
+    if (fPass != EPass::eSmallParts) Drop(eFailed, EReason::eTooMuchDelivered);
+    return EProgress::eFinished;
+}
+
+void TInstanceMerger::SpendTime(TStorageRoom::TTime time) {
+    fTime -= time;
+    if (fIsRunStopped) fRoom.TakeTime(time);
 }
 
 void TInstanceMerger::Drop(EState state, EReason why) {
@@ -89,6 +131,8 @@ void TInstanceMerger::NoteRefusal(const std::string& className, const std::strin
 void TInstanceMerger::Conclude() {
     TPluginReport& report = fLibrary.report;
     if (report.end.state == eComplete) report.end = fDropped;
+    if (report.end.reason.code == EReason::eTooMuchDelivered)
+        report.end.reason.detail = "the first " + std::to_string(fInstances.Count()) + " instances are kept";
     report.messages.insert(report.messages.end(), fRefusals.begin(), fRefusals.end());
     const auto isSkipped = [this](const std::string& name) { return fInstances.IsSkipped(name); };
     for (TDataCall& call : report.dataCalls)

@@ -1,5 +1,6 @@
 #include "isolation/InstanceRecords.h"
 
+#include <algorithm>
 #include <map>
 
 #include "kyr/TCIMClass.h"
@@ -13,6 +14,20 @@ namespace {
 using CIM = TCIMValue::TCIMType;
 
 constexpr int kMaxDepth = 16;  // of references whose keys are references
+
+// What an instance takes in a saved file: never less than it really does, so that a file has room for all that the host
+// stores. Declared properties stand for the memory that they take even without a value.
+constexpr size_t kInstanceSize = 65;
+constexpr size_t kDeclaredSize = 8;
+constexpr size_t kPropertySize = 46;
+constexpr size_t kValueSize = 40;
+constexpr size_t kReferenceSize = 100;
+constexpr size_t kEscapeSize = 5;
+
+size_t WrittenSize(const std::string& text) {
+    const auto isEscaped = [](unsigned char c) { return c < ' ' || c == '<' || c == '&' || c == '>' || c == 0x7f; };
+    return text.size() + kEscapeSize * static_cast<size_t>(std::count_if(text.begin(), text.end(), isEscaped));
+}
 
 // The root class is the one of the empty name.
 std::string NameOf(const TCIMClass* cls) {
@@ -67,11 +82,18 @@ void PutValue(TRecordStream& stream, const TCIMValue& value) {
 /// Takes one value off a record. References are to classes of the container.
 class TValueReader {
 public:
-    TValueReader(TRecordReader& record, TContainer& container) : fRecord(record), fContainer(container) {}
+    TValueReader(TRecordReader& record, TContainer& container, size_t& room)
+        : fRecord(record), fContainer(container), fRoom(room) {}
 
-    /// Raises TRecordError, or a status of the core.
+    void Charge(size_t size) {
+        if (size > fRoom) throw TNoRoom();
+        fRoom -= size;
+    }
+
+    /// Raises TRecordError, TNoRoom, or a status of the core.
     TCIMValue TakeValue() {
         if (fDepth == kMaxDepth) throw TRecordError();
+        Charge(kValueSize);
         const CIM type = static_cast<CIM::ECIMType>(fRecord.TakeNumber<uint8_t>() & kTypeBits);
         const auto maxSize = fRecord.TakeNumber<unsigned int>();
         if (fRecord.TakeNumber<uint8_t>() != 0) return TakeNull(type, maxSize);
@@ -107,12 +129,18 @@ private:
             type, TOverloads{
                       [](TContentType<void>) -> TCIMValue { throw TRecordError(); },
                       [&](TContentType<bool>) { return TCIMValue(fRecord.TakeNumber<uint8_t>() != 0); },
-                      [&](TContentType<std::string>) { return TCIMValue(fRecord.TakeText()); },
+                      [&](TContentType<std::string>) { return TCIMValue(TakeText()); },
                       [&](TContentType<TCIMDateTime>) { return TCIMValue(TakeDateTime()); },
                       [&](TContentType<TCIMReference>) { return TCIMValue(TakeReference()); },
                       [&](TContentType<std::vector<TCIMValue>&>) { return TakeArray(type, maxSize); },
                       [&](auto number) { return TCIMValue(fRecord.TakeNumber<typename decltype(number)::TContent>()); },
                   });
+    }
+
+    std::string TakeText() {
+        std::string text = fRecord.TakeText();
+        Charge(WrittenSize(text));
+        return text;
     }
 
     TCIMDateTime TakeDateTime() {
@@ -133,10 +161,11 @@ private:
 
     TCIMReference TakeReference() {
         TCIMReference reference(&fContainer);
-        reference.SetClassName(fRecord.TakeText());
+        reference.SetClassName(TakeText());
+        Charge(kReferenceSize);
         std::map<const std::string, const TCIMValue> bindings;
         for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) {
-            const std::string name = fRecord.TakeText();
+            const std::string name = TakeText();
             bindings.emplace(name, TakeValue());
         }
         reference.SetKeyBindings(bindings);
@@ -151,6 +180,7 @@ private:
 
     TRecordReader& fRecord;
     TContainer& fContainer;
+    size_t& fRoom;
     int fDepth = 0;
 };
 
@@ -174,8 +204,15 @@ void TInstanceRecords::Store(TRecordReader& record, std::string& className) {
     if (fInstances.empty()) fFirst = number;
     const uint32_t index = number - fFirst;
     if (index > fInstances.size()) throw TRecordError();
-    if (index == fInstances.size()) return Add(record, className);
-    if (fInstances[index] != nullptr) Update(record, *fInstances[index]);
+    const size_t count = fInstances.size(), room = fRoom;
+    try {
+        if (index == fInstances.size()) return Add(record, className);
+        if (fInstances[index] != nullptr) Update(record, *fInstances[index]);
+    } catch (const TNoRoom&) {
+        fInstances.resize(count);
+        fRoom = room;
+        throw;
+    }
 }
 
 void TInstanceRecords::Add(TRecordReader& record, const std::string& className) {
@@ -184,6 +221,7 @@ void TInstanceRecords::Add(TRecordReader& record, const std::string& className) 
     TCIMInstance* const stored = Take(record, fContainer.GetClass(className)).release();
     stored->AddToContainer();  // which takes it over, whatever happens
     fInstances.back() = stored;
+    ++fCount;
 }
 
 // What is stored already stays as it is if the record is refused.
@@ -196,12 +234,20 @@ void TInstanceRecords::Update(TRecordReader& record, TCIMInstance& stored) {
 }
 
 std::unique_ptr<TCIMInstance> TInstanceRecords::Take(TRecordReader& record, TCIMClass* cls) {
+    TValueReader value(record, fContainer, fRoom);
+    value.Charge(SizeOfEmpty(*cls));
     std::unique_ptr<TCIMInstance> instance(fContainer.AllocateInstance(cls));
-    TValueReader value(record, fContainer);
     while (!record.IsAtEnd()) {
         const std::string name = record.TakeText();
+        value.Charge(kPropertySize + name.size());
         instance->SetPropertyValue(name, value.TakeValue());
     }
     instance->Validate();
     return instance;
+}
+
+size_t TInstanceRecords::SizeOfEmpty(const TCIMClass& cls) {
+    size_t& size = fSizes[&cls];
+    if (size == 0) size = kInstanceSize + cls.GetName().size() + kDeclaredSize * cls.EnumeratePropertyDecls().size();
+    return size;
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "isolation/RecordStream.h"
@@ -18,6 +19,9 @@ class TContainer;
 /// its number.
 void PutInstance(TRecordStream& stream, const TCIMInstance& instance, uint32_t number);
 
+/// Raised when an instance needs more room than there is.
+class TNoRoom {};
+
 /// Makes the instances of such records anew, in a container that has the classes.
 class TInstanceRecords {
 public:
@@ -26,19 +30,27 @@ public:
     /// From now on instances of the class are passed over.
     void Skip(const std::string& className) { fSkipped.insert(className); }
     bool IsSkipped(const std::string& className) const { return fSkipped.count(className) != 0; }
-    /// Raises TRecordError for bytes that are no such record, or a status of the core for an instance that the
-    /// container refuses; className is set before that.
+    /// How many bytes the instances that are stored from now on may take in a saved file. It decreases with each.
+    void SetRoom(size_t bytes) { fRoom = bytes; }
+    size_t Room() const { return fRoom; }
+    size_t Count() const { return fCount; }
+    /// Raises TRecordError for bytes that are no such record, TNoRoom, or a status of the core for an instance that the
+    /// container refuses; className is set before that. A record for which there was no room can be stored later.
     void Store(TRecordReader& record, std::string& className);
 
 private:
     void Add(TRecordReader& record, const std::string& className);
     void Update(TRecordReader& record, TCIMInstance& stored);
     std::unique_ptr<TCIMInstance> Take(TRecordReader& record, TCIMClass* cls);
+    size_t SizeOfEmpty(const TCIMClass& cls);
 
     TContainer& fContainer;
     std::set<std::string> fSkipped;
     uint32_t fFirst = 0;                    // the number of the first
     std::vector<TCIMInstance*> fInstances;  // by number; they are the container's. Null: not stored
+    size_t fCount = 0;                      // of those stored
+    size_t fRoom = SIZE_MAX;
+    std::unordered_map<const TCIMClass*, size_t> fSizes;  // of instances without values
 };
 
 #endif

@@ -79,10 +79,12 @@ const TPluginProcess::TTransition TPluginProcess::kTransitions[] = {
     {EProcessState::eKilled, EEvent::eTimeUp, EProcessState::eAbandoned, &TPluginProcess::Abandon},
 };
 
-TPluginProcess::TPluginProcess(TPluginLibrary& library, const TPluginTask& task, double timeout)
+TPluginProcess::TPluginProcess(TPluginLibrary& library, const TPluginTask& task, TStorageRoom& room, size_t streamSize,
+                               double timeout)
     : fLibrary(library),
       fTimeout(timeout),
-      fMerger(library, task.container),
+      fStream(streamSize),
+      fMerger(library, task.container, room, timeout),
       fPrinted(OpenPrinted()),
       fProcess([&] { RunPluginChild(library, task, fStream, fPrinted.Number()); }),
       fDeadline(After(TClock::now(), timeout)) {
@@ -116,7 +118,7 @@ bool TPluginProcess::FinishIfEnded() {
 void TPluginProcess::Terminate() {
     fProcess.Terminate();
     fDeadline = TClock::now() + kTerminationGrace;
-    fMerger.StartDraining();
+    fMerger.Hurry();
 }
 
 void TPluginProcess::Kill() {
@@ -142,6 +144,7 @@ void TPluginProcess::WriteReport(const TProcessEnd& end) {
     if (!isReadable && report.end.state == eComplete) report.end = {eFailed, ReasonFor(EReason::eDeliveryDamaged)};
     ReadPrinted();
     fPrinted.Close();
+    fStream.Close();
 }
 
 bool TPluginProcess::Includes(pid_t process) const {
@@ -154,8 +157,11 @@ void TPluginProcess::NoteSentSignal(int signal) {
             {"", kyrLogError, "it sent " + SignalName(signal) + " to its host " + Where()});
 }
 
-TInstanceMerger::EProgress TPluginProcess::Merge(bool associations, const TTimeSlice& slice) {
-    return fMerger.Take(fStream.Records(), associations, slice);
+// The report is read once the process has ended, so until then the stream is needed whole.
+TInstanceMerger::EProgress TPluginProcess::Merge(EPass pass, const TTimeSlice& slice) {
+    const TInstanceMerger::EProgress progress = fMerger.Take(fStream.Records(), pass, slice);
+    if (IsFinished()) fStream.Release(fMerger.BytesTaken());
+    return progress;
 }
 
 std::string TPluginProcess::Where() const {

@@ -32,8 +32,9 @@
 /// An event that is not listed for a state changes nothing there.
 class TPluginProcess {
 public:
-    /// Starts it. The timeout is in seconds. Raises std::system_error.
-    TPluginProcess(TPluginLibrary& library, const TPluginTask& task, double timeout);
+    /// Starts it, with a stream of at most that size. The timeout is in seconds. Raises std::system_error.
+    TPluginProcess(TPluginLibrary& library, const TPluginTask& task, TStorageRoom& room, size_t streamSize,
+                   double timeout);
 
     /// It is gone, or was given up.
     bool IsFinished() const { return fState >= EProcessState::eFinished; }
@@ -52,7 +53,9 @@ public:
     void NoteSentSignal(int signal);
 
     /// Stores what it has delivered so far.
-    TInstanceMerger::EProgress Merge(bool associations, const TTimeSlice& slice);
+    TInstanceMerger::EProgress Merge(EPass pass, const TTimeSlice& slice);
+    /// The bytes of what it has delivered that are still in memory.
+    size_t BytesHeld() const { return fStream.BytesHeld(); }
     TInstanceMerger& Merger() { return fMerger; }
     TPluginLibrary& Library() const { return fLibrary; }
 

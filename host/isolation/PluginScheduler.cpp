@@ -14,10 +14,15 @@ constexpr std::chrono::milliseconds kPollInterval(20);  // in which a process ma
 // At most so many signals are handled at once: a plugin can send them without end.
 constexpr int kMostPending = 64;
 
+// What the streams of plugins whose instances are not stored yet may hold together. The more they hold, the smaller is
+// the stream of the next plugin.
+constexpr size_t kMostHeld = size_t{512} << 20;
+constexpr size_t kSmallestStream = size_t{1} << 20;
+
 }  // namespace
 
-TProcessPool::TProcessPool(double timeout)
-    : fTimeout(timeout), fMostRunning(std::max(4u, std::thread::hardware_concurrency())) {}
+TProcessPool::TProcessPool(double timeout, size_t schemaBytes)
+    : fTimeout(timeout), fRoom(schemaBytes), fMostRunning(std::max(4u, std::thread::hardware_concurrency())) {}
 
 void TProcessPool::Enqueue(const std::vector<TPluginLibrary*>& libraries) {
     fWaiting.insert(fWaiting.end(), libraries.begin(), libraries.end());
@@ -34,7 +39,7 @@ bool TProcessPool::StartOne(TPluginLibrary& library, const TPluginTask& task) {
         return true;
     }
     try {
-        fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fTimeout));
+        fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fRoom, StreamSize(), fTimeout));
         fRunning.push_back(fStarted.back().get());
         return true;
     } catch (const std::system_error& e) {
@@ -42,6 +47,12 @@ bool TProcessPool::StartOne(TPluginLibrary& library, const TPluginTask& task) {
         library.report.end = {eFailed, ReasonFor(EReason::eNotStarted, e.what())};
         return true;
     }
+}
+
+size_t TProcessPool::StreamSize() const {
+    size_t held = 0;
+    for (const auto& process : fStarted) held += process->BytesHeld();
+    return std::max(kSmallestStream, (kMostHeld - std::min(held, kMostHeld)) / 4);
 }
 
 size_t TProcessPool::FinishEnded() {
@@ -65,7 +76,7 @@ TTimePoint TProcessPool::NextDeadline() const {
 void TProcessPool::Stop(const TOutcome& why) {
     if (!IsStopped()) fStopped = why;
     for (TPluginProcess* process : fRunning) process->Stop(why);
-    for (const auto& process : fStarted) process->Merger().StartDraining();
+    fRoom.Stop();
 }
 
 void TProcessPool::Clear() {
@@ -85,19 +96,19 @@ TPluginProcess* TProcessPool::FindSender(const TSignal& signal) const {
     return nullptr;
 }
 
-TPluginScheduler::TPluginScheduler(const TRunLimits& limits, size_t count, TListener listener)
+TPluginScheduler::TPluginScheduler(const TRunLimits& limits, size_t count, size_t schemaBytes, TListener listener)
     : fLimits(limits),
       fListener(std::move(listener)),
       fInterruptions([this](const TSignal& signal) { return IsFromPlugin(signal); }),
       fProgress(count),
-      fPool(limits.timeout) {}
+      fPool(limits.timeout, schemaBytes) {}
 
 void TPluginScheduler::Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task) {
     fPool.Enqueue(libraries);
     while (fPool.IsWaiting() || fReported < fPool.Started().size()) {
         if (!fPool.IsRunning()) KillOrphans();  // which makes room for others
         fPool.StartWaiting(task);
-        const bool isMore = MergeSome(false);
+        const bool isMore = MergeSome(EPass::eSmallParts);
         ReportEnded();
         if (isMore || fPool.IsRunning()) Wait(isMore ? TClock::now() : TClock::now() + kPollInterval);
     }
@@ -105,20 +116,22 @@ void TPluginScheduler::Run(const std::vector<TPluginLibrary*>& libraries, const 
 }
 
 void TPluginScheduler::Conclude() {
-    fMerged = 0;
-    while (MergeSome(true)) Wait(TClock::now());
+    for (const EPass pass : {EPass::eRest, EPass::eAssociations}) {
+        fMerged = 0;
+        while (MergeSome(pass)) Wait(TClock::now());
+    }
     HandlePendingSignals();
     for (const auto& process : fPool.Started()) process->Merger().Conclude();
 }
 
 // Stores instances for the length of a time slice. True: there is more to store at once.
-bool TPluginScheduler::MergeSome(bool associations) {
+bool TPluginScheduler::MergeSome(EPass pass) {
     using EProgress = TInstanceMerger::EProgress;
     const TTimeSlice slice;
     for (; fMerged < fPool.Started().size(); ++fMerged) {
         TPluginProcess& process = *fPool.Started()[fMerged];
         const bool hasEnded = process.IsFinished();
-        const EProgress progress = process.Merge(associations, slice);
+        const EProgress progress = process.Merge(pass, slice);
         if (progress == EProgress::eOutOfTime) return true;
         if (progress == EProgress::eTookAll && !hasEnded) return false;
     }

@@ -18,8 +18,8 @@ class TProcessPool {
 public:
     using TProcesses = std::vector<std::unique_ptr<TPluginProcess>>;
 
-    /// The timeout is for each process, in seconds.
-    explicit TProcessPool(double timeout);
+    /// The timeout is for each process, in seconds. The schema takes so many bytes of what a saved file can hold.
+    TProcessPool(double timeout, size_t schemaBytes);
 
     /// Libraries to be run as soon as there is room.
     void Enqueue(const std::vector<TPluginLibrary*>& libraries);
@@ -47,8 +47,10 @@ public:
 
 private:
     bool StartOne(TPluginLibrary& library, const TPluginTask& task);
+    size_t StreamSize() const;
 
     const double fTimeout;
+    TStorageRoom fRoom;
     const size_t fMostRunning;
     TOutcome fStopped;  // why no more are started
     std::deque<TPluginLibrary*> fWaiting;
@@ -62,20 +64,21 @@ class TPluginScheduler {
 public:
     using TListener = std::function<void(const TPluginProcess&)>;
 
-    /// In all there are as many libraries as the count says. The listener is called for each process that has ended,
-    /// in the order of the libraries.
-    TPluginScheduler(const TRunLimits& limits, size_t count, TListener listener);
+    /// In all there are as many libraries as the count says, whose documents have so many bytes. The listener is called
+    /// for each process that has ended, in the order of the libraries.
+    TPluginScheduler(const TRunLimits& limits, size_t count, size_t schemaBytes, TListener listener);
 
     /// Runs them until all have ended, and stores their ordinary instances. The report of a library whose process could
     /// not be started says why.
     void Run(const std::vector<TPluginLibrary*>& libraries, const TPluginTask& task);
-    /// Once all have run: stores the instances of associations too, and concludes the reports.
+    /// Once all have run: stores what there was no room for before, and the instances of associations, and concludes
+    /// the reports.
     void Conclude();
     /// The signal by which somebody interrupted it; 0: nobody did.
     int Interruption() const { return fInterruptions.Signal(); }
 
 private:
-    bool MergeSome(bool associations);
+    bool MergeSome(EPass pass);
     void ReportEnded();
     void Wait(TTimePoint latest);
     void HandlePendingSignals();

@@ -7,16 +7,23 @@
 
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <system_error>
 
 #include "base/Descriptor.h"
+#include "base/Memory.h"
 
 namespace {
 
 // How many bytes of address space to map, tried in turn; memory is used only as it is filled. The smaller sizes are for
 // systems that limit address space or the size of files.
-constexpr size_t kSizes[] = {size_t{1} << 30, size_t{64} << 20, size_t{8} << 20};
+constexpr size_t kSizes[] = {TSharedMemory::kLargest, size_t{16} << 20, size_t{4} << 20, size_t{1} << 20};
+
+// Several streams are mapped at a time, and must leave most of the address space to what is read from them.
+constexpr size_t kPartOfAddressSpace = 32;
+
+constexpr size_t kReleasedAtOnce = size_t{1} << 20;
 
 constexpr int kSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
 
@@ -49,9 +56,10 @@ void* MapAnonymous(size_t size) {
     return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
 }
 
-char* Map(size_t& size) {
+char* Map(size_t most, size_t& size) {
     for (void* (*map)(size_t) : {MapSealed, MapAnonymous}) {
         for (const size_t wanted : kSizes) {
+            if (wanted > most && wanted != *std::rbegin(kSizes)) continue;
             void* const memory = map(wanted);
             if (memory == MAP_FAILED) continue;
             size = wanted;
@@ -63,12 +71,38 @@ char* Map(size_t& size) {
 
 }  // namespace
 
-TSharedMemory::TSharedMemory() : fStart(Map(fSize)) {}
+TSharedMemory::TSharedMemory(size_t most)
+    : fStart(Map(std::min(most, AddressSpaceLimit() / kPartOfAddressSpace), fSize)) {}
 TSharedMemory::~TSharedMemory() { munmap(fStart, fSize); }
 
 void TSharedMemory::HideFromChildren() const { madvise(fStart, fSize, MADV_DONTFORK); }
 
-TRecordStream::TRecordStream() : fHeader(new (fMemory.Start()) THeader{}) {}
+void TSharedMemory::Release(size_t from, size_t to) const {
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t first = (from + page - 1) / page * page, end = to / page * page;
+    if (first < end) madvise(fStart + first, end - first, MADV_REMOVE);
+}
+
+void TSharedMemory::Trim(size_t size) {
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t end = (size + page - 1) / page * page;
+    if (end >= fSize) return;
+    munmap(fStart + end, fSize - end);
+    fSize = end;
+}
+
+TRecordStream::TRecordStream(size_t most) : fMemory(most), fHeader(new (fMemory.Start()) THeader{}) {}
+
+void TRecordStream::Close() {
+    fEnd = Records().size();
+    fMemory.Trim(sizeof(THeader) + *fEnd);
+}
+
+void TRecordStream::Release(size_t offset) {
+    if (offset < fReleased + kReleasedAtOnce) return;
+    fMemory.Release(sizeof(THeader) + fReleased, sizeof(THeader) + offset);
+    fReleased = offset;
+}
 
 void TRecordStream::Begin(ERecord kind) {
     fCursor = fRecord;
@@ -105,7 +139,7 @@ std::string TRecordStream::CurrentClass() const {
 }
 
 std::string_view TRecordStream::Records() const {
-    const uint64_t length = fHeader->committed.load();
+    const uint64_t length = fEnd ? *fEnd : fHeader->committed.load();
     return {Start(), length <= Capacity() ? length : 0};
 }
 

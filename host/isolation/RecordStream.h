@@ -1,9 +1,11 @@
 #ifndef KYR_HOST_ISOLATION_RECORDSTREAM_H
 #define KYR_HOST_ISOLATION_RECORDSTREAM_H
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,8 +26,10 @@ enum class ERecord : uint8_t { ePlugin, eLoadFailure, eLogLine, eDataCall, eInst
 /// memory which was cut off would be ended by SIGBUS.
 class TSharedMemory {
 public:
-    /// Raises std::system_error.
-    TSharedMemory();
+    static constexpr size_t kLargest = size_t{64} << 20;
+
+    /// Of that size if the system gives so much, and smaller otherwise. Raises std::system_error.
+    explicit TSharedMemory(size_t most);
     ~TSharedMemory();
     TSharedMemory(const TSharedMemory&) = delete;
     TSharedMemory& operator=(const TSharedMemory&) = delete;
@@ -34,6 +38,10 @@ public:
     size_t Size() const { return fSize; }
     /// Processes that are forked from now on do not get this memory.
     void HideFromChildren() const;
+    /// Gives the pages from the first offset to the second back to the system. They are read as zeros from then on.
+    void Release(size_t from, size_t to) const;
+    /// Gives back all that is behind the first bytes, which this process can reach no more.
+    void Trim(size_t size);
 
 private:
     size_t fSize = 0;
@@ -44,8 +52,8 @@ private:
 /// stay, however that process ends, and the plugin gets no descriptor that it could close or write to.
 class TRecordStream {
 public:
-    /// Raises std::system_error.
-    TRecordStream();
+    /// Takes at most that many bytes. Raises std::system_error.
+    explicit TRecordStream(size_t most = TSharedMemory::kLargest);
 
     void HideFromChildren() const { fMemory.HideFromChildren(); }
 
@@ -72,6 +80,12 @@ public:
     bool IsFull() const { return fHeader->full.load() != 0; }
     /// The bytes of the committed records, within the memory in any case. They may still change.
     std::string_view Records() const;
+    /// Those before the offset are not needed any more. They must not be read again.
+    void Release(size_t offset);
+    /// What is committed from now on does not count, and its memory is given back.
+    void Close();
+    /// The bytes of records that are still in memory.
+    size_t BytesHeld() const { return Records().size() - std::min(fReleased, Records().size()); }
 
 private:
     struct THeader {
@@ -85,10 +99,12 @@ private:
     size_t Capacity() const { return fMemory.Size() - sizeof(THeader); }
     [[noreturn]] void EndAsFull();
 
-    const TSharedMemory fMemory;
+    TSharedMemory fMemory;
     THeader* const fHeader;
-    size_t fRecord = 0;  // where the record begins
-    size_t fCursor = 0;  // where the next byte goes
+    std::optional<size_t> fEnd;  // bytes of records, once it is closed
+    size_t fReleased = 0;        // bytes of records, at least
+    size_t fRecord = 0;          // where the record begins
+    size_t fCursor = 0;          // where the next byte goes
 };
 
 /// Raised when bytes are not the records that they should be.

@@ -34,7 +34,7 @@ constexpr TWording kWordings[] = {
     {EReason::eDataCallFailed, "its answer ended with {detail}"},
     {EReason::eErrorLogged, "{detail}"},
     {EReason::eValuesUnreadable, "{detail}"},
-    {EReason::eTooMuchDelivered, "it delivered more than there is room for"},
+    {EReason::eTooMuchDelivered, "it delivered more than there is room for{: detail}"},
     {EReason::eDeliveryDamaged, "it spoilt what it had delivered"},
     {EReason::eTooManyRefused, "too much of what it delivered was refused"},
     {EReason::eNoTimeToStore, "there was no time left to store all that it delivered"},

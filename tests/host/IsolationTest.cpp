@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <string>
+#include <vector>
 
 #include "KyrRun.h"
 
@@ -104,6 +106,27 @@ TEST(IsolationTest, LastWordsAndPrintedLinesStandInTheStates) {
     EXPECT_THAT(RunKyr("collect --json" + root.Option()).out,
                 AllOf(HasSubstr("\"warning: last words\""), HasSubstr("\"printed: chatter 19999\"")));
     EXPECT_EQ(RunKyr("collect -o " + root.Path() + "/out.xml" + root.Option()).status, 1);
+}
+
+TEST(IsolationTest, VolumeOfAPluginCostsItsOwnRestAndIsSaved) {
+#if defined(__SANITIZE_ADDRESS__)  // which takes terabytes of address space
+    const std::vector<std::string> surroundings = {""};
+#else
+    const std::vector<std::string> surroundings = {"", "ulimit -v 220000; "};
+#endif
+    for (const std::string plugin : {"flooding", "stuffing"}) {
+        for (const std::string& surrounding : surroundings) {
+            const TPluginRoot root({plugin.c_str(), "shown"});
+            const std::string file = root.Path() + "/out.xml";
+            const TRunResult run = RunShell(surrounding + KYR_PROGRAM " collect -o " + file + root.Option());
+            EXPECT_EQ(run.status, 1);
+            EXPECT_THAT(run.err, ContainsRegex("^kyr: plugin " + plugin +
+                                               ": partial: it delivered more than there is "
+                                               "room for: the first [0-9]+ instances are kept \\(class TEST_First"));
+            EXPECT_THAT(RunKyr("collect --from " + file),
+                        FieldsAre(1, AllOf(HasSubstr("TEST_First ("), HasSubstr("TEST_Shown (2)\n")), run.err));
+        }
+    }
 }
 
 TEST(IsolationTest, ClassesOfAPluginThatDidNotLoadFallToTheNextThatDeclaresThem) {

@@ -125,6 +125,20 @@ BEHAVIOUR LeaveBehind(void) {
 }
 
 static kyrIOHandle gHandle;
+static const char* gFirstClass;
+
+#ifndef TEXT_LENGTH
+#define TEXT_LENGTH 200
+#endif
+/* Instances without end, with texts of that length. */
+BEHAVIOUR Flood(void) {
+    static char text[TEXT_LENGTH + 1];
+    memset(text, 'x', TEXT_LENGTH);
+    for (unsigned i = 0;; ++i) {
+        text[sprintf(text, "%u", i)] = 'x';
+        Add(gHandle, gFirstClass, text);
+    }
+}
 
 static kyrStatusCode Init(kyrPluginHandle plugin) {
     (void)plugin;
@@ -141,6 +155,7 @@ BEHAVIOUR Impose(void) {
 
 static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
     gHandle = handle;
+    gFirstClass = classNames[0];
     Add(handle, classNames[0], "1");
     Add(handle, classNames[0], "2");
     kyrWriteLog(plugin, kyrLogWarning, "last words");

@@ -1,0 +1,11 @@
+#ifndef KYR_HOST_BASE_MEMORY_H
+#define KYR_HOST_BASE_MEMORY_H
+
+#include <cstddef>
+
+/// The bytes that this process has got from the system for its heap.
+size_t HeapSize();
+/// The address space that this process may have (ulimit -v), in bytes; the greatest number if there is no limit.
+size_t AddressSpaceLimit();
+
+#endif
