@@ -9,6 +9,7 @@
 
 #include "base/CoreLog.h"
 #include "base/ExitStatus.h"
+#include "base/Memory.h"
 #include "base/Text.h"
 #include "isolation/PluginContainer.h"
 #include "kyr/TCIMClass.h"
@@ -75,15 +76,30 @@ std::vector<fs::path> FindFolders() {
     return folders;
 }
 
+constexpr double kMostSeconds = 10;
+constexpr size_t kMostClasses = 5000;
+constexpr size_t kMostBytes = size_t{8} << 20;
+constexpr size_t kMostMemory = size_t{512} << 20;  // for all documents, of which one gets at most an eighth: 64 MiB
+
 // A document on which the reader never ends may take only a part of the time that all plugins have together.
-double SecondsForDocument(const TRunLimits& limits) {
-    return limits.deadline > 0 ? std::min(limits.timeout, limits.deadline / 10) : limits.timeout;
+TProbeLimits ProbeLimits(const TRunLimits& limits) {
+    const double seconds = std::min(limits.timeout, kMostSeconds);
+    return {limits.deadline > 0 ? std::min(seconds, limits.deadline / 10) : seconds, limits.Latest(),
+            std::min(kMostMemory, AddressSpaceLimit() / 2)};
+}
+
+TReason Harmful(const std::string& detail) { return ReasonFor(EReason::eDocumentHarmful, detail); }
+
+TReason TooLarge() {
+    return ReasonFor(EReason::eDocumentTooLarge, "at most " + std::to_string(kMostBytes >> 20) + " MiB and " +
+                                                     std::to_string(kMostClasses) +
+                                                     " classes are read, if they take no more than 64 MiB of memory");
 }
 
 // The documents that must not be read, each with the reason.
-std::map<std::string, std::string> FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container,
-                                            const TRunLimits& limits) {
-    std::map<std::string, std::string> harms;
+std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container,
+                                        const TRunLimits& limits) {
+    std::map<std::string, TReason> harms;
     std::vector<std::string> documents;
     for (const TPluginLibrary& library : libraries) {
         const std::string document = library.DocumentPath();
@@ -91,16 +107,20 @@ std::map<std::string, std::string> FindHarm(const std::list<TPluginLibrary>& lib
         const fs::file_status status = fs::status(document, error);
         if (status.type() == fs::file_type::not_found) continue;  // loading the plugin reports it
         if (error)
-            harms[document] = "cannot be read: " + error.message();
+            harms[document] = Harmful("cannot be read: " + error.message());
         else if (!fs::is_regular_file(status))
-            harms[document] = "is no file";
+            harms[document] = Harmful("is no file");
+        else if (fs::file_size(document, error) > kMostBytes)
+            harms[document] = TooLarge();
         else
             documents.push_back(document);
     }
-    const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
-    const std::vector<std::string> found = ProbeDocuments(documents, read, SecondsForDocument(limits), limits.Latest());
+    const auto read = [&](const std::string& path) {
+        if (container.PopulateContainerFromFile(path).size() > kMostClasses) throw TTooLarge();
+    };
+    const std::vector<TReason> found = ProbeDocuments(documents, read, ProbeLimits(limits));
     for (size_t i = 0; i < documents.size(); ++i)
-        if (!found[i].empty()) harms[documents[i]] = found[i];
+        if (found[i]) harms[documents[i]] = found[i].code == EReason::eDocumentTooLarge ? TooLarge() : found[i];
     return harms;
 }
 
@@ -130,12 +150,12 @@ std::list<TPluginLibrary> FindLibraries() {
 
 void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
                    const TRunLimits& limits) {
-    const std::map<std::string, std::string> harms = FindHarm(libraries, container, limits);
+    const std::map<std::string, TReason> harms = FindHarm(libraries, container, limits);
     for (TPluginLibrary& library : libraries) {
         const std::string document = library.DocumentPath();
         if (document.empty() || library.notLoaded.reason) continue;
         if (const auto harm = harms.find(document); harm != harms.end()) {
-            library.notLoaded = {eRefused, ReasonFor(EReason::eDocumentHarmful, harm->second)};
+            library.notLoaded = {eRefused, harm->second};
             library.notLoaded.reason.file = document;
             continue;
         }

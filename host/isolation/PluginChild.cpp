@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "base/Memory.h"
 #include "isolation/PluginContainer.h"
 #include "isolation/PluginProxy.h"
 #include "isolation/RecordStream.h"
@@ -48,7 +49,7 @@ rlim_t MemoryLimit() {
 void SetLimits() {
     Limit(RLIMIT_CORE, 0);
     Limit(RLIMIT_FSIZE, kLargestFile);
-    if (!kIsInstrumented) Limit(RLIMIT_DATA, MemoryLimit());
+    if (!kIsInstrumented) Limit(RLIMIT_DATA, HeapSize() + MemoryLimit());
 }
 
 // What the plugin prints must not mix with what the host prints.

@@ -26,6 +26,7 @@ constexpr TWording kWordings[] = {
     {EReason::eDocumentUnreadable, "cannot read its document {file}: {detail}"},
     {EReason::eNoClassOfItsOwn, "its document brings no class of its own"},
     {EReason::eClassesTaken, "the classes go to plugin {plugin}, which its library registers before it"},
+    {EReason::eDocumentTooLarge, "its document {file} is too large: {detail}"},
     {EReason::eNotStarted, "{detail}"},
     {EReason::eNoAnswer, "no answer within {detail}"},
     {EReason::eDeadlinePassed, "the deadline of {detail} had passed"},

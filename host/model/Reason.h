@@ -27,6 +27,7 @@ enum class EReason : uint16_t {
     eDocumentUnreadable = 25,
     eNoClassOfItsOwn = 26,
     eClassesTaken = 27,
+    eDocumentTooLarge = 28,
     // A plugin's process
     eNotStarted = 30,
     eNoAnswer = 31,

@@ -12,6 +12,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <new>
 #include <numeric>
 #include <sstream>
 #include <system_error>
@@ -19,6 +20,7 @@
 #include "base/ChildProcess.h"
 #include "base/Descriptor.h"
 #include "base/ExitStatus.h"
+#include "base/Memory.h"
 #include "base/Signals.h"
 #include "kyr/TLogger.h"
 
@@ -26,6 +28,11 @@ namespace {
 
 using TPaths = std::vector<std::string>;
 using TReader = std::function<void(const std::string&)>;
+
+// What the child reports of a document.
+constexpr char kRead = 0, kTooLarge = 1;
+
+constexpr size_t kPartOfMemory = 8;
 
 TCommandError CannotProbe(int error) {
     return TCommandError(eExitNothing, std::string("cannot start a process to try documents in: ") + strerror(error));
@@ -49,21 +56,44 @@ void PrepareProbe() {
     TLogger::Initialize();
 }
 
+// Of this process, which must not be instrumented: AddressSanitizer has a heap of its own.
+void LimitMemory(size_t heap) {
+    constexpr size_t kBesideTheHeap = size_t{8} << 20;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_DATA, &limit) != 0) return;
+    limit.rlim_cur = std::min<rlim_t>(heap + kBesideTheHeap, limit.rlim_max);
+    setrlimit(RLIMIT_DATA, &limit);
+}
+
+// False if it is too large. The limit is in bytes; 0 is none.
+bool ReadWithin(size_t limit, const std::string& path, const TReader& read) {
+    const size_t before = HeapSize();
+    if (limit != 0) LimitMemory(before + limit);
+    try {
+        read(path);
+    } catch (const std::bad_alloc&) {
+        return false;
+    } catch (const TTooLarge&) {
+        return false;
+    } catch (...) {
+    }
+    return limit == 0 || HeapSize() - before <= limit;
+}
+
 // One byte for each document that is done with.
-void ReadAll(const TPaths& paths, const TReader& read, int report) {
+void ReadAll(const TPaths& paths, const TReader& read, size_t memory, int pipe) {
     PrepareProbe();
+    const size_t before = HeapSize();
     for (const std::string& path : paths) {
-        try {
-            read(path);
-        } catch (...) {
-        }
-        if (write(report, "", 1) != 1) return;
+        const size_t left = memory - std::min(memory, HeapSize() - before);
+        const char report = ReadWithin(left / kPartOfMemory, path, read) ? kRead : kTooLarge;
+        if (write(pipe, &report, 1) != 1) return;
     }
 }
 
-TChildProcess StartProbe(const TPaths& paths, const TReader& read, int report) {
+TChildProcess StartProbe(const TPaths& paths, const TReader& read, size_t memory, int pipe) {
     try {
-        return TChildProcess([&] { ReadAll(paths, read, report); });
+        return TChildProcess([&] { ReadAll(paths, read, memory, pipe); });
     } catch (const std::system_error& e) {
         throw CannotProbe(e.code().value());
     }
@@ -87,21 +117,22 @@ private:
 
 class TProbe {
 public:
-    TProbe(const TPaths& paths, const TReader& read) : fChild(StartProbe(paths, read, fReport.fWriteEnd.Number())) {
+    TProbe(const TPaths& paths, const TReader& read, size_t memory)
+        : fChild(StartProbe(paths, read, memory, fReport.fWriteEnd.Number())) {
         fReport.fWriteEnd.Close();
     }
 
-    /// Gives how many were read before the child ended, or before one of them took too long.
-    size_t Count(double seconds, TTimePoint latest) {
-        size_t count = 0;
-        char bytes[64];
-        while (WaitForReport(std::min(After(TClock::now(), seconds), latest))) {
-            const ssize_t length = read(fReport.fReadEnd.Number(), bytes, sizeof bytes);
-            if (length == 0) return count;
-            if (length > 0) count += static_cast<size_t>(length);
+    /// Gives what was reported before the child ended, or before one document took too long.
+    std::string Reports(const TProbeLimits& limits) {
+        std::string all;
+        char reports[64];
+        while (WaitForReport(std::min(After(TClock::now(), limits.secondsForEach), limits.latest))) {
+            const ssize_t length = read(fReport.fReadEnd.Number(), reports, sizeof reports);
+            if (length == 0) return all;
+            if (length > 0) all.append(reports, static_cast<size_t>(length));
         }
         fLate = true;
-        return count;
+        return all;
     }
 
     std::string Harm(double seconds) {
@@ -135,21 +166,24 @@ private:
 
 }  // namespace
 
-std::vector<std::string> ProbeDocuments(const TPaths& paths, const TReader& read, double secondsForEach,
-                                        TTimePoint latest) {
-    std::vector<std::string> harms(paths.size());
+std::vector<TReason> ProbeDocuments(const TPaths& paths, const TReader& read, const TProbeLimits& limits) {
+    std::vector<TReason> harms(paths.size());
     std::vector<size_t> places(paths.size());  // of what is left, in harms
     std::iota(places.begin(), places.end(), 0);
     TPaths rest = paths;
     while (!rest.empty()) {
-        if (TClock::now() >= latest) {
-            for (const size_t place : places) harms[place] = "not read before the deadline";
+        if (TClock::now() >= limits.latest) {
+            const TReason late = ReasonFor(EReason::eDocumentHarmful, "not read before the deadline");
+            for (const size_t place : places) harms[place] = late;
             break;
         }
-        TProbe probe(rest, read);
-        const size_t count = probe.Count(secondsForEach, latest);
+        TProbe probe(rest, read, limits.memory);
+        const std::string reports = probe.Reports(limits);
+        const size_t count = std::min(reports.size(), rest.size());
+        for (size_t i = 0; i < count; ++i)
+            if (reports[i] == kTooLarge) harms[places[i]] = ReasonFor(EReason::eDocumentTooLarge);
         if (count == rest.size()) break;
-        harms[places[count]] = probe.Harm(secondsForEach);
+        harms[places[count]] = ReasonFor(EReason::eDocumentHarmful, probe.Harm(limits.secondsForEach));
         rest.erase(rest.begin() + static_cast<long>(count));
         places.erase(places.begin() + static_cast<long>(count));
     }

@@ -171,8 +171,8 @@ TReason ReadCollection(const std::string& path, TContainer& container) {
     const TDocumentEnds ends = ReadDocumentEnds(path);
     if (MayBeEndless(ends)) RefuseEndlessValue(path);
     const auto read = [&](const std::string& file) { container.PopulateContainerFromFile(file); };
-    const std::string harm = ProbeDocuments({path}, read).front();
-    if (!harm.empty()) RefuseReading(path, harm + "; it is damaged, or was made to do harm");
+    const TReason harm = ProbeDocuments({path}, read).front();
+    if (harm) RefuseReading(path, harm.detail + "; it is damaged, or was made to do harm");
     TLogCapture capture;
     try {
         read(path);

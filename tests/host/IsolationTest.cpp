@@ -129,6 +129,40 @@ TEST(IsolationTest, VolumeOfAPluginCostsItsOwnRestAndIsSaved) {
     }
 }
 
+TEST(IsolationTest, DocumentThatIsTooLargeCostsItsOwnPlugin) {
+    const auto write = [](const std::string& start, const std::string& repeated, int count) {
+        std::string text = start;
+        for (int i = 0; i < count; ++i)
+            text.append(repeated, 0, repeated.find('#'))
+                .append(std::to_string(i))
+                .append(repeated, repeated.find('#') + 1);
+        return text;
+    };
+    const std::string head = "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><DECLARATION><DECLGROUP>",
+                      cls = "<VALUE.OBJECT><CLASS NAME=\"TEST_",
+                      key =
+                          "<PROPERTY NAME=\"Id\" TYPE=\"string\"><QUALIFIER NAME=\"Key\" "
+                          "TYPE=\"boolean\"><VALUE>true</VALUE></QUALIFIER></PROPERTY>",
+                      tail = "</DECLGROUP></DECLARATION></CIM>";
+    const std::string many = write(head, cls + "#\">" + key + "</CLASS></VALUE.OBJECT>", 5001) + tail;
+    const std::string wide = write(head + cls + "Wide\">" + key, "<PROPERTY NAME=\"P#\" TYPE=\"uint8\"/>", 2000);
+    const std::string derived = cls + "#\" SUPERCLASS=\"TEST_Wide\"></CLASS></VALUE.OBJECT>";
+    std::vector<std::string> documents = {many};
+#if !defined(__SANITIZE_ADDRESS__)  // of whose heap nobody can tell the size
+    documents.push_back(write(wide + "</CLASS></VALUE.OBJECT>", derived, 4000) + tail);
+#endif
+    for (const std::string& document : documents) {
+        const TPluginRoot root({"shown"});
+        fs::create_directory(root.Path() + "/large");
+        fs::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/large/liblarge.pi.so");
+        root.Write("large/large.properties.xml", document);
+        EXPECT_THAT(RunKyr("collect" + root.Option()),
+                    FieldsAre(1, AllOf(HasSubstr("TEST_Shown (2)\n"), HasSubstr("MOLTA_InstalledOS\n")),
+                              StartsWith("kyr: plugin ./large/liblarge.pi.so: refused: its document "
+                                         "./large/large.properties.xml is too large: ")));
+    }
+}
+
 TEST(IsolationTest, ClassesOfAPluginThatDidNotLoadFallToTheNextThatDeclaresThem) {
     for (const std::string arguments : {"", "--class TEST_First"})
         EXPECT_THAT(RunKyrWith({"initcrash", "leaving"}, "collect " + arguments),

@@ -323,8 +323,9 @@ TEST(DocumentProbeTest, NamesTheDocumentsThatWouldHarmItsReader) {
                                             folder.Write("5", "<CIM/>")};
     TContainer container;
     const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
-    EXPECT_THAT(ProbeDocuments(paths, read, 0.3),
-                ElementsAre("", "not read within 0.3 s", "", "not read within 0.3 s", ""));
+    std::vector<std::string> harms;
+    for (const TReason& harm : ProbeDocuments(paths, read, {0.3})) harms.push_back(harm.detail);
+    EXPECT_THAT(harms, ElementsAre("", "not read within 0.3 s", "", "not read within 0.3 s", ""));
 }
 
 }  // namespace
