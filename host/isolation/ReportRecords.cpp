@@ -17,6 +17,11 @@ void RequireRoom(const std::vector<TElement>& elements, size_t most) {
     if (elements.size() >= most) throw TRecordError();
 }
 
+// Nothing is loaded any more once the data entry was called.
+void RequireLoading(const TPluginReport& report) {
+    if (!report.dataCalls.empty()) throw TRecordError();
+}
+
 // The functions below put C strings, so that a text with a NUL is none of theirs.
 std::string TakeReportText(TRecordReader& record) {
     const std::string text = record.TakeText();
@@ -53,6 +58,7 @@ void ReadDataCallEnd(TRecordReader& record, TPluginReport& report) {
 }
 
 void ReadPlugin(TRecordReader& record, TPluginReport& report) {
+    RequireLoading(report);
     RequireRoom(report.plugins, kMostPlugins);
     TPluginInfo plugin;
     plugin.name = TakeReportText(record);
@@ -67,6 +73,7 @@ void ReadRecord(ERecord kind, TRecordReader& record, TPluginReport& report) {
         case ERecord::ePlugin:
             return ReadPlugin(record, report);
         case ERecord::eLoadFailure:
+            RequireLoading(report);
             report.loadFailure = TakeReportText(record);
             return;
         case ERecord::eLogLine:
