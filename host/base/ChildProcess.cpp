@@ -7,9 +7,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "base/TimePoint.h"
 
@@ -82,6 +86,16 @@ TProcessEnd TChildProcess::Wait() {
     return {0, WEXITSTATUS(status)};
 }
 
+// The second field is the name of the program in parentheses, which may hold anything.
+pid_t ParentOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string line;
+    std::getline(file, line, '\0');
+    const size_t name = line.rfind(") ");
+    if (process <= 0 || name == std::string::npos) return 0;
+    return static_cast<pid_t>(std::strtol(line.c_str() + name + std::strlen(") S "), nullptr, 10));
+}
+
 TSubreaper::TSubreaper() : fExisting(Children()) { prctl(PR_SET_CHILD_SUBREAPER, 1); }
 
 TSubreaper::~TSubreaper() {
@@ -89,12 +103,20 @@ TSubreaper::~TSubreaper() {
     prctl(PR_SET_CHILD_SUBREAPER, 0);
 }
 
+bool TSubreaper::IsExisting(pid_t child) const {
+    return std::find(fExisting.begin(), fExisting.end(), child) != fExisting.end();
+}
+
+bool TSubreaper::Includes(pid_t process) const {
+    for (pid_t parent = ParentOf(process); parent != 0; process = std::exchange(parent, ParentOf(parent)))
+        if (parent == getpid()) return !IsExisting(process);
+    return false;
+}
+
 // The children of each that ends become children of this process, so the list is read again until it is empty. A
 // process that has become another user's cannot be killed and is left.
 void TSubreaper::KillChildren() const {
-    const auto isLeft = [this](pid_t child) {
-        return std::find(fExisting.begin(), fExisting.end(), child) != fExisting.end() || kill(child, SIGKILL) != 0;
-    };
+    const auto isLeft = [this](pid_t child) { return IsExisting(child) || kill(child, SIGKILL) != 0; };
     const TTimePoint latest = TClock::now() + kKillGrace;
     for (;;) {
         std::vector<pid_t> children = Children();

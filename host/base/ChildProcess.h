@@ -42,6 +42,9 @@ private:
     bool fWasWaitedFor = false;
 };
 
+/// The parent of a process; 0 if there is none, or if it cannot be told.
+pid_t ParentOf(pid_t process);
+
 /// Makes this process a subreaper: while the object exists, a descendant whose parent has ended becomes a child of this
 /// process. Such processes are killed in the end. Children that this process had before are left alone.
 class TSubreaper {
@@ -51,11 +54,16 @@ public:
     TSubreaper(const TSubreaper&) = delete;
     TSubreaper& operator=(const TSubreaper&) = delete;
 
+    /// Whether the process is a descendant of this one, by a child that was not there before. As long as this process
+    /// does not wait for it, that can be told of one that has ended, too; not where /proc is hidden.
+    bool Includes(pid_t process) const;
     /// Kills all children but those that were there before, and waits for them, for a second at most. No TChildProcess
     /// may exist that was not waited for.
     void KillChildren() const;
 
 private:
+    bool IsExisting(pid_t child) const;
+
     const std::vector<pid_t> fExisting;
 };
 

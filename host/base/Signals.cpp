@@ -1,13 +1,16 @@
 #include "base/Signals.h"
 
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 namespace {
 
-constexpr int kEndingSignals[] = {SIGHUP,  SIGINT,  SIGQUIT,   SIGTERM, SIGUSR1, SIGUSR2,
-                                  SIGALRM, SIGPROF, SIGVTALRM, SIGPOLL, SIGPWR,  SIGSTKFLT};
+// The signals that cannot be blocked, those that stop and continue processes, and those that do nothing by default.
+constexpr int kNeverBlocked[] = {SIGKILL, SIGSTOP, SIGTSTP, SIGTTIN, SIGTTOU, SIGCONT, SIGURG, SIGWINCH};
 
 constexpr std::chrono::milliseconds kDebounce(20);
 
@@ -27,22 +30,27 @@ bool IsIgnored(int signal) {
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
+// With the two signals that the C library keeps for itself, and takes out of every set that it is given: anybody can
+// send them, and they would end this process.
+void SetMask(const sigset_t& mask) { syscall(SYS_rt_sigprocmask, SIG_SETMASK, &mask, nullptr, _NSIG / 8); }
+
 }  // namespace
 
 TBlockedSignals::TBlockedSignals() {
-    sigemptyset(&fBlocked);
-    sigaddset(&fBlocked, SIGCHLD);
-    for (const int signal : kEndingSignals)
-        if (!IsIgnored(signal)) sigaddset(&fBlocked, signal);
+    std::memset(&fBlocked, 0xff, sizeof fBlocked);
+    for (const int signal : kNeverBlocked) sigdelset(&fBlocked, signal);
+    for (int signal = 1; signal < SIGRTMIN; ++signal)
+        if (signal != SIGCHLD && IsIgnored(signal)) sigdelset(&fBlocked, signal);
     // The caller may have left SIGCHLD ignored; then it would never come, and nobody could wait for a child.
     struct sigaction action {};
     action.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &action, &fChildAction);
-    sigprocmask(SIG_BLOCK, &fBlocked, &fBefore);
+    sigprocmask(SIG_SETMASK, nullptr, &fBefore);
+    SetMask(fBlocked);
 }
 
 TBlockedSignals::~TBlockedSignals() {
-    sigprocmask(SIG_SETMASK, &fBefore, nullptr);
+    SetMask(fBefore);
     sigaction(SIGCHLD, &fChildAction, nullptr);
 }
 

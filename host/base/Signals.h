@@ -15,9 +15,9 @@ struct TSignal {
     pid_t sender;  ///< 0: the kernel, as for a key on the terminal
 };
 
-/// Blocks the signals that would end this process, and SIGCHLD, so that they can be waited for. Those that stand for
-/// a fault of this process, and those that are ignored, are not blocked. Signals that came meanwhile and were not
-/// waited for take effect when the object is destroyed.
+/// Blocks the signals that would end this process, and SIGCHLD, so that they can be waited for, whoever sent them. A
+/// fault of this process ends it all the same. Those that are ignored are not blocked. Signals that came meanwhile and
+/// were not waited for take effect when the object is destroyed.
 class TBlockedSignals {
 public:
     TBlockedSignals();

@@ -1,5 +1,7 @@
 #include "isolation/PluginScheduler.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <system_error>
 #include <thread>
@@ -12,7 +14,7 @@ namespace {
 constexpr std::chrono::milliseconds kPollInterval(20);  // in which a process may have delivered something
 
 // At most so many signals are handled at once: a plugin can send them without end.
-constexpr int kMostPending = 64;
+constexpr int kMostPending = 100'000;
 
 // What the streams of plugins whose instances are not stored yet may hold together. The more they hold, the smaller is
 // the stream of the next plugin.
@@ -91,8 +93,9 @@ std::vector<std::string> TProcessPool::RunningPaths() const {
 }
 
 TPluginProcess* TProcessPool::FindSender(const TSignal& signal) const {
-    for (const auto& process : fStarted)
-        if (process->Includes(signal.sender)) return process.get();
+    for (pid_t id = signal.sender; id > 0 && id != getpid(); id = ParentOf(id))
+        for (const auto& process : fStarted)
+            if (process->Includes(id)) return process.get();
     return nullptr;
 }
 
@@ -175,11 +178,13 @@ void TPluginScheduler::KillOrphans() {
     fSubreaper.KillChildren();
 }
 
-// A signal from a plugin does not interrupt the host, but is noted in the plugin's report.
+// A signal from a plugin does not interrupt the host, but is noted in the plugin's report. Which plugin has left a
+// process that has lost its parents and its session shows nowhere.
 bool TPluginScheduler::IsFromPlugin(const TSignal& signal) {
     TPluginProcess* const sender = fPool.FindSender(signal);
-    if (sender != nullptr) sender->NoteSentSignal(signal.number);
-    return sender != nullptr;
+    if (sender == nullptr) return fSubreaper.Includes(signal.sender);
+    sender->NoteSentSignal(signal.number);
+    return true;
 }
 
 // The first time, what was collected so far is the result. The second time, this process ends at once.

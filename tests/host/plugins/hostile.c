@@ -54,9 +54,16 @@ BEHAVIOUR Escape(void) {
 BEHAVIOUR Hoard(void) {
     for (;;) memset(malloc(1 << 24), 1, 1 << 24);
 }
+/* By all signals but those that cannot be handled and those that stop a process; and once more by a process that is in
+ * no session of its, and has ended when the host looks for it. */
 BEHAVIOUR Interrupt(void) {
-    kill(getppid(), SIGTERM);
-    kill(getppid(), SIGUSR1);
+    const pid_t host = getppid();
+    for (int number = 1; number <= SIGRTMAX; ++number)
+        if (strchr("\011\022\023\024\025\026", number) == NULL) kill(host, number);
+    if (fork() != 0) return;
+    setsid();
+    if (fork() == 0) kill(host, SIGTERM);
+    _exit(0);
 }
 BEHAVIOUR FindDescriptors(void) {
     for (int descriptor = 3; descriptor < 1024; ++descriptor)
