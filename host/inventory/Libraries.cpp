@@ -43,11 +43,17 @@ fs::path LibraryOf(const fs::path& document) {
     return document.parent_path() / ("lib" + stem + TOSSpecific::kPluginExtension);
 }
 
-// Only regular files: opening a pipe with the name of a library would block.
+// Opening a pipe with the name of a library would block. A link that leads nowhere stands for a library: loading it
+// tells what is wrong.
+bool IsFileOrBrokenLink(const fs::directory_entry& entry) {
+    std::error_code ignored;
+    return entry.is_regular_file(ignored) || (entry.is_symlink(ignored) && !entry.exists(ignored));
+}
+
 void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) {
-    std::error_code error, ignored;
+    std::error_code error;
     for (const fs::directory_entry& file : fs::directory_iterator(folder, error))
-        if (IsLibraryName(file.path().filename().string()) && file.is_regular_file(ignored))
+        if (IsLibraryName(file.path().filename().string()) && IsFileOrBrokenLink(file))
             libraries.push_back(LibraryAt(file.path()));
     if (!error) return;
     libraries.push_back(LibraryAt(folder));
@@ -78,7 +84,8 @@ std::vector<fs::path> FindFolders() {
 
 constexpr double kMostSeconds = 10;
 constexpr size_t kMostClasses = 5000;
-constexpr size_t kMostBytes = size_t{8} << 20;
+constexpr size_t kMostBytes = size_t{32} << 20;    // in all documents
+constexpr size_t kMostParts = 4;                   // one may have a quarter of what is left of them
 constexpr size_t kMostMemory = size_t{512} << 20;  // for all documents, of which one gets at most an eighth: 64 MiB
 
 // A document on which the reader never ends may take only a part of the time that all plugins have together.
@@ -91,8 +98,8 @@ TProbeLimits ProbeLimits(const TRunLimits& limits) {
 TReason Harmful(const std::string& detail) { return ReasonFor(EReason::eDocumentHarmful, detail); }
 
 TReason TooLarge() {
-    return ReasonFor(EReason::eDocumentTooLarge, "at most " + std::to_string(kMostBytes >> 20) + " MiB and " +
-                                                     std::to_string(kMostClasses) +
+    return ReasonFor(EReason::eDocumentTooLarge, "at most " + std::to_string(kMostBytes / kMostParts >> 20) +
+                                                     " MiB and " + std::to_string(kMostClasses) +
                                                      " classes are read, if they take no more than 64 MiB of memory");
 }
 
@@ -101,6 +108,7 @@ std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& librari
                                         const TRunLimits& limits) {
     std::map<std::string, TReason> harms;
     std::vector<std::string> documents;
+    size_t bytesLeft = kMostBytes;
     for (const TPluginLibrary& library : libraries) {
         const std::string document = library.DocumentPath();
         std::error_code error;
@@ -110,10 +118,12 @@ std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& librari
             harms[document] = Harmful("cannot be read: " + error.message());
         else if (!fs::is_regular_file(status))
             harms[document] = Harmful("is no file");
-        else if (fs::file_size(document, error) > kMostBytes)
+        else if (const std::uintmax_t size = fs::file_size(document, error); size > bytesLeft / kMostParts)
             harms[document] = TooLarge();
-        else
+        else {
+            bytesLeft -= size;
             documents.push_back(document);
+        }
     }
     const auto read = [&](const std::string& path) {
         if (container.PopulateContainerFromFile(path).size() > kMostClasses) throw TTooLarge();

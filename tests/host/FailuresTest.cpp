@@ -82,16 +82,19 @@ TEST(FailuresTest, PipeInPlaceOfALibraryHoldsNothingUp) {
     EXPECT_EQ(RunKyr("identity" + root.Option()).status, 0);
 }
 
-TEST(FailuresTest, DocumentThatIsALoopOfLinksCostsItsPluginAlone) {
+TEST(FailuresTest, LinksThatLeadNowhereCostTheirPluginsAlone) {
     const TPluginRoot root({});
     std::filesystem::create_directory(root.Path() + "/loop");
+    std::filesystem::create_directory(root.Path() + "/broken");
+    std::filesystem::create_symlink("nowhere", root.Path() + "/broken/libbroken.pi.so");
     std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/loop/libloop.pi.so");
     std::filesystem::create_symlink("loop.properties.xml", root.Path() + "/loop/loop.properties.xml");
     EXPECT_THAT(
         RunKyr("collect" + root.Option()),
         FieldsAre(1, HasSubstr("MOLTA_ComputerSystem\n"),
-                  StartsWith("kyr: plugin ./loop/libloop.pi.so: refused: its document ./loop/loop.properties.xml "
-                             "cannot be read: Too many levels of symbolic links")));
+                  AllOf(StartsWith("kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: "),
+                        HasSubstr("kyr: plugin ./loop/libloop.pi.so: refused: its document ./loop/loop.properties.xml "
+                                  "cannot be read: Too many levels of symbolic links"))));
 }
 
 TEST(FailuresTest, CollectionOfNothingLeavesTheFileOfAnEarlierOne) {
