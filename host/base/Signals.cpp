@@ -32,7 +32,7 @@ bool IsIgnored(int signal) {
 
 // With the two signals that the C library keeps for itself, and takes out of every set that it is given: anybody can
 // send them, and they would end this process.
-void SetMask(const sigset_t& mask) { syscall(SYS_rt_sigprocmask, SIG_SETMASK, &mask, nullptr, _NSIG / 8); }
+void ChangeMask(int how, const sigset_t& mask) { syscall(SYS_rt_sigprocmask, how, &mask, nullptr, _NSIG / 8); }
 
 }  // namespace
 
@@ -46,11 +46,11 @@ TBlockedSignals::TBlockedSignals() {
     action.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &action, &fChildAction);
     sigprocmask(SIG_SETMASK, nullptr, &fBefore);
-    SetMask(fBlocked);
+    ChangeMask(SIG_BLOCK, fBlocked);
 }
 
 TBlockedSignals::~TBlockedSignals() {
-    SetMask(fBefore);
+    ChangeMask(SIG_SETMASK, fBefore);
     sigaction(SIGCHLD, &fChildAction, nullptr);
 }
 
