@@ -131,7 +131,7 @@ void TInstanceMerger::NoteRefusal(const std::string& className, const std::strin
 void TInstanceMerger::Conclude() {
     TPluginReport& report = fLibrary.report;
     if (report.end.state == eComplete) report.end = fDropped;
-    if (report.end.reason.code == EReason::eTooMuchDelivered)
+    if (report.end.reason.code == EReason::eTooMuchDelivered && report.end.reason.detail.empty())
         report.end.reason.detail = "the first " + std::to_string(fInstances.Count()) + " instances are kept";
     report.messages.insert(report.messages.end(), fRefusals.begin(), fRefusals.end());
     const auto isSkipped = [this](const std::string& name) { return fInstances.IsSkipped(name); };

@@ -140,7 +140,7 @@ void TPluginProcess::Abandon() {
 void TPluginProcess::WriteReport(const TProcessEnd& end) {
     TPluginReport& report = fLibrary.report;
     const bool isReadable = ReadReport(fStream.Records(), report);
-    report.end = FindOutcome(end);
+    if (const TOutcome outcome = FindOutcome(end); outcome.reason) report.end = outcome;
     if (!isReadable && report.end.state == eComplete) report.end = {eFailed, ReasonFor(EReason::eDeliveryDamaged)};
     ReadPrinted();
     fPrinted.Close();

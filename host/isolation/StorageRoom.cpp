@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr size_t kMost = TCimXmlWriter::kLargestDocument / 16 * 15;  // the rest is for the states
+constexpr size_t kMost = TCimXmlWriter::kLargestDocument / 8 * 7;  // the rest is for the states
 constexpr size_t kLeast = TCimXmlWriter::kLargestDocument / 8;
 
 // An instance takes several times the memory that it takes in a file, in this process and in the plugin's.

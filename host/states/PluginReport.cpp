@@ -9,13 +9,23 @@ namespace {
 
 constexpr size_t kLongestMessage = 4096;
 
+// More would hold up whoever looks for the messages of a class, and leave a saved file no room for others.
+constexpr size_t kMostMessageBytes = size_t{256} << 10;
+constexpr size_t kBesideText = 64;
+
 }  // namespace
 
 // The core logs the failure of a data call right after it. TDataCall::failure has it already, so that line is dropped.
 void TPluginReport::AddLogLine(const TLogLine& line) {
     const bool repeatsFailure = line.core && !dataCalls.empty() && dataCalls.back().failure;
     if (line.severity > kyrLogWarning || repeatsFailure) return;
-    messages.push_back({"", line.severity, CutText(line.text, kLongestMessage), line.core});
+    const std::string text = CutText(line.text, kLongestMessage);
+    messageBytes += text.size() + kBesideText;
+    if (messageBytes > kMostMessageBytes) {
+        end = {eFailed, ReasonFor(EReason::eTooMuchDelivered, "its log is cut off")};
+        return;
+    }
+    messages.push_back({"", line.severity, text, line.core});
 }
 
 const TPluginInfo* TPluginReport::FindOwner() const {

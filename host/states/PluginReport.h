@@ -48,9 +48,11 @@ struct TPluginReport {
     std::vector<TDataCall> dataCalls;
     std::string loadFailure;  ///< the exception that loading it raised; empty: none
     TOutcome end;             ///< how its process ended
+    size_t messageBytes = 0;  ///< that the messages of the log take
 
     /// Adds a line of the log to the messages if it is an error or a warning. Lines must be added in the order in which
-    /// they were logged, and a data call before the lines that follow it.
+    /// they were logged, and a data call before the lines that follow it. If there are too many, the rest is dropped,
+    /// and the end says so.
     void AddLogLine(const TLogLine& line);
     /// The plugin that owns the classes of the document: the first one initialised that uses a document. Null if there
     /// is none.
