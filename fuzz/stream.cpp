@@ -61,14 +61,15 @@ std::vector<TCIMClass*> ReadSchema(TContainer& container) {
     return container.PopulateContainerFromFile(Folder().Path("schema.xml"));
 }
 
-// What cannot be saved is refused with a reason.
-void CheckSaving(const TContainer& container) {
+// What cannot be saved is refused with a reason. Beside the schema, the file has at most so many bytes.
+void CheckSaving(const TContainer& container, size_t most) {
     const std::string path = Folder().Path("saved.xml");
     try {
         SaveCollection(container, path, false);
     } catch (const TCommandError&) {
         return;
     }
+    Require(fs::file_size(path) <= fs::file_size(Folder().Path("schema.xml")) + most, "instances were charged enough");
     TContainer read;
     read.PopulateContainerFromFile(path);
     Require(TextOf(read) == TextOf(container), "what was saved reads back as it was");
@@ -87,8 +88,7 @@ public:
     const TContainer& Container() const { return fContainer; }
 
     void Merge(std::string_view records) {
-        TStorageRoom room(0);
-        TInstanceMerger merger(fLibraries.front(), fContainer, room, 30);
+        TInstanceMerger merger(fLibraries.front(), fContainer, fRoom, 30);
         for (const EPass pass : {EPass::eSmallParts, EPass::eRest, EPass::eAssociations})
             while (merger.Take(records, pass, TTimeSlice()) == TInstanceMerger::EProgress::eOutOfTime) continue;
         merger.Conclude();
@@ -99,12 +99,13 @@ public:
             fContainer.PopulateContainerFromFile(FindStateDocument());
             WriteStates(fLibraries, TClassSelection::All(), 0, fContainer);
         }
-        CheckSaving(fContainer);
+        CheckSaving(fContainer, withStates ? SIZE_MAX / 2 : TStorageRoom(0).Bytes() - fRoom.Bytes());
     }
 
 private:
     std::list<TPluginLibrary> fLibraries{};
     TPluginContainer fContainer;
+    TStorageRoom fRoom{0};
 };
 
 void TakeHostileStream(std::string_view records, bool withStates) {

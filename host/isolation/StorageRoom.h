@@ -18,6 +18,8 @@ public:
     /// space of this process is limited.
     explicit TStorageRoom(size_t schemaBytes);
 
+    size_t Bytes() const { return fBytes; }
+    /// What one plugin may take of them in that pass.
     size_t BytesFor(EPass pass) const;
     void TakeBytes(size_t count) { fBytes -= count; }
 
