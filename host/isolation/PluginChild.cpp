@@ -27,12 +27,6 @@ namespace {
 constexpr rlim_t kMostMemory = rlim_t{2} << 30;
 constexpr rlim_t kLargestFile = rlim_t{256} << 20;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsInstrumented = true;  // AddressSanitizer maps terabytes, which a limit on memory would refuse
-#else
-constexpr bool kIsInstrumented = false;
-#endif
-
 void Limit(__rlimit_resource_t resource, rlim_t value) {
     rlimit limit{};
     if (getrlimit(resource, &limit) != 0) return;
@@ -49,7 +43,7 @@ rlim_t MemoryLimit() {
 void SetLimits() {
     Limit(RLIMIT_CORE, 0);
     Limit(RLIMIT_FSIZE, kLargestFile);
-    if (!kIsInstrumented) Limit(RLIMIT_DATA, HeapSize() + MemoryLimit());
+    if (kIsMemoryLimitable) Limit(RLIMIT_DATA, HeapSize() + MemoryLimit());
 }
 
 // What the plugin prints must not mix with what the host prints.

@@ -56,19 +56,18 @@ void PrepareProbe() {
     TLogger::Initialize();
 }
 
-// Of this process, which must not be instrumented: AddressSanitizer has a heap of its own.
 void LimitMemory(size_t heap) {
     constexpr size_t kBesideTheHeap = size_t{8} << 20;
     rlimit limit{};
-    if (getrlimit(RLIMIT_DATA, &limit) != 0) return;
+    if (!kIsMemoryLimitable || getrlimit(RLIMIT_DATA, &limit) != 0) return;
     limit.rlim_cur = std::min<rlim_t>(heap + kBesideTheHeap, limit.rlim_max);
     setrlimit(RLIMIT_DATA, &limit);
 }
 
-// False if it is too large. The limit is in bytes; 0 is none.
+// False if it takes more memory than the limit, or is too large for the function.
 bool ReadWithin(size_t limit, const std::string& path, const TReader& read) {
     const size_t before = HeapSize();
-    if (limit != 0) LimitMemory(before + limit);
+    LimitMemory(before + limit);
     try {
         read(path);
     } catch (const std::bad_alloc&) {
@@ -77,15 +76,15 @@ bool ReadWithin(size_t limit, const std::string& path, const TReader& read) {
         return false;
     } catch (...) {
     }
-    return limit == 0 || HeapSize() - before <= limit;
+    return HeapSize() <= before + limit;
 }
 
 // One byte for each document that is done with.
 void ReadAll(const TPaths& paths, const TReader& read, size_t memory, int pipe) {
     PrepareProbe();
-    const size_t before = HeapSize();
+    const size_t most = HeapSize() + memory;
     for (const std::string& path : paths) {
-        const size_t left = memory - std::min(memory, HeapSize() - before);
+        const size_t left = most - std::min(most, HeapSize());
         const char report = ReadWithin(left / kPartOfMemory, path, read) ? kRead : kTooLarge;
         if (write(pipe, &report, 1) != 1) return;
     }

@@ -1,6 +1,8 @@
 #ifndef KYR_HOST_SAVED_DOCUMENTPROBE_H
 #define KYR_HOST_SAVED_DOCUMENTPROBE_H
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,7 +14,7 @@
 struct TProbeLimits {
     double secondsForEach = 30;
     TTimePoint latest = TTimePoint::max();
-    size_t memory = 0;  ///< bytes for all of them, of which one gets at most an eighth of what is left; 0: no limit
+    size_t memory = SIZE_MAX / 2;  ///< bytes for all of them; one gets at most an eighth of what is left
 };
 
 /// Raised by a function that reads a document which is larger than its caller wants.
