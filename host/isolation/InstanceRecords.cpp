@@ -21,8 +21,15 @@ constexpr size_t kInstanceSize = 65;
 constexpr size_t kDeclaredSize = 8;
 constexpr size_t kPropertySize = 46;
 constexpr size_t kValueSize = 40;
+constexpr size_t kArraySize = 24;
 constexpr size_t kReferenceSize = 100;
+constexpr size_t kBindingSize = 54;
 constexpr size_t kEscapeSize = 5;
+
+void Charge(size_t& room, size_t size) {
+    if (size > room) throw TNoRoom();
+    room -= size;
+}
 
 size_t WrittenSize(const std::string& text) {
     const auto isEscaped = [](unsigned char c) { return c < ' ' || c == '<' || c == '&' || c == '>' || c == 0x7f; };
@@ -85,10 +92,7 @@ public:
     TValueReader(TRecordReader& record, TContainer& container, size_t& room)
         : fRecord(record), fContainer(container), fRoom(room) {}
 
-    void Charge(size_t size) {
-        if (size > fRoom) throw TNoRoom();
-        fRoom -= size;
-    }
+    void Charge(size_t size) { ::Charge(fRoom, size); }
 
     /// Raises TRecordError, TNoRoom, or a status of the core.
     TCIMValue TakeValue() {
@@ -119,7 +123,7 @@ private:
     TCIMValue TakeNull(CIM type, unsigned int maxSize) {
         TCIMValue value;
         value.SetNullValue(type, maxSize);
-        const std::string target = fRecord.TakeText();
+        const std::string target = TakeText();
         if (!target.empty()) value.SetReferencedClass(*fContainer.GetClass(target));
         return value;
     }
@@ -165,6 +169,7 @@ private:
         Charge(kReferenceSize);
         std::map<const std::string, const TCIMValue> bindings;
         for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) {
+            Charge(kBindingSize);
             const std::string name = TakeText();
             bindings.emplace(name, TakeValue());
         }
@@ -173,6 +178,7 @@ private:
     }
 
     TCIMValue TakeArray(CIM type, unsigned int maxSize) {
+        Charge(kArraySize);
         std::vector<TCIMValue> elements;
         for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) elements.push_back(TakeValue());
         return TCIMValue(static_cast<CIM::ECIMType>(type & ~CIM::eCIMArrayFlag), maxSize, elements);
@@ -207,7 +213,7 @@ void TInstanceRecords::Store(TRecordReader& record, std::string& className) {
     const size_t count = fInstances.size(), room = fRoom;
     try {
         if (index == fInstances.size()) return Add(record, className);
-        if (fInstances[index] != nullptr) Update(record, *fInstances[index]);
+        if (fInstances[index].instance != nullptr) Update(record, fInstances[index]);
     } catch (const TNoRoom&) {
         fInstances.resize(count);
         fRoom = room;
@@ -216,21 +222,25 @@ void TInstanceRecords::Store(TRecordReader& record, std::string& className) {
 }
 
 void TInstanceRecords::Add(TRecordReader& record, const std::string& className) {
-    fInstances.push_back(nullptr);
+    fInstances.push_back({nullptr, 0});
     if (IsSkipped(className)) return;
     TCIMInstance* const stored = Take(record, fContainer.GetClass(className)).release();
     stored->AddToContainer();  // which takes it over, whatever happens
-    fInstances.back() = stored;
+    fInstances.back() = {stored, 1};
     ++fCount;
 }
 
-// What is stored already stays as it is if the record is refused.
-void TInstanceRecords::Update(TRecordReader& record, TCIMInstance& stored) {
+// What is stored already stays as it is if the record is refused. The new values are saved as often as it is listed.
+void TInstanceRecords::Update(TRecordReader& record, TStored& listed) {
+    TCIMInstance& stored = *listed.instance;
+    const size_t room = fRoom;
     const std::unique_ptr<TCIMInstance> instance = Take(record, stored.GetClass());
+    Charge(fRoom, (room - fRoom) * listed.times);
     instance->BuildPath().GetPath();  // which raises what storing it would
     for (const TCIMProperty* property : instance->EnumerateProperties())
         if (!property->GetPropagated()) stored.SetPropertyValue(property->GetName(), property->GetValue());
     stored.AddToContainer();
+    ++listed.times;
 }
 
 std::unique_ptr<TCIMInstance> TInstanceRecords::Take(TRecordReader& record, TCIMClass* cls) {

@@ -39,16 +39,22 @@ public:
     void Store(TRecordReader& record, std::string& className);
 
 private:
+    /// One of the container's, which lists it as often as it was stored.
+    struct TStored {
+        TCIMInstance* instance;  // null: it was refused or skipped
+        size_t times;
+    };
+
     void Add(TRecordReader& record, const std::string& className);
-    void Update(TRecordReader& record, TCIMInstance& stored);
+    void Update(TRecordReader& record, TStored& listed);
     std::unique_ptr<TCIMInstance> Take(TRecordReader& record, TCIMClass* cls);
     size_t SizeOfEmpty(const TCIMClass& cls);
 
     TContainer& fContainer;
     std::set<std::string> fSkipped;
-    uint32_t fFirst = 0;                    // the number of the first
-    std::vector<TCIMInstance*> fInstances;  // by number; they are the container's. Null: not stored
-    size_t fCount = 0;                      // of those stored
+    uint32_t fFirst = 0;              // the number of the first
+    std::vector<TStored> fInstances;  // by number
+    size_t fCount = 0;                // of those stored
     size_t fRoom = SIZE_MAX;
     std::unordered_map<const TCIMClass*, size_t> fSizes;  // of instances without values
 };
