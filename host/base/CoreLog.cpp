@@ -40,15 +40,21 @@ off_t SizeOf(const std::string& file) {
     return stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
 }
 
+// The one that the next file to be opened gets. The core does not tell which its log file has.
+int NextDescriptor() {
+    const TDescriptor probe(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    return probe.Number();
+}
+
 }  // namespace
 
-TCoreLog::TCoreLog(const TLogOptions& options)
-    : fFile(options.file), fVerbose(options.verbose), fIsInFile(!options.file.empty()) {
+TCoreLog::TCoreLog(const TLogOptions& options) : fFile(options.file), fVerbose(options.verbose) {
     TLogger::Initialize();
     ILogger& logger = *TRootObject::GetCoreLogger();
     logger.SetLogThreshold(fVerbose ? kyrLogVerbose : kyrLogDebug);
-    if (!fIsInFile) return;
+    if (fFile.empty()) return;
     TryToWrite(fFile);
+    fDescriptor = NextDescriptor();
     try {
         logger.SetLogFilename(fFile);
     } catch (const TKYRException& e) {
@@ -63,7 +69,7 @@ TCoreLog::~TCoreLog() {
 
 // The core writes nothing more to a file once it could not write a line.
 bool TCoreLog::Finish() const {
-    if (!fIsInFile) return true;
+    if (fDescriptor < 0) return true;
     const off_t before = SizeOf(fFile);
     const TLogCapture capture;
     TRootObject::GetCoreLogger()->OutputLogEntry(nullptr, kyrLogDebug, "Done");

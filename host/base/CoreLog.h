@@ -33,8 +33,10 @@ public:
     /// With --verbose, prints the line on standard error, under the name of the plugin if the core did not log it.
     void Print(const TLogLine& line, const std::string& plugin = "") const;
     /// Whether lines below a warning are printed or written to a file; if not, they need not be passed on.
-    bool IsWatched() const { return fVerbose || fIsInFile; }
-    bool IsInFile() const { return fIsInFile; }
+    bool IsWatched() const { return fVerbose || fDescriptor >= 0; }
+    /// The descriptor through which the core writes the log file; -1: there is none. In a forked process another file
+    /// can be put in its place.
+    int Descriptor() const { return fDescriptor; }
     /// Adds a last line to the log file, if there is one. Returns whether the file has got all that was logged; if not,
     /// says so on standard error.
     bool Finish() const;
@@ -42,7 +44,7 @@ public:
 private:
     std::string fFile;
     bool fVerbose;
-    bool fIsInFile;
+    int fDescriptor = -1;
 };
 
 /// Captures the lines that are logged while this object exists. They are removed from the core's log, whether they are

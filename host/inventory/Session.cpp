@@ -160,7 +160,7 @@ size_t TSession::SchemaBytes() const {
 int TSession::RunIsolated(const TRounds& rounds, const TClassSelection& wanted) {
     const auto printLog = [this](const TPluginProcess& process) { PrintLog(process.Library()); };
     TPluginScheduler processes(fOptions.limits, fLibraries.size(), SchemaBytes(), printLog);
-    const TPluginTask task{fContainer, wanted, fLog.IsWatched(), fLog.IsInFile()};
+    const TPluginTask task{fContainer, wanted, fLog.IsWatched(), fLog.Descriptor()};
     for (const std::vector<TPluginLibrary*>& round : rounds) {
         for (TPluginLibrary* library : round) ClaimClasses(*library, fLibraries);
         AssignClassesToLibraries();

@@ -74,12 +74,24 @@ void ResetSignals() {
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// A session of its own has no terminal and is a process group that the plugin cannot leave. All descriptors of the host
-// but the standard streams are closed, unless it has a log file open.
-void PrepareProcess(int printed, bool closesOthers) {
+// The core writes the log file through this descriptor. It is to write to a file of the plugin's own from now on.
+void ReplaceLogFile(int own, int descriptor) {
+    if (descriptor >= 0) dup2(own, descriptor);
+}
+
+// All but the standard streams and that one, which may be -1.
+void CloseDescriptors(int spared) {
+    const auto after = [](int descriptor) { return static_cast<unsigned>(descriptor) + 1; };
+    if (spared > STDERR_FILENO + 1) close_range(STDERR_FILENO + 1, static_cast<unsigned>(spared) - 1, 0);
+    close_range(std::max(after(STDERR_FILENO), after(spared)), ~0u, 0);
+}
+
+// A session of its own has no terminal and is a process group that the plugin cannot leave.
+void PrepareProcess(const TPluginFiles& files, int logFile) {
     setsid();
-    SetStreams(printed);
-    if (closesOthers) close_range(STDERR_FILENO + 1, ~0u, 0);
+    SetStreams(files.printed);
+    ReplaceLogFile(files.log, logFile);
+    CloseDescriptors(logFile);
     SetLimits();
     PreferForOutOfMemoryKiller();
     ResetSignals();
@@ -174,8 +186,9 @@ void Ask(TPluginProxy& plugin, const TPluginLibrary& library, const TPluginTask&
 
 }  // namespace
 
-void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream, int printed) {
-    PrepareProcess(printed, !task.logInFile);
+void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream,
+                    const TPluginFiles& files) {
+    PrepareProcess(files, task.logFile);
     StartLog(stream, task.wholeLog);
     TPluginReport report;
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, report);

@@ -40,7 +40,7 @@ constexpr TPlace kPlaces[] = {
     {EPhase::eExiting, "in a destructor at exit"},
 };
 
-int OpenPrinted() {
+int OpenInMemory() {
     const int file = memfd_create("kyr-plugin", MFD_CLOEXEC);
     if (file < 0) throw std::system_error(errno, std::generic_category(), "no memory for what it prints");
     return file;
@@ -85,8 +85,12 @@ TPluginProcess::TPluginProcess(TPluginLibrary& library, const TPluginTask& task,
       fTimeout(timeout),
       fStream(streamSize),
       fMerger(library, task.container, room, timeout),
-      fPrinted(OpenPrinted()),
-      fProcess([&] { RunPluginChild(library, task, fStream, fPrinted.Number()); }),
+      fLogFile(task.logFile),
+      fPrinted(OpenInMemory()),
+      fLogged(fLogFile < 0 ? -1 : OpenInMemory()),
+      fProcess([&] {
+          RunPluginChild(library, task, fStream, {fPrinted.Number(), fLogged.Number()});
+      }),
       fDeadline(After(TClock::now(), timeout)) {
     fStream.HideFromChildren();
 }
@@ -143,7 +147,9 @@ void TPluginProcess::WriteReport(const TProcessEnd& end) {
     if (const TOutcome outcome = FindOutcome(end); outcome.reason) report.end = outcome;
     if (!isReadable && report.end.state == eComplete) report.end = {eFailed, ReasonFor(EReason::eDeliveryDamaged)};
     ReadPrinted();
+    CopyLog();
     fPrinted.Close();
+    fLogged.Close();
     fStream.Close();
 }
 
@@ -188,4 +194,14 @@ TOutcome TPluginProcess::FindOutcome(const TProcessEnd& end) const {
 void TPluginProcess::ReadPrinted() {
     for (const std::string& line : ReadLastLines(fPrinted.Number()))
         fLibrary.report.messages.push_back({"", kyrLogStatus, VisibleText(line)});
+}
+
+// The core flushes each line, so that what is written past it stands behind what it wrote before.
+void TPluginProcess::CopyLog() {
+    char bytes[1 << 16];
+    off_t offset = 0;
+    for (ssize_t count = 1; fLogFile >= 0 && count > 0; offset += count) {
+        count = pread(fLogged.Number(), bytes, sizeof bytes, offset);
+        if (count > 0) count = write(fLogFile, bytes, static_cast<size_t>(count));
+    }
 }

@@ -75,12 +75,15 @@ private:
     std::string Where() const;
     TOutcome FindOutcome(const TProcessEnd& end) const;
     void ReadPrinted();
+    void CopyLog();
 
     TPluginLibrary& fLibrary;
     const double fTimeout;
     TRecordStream fStream;
     TInstanceMerger fMerger;
-    TDescriptor fPrinted;  // a file in memory: what the plugin prints
+    const int fLogFile;    // of the host
+    TDescriptor fPrinted;  // files in memory: what the plugin prints, and what is logged
+    TDescriptor fLogged;
     TChildProcess fProcess;
     EProcessState fState = EProcessState::eRunning;
     TTimePoint fDeadline;

@@ -66,6 +66,7 @@ constexpr THostile kHostile[] = {
      "imposing: partial: kyrAddClass: Allocate instance (CIM class TEST_Shown) threw exception kyrStatusAccessDenied "
      "(and 1 more)\n"},
     {"trying", "", 3, ""},
+    {"trying", "--log /dev/null 9</etc/passwd 3</etc/passwd", 3, ""},
     {"closing", "", 3, ""},
     {"chattering", "", 3, ""},
     {"shrinking", "", 3, ""},
