@@ -3,10 +3,13 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 
 #include "base/Locations.h"
+#include "base/NearMatches.h"
+#include "model/Needs.h"
 
 namespace {
 
@@ -14,6 +17,30 @@ std::string CheckSeconds(const std::string& text) {
     char* end = nullptr;
     const bool isPositive = std::strtod(text.c_str(), &end) > 0;
     return isPositive && *end == '\0' ? "" : "'" + text + "' is no number of seconds above 0";
+}
+
+struct TSandboxWord {
+    const char* word;
+    ESandbox sandbox;
+};
+
+constexpr TSandboxWord kSandboxWords[] = {
+    {"auto", ESandbox::eAuto}, {"require", ESandbox::eRequire}, {"off", ESandbox::eOff}};
+
+const TSandboxWord* FindSandboxWord(const std::string& text) {
+    const auto* const found = std::find_if(std::begin(kSandboxWords), std::end(kSandboxWords),
+                                           [&](const TSandboxWord& word) { return text == word.word; });
+    return found == std::end(kSandboxWords) ? nullptr : found;
+}
+
+std::string CheckSandbox(const std::string& text) {
+    return FindSandboxWord(text) != nullptr ? "" : "'" + text + "' is none of auto, require, off";
+}
+
+std::string CheckGrant(const std::string& text) {
+    const std::string need = text.substr(text.rfind(':') + 1);
+    if (text.find(':') == std::string::npos) return "'" + text + "' is no PLUGIN:NEED";
+    return NeedFor(need) != 0 ? "" : "unknown need '" + need + "'" + DidYouMean(need, NeedWords());
 }
 
 void RequireLocation(std::string& path, const std::string& option) {
@@ -75,7 +102,18 @@ void TCommand::AddCollecting() {
         ->type_name("SECONDS")
         ->check(CheckSeconds);
     fApp.add_flag("--in-process", fSession.inProcess,
-                  "Run the plugins in this process, one after another, with no limit of time");
+                  "Run the plugins in this process, one after another, with no limit of time and no sandbox");
+    const auto setSandbox = [this](const std::string& word) { fSession.sandbox = FindSandboxWord(word)->sandbox; };
+    fApp.add_option_function<std::string>(
+            "--sandbox", setSandbox,
+            "Keep each plugin from all but reading: as far as possible, or only run it so, or not")
+        ->type_name("auto|require|off")
+        ->check(CheckSandbox);
+    fApp.add_option("--grant", fSession.grants,
+                    "Let a plugin do what its document NEEDS: exec, network or rawio; may be repeated")
+        ->type_name("PLUGIN:NEED")
+        ->allow_extra_args(false)
+        ->check(CheckGrant);
 }
 
 void TCommand::AddPrinting(std::vector<std::string>& classes, TPrintOptions& options) {

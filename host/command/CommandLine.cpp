@@ -58,13 +58,15 @@ struct TConflict {
     std::string why = {};  // added to the message
 };
 
-const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--plugins", "--schema"};
+const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--sandbox",
+                                                "--grant",   "--plugins",  "--schema"};
 const std::string kNothingIsCollected = ": no plugin is asked for a saved collection";
 
 const TConflict kConflicts[] = {
     {"--from", {"FILE"}},
     {"--from", kOfCollecting, kNothingIsCollected},
     {"FILE", kOfCollecting, kNothingIsCollected},
+    {"--in-process", {"--sandbox", "--grant"}, ": no plugin has a process of its own"},
     {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--json-schema", {"--json", "CLASS"}},

@@ -12,9 +12,11 @@
 #include "base/ExitStatus.h"
 #include "base/Locations.h"
 #include "base/Output.h"
+#include "inventory/Grants.h"
 #include "inventory/Libraries.h"
 #include "isolation/InProcess.h"
 #include "isolation/PluginScheduler.h"
+#include "isolation/Sandbox.h"
 #include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMQualifier.h"
@@ -72,6 +74,7 @@ TSession::TSession(const TSessionOptions& options, const TCoreLog& log, TPluginC
     fLibraries = FindLibraries();
     if (fLibraries.empty()) PrintDiagnostic("no plugins in '" + options.plugins + "'");
     ReadDocuments(fLibraries, fContainer, PluginSchema(), options.limits);
+    ApplyGrants(options.grants, fLibraries);
 }
 
 void TSession::ReadBaseDocument(const std::string& path) {
@@ -160,7 +163,9 @@ size_t TSession::SchemaBytes() const {
 int TSession::RunIsolated(const TRounds& rounds, const TClassSelection& wanted) {
     const auto printLog = [this](const TPluginProcess& process) { PrintLog(process.Library()); };
     TPluginScheduler processes(fOptions.limits, fLibraries.size(), SchemaBytes(), printLog);
-    const TPluginTask task{fContainer, wanted, fLog.IsWatched(), fLog.Descriptor()};
+    TSandbox sandbox(fOptions.sandbox);
+    for (TPluginLibrary& library : fLibraries) library.isConfined = sandbox.IsOn();
+    const TPluginTask task{fContainer, wanted, fLog.IsWatched(), sandbox, fLog.Descriptor()};
     for (const std::vector<TPluginLibrary*>& round : rounds) {
         for (TPluginLibrary* library : round) ClaimClasses(*library, fLibraries);
         AssignClassesToLibraries();

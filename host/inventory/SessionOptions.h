@@ -2,9 +2,11 @@
 #define KYR_HOST_INVENTORY_SESSIONOPTIONS_H
 
 #include <string>
+#include <vector>
 
 #include "base/CoreLog.h"
 #include "base/TimePoint.h"
+#include "isolation/Sandbox.h"
 
 /// Where a collection comes from, and how it is collected. Paths are absolute: the current folder changes while plugins
 /// run.
@@ -14,6 +16,8 @@ struct TSessionOptions {
     std::string schema;   ///< the base document
     TLogOptions log;
     bool inProcess = false;  ///< run the plugins in this process, not each in its own
+    ESandbox sandbox = ESandbox::eAuto;
+    std::vector<std::string> grants;  ///< each "PLUGIN:NEED"
     TRunLimits limits;
 };
 

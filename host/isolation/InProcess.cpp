@@ -2,6 +2,7 @@
 
 #include "isolation/PluginContainer.h"
 #include "isolation/PluginProxy.h"
+#include "isolation/Sandbox.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TQueryManager.h"
 #include "model/ClassNames.h"
@@ -24,6 +25,7 @@ public:
 void TInProcessRun::Load(TPluginLibrary& library) {
     fLibrary = &library;
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, library.report);
+    library.report.sandbox = {kNoSandboxInProcess};
     ReadLog();
     if (!plugin) return;
     const auto asked = [&](const std::vector<TCIMClass*>& classes) {

@@ -14,6 +14,7 @@
 #include "isolation/PluginProxy.h"
 #include "isolation/RecordStream.h"
 #include "isolation/ReportRecords.h"
+#include "isolation/Sandbox.h"
 #include "kyr/ILogger.h"
 #include "kyr/IPlugin.h"
 #include "kyr/IPluginManager.h"
@@ -91,10 +92,17 @@ void PrepareProcess(const TPluginFiles& files, int logFile) {
     setsid();
     SetStreams(files.printed);
     ReplaceLogFile(files.log, logFile);
-    CloseDescriptors(logFile);
     SetLimits();
     PreferForOutOfMemoryKiller();
     ResetSignals();
+}
+
+// The sandbox comes when all else is set, which it would partly refuse, and before the library is opened, which runs
+// code of it. It has a descriptor itself.
+void EnterSandbox(const TSandbox& sandbox, TNeeds granted, const TSharedSandboxResult& result) {
+    sandbox.Enter(granted, *result);
+    if (!sandbox.Refusal(*result).empty()) _exit(0);
+    result.Unmap();
 }
 
 // The rest of the log is saved when the process exits, gets SIGTERM or crashes. Signal handlers and exit handlers have
@@ -187,8 +195,11 @@ void Ask(TPluginProxy& plugin, const TPluginLibrary& library, const TPluginTask&
 }  // namespace
 
 void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRecordStream& stream,
-                    const TPluginFiles& files) {
+                    const TSharedSandboxResult& result, const TPluginFiles& files) {
+    task.sandbox.RestoreDumpable();
     PrepareProcess(files, task.logFile);
+    EnterSandbox(task.sandbox, library.granted, result);
+    CloseDescriptors(task.logFile);
     StartLog(stream, task.wholeLog);
     TPluginReport report;
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, report);

@@ -85,14 +85,16 @@ TPluginProcess::TPluginProcess(TPluginLibrary& library, const TPluginTask& task,
       fTimeout(timeout),
       fStream(streamSize),
       fMerger(library, task.container, room, timeout),
+      fSandbox(task.sandbox),
       fLogFile(task.logFile),
       fPrinted(OpenInMemory()),
       fLogged(fLogFile < 0 ? -1 : OpenInMemory()),
       fProcess([&] {
-          RunPluginChild(library, task, fStream, {fPrinted.Number(), fLogged.Number()});
+          RunPluginChild(library, task, fStream, fSandboxResult, {fPrinted.Number(), fLogged.Number()});
       }),
       fDeadline(After(TClock::now(), timeout)) {
     fStream.HideFromChildren();
+    fSandboxResult.HideFromChildren();
 }
 
 void TPluginProcess::Handle(EEvent event) {
@@ -145,6 +147,7 @@ void TPluginProcess::WriteReport(const TProcessEnd& end) {
     TPluginReport& report = fLibrary.report;
     const bool isReadable = ReadReport(fStream.Records(), report);
     if (const TOutcome outcome = FindOutcome(end); outcome.reason) report.end = outcome;
+    report.sandbox = fSandbox.Describe(*fSandboxResult);
     if (!isReadable && report.end.state == eComplete) report.end = {eFailed, ReasonFor(EReason::eDeliveryDamaged)};
     ReadPrinted();
     CopyLog();
@@ -184,6 +187,8 @@ TOutcome TPluginProcess::FindOutcome(const TProcessEnd& end) const {
         reason.className = fStream.CurrentClass();
         return reason;
     };
+    const std::string refusal = fSandbox.Refusal(*fSandboxResult);
+    if (!refusal.empty()) return {eRefused, ReasonFor(EReason::eSandboxMissing, refusal)};
     if (fStopped.reason) return {fStopped.state, at(fStopped.reason)};
     if (fStream.IsFull()) return {eFailed, ReasonFor(EReason::eTooMuchDelivered)};
     if (end.signal != 0) return {eFailed, at(ReasonFor(EReason::eCrashed, SignalName(end.signal)))};

@@ -11,6 +11,7 @@
 #include "isolation/InstanceMerger.h"
 #include "isolation/PluginChild.h"
 #include "isolation/RecordStream.h"
+#include "isolation/Sandbox.h"
 #include "model/CollectionState.h"
 
 /// A plugin's process as the host sees it, from its start until nothing is left of it but the records. It leads a
@@ -81,6 +82,8 @@ private:
     const double fTimeout;
     TRecordStream fStream;
     TInstanceMerger fMerger;
+    const TSandbox& fSandbox;
+    const TSharedSandboxResult fSandboxResult;
     const int fLogFile;    // of the host
     TDescriptor fPrinted;  // files in memory: what the plugin prints, and what is logged
     TDescriptor fLogged;

@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "isolation/Sandbox.h"
 #include "states/PluginLibrary.h"
 
 namespace {
@@ -41,6 +42,7 @@ bool TProcessPool::StartOne(TPluginLibrary& library, const TPluginTask& task) {
         return true;
     }
     try {
+        task.sandbox.Prepare(library.granted);
         fStarted.push_back(std::make_unique<TPluginProcess>(library, task, fRoom, StreamSize(), fTimeout));
         fRunning.push_back(fStarted.back().get());
         return true;

@@ -54,6 +54,7 @@ private:
             WritePlain("library", plugin, "Library");
             WritePlain("version", plugin, "Version");
             WriteState(plugin);
+            WriteTexts("sandbox", plugin, "Sandbox");
             fJson.EndObject();
         }
         fJson.EndArray();
@@ -82,7 +83,7 @@ private:
         WriteText(fJson, "name", cls.GetName());
         WritePlain("plugin", state, "Plugin");
         WriteState(state);
-        WriteTexts("missingSources", FindFilled(state, "MissingSources"));
+        WriteTexts("missingSources", state, "MissingSources");
         WriteNullReasons(cls, !instances.empty());
         fJson.Key("instances");
         fJson.StartArray();
@@ -122,20 +123,22 @@ private:
         const TCIMProperty* const code = FindFilled(instance, "ReasonCode");
         WriteText(fJson, "reasonCode", code == nullptr ? "" : DisplayText(*code));
         WritePlain("reason", instance, "Reason");
-        WriteTexts("log", FindFilled(instance, "LogLines"));
+        WriteTexts("log", instance, "LogLines");
     }
 
-    void WriteTexts(const char* key, const TCIMProperty* lines) {
+    void WriteTexts(const char* key, const TCIMInstance* instance, const char* name) {
+        const TCIMProperty* const texts = FindFilled(instance, name);
         fJson.Key(key);
-        if (lines != nullptr && lines->IsArray()) return WriteValue(fJson, lines->GetValue());
+        if (texts != nullptr && texts->IsArray() && IsPrinted(*texts)) return WriteValue(fJson, texts->GetValue());
         fJson.StartArray();
         fJson.EndArray();
     }
 
+    bool IsPrinted(const TCIMProperty& property) const { return !fStable || !IsVolatile(property.GetDeclaration()); }
+
     void WritePlain(const char* key, const TCIMInstance* instance, const char* name) {
         const TCIMProperty* const property = FindFilled(instance, name);
-        const bool isPrinted = property != nullptr && !(fStable && IsVolatile(property->GetDeclaration()));
-        WriteText(fJson, key, isPrinted ? PlainText(property->GetValue()) : "");
+        WriteText(fJson, key, property != nullptr && IsPrinted(*property) ? PlainText(property->GetValue()) : "");
     }
 
     void WriteBoolean(const char* key, const TCIMInstance* instance, const char* name) {

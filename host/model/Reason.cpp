@@ -50,6 +50,8 @@ constexpr TWording kWordings[] = {
     {EReason::eDoesNotApply, "does not apply{: file}"},
     {EReason::eInstancesLost, "{detail} instances are in the file"},
     {EReason::eFileChanged, "the file is not as it was saved{: detail}"},
+    {EReason::eSandboxMissing, "it was not loaded for want of a sandbox: {detail}"},
+    {EReason::eNotGranted, "it needs {detail}, which is not granted (--grant {plugin}:{detail})"},
 };
 
 struct TMember {

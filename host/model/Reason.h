@@ -55,6 +55,9 @@ enum class EReason : uint16_t {
     // A saved file
     eInstancesLost = 60,
     eFileChanged = 61,
+    // The sandbox of a plugin's process
+    eSandboxMissing = 70,
+    eNotGranted = 71,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

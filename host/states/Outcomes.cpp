@@ -116,6 +116,18 @@ TReason MissingValues(const TCIMClass& cls) {
     return reason;
 }
 
+// The first thing that the class needs and its plugin may not do, so that nobody can say whether anything is missing.
+TReason MissingGrant(const TPluginLibrary& library, const TCIMClass& cls) {
+    if (!library.isConfined) return {};
+    for (const std::string& need : NeedsOf(cls)) {
+        if ((NeedFor(need) & library.granted) != 0) continue;
+        TReason reason = ReasonFor(EReason::eNotGranted, need);
+        reason.plugin = library.Name();
+        return reason;
+    }
+    return {};
+}
+
 }  // namespace
 
 TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted) {
@@ -125,6 +137,8 @@ TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, c
     if (call == nullptr) return FindNotAskedOutcome(library, cls, wanted, hasInstances);
     if (report.end.state != eComplete)
         return {hasInstances || call->finished ? ePartial : report.end.state, report.end.reason};
+    const TReason ungranted = MissingGrant(library, cls);
+    if (ungranted) return {hasInstances ? ePartial : eRefused, ungranted};
     const TTexts errors = ErrorsOf(library, &cls);
     if (!errors.empty()) return {hasInstances ? ePartial : eFailed, ErrorsLogged(errors, &cls)};
     if (call->failure) return FindFailedCallOutcome(library, *call, hasInstances);

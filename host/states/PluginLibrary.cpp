@@ -3,6 +3,7 @@
 #include <cctype>
 #include <unordered_set>
 
+#include "base/Text.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TOSSpecific.h"
@@ -32,6 +33,12 @@ std::string ClassOf(const TMessage& message, const TNames& names) {
 }
 
 }  // namespace
+
+std::string TPluginLibrary::Name() const {
+    const std::string file = path.substr(path.rfind('/') + 1);
+    const std::string name = file.substr(0, file.find(TOSSpecific::kPluginExtension));
+    return StartsWith(name, "lib") ? name.substr(3) : name;
+}
 
 std::string TPluginLibrary::DocumentPath() const {
     try {

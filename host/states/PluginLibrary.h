@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "model/Needs.h"
 #include "states/MissingSources.h"
 #include "states/PluginReport.h"
 
@@ -15,9 +16,13 @@ struct TPluginLibrary {
     std::vector<TCIMClass*> classes;            ///< declared by its document, and by none read before it
     std::vector<std::string> duplicateClasses;  ///< in its document too, but declared by another one before
     TOutcome notLoaded;                         ///< why it must not be loaded; complete if it may be
+    TNeeds granted = 0;                         ///< what its plugins may do beyond reading
+    bool isConfined = false;                    ///< what its classes need beyond that is refused
     TPluginReport report;
     TMissingSources missingSources;  ///< of its classes
 
+    /// The name by which it is granted something: its file's, without "lib" and ".pi.so".
+    std::string Name() const;
     /// The path of its document; empty if the core cannot derive it from the library's path.
     std::string DocumentPath() const;
     /// Finds for each message of the report the class of this library that it is about. Plugins begin a line about a

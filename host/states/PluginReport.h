@@ -46,9 +46,10 @@ struct TPluginReport {
     std::vector<TMessage> messages;
     std::vector<TLogLine> log;  ///< all lines logged in the plugin's own process, to be printed here
     std::vector<TDataCall> dataCalls;
-    std::string loadFailure;  ///< the exception that loading it raised; empty: none
-    TOutcome end;             ///< how its process ended
-    size_t messageBytes = 0;  ///< that the messages of the log take
+    std::string loadFailure;           ///< the exception that loading it raised; empty: none
+    TOutcome end;                      ///< how its process ended
+    std::vector<std::string> sandbox;  ///< what held of the sandbox of its process, or why nothing did
+    size_t messageBytes = 0;           ///< that the messages of the log take
 
     /// Adds a line of the log to the messages if it is an error or a warning. Lines must be added in the order in which
     /// they were logged, and a data call before the lines that follow it. If there are too many, the rest is dropped,

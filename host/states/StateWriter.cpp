@@ -20,6 +20,10 @@ const char* PrefixOf(const TMessage& message) {
     return message.severity == kyrLogWarning ? "warning: " : "printed: ";
 }
 
+TCIMValue StringArray(const std::vector<TCIMValue>& elements) {
+    return TCIMValue(TCIMValue::TCIMType::eCIMString, 0, elements);
+}
+
 std::vector<TCIMValue> LogLines(const std::vector<const TMessage*>& messages) {
     std::vector<TCIMValue> lines;
     for (size_t i = 0; i < messages.size() && i < kMostLines; ++i)
@@ -66,8 +70,7 @@ private:
                            const std::vector<const TMessage*>& messages) {
         TCIMInstance& state = *fContainer.AllocateInstance(fContainer.GetClass(className));
         StoreOutcome(state, outcome);
-        if (!messages.empty())
-            state.SetPropertyValue("LogLines", TCIMValue(TCIMValue::TCIMType::eCIMString, 0, LogLines(messages)));
+        if (!messages.empty()) state.SetPropertyValue("LogLines", StringArray(LogLines(messages)));
         return state;
     }
 
@@ -83,6 +86,8 @@ private:
         state.SetPropertyValue("Library", TCIMValue(library.path));
         state.SetPropertyValue("Name", TCIMValue(NameOf(library, plugin)));
         if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
+        const std::vector<std::string>& sandbox = library.report.sandbox;
+        if (!sandbox.empty()) state.SetPropertyValue("Sandbox", StringArray({sandbox.begin(), sandbox.end()}));
         state.AddToContainer();
         ++fPlugins;
         fIncomplete += IsMissing(outcome);

@@ -262,7 +262,7 @@ EReading ReadingOf(const std::string& document, bool isEndExpected) {
     TContainer container;
     const auto read = [&](const std::string& path) { container.PopulateContainerFromFile(path); };
     const std::string path = folder.Write("a.xml", document);
-    if (!ProbeDocuments({path}, read, isEndExpected ? 30 : 0.1).front().empty()) return EReading::eEndless;
+    if (ProbeDocuments({path}, read, {isEndExpected ? 30 : 0.1}).front()) return EReading::eEndless;
     return StatusOf([&] { read(path); }) == kyrStatusOK ? EReading::eTaken : EReading::eRefused;
 }
 

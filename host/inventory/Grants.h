@@ -1,0 +1,14 @@
+#ifndef KYR_HOST_INVENTORY_GRANTS_H
+#define KYR_HOST_INVENTORY_GRANTS_H
+
+#include <list>
+#include <string>
+#include <vector>
+
+struct TPluginLibrary;
+
+/// Notes in the libraries what their plugins are granted. Each grant is "PLUGIN:NEED" with a need that there is. Raises
+/// TCommandError for a plugin that there is not, or of whose name there are two, and for a need that it has not.
+void ApplyGrants(const std::vector<std::string>& grants, std::list<TPluginLibrary>& libraries);
+
+#endif
