@@ -212,6 +212,10 @@ TEST_F(SavedCollectionTest, AnyTextIsReadByOtherParsersToo) {
     for (const auto& [text, others] : cases) {
         TCIMClass& cls = fSchema.AddClass("A", {{"Id", TCIMValue("default " + text), {"Key"}}});
         fSchema.AddInstance(cls, {{"Id", TCIMValue(text)}});
+        TCIMReference reference = To(cls);
+        reference.SetKeyBindings({{"Id", TCIMValue(text)}});
+        TCIMClass& tie = fSchema.AddClass("Tie", {{"A", NullReferenceTo(cls), {"Key"}}}, nullptr, {"Association"});
+        fSchema.AddInstance(tie, {{"A", TCIMValue(reference)}});
         SaveCollection(fContainer, fPath, false);
         TContainer read;
         ReadCollection(fPath, read);
@@ -222,6 +226,7 @@ TEST_F(SavedCollectionTest, AnyTextIsReadByOtherParsersToo) {
         const std::string out = fFolder.Path() + "/out";
         ASSERT_EQ(std::system(("python3 -c \"" + program + "\" " + fPath + " >" + out).c_str()), 0);
         EXPECT_THAT(ReadFile(out), others.empty() ? Not(IsEmpty()) : testing::Matcher<std::string>(others));
+        fContainer.RemoveClass(tie);
         fContainer.RemoveClass(cls);
     }
 }
