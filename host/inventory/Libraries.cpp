@@ -17,6 +17,7 @@
 #include "kyr/TKYRException.h"
 #include "kyr/TOSSpecific.h"
 #include "saved/DocumentProbe.h"
+#include "saved/DocumentText.h"
 
 namespace fs = std::filesystem;
 
@@ -103,6 +104,17 @@ TReason TooLarge() {
                                                      " classes are read, if they take no more than 64 MiB of memory");
 }
 
+// Why the document must not be read, as far as its file tells. One that is missing has no reason here: loading the
+// plugin reports it.
+TReason FindHarmIn(const std::string& document, const fs::file_status& status, size_t mostBytes) {
+    std::error_code error;
+    if (!fs::is_regular_file(status)) return Harmful("is no file");
+    if (fs::file_size(document, error) > mostBytes) return TooLarge();
+    const size_t line = LineOfEndlessValue(document, ReadDocumentEnds(document));
+    if (line == 0) return {};
+    return Harmful("has an attribute value in line " + std::to_string(line) + " that is not closed");
+}
+
 // The documents that must not be read, each with the reason.
 std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container,
                                         const TRunLimits& limits) {
@@ -113,17 +125,15 @@ std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& librari
         const std::string document = library.DocumentPath();
         std::error_code error;
         const fs::file_status status = fs::status(document, error);
-        if (status.type() == fs::file_type::not_found) continue;  // loading the plugin reports it
-        if (error)
-            harms[document] = Harmful("cannot be read: " + error.message());
-        else if (!fs::is_regular_file(status))
-            harms[document] = Harmful("is no file");
-        else if (const std::uintmax_t size = fs::file_size(document, error); size > bytesLeft / kMostParts)
-            harms[document] = TooLarge();
-        else {
-            bytesLeft -= size;
-            documents.push_back(document);
+        if (status.type() == fs::file_type::not_found) continue;
+        const TReason harm = error ? Harmful("cannot be read: " + error.message())
+                                   : FindHarmIn(document, status, bytesLeft / kMostParts);
+        if (harm) {
+            harms[document] = harm;
+            continue;
         }
+        bytesLeft -= fs::file_size(document, error);
+        documents.push_back(document);
     }
     const auto read = [&](const std::string& path) {
         if (container.PopulateContainerFromFile(path).size() > kMostClasses) throw TTooLarge();

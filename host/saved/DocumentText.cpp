@@ -134,6 +134,12 @@ private:
     bool fIsEnded = false;  // with the end of the root element
 };
 
+// Whether FindEndlessValue could find one, as far as the ends tell.
+bool MayBeEndless(const TDocumentEnds& ends) {
+    const size_t tag = ends.end.rfind('<');
+    return ends.hasNul || tag == kNone || IsEndless(ends.end, tag);
+}
+
 }  // namespace
 
 TDocumentEnds ReadDocumentEnds(const std::string& path) {
@@ -147,14 +153,17 @@ std::string ReadDocumentText(const std::string& path) {
     return ForEachChunk(path, [&](std::string_view chunk) { text.append(chunk); }) ? text : "";
 }
 
-bool MayBeEndless(const TDocumentEnds& ends) {
-    const size_t tag = ends.end.rfind('<');
-    return ends.hasNul || tag == kNone || IsEndless(ends.end, tag);
-}
-
 size_t FindEndlessValue(std::string_view document) {
     const std::string_view text = document.substr(0, document.find('\0'));
     const size_t tag = text.rfind('<');  // a value that reaches another tag is refused there
     if (tag == kNone || !IsEndless(text, tag)) return kNone;
     return TTagWalk(text).Reaches(tag) ? tag : kNone;
+}
+
+size_t LineOfEndlessValue(const std::string& path, const TDocumentEnds& ends) {
+    if (!MayBeEndless(ends)) return 0;
+    const std::string text = ReadDocumentText(path);
+    const size_t at = FindEndlessValue(text);
+    if (at == std::string::npos) return 0;
+    return 1 + static_cast<size_t>(std::count(text.begin(), text.begin() + static_cast<long>(at), '\n'));
 }

@@ -21,7 +21,7 @@ std::string ReadDocumentText(const std::string& path);
 /// Where the tag begins in which the core's reader would go on for ever, because an attribute value in it is not closed
 /// before the document ends; npos if it gets to the end. Of no use for documents that it refuses.
 size_t FindEndlessValue(std::string_view document);
-/// Whether FindEndlessValue could find one, as far as the ends tell.
-bool MayBeEndless(const TDocumentEnds& ends);
+/// The line of that tag, from 1; 0 if the reader gets to the end of the document. The ends are those of the same file.
+size_t LineOfEndlessValue(const std::string& path, const TDocumentEnds& ends);
 
 #endif

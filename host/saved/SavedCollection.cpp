@@ -82,15 +82,6 @@ void RequireFile(const std::string& path) {
 }
 
 // The core's reader would never come back from such a document.
-void RefuseEndlessValue(const std::string& path) {
-    const std::string text = ReadDocumentText(path);
-    const size_t at = FindEndlessValue(text);
-    if (at == std::string::npos) return;
-    const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<long>(at), '\n');
-    RefuseReading(
-        path, "the value of an attribute in line " + std::to_string(line) + " is not closed; take another copy of it");
-}
-
 // "1 of 3 instances", or nothing if as many are there as were saved.
 std::string DescribeLoss(size_t found, size_t saved, const char* what) {
     return found >= saved ? "" : std::to_string(found) + " of " + std::to_string(saved) + " " + what;
@@ -169,7 +160,9 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
 TReason ReadCollection(const std::string& path, TContainer& container) {
     RequireFile(path);
     const TDocumentEnds ends = ReadDocumentEnds(path);
-    if (MayBeEndless(ends)) RefuseEndlessValue(path);
+    if (const size_t line = LineOfEndlessValue(path, ends); line != 0)
+        RefuseReading(path, "the value of an attribute in line " + std::to_string(line) +
+                                " is not closed; take another copy of it");
     const auto read = [&](const std::string& file) { container.PopulateContainerFromFile(file); };
     const TReason harm = ProbeDocuments({path}, read).front();
     if (harm) RefuseReading(path, harm.detail + "; it is damaged, or was made to do harm");
