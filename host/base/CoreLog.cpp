@@ -42,7 +42,7 @@ off_t SizeOf(const std::string& file) {
 
 // The one that the next file to be opened gets. The core does not tell which its log file has.
 int NextDescriptor() {
-    const TDescriptor probe(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    const TDescriptor probe(dup(STDERR_FILENO));
     return probe.Number();
 }
 
