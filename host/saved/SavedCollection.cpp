@@ -81,7 +81,6 @@ void RequireFile(const std::string& path) {
     if (status.st_size == 0) RefuseReading(path, "it is empty");
 }
 
-// The core's reader would never come back from such a document.
 // "1 of 3 instances", or nothing if as many are there as were saved.
 std::string DescribeLoss(size_t found, size_t saved, const char* what) {
     return found >= saved ? "" : std::to_string(found) + " of " + std::to_string(saved) + " " + what;
