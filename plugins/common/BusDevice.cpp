@@ -32,8 +32,11 @@ TBusDevice FindBusDevice(const TSystemRoot& root, std::string_view link) {
 }
 
 TListing ReadBusListing(const TSystemRoot& root) {
-    const TListing pci = ListingOf(root.ListKind("/sys/bus/pci/devices", "/sys/bus/pci"));
-    return pci ? ListingOf(root.ListKind("/sys/bus/usb/devices", "/sys/bus/usb")) : pci;
+    for (const std::string bus : {"/sys/bus/pci", "/sys/bus/usb"}) {
+        const TListing listing = root.CheckEntries(bus + "/devices", root.ListKind(bus + "/devices", bus));
+        if (!listing) return listing;
+    }
+    return TListing::Of(true, "/sys/bus");
 }
 
 std::string ParentName(std::string_view link) {

@@ -22,8 +22,8 @@ std::string Unquote(std::string_view value) {
 }  // namespace
 
 TFact<std::string> ReadOsReleaseFile(const TSystemRoot& root) {
-    const TFact<std::string> file = root.ReadFile("/etc/os-release");
-    return file || file.absence != EAbsence::eNotPresent ? file : root.ReadFile("/usr/lib/os-release");
+    const TFact<std::string> file = NeverEmpty(root.ReadFile("/etc/os-release"));
+    return file || file.absence != EAbsence::eNotPresent ? file : NeverEmpty(root.ReadFile("/usr/lib/os-release"));
 }
 
 TFact<std::string> FindOsReleaseValue(const TFact<std::string>& file, const std::string& key) {

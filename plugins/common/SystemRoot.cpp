@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 
@@ -127,6 +128,17 @@ TFact<std::vector<std::string>> TSystemRoot::ListKind(const std::string& path, c
     if (!names && names.absence == EAbsence::eNotPresent && !kind.empty() && LacksKind(kind)) names.value.emplace();
     if (names && names->empty() && IsRunningMachine() && IsCovered(path.c_str())) names.value.reset();
     return names;
+}
+
+TListing TSystemRoot::CheckEntries(const std::string& path, const TFact<std::vector<std::string>>& names) const {
+    for (const std::string& name : names.ValueOr({})) {
+        const std::string entry = path + '/' + name;
+        if (access(Locate(entry).c_str(), F_OK) == 0) continue;
+        const EAbsence absence = AbsenceOf(errno);
+        const std::filesystem::path target = std::filesystem::path(path) / ReadLink(entry).ValueOr(name);
+        return TListing::Missing(absence, target.lexically_normal().string());
+    }
+    return ListingOf(names);
 }
 
 bool TSystemRoot::LacksKind(const std::string& kind) const {

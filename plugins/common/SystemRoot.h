@@ -58,6 +58,8 @@ public:
     /// The same names of a folder in which the kernel lists all things of a kind. There are none if the kernel does not
     /// support the kind: see LacksKind. Without a kind, every kernel has the folder.
     TFact<std::vector<std::string>> ListKind(const std::string& path, const std::string& kind = "") const;
+    /// Whether all things can be looked at that were listed there: most entries are links into /sys/devices.
+    TListing CheckEntries(const std::string& path, const TFact<std::vector<std::string>>& names) const;
     /// Whether the kernel shows that it does not support a kind of things: there is no such folder as /sys/bus/usb, but
     /// there are others beside it.
     bool LacksKind(const std::string& kind) const;

@@ -21,7 +21,7 @@ void AddAbsences(TInstanceReport& report, const char* const (&properties)[count]
 }
 
 constexpr const char* kTableProperties[] = {"ElementName", "Kind", "VLANID"};
-constexpr const char* kDeviceProperties[] = {"Driver", "Bus", "BusID", "Wireless"};
+constexpr const char* kDeviceProperties[] = {"PermanentAddress", "Driver", "Bus", "BusID", "Wireless"};
 
 void AddIdentity(TInstanceReport& report, const TAdapter& adapter) {
     report.Set("Name", adapter.name);

@@ -30,7 +30,7 @@ TNetworkFacts ReadNetwork(const TSystemRoot& root) {
     const TFact<std::string> links = ReadNetlinkTable(root, ENetlinkTable::eLinks);
     facts.adapters = ReadAdapters(root, links);
     // Without the kernel's table, the adapters are listed by sysfs.
-    facts.adapterListing = ListingOf(NeverEmpty(root.ListKind("/sys/class/net")));
+    facts.adapterListing = root.CheckEntries("/sys/class/net", NeverEmpty(root.ListKind("/sys/class/net")));
     const TAdapterNames names = NamesOf(facts.adapters);
     const TFact<std::string> addresses = ReadNetlinkTable(root, ENetlinkTable::eAddresses);
     if (addresses) facts.addresses = ParseAddresses(*addresses, names);

@@ -45,7 +45,8 @@ TFact<uint16_t> ReadWidth(const TSystemRoot& root, const std::string& path) {
 std::optional<TPciLink> ReadLink(const TSystemRoot& root, const std::string& folder) {
     TPciLink link;
     link.maxSpeed = root.ReadText(folder + "max_link_speed").Map(ParseLinkSpeed);
-    if (!link.maxSpeed && link.maxSpeed.absence == EAbsence::eNotPresent) return std::nullopt;
+    const bool isAbsent = !link.maxSpeed && link.maxSpeed.absence == EAbsence::eNotPresent;
+    if (isAbsent && root.Exists(folder + "uevent")) return std::nullopt;
     link.currentSpeed = root.ReadText(folder + "current_link_speed").Map(ParseLinkSpeed);
     link.maxWidth = ReadWidth(root, folder + "max_link_width");
     link.currentWidth = ReadWidth(root, folder + "current_link_width");
@@ -125,7 +126,7 @@ TPciFacts ReadPci(const TSystemRoot& root) {
     std::vector<std::string> addresses = entries.ValueOr({});
     std::sort(addresses.begin(), addresses.end());  // natural order would take the hexadecimal digits for decimal ones
     TPciFacts facts;
-    facts.listing = ListingOf(entries);
+    facts.listing = root.CheckEntries("/sys/bus/pci/devices", entries);
     THardwareIds names;
     for (const std::string& address : addresses) {
         facts.functions.push_back(ReadFunction(root, address, addresses));

@@ -38,7 +38,8 @@ private:
             if (fSeen.count({index, thread.number}) > 0) continue;
             const std::string folder = CpuFile(thread.number, "cache/index" + std::to_string(index) + "/");
             const TFact<uint16_t> level = fRoot.ReadNumber<uint16_t>(folder + "level");
-            if (index == 0 && !level) fFacts.cacheListing = ListingWithout(level, CpuFile(thread.number, "cache"));
+            if (index == 0 && !level && fFacts.cacheListing)
+                fFacts.cacheListing = ListingWithout(level, CpuFile(thread.number, "cache"));
             if (!level) return;
             fFacts.caches.push_back(ReadCache(thread, index, folder));
             fFacts.caches.back().level = level;

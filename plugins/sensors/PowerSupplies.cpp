@@ -88,7 +88,7 @@ TBattery ReadBattery(const TSystemRoot& root, const std::string& name) {
 TPowerFacts ReadPower(const TSystemRoot& root) {
     TPowerFacts facts;
     const TFact<std::vector<std::string>> names = root.ListKind(kFolder, kFolder);
-    facts.listing = ListingOf(names);
+    facts.listing = root.CheckEntries(kFolder, names);
     for (const std::string& name : names.ValueOr({})) {
         const std::string folder = kFolder + '/' + name + '/';
         const std::string type = root.ReadText(folder + "type").ValueOr("");

@@ -180,9 +180,9 @@ std::string StableDevicePath(const std::string& link, const std::string& chip) {
 TSensorFacts ReadSensors(const TSystemRoot& root) {
     TSensorFacts facts;
     const TFact<std::vector<std::string>> chips = root.ListKind(kHwmon, kHwmon);
-    facts.listing = ListingOf(chips);
+    facts.listing = root.CheckEntries(kHwmon, chips);
     const TFact<std::vector<std::string>> zones = root.ListKind(kThermal, kThermal);
-    facts.zoneListing = ListingOf(zones);
+    facts.zoneListing = root.CheckEntries(kThermal, zones);
     for (const std::string& hwmon : chips.ValueOr({})) {
         const TChip chip = ReadChip(root, hwmon);
         for (const TKind& kind : kKinds) AddChannels(root, chip, kind, facts.sensors);

@@ -71,9 +71,11 @@ void ReadEntry(const TSystemRoot& root, TDeviceEntry entry, TStorage& storage) {
 }  // namespace
 
 void ReadBlockDevices(const TSystemRoot& root, TStorage& storage) {
-    storage.deviceNames = root.ListKind("/sys/class/block");
-    for (const std::string& name : storage.deviceNames.ValueOr({})) {
-        const std::string link = "/sys/class/block/" + name;
+    const std::string folder = "/sys/class/block";
+    const TFact<std::vector<std::string>> names = root.ListKind(folder);
+    storage.deviceListing = root.CheckEntries(folder, names);
+    for (const std::string& name : names.ValueOr({})) {
+        const std::string link = folder + '/' + name;
         ReadEntry(root, {name, link + "/", root.ReadLink(link).ValueOr(""), TUdevRecord()}, storage);
     }
 }
@@ -81,10 +83,10 @@ void ReadBlockDevices(const TSystemRoot& root, TStorage& storage) {
 void ReadBlockDevice(const TSystemRoot& root, TDeviceEntry& entry, TBlockDevice& device) {
     device.name = entry.name;
     device.path = DevicePathOf(entry.name);
-    device.number = root.ReadText(entry.folder + "dev").ValueOr("");
+    device.number = root.ReadText(entry.folder + "dev");
     device.size = ReadSectors(root, entry.folder + "size");
     device.readOnly = root.ReadFlag(entry.folder + "ro");
-    entry.udev = ReadUdevRecord(root, device.number);
+    entry.udev = ReadUdevRecord(root, device.number.ValueOr(""));
     device.paths = entry.udev.Links();
     device.paths.push_back(device.path);
     device.content = ContentOf(entry.udev);

@@ -13,7 +13,7 @@ void SetIfAny(TInstanceReport& report, const char* property, const std::string& 
 
 void AddDevice(const TBlockDevice& device, TInstanceReport& report) {
     report.Set("Name", device.name);
-    SetIfAny(report, "DeviceNumber", device.number);
+    report.Add("DeviceNumber", device.number);
     report.Add("Size", device.size);
     report.Add("ReadOnly", device.readOnly);
     report.Add("ContentType", device.content.type);

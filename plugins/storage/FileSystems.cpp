@@ -33,7 +33,7 @@ private:
 TFileSystemList::TFileSystemList(const std::vector<const TBlockDevice*>& devices, std::vector<TFileSystem>& list)
     : fDevices(devices), fList(list) {
     for (const TBlockDevice* const device : devices) {
-        if (!device->number.empty()) fByNumber.emplace(device->number, device);
+        if (device->number) fByNumber.emplace(*device->number, device);
         for (const std::string& path : device->paths) fByPath.emplace(path, device);
         if (device->content.usage == "filesystem") FindOrAddDevice(*device);
     }

@@ -32,7 +32,7 @@ struct TContent {
 struct TBlockDevice {
     std::string name;  ///< the kernel name
     std::string path;
-    std::string number;              ///< "major:minor"
+    TFact<std::string> number;       ///< "major:minor"
     std::vector<std::string> paths;  ///< the device file and all links to it
     TFact<uint64_t> size;
     TFact<bool> readOnly;
@@ -148,7 +148,7 @@ struct TStorage {
     std::vector<TSwap> swaps;
     TListing swapListing;
     TListing busListing;  ///< of the devices that disks are reached by
-    TFact<std::vector<std::string>> deviceNames;
+    TListing deviceListing;
 };
 
 TStorage ReadStorage(const TSystemRoot& root);

@@ -3,7 +3,7 @@
 
 namespace {
 
-TListing Devices(const TStorage& storage) { return ListingOf(storage.deviceNames); }
+TListing Devices(const TStorage& storage) { return storage.deviceListing; }
 TListing Mounts(const TStorage& storage) { return ListingOf(storage.mounts); }
 TListing Buses(const TStorage& storage) { return storage.busListing; }
 TListing Swaps(const TStorage& storage) { return storage.swapListing; }

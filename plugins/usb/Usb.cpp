@@ -93,7 +93,7 @@ TUsbFacts ReadUsb(const TSystemRoot& root) {
     const TFact<std::vector<std::string>> list = root.ListKind("/sys/bus/usb/devices", "/sys/bus/usb");
     const std::vector<std::string> entries = list.ValueOr({});
     TUsbFacts facts;
-    facts.listing = ListingOf(list);
+    facts.listing = root.CheckEntries("/sys/bus/usb/devices", list);
     facts.busListing = ReadBusListing(root);
     THardwareIds names;
     for (const std::string& entry : entries) {
