@@ -97,7 +97,7 @@ public:
     void Save(bool withStates) {
         if (withStates) {
             fContainer.PopulateContainerFromFile(FindStateDocument());
-            WriteStates(fLibraries, TClassSelection::All(), 0, fContainer);
+            WriteStates(fLibraries, {}, TClassSelection::All(), 0, fContainer);
         }
         CheckSaving(fContainer, withStates ? SIZE_MAX / 2 : TStorageRoom(0).Bytes() - fRoom.Bytes());
     }

@@ -116,8 +116,24 @@ void TSession::Run(const TClassSelection& wanted) {
         RunInProcess(rounds, wanted);
     else
         interruption = RunIsolated(rounds, wanted);
+    ReportTakenClasses();
     for (const TPluginLibrary& library : fLibraries) AddPluginQualifiers(library, fContainer);
-    WriteStates(fLibraries, wanted, interruption, fContainer);
+    const auto mayReport = [this](const TCIMInstance& instance, const std::string& className) {
+        const TPluginLibrary* const maker = fContainer.FindMaker(instance);
+        return maker != nullptr && maker->Declares(className);
+    };
+    WriteStates(fLibraries, TakeMissingSources(fContainer, mayReport), wanted, interruption, fContainer);
+}
+
+// The document that is read first has the class, which may be meant or not.
+void TSession::ReportTakenClasses() const {
+    for (const TPluginLibrary& library : fLibraries)
+        for (const std::string& name : library.duplicateClasses)
+            for (const TPluginLibrary& other : fLibraries)
+                if (&other != &library && other.Declares(name))
+                    PrintDiagnostic("plugin " + library.report.NameIn(library.path) + ": the class " + name +
+                                    " goes to plugin " + other.report.NameIn(other.path) +
+                                    ", whose document is read before");
 }
 
 // The classes of states belong to no library, so that no plugin can make instances of them.

@@ -31,6 +31,7 @@ private:
 
     void ReadBaseDocument(const std::string& path);
     TRounds FindRounds();
+    void ReportTakenClasses() const;
     void AssignClassesToLibraries();
     size_t SchemaBytes() const;
     void PrintLog(TPluginLibrary& library) const;

@@ -7,6 +7,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -73,12 +77,30 @@ bool Allow(int ruleset, const char* path, uint64_t rights) {
     return syscall(SYS_landlock_add_rule, ruleset, kPathRule, &rule, 0) == 0;
 }
 
+// Opening a device can do something by itself: what was a terminal's becomes this process's, and is hung up for all
+// when it ends. These do nothing. Shared memory is in files.
+constexpr const char* kHarmless[] = {"/dev/zero", "/dev/full", "/dev/random", "/dev/urandom", "/dev/shm"};
+
+// All folders in the root but that of devices: a rule for the root itself would hold for them too.
+bool AllowFolders(int ruleset, uint64_t rights) {
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator("/", error)) {
+        const std::string path = entry.path().string();
+        if (path != "/dev" && !Allow(ruleset, path.c_str(), rights))
+            Allow(ruleset, path.c_str(), rights & ~kReadFolder);
+    }
+    for (const char* path : kHarmless)
+        if (!Allow(ruleset, path, rights)) Allow(ruleset, path, kReadFile);
+    return !error && Allow(ruleset, "/", kReadFolder);
+}
+
 // Where there is no /dev/null, nobody writes to it.
 bool AllowReading(int ruleset, TNeeds granted) {
-    const uint64_t executing = (granted & eNeedsExec) != 0 ? kExecute : 0;
-    const bool isAllowed = ruleset >= 0 && Allow(ruleset, "/", kReadFile | kReadFolder | executing);
-    if (isAllowed) Allow(ruleset, "/dev/null", kReadFile | kWriteFile);
-    return isAllowed;
+    if (ruleset < 0) return false;
+    const uint64_t rights = kReadFile | kReadFolder | ((granted & eNeedsExec) != 0 ? kExecute : 0);
+    const bool hasDevices = (granted & eNeedsRawIo) != 0;
+    Allow(ruleset, "/dev/null", kReadFile | kWriteFile);
+    return hasDevices ? Allow(ruleset, "/", rights) : AllowFolders(ruleset, rights);
 }
 
 }  // namespace

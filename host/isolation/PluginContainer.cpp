@@ -12,6 +12,7 @@
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
 #include "model/ClassNames.h"
+#include "states/MissingSources.h"
 
 namespace {
 
@@ -57,10 +58,20 @@ TCIMClass* TPluginContainer::AllocateClass(const std::string& name, TCIMClass* s
 TCIMInstance* TPluginContainer::AllocateInstance(TCIMClass* cls) const {
     const auto owner = fActive == nullptr ? fOwners.end() : fOwners.find(cls);
     if (owner != fOwners.end() && owner->second != fActive) throw TKYRException(kyrStatusAccessDenied);
-    if (fStream == nullptr) return TContainer::AllocateInstance(cls);
+    if (fStream == nullptr) return Note(TContainer::AllocateInstance(cls));
     fBeforeRecord();
     fStream->SetCurrentClass(cls->GetName());
     return new TPluginInstance(cls, *this);
+}
+
+TCIMInstance* TPluginContainer::Note(TCIMInstance* instance) const {
+    if (fActive != nullptr && instance->GetClass()->GetName() == kMissingSourceClass) fMakers[instance] = fActive;
+    return instance;
+}
+
+const TPluginLibrary* TPluginContainer::FindMaker(const TCIMInstance& instance) const {
+    const auto found = fMakers.find(&instance);
+    return found == fMakers.end() ? nullptr : found->second;
 }
 
 void TPluginContainer::Put(const TCIMInstance& instance, uint32_t& number) const {

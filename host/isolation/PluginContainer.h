@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,17 +32,23 @@ public:
     /// The names that were noted since the last call.
     std::vector<std::string> TakeDuplicateClasses() { return std::exchange(fDuplicates, {}); }
 
+    /// The library that made the instance, for classes that belong to no library and are asked about: those of
+    /// MOLTA_MissingSource. Null if none is known.
+    const TPluginLibrary* FindMaker(const TCIMInstance& instance) const;
+
     /// Raises kyrStatusAccessDenied if the class does not belong to the active library.
     TCIMInstance* AllocateInstance(TCIMClass* cls) const override;
 
 private:
     friend class TPluginInstance;
 
+    TCIMInstance* Note(TCIMInstance* instance) const;
     void Put(const TCIMInstance& instance, uint32_t& number) const;
 
     std::map<const TCIMClass*, const TPluginLibrary*> fOwners;
     const TPluginLibrary* fActive = nullptr;
     mutable std::vector<std::string> fDuplicates;
+    mutable std::unordered_map<const TCIMInstance*, const TPluginLibrary*> fMakers;
     TRecordStream* fStream = nullptr;
     std::function<void()> fBeforeRecord;
     mutable uint32_t fCount = 0;  // of the instances that were stored

@@ -113,28 +113,38 @@ void TPluginScheduler::Run(const std::vector<TPluginLibrary*>& libraries, const 
     while (fPool.IsWaiting() || fReported < fPool.Started().size()) {
         if (!fPool.IsRunning()) KillOrphans();  // which makes room for others
         fPool.StartWaiting(task);
-        const bool isMore = MergeSome(EPass::eSmallParts);
+        const bool isMore = MergeSome(EPass::eSmallParts, InOrderOfStart());
         ReportEnded();
         if (isMore || fPool.IsRunning()) Wait(isMore ? TClock::now() : TClock::now() + kPollInterval);
     }
     KillOrphans();
 }
 
+std::vector<TPluginProcess*> TPluginScheduler::InOrderOfStart() const {
+    std::vector<TPluginProcess*> order;
+    for (const auto& process : fPool.Started()) order.push_back(process.get());
+    return order;
+}
+
 void TPluginScheduler::Conclude() {
+    std::vector<TPluginProcess*> order = InOrderOfStart();
+    // Those with little left come first, so that one that delivered without end cannot take their room.
+    std::stable_sort(order.begin(), order.end(),
+                     [](const TPluginProcess* a, const TPluginProcess* b) { return a->BytesHeld() < b->BytesHeld(); });
     for (const EPass pass : {EPass::eRest, EPass::eAssociations}) {
         fMerged = 0;
-        while (MergeSome(pass)) Wait(TClock::now());
+        while (MergeSome(pass, order)) Wait(TClock::now());
     }
     HandlePendingSignals();
     for (const auto& process : fPool.Started()) process->Merger().Conclude();
 }
 
 // Stores instances for the length of a time slice. True: there is more to store at once.
-bool TPluginScheduler::MergeSome(EPass pass) {
+bool TPluginScheduler::MergeSome(EPass pass, const std::vector<TPluginProcess*>& order) {
     using EProgress = TInstanceMerger::EProgress;
     const TTimeSlice slice;
-    for (; fMerged < fPool.Started().size(); ++fMerged) {
-        TPluginProcess& process = *fPool.Started()[fMerged];
+    for (; fMerged < order.size(); ++fMerged) {
+        TPluginProcess& process = *order[fMerged];
         const bool hasEnded = process.IsFinished();
         const EProgress progress = process.Merge(pass, slice);
         if (progress == EProgress::eOutOfTime) return true;

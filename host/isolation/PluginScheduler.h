@@ -78,7 +78,8 @@ public:
     int Interruption() const { return fInterruptions.Signal(); }
 
 private:
-    bool MergeSome(EPass pass);
+    std::vector<TPluginProcess*> InOrderOfStart() const;
+    bool MergeSome(EPass pass, const std::vector<TPluginProcess*>& order);
     void ReportEnded();
     void Wait(TTimePoint latest);
     void HandlePendingSignals();

@@ -44,6 +44,7 @@ const TGroup kGroups[] = {
      {SCMP_SYS(bpf),
       SCMP_SYS(perf_event_open),
       SCMP_SYS(userfaultfd),
+      SCMP_SYS(fanotify_init),
       SCMP_SYS(io_uring_setup),
       SCMP_SYS(io_uring_enter),
       SCMP_SYS(io_uring_register),
@@ -90,6 +91,7 @@ constexpr unsigned kCommands[] = {
     0x6685, 0x6613,                                  // seals of a file, the encryption of a folder
     0x9401, 0x940e, 0x940f, 0x9417, 0x9418, 0x941a,  // making, removing and changing volumes of Btrfs
     0x943f, 0x5412,                                  // removing one, typing on a terminal
+    0x5877, 0x5878, 0x5879, 0x587d,                  // freezing, thawing, trimming and stopping a file system
     0x8901, 0x8902,                                  // whom a socket signals
 };
 
@@ -107,8 +109,9 @@ void AddGroups(TRules& rules) {
         for (const int number : group.numbers) rules.push_back({number, group.unlessGranted});
 }
 
-// Of the families of sockets those stay that ask the kernel, and connected pairs. A socket for datagrams would reach
-// daemons without being connected. An address of Netlink has another length than those that others can be found at.
+// Of the families of sockets those stay that ask the kernel, and connected pairs. One protocol of Netlink is for
+// processes among themselves. A socket for datagrams would reach daemons without being connected. An address of Netlink
+// has another length than those that others can be found at.
 void AddSockets(TRules& rules) {
     for (int family = AF_UNSPEC; family < AF_NETLINK; ++family) {
         const bool isInternet = family == AF_INET || family == AF_INET6;
@@ -120,6 +123,7 @@ void AddSockets(TRules& rules) {
         rules.push_back({SCMP_SYS(socket), eNeedsNetwork, {Is(0, AF_UNIX), HasBits(1, kTypeOfSocket, type)}});
         rules.push_back({SCMP_SYS(socketpair), eNeedsNetwork, {HasBits(1, kTypeOfSocket, type)}});
     }
+    rules.push_back({SCMP_SYS(socket), eNeedsNetwork, {Is(0, AF_NETLINK), Is(2, NETLINK_USERSOCK)}});
     rules.push_back({SCMP_SYS(bind), eNeedsNetwork, {IsOther(2, sizeof(sockaddr_nl))}});
 }
 
@@ -139,7 +143,9 @@ void AddPriorities(TRules& rules) {
         rules.push_back({number, 0, {IsOther(1, 0)}});
 }
 
+// A lease holds up everybody else who opens the file.
 void AddCommands(TRules& rules) {
+    rules.push_back({SCMP_SYS(fcntl), 0, {HasBits(1, kAllBits, F_SETLEASE)}});
     for (const unsigned command : kCommands) rules.push_back({SCMP_SYS(ioctl), 0, {HasBits(1, 0xffff, command)}});
 }
 

@@ -88,9 +88,12 @@ std::string DescribeLoss(size_t found, size_t saved, const char* what) {
 
 // Files of earlier versions have no mark, and tell how complete the collection is.
 TReason FindBreakOff(const TContainer& container) {
-    const TCIMClass* const cls = container.FindClass(kCollectionClass);
-    if (cls == nullptr || !cls->EnumerateInstances(false).empty()) return {};
-    return ReasonFor(EReason::eFileChanged, "it breaks off before it tells how complete the collection is");
+    for (const char* name : {kCollectionClass, kCollectedPluginClass, kCollectedClassClass}) {
+        const TCIMClass* const cls = container.FindClass(name);
+        if (cls != nullptr && cls->EnumerateInstances(false).empty())
+            return ReasonFor(EReason::eFileChanged, "it breaks off before it tells how complete the collection is");
+    }
+    return {};
 }
 
 TReason FindChange(const TDocumentEnds& ends, const TContainer& container) {

@@ -25,13 +25,16 @@ TReason ReasonIn(const TCIMInstance& instance) {
 
 }  // namespace
 
-TMissingSources TakeMissingSources(const TContainer& container) {
+TMissingSources TakeMissingSources(
+    const TContainer& container,
+    const std::function<bool(const TCIMInstance& instance, const std::string& className)>& mayReport) {
     TMissingSources sources;
-    TCIMClass* const cls = container.FindClass("MOLTA_MissingSource");
+    TCIMClass* const cls = container.FindClass(kMissingSourceClass);
     if (cls == nullptr) return sources;
     std::set<std::string> seen;
     for (const TCIMInstance* instance : cls->EnumerateInstances(false)) {
         TReason reason = ReasonIn(*instance);
+        if (!mayReport(*instance, reason.className)) continue;
         std::vector<TReason>& ofClass = sources[reason.className];
         if (seen.insert(instance->BuildPath().GetPath()).second) ofClass.push_back(std::move(reason));
     }

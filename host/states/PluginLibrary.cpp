@@ -1,5 +1,6 @@
 #include "states/PluginLibrary.h"
 
+#include <algorithm>
 #include <cctype>
 #include <unordered_set>
 
@@ -46,6 +47,11 @@ std::string TPluginLibrary::DocumentPath() const {
     } catch (const TKYRException&) {
         return "";
     }
+}
+
+bool TPluginLibrary::Declares(const std::string& className) const {
+    return std::any_of(classes.begin(), classes.end(),
+                       [&](const TCIMClass* cls) { return cls->GetName() == className; });
 }
 
 void TPluginLibrary::AssignMessagesToClasses() {

@@ -25,6 +25,8 @@ struct TPluginLibrary {
     std::string Name() const;
     /// The path of its document; empty if the core cannot derive it from the library's path.
     std::string DocumentPath() const;
+    /// Whether its document declares the class, and no document read before it.
+    bool Declares(const std::string& className) const;
     /// Finds for each message of the report the class of this library that it is about. Plugins begin a line about a
     /// class with its name and ": "; in the core's lines the name may stand anywhere.
     void AssignMessagesToClasses();

@@ -137,10 +137,9 @@ void RemoveStates(const TContainer& container) {
 
 }  // namespace
 
-void WriteStates(std::list<TPluginLibrary>& libraries, const TClassSelection& wanted, int interruption,
-                 const TContainer& container) {
+void WriteStates(std::list<TPluginLibrary>& libraries, TMissingSources sources, const TClassSelection& wanted,
+                 int interruption, const TContainer& container) {
     RemoveStates(container);
-    TMissingSources sources = TakeMissingSources(container);
     for (TPluginLibrary& library : libraries) {
         library.AssignMessagesToClasses();
         library.AssignMissingSources(sources);

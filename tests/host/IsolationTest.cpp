@@ -64,6 +64,8 @@ constexpr THostile kHostile[] = {
     {"imposing", "", 5,
      "imposing: partial: kyrAddClass: Allocate instance (CIM class TEST_Shown) threw exception kyrStatusAccessDenied "
      "(and 1 more)\n"},
+    {"slandering", "", 3, ""},
+    {"slandering", "--in-process", 3, ""},
     {"trying", "", 3, ""},
     {"trying", "--log /dev/null 9</etc/passwd 3</etc/passwd", 3, ""},
     {"closing", "", 3, ""},

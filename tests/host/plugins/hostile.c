@@ -164,6 +164,13 @@ BEHAVIOUR Impose(void) {
     kyrAddClass(gHandle, "MOLTA_Collection");
 }
 
+/* A source of another's class, which it says to be missing. */
+BEHAVIOUR Slander(void) {
+    kyrAddClass(gHandle, "MOLTA_MissingSource");
+    kyrAddStringProperty(gHandle, "ClassName", "MOLTA_ComputerSystem");
+    kyrAddStringProperty(gHandle, "Source", "/forged");
+}
+
 static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
     gHandle = handle;
     gFirstClass = classNames[0];
