@@ -64,6 +64,8 @@ void MakeAbsolute(std::string& path);
 
 // Each of these adds its command to the application, which must outlive the object returned.
 
+/// Prints on one screen what machine this is, what is in it, and what is missing of that.
+std::unique_ptr<TCommand> MakeSummaryCommand(CLI::App& app);
 /// Asks the plugins, and prints all instances or saves them.
 std::unique_ptr<TCommand> MakeCollectCommand(CLI::App& app);
 /// Prints the instances of this machine or of a saved collection.

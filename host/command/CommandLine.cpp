@@ -87,8 +87,8 @@ void RefuseConflicts(const CLI::App& command) {
 
 TCommands MakeCommands(CLI::App& app) {
     TCommands commands;
-    for (const auto make :
-         {MakeCollectCommand, MakeShowCommand, MakeAssocCommand, MakeSchemaCommand, MakeIdentityCommand}) {
+    for (const auto make : {MakeSummaryCommand, MakeCollectCommand, MakeShowCommand, MakeAssocCommand,
+                            MakeSchemaCommand, MakeIdentityCommand}) {
         commands.push_back(make(app));
         commands.back()->App().set_version_flag("-V,--version", kVersionText);
     }
@@ -96,10 +96,12 @@ TCommands MakeCommands(CLI::App& app) {
     return commands;
 }
 
-// In the order of the command line, without the program. "help" is written as the option of the command that it names.
+// In the order of the command line, without the program. None at all stand for "summary". "help" is written as the
+// option of the command that it names.
 std::vector<std::string> ArgumentsFor(const CLI::App& app, int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + std::max(argc, 1));
-    if (arguments.empty() || arguments.front() != "help") return arguments;
+    if (arguments.empty()) return {"summary"};
+    if (arguments.front() != "help") return arguments;
     arguments.erase(arguments.begin());
     const std::vector<std::string> known = CommandNames(app);
     if (!arguments.empty() && std::find(known.begin(), known.end(), arguments.front()) == known.end())

@@ -46,8 +46,8 @@ public:
 
     TContainer& Container() { return fContainer; }
 
-    EExit Conclude() const {
-        const EExit status = ReportStates();
+    EExit Conclude(EExit (*report)(const TContainer&)) const {
+        const EExit status = ReportStates(report);
         return fLog.Finish() ? status : eExitOutput;
     }
 
@@ -67,8 +67,8 @@ private:
         if (fFileChange) KeepFileChange();
     }
 
-    EExit ReportStates() const {
-        const EExit status = ReportIncomplete(fContainer);
+    EExit ReportStates(EExit (*report)(const TContainer&)) const {
+        const EExit status = report(fContainer);
         if (!fFileChange || status != eExitComplete) return status;
         PrintDiagnostic(SentenceOf(fFileChange));
         return eExitPartial;
@@ -95,4 +95,5 @@ TInventory::~TInventory() = default;
 TContainer& TInventory::Container() const { return fBody->Container(); }
 void TInventory::LoadPlugins() { fBody->Run(TClassSelection::SchemaOnly()); }
 void TInventory::Collect(const std::vector<std::string>& classes) { fBody->Run(WithoutStates(classes, Container())); }
-EExit TInventory::Conclude() const { return fBody->Conclude(); }
+EExit TInventory::Conclude() const { return fBody->Conclude(ReportIncomplete); }
+EExit TInventory::ConcludeSilently() const { return fBody->Conclude(StatusOfCollection); }

@@ -42,6 +42,8 @@ public:
     void Collect(const std::vector<std::string>& classes);
     /// Prints on standard error what is not complete, and returns the exit status that follows.
     EExit Conclude() const;
+    /// The same status, for a command whose result tells what is not complete.
+    EExit ConcludeSilently() const;
 
 private:
     class TBody;

@@ -131,12 +131,17 @@ EExit StatusOf(EState collection) {
 EExit ReportIncomplete(const TContainer& container) {
     const bool areSourcesReported = ReportMissingSources(container);
     const bool arePluginsReported = ReportPlugins(container) || areSourcesReported;
-    EExit status = eExitComplete;
     for (const TCIMInstance* instance : StatesOf(container, kCollectionClass)) {
         const TStoredOutcome outcome = OutcomeOf(*instance);
         if (NeedsOwnLine(outcome, arePluginsReported))
             PrintDiagnostic(outcome.HasReason() ? outcome.text : "the collection is partial, and does not say why");
-        status = StatusOf(outcome.state);
     }
+    return StatusOfCollection(container);
+}
+
+EExit StatusOfCollection(const TContainer& container) {
+    EExit status = eExitComplete;
+    for (const TCIMInstance* instance : StatesOf(container, kCollectionClass))
+        status = StatusOf(OutcomeOf(*instance).state);
     return status;
 }

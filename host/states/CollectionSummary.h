@@ -10,4 +10,7 @@ class TContainer;
 /// complete.
 EExit ReportIncomplete(const TContainer& container);
 
+/// The same status, without a word of what is missing: for a result that tells it itself.
+EExit StatusOfCollection(const TContainer& container);
+
 #endif

@@ -14,7 +14,7 @@ TEST(MannersTest, HelpAndVersionGoToStandardOutput) {
 
 TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
     const std::pair<const char*, const char*> cases[] = {
-        {"", "kyr: no command given (try 'kyr --help')\n"},
+        {"--", "kyr: no command given (try 'kyr --help')\n"},
         {"colect", "kyr: unknown command 'colect'; did you mean 'collect'? (try 'kyr --help')\n"},
         {"collect --clas X", "kyr: unknown option '--clas'; did you mean '--class'? (try 'kyr collect --help')\n"},
         {"collect --pluginz=X",

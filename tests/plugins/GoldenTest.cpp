@@ -74,19 +74,36 @@ std::string Tell(const std::string& machine) {
                        std::to_string(run.status) + '\n' + run.err);
 }
 
+void CompareWithGolden(const std::string& name, const std::string& text) {
+    const std::string expected = EXPECTED "/" + name + ".txt";
+    const TempFolder folder;
+    const std::string actual = folder.Write("actual.txt", text);
+    if (std::getenv("KYR_RENEW_GOLDENS") != nullptr) std::ofstream(expected) << ReadFile(actual);
+    const TRunResult difference = RunShell("diff -u " + expected + ' ' + actual);
+    EXPECT_EQ(difference.status, 0) << difference.out << difference.err;
+}
+
 class GoldenTest : public ::testing::TestWithParam<const char*> {};
 
 }  // namespace
 
 TEST_P(GoldenTest, MachineIsToldAsExpected) {
-    const std::string expected = std::string(EXPECTED "/") + GetParam() + ".txt";
     const LogCapture log;
+    const std::string actual = Tell(GetParam());
+    CompareWithGolden(GetParam(), actual);
+    EXPECT_EQ(CountIn(actual, "no reason is given"), 0u) << "a value is missing without a reason";
+}
+
+TEST_P(GoldenTest, SummaryIsTheSameLiveAndSaved) {
     const TempFolder folder;
-    const std::string actual = folder.Write("actual.txt", Tell(GetParam()));
-    if (std::getenv("KYR_RENEW_GOLDENS") != nullptr) std::ofstream(expected) << ReadFile(actual);
-    const TRunResult difference = RunShell("diff -u " + expected + ' ' + actual);
-    EXPECT_EQ(difference.status, 0) << difference.out << difference.err;
-    EXPECT_EQ(CountIn(ReadFile(actual), "no reason is given"), 0u) << "a value is missing without a reason";
+    const std::string file = folder.Path() + "/collection.xml", machine = GetParam();
+    const TRunResult live = RunKyrOn(machine, "summary " ALL_PLUGINS);
+    CompareWithGolden(machine + "-summary",
+                      live.out + "\nExit status " + std::to_string(live.status) + '\n' + live.err);
+    EXPECT_FALSE(HasLineOver(80, live.out));
+    EXPECT_THAT(RunKyrOn(machine, ""), FieldsAre(live.status, live.out, live.err));
+    RunKyrOn(machine, "collect " ALL_PLUGINS " -o " + file);
+    EXPECT_THAT(RunKyr("summary " + file), FieldsAre(live.status, live.out, live.err));
 }
 
 TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {

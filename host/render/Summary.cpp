@@ -1,0 +1,240 @@
+#include "render/Summary.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "base/Text.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TContainer.h"
+#include "render/SummaryMissing.h"
+#include "render/SummaryPieces.h"
+#include "render/SummaryStorage.h"
+#include "states/StateInstances.h"
+
+namespace {
+
+using TTexts = std::vector<std::string>;
+
+constexpr size_t kWidthWithoutTerminal = 80;
+constexpr size_t kColumn = 11;  // where the texts stand behind their labels
+constexpr size_t kMostContents = 5;
+constexpr size_t kMostAddresses = 3;
+constexpr size_t kMostNames = 6;
+
+constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
+constexpr uint64_t kSystemMemory = 3;       // of MOLTA_MemoryArray.Use
+constexpr uint64_t kLoopback = 772;         // of MOLTA_NetworkAdapter.LinkTechnology
+constexpr uint64_t kDisplayController = 3;  // of MOLTA_PCIDevice.ClassCode
+
+// These add to the line of an instance what lists and other instances say.
+
+std::string AddSlots(const TCIMInstance& memory, const TStorageContents&) {
+    std::vector<TCIMInstance*> arrays = InstancesOf(*memory.GetContainer(), kMemoryArray);
+    const auto isOther = [](const TCIMInstance* array) { return SummaryNumber(*array, "Use") != kSystemMemory; };
+    arrays.erase(std::remove_if(arrays.begin(), arrays.end(), isOther), arrays.end());
+    if (arrays.empty()) return "";
+    uint64_t slots = 0;
+    for (const TCIMInstance* array : arrays) slots += SummaryNumber(*array, "Slots");
+    const std::string most = SummarySum(arrays, "MaximumCapacity"),
+                      used = SummaryText(memory, {{"InstalledModules", "", " of ", nullptr, ESummaryForm::eNumber}}),
+                      correction = SummaryValue(*arrays.front(), "ErrorCorrection");
+    return "; " + used + std::to_string(slots) + (used.empty() ? " slots" : " slots used") +
+           (most.empty() ? "" : ", at most " + most) + (correction.empty() ? "" : ", error correction: " + correction);
+}
+
+std::string AddContents(const TCIMInstance& disk, const TStorageContents& contents) {
+    const std::string text = FoldedTexts(contents.ContentsOf(disk), kMostContents);
+    return text.empty() ? "" : ": " + text;
+}
+
+// The state of the link is not saved where only what stays the same is.
+std::string AddAddresses(const TCIMInstance& adapter, const TStorageContents&) {
+    const bool isDisabled = SummaryValue(adapter, "LinkState").empty() && HasBoolean(adapter, "Enabled", false);
+    TTexts addresses = TextsOf(adapter, "IPAddresses");
+    for (std::string& address : addresses) address = VisibleText(address);
+    return (isDisabled ? ", disabled" : "") +
+           (addresses.empty() ? ", no address known" : ": " + FoldedTexts(addresses, kMostAddresses));
+}
+
+// Which instances have a line of their own.
+
+bool IsDisplayController(const TCIMInstance& device) {
+    return SummaryNumber(device, "ClassCode") == kDisplayController;
+}
+
+bool IsAdapterOfInterest(const TCIMInstance& adapter) {
+    if (SummaryNumber(adapter, "LinkTechnology") == kLoopback) return false;
+    return !HasBoolean(adapter, "Virtual", true) || !TextsOf(adapter, "IPAddresses").empty();
+}
+
+/// A part of the summary: the instances of a class, with a line for each that is wanted. Lines that are equal become
+/// one, and what exceeds the most lines is counted.
+struct TSection {
+    const char* label;
+    const char* className;
+    std::vector<TSummaryPiece> pieces;
+    std::string (*add)(const TCIMInstance&, const TStorageContents&) = nullptr;
+    bool (*isWanted)(const TCIMInstance&) = nullptr;
+    const char* others =
+        nullptr;  ///< what stands before the names of instances that are not wanted; null: nothing does
+    size_t mostLines = 1;
+};
+
+const TSection kSections[] = {
+    {"Machine",
+     "MOLTA_ComputerSystem",
+     {{"Manufacturer"}, {"ProductName", " ", "", "product name"}, {"SerialNumber", ", serial ", "", "serial number"}}},
+    {"Host",
+     "MOLTA_ComputerSystem",
+     {{"Name", "", "", "host name"},
+      {"Hypervisor", ", on ", "", "hypervisor"},
+      {"Container", ", in container ", "", "container"}}},
+    {"Firmware",
+     "MOLTA_SystemBIOSElement",
+     {{"Manufacturer"},
+      {"Version", " ", "", "firmware version"},
+      {"ReleaseDate", " of ", "", nullptr, ESummaryForm::eDay}}},
+    {"System",
+     "MOLTA_OperatingSystem",
+     {{"Caption", "", "", "name of the system"},
+      {"KernelRelease", ", kernel ", "", "kernel release"},
+      {"Architecture", ", "}}},
+    {"Running",
+     "MOLTA_OperatingSystem",
+     {{"SystemUpTime", "for "}, {"LastBootUpTime", ", since ", "", "time of boot"}}},
+    {"Processor",
+     "MOLTA_Processor",
+     {{"ModelName", "", "", "model"},
+      {"NumberOfEnabledCores", ": ", "", "number of cores"},
+      {"NumberOfEnabledThreads", ", ", "", "number of threads"},
+      {"MinClockSpeed", ", ", "", nullptr, ESummaryForm::eNumber},
+      {"MaxClockSpeed", " to ", "", "clock range"}},
+     nullptr,
+     nullptr,
+     nullptr,
+     3},
+    {"Memory",
+     "MOLTA_SystemMemory",
+     {{"TotalSize", "", " usable", "usable size"},
+      {"SwapTotalSize", ", ", " of swap"},
+      {"InstalledSize", "; ", " installed", "installed size"}},
+     AddSlots},
+    {"Disk",
+     "MOLTA_DiskDrive",
+     {{"DeviceID"},
+      {"Size", " ", "", "size"},
+      {"Model", " ", "", "model"},
+      {"SerialNumber", ", serial ", "", "serial number"},
+      {"BusType", ", "}},
+     AddContents,
+     nullptr,
+     nullptr,
+     5},
+    {"Network",
+     "MOLTA_NetworkAdapter",
+     {{"Caption"}, {"LinkState", " "}, {"Speed", ", "}},
+     AddAddresses,
+     IsAdapterOfInterest,
+     "also ",
+     5},
+    {"Graphics",
+     "MOLTA_PCIDevice",
+     {{"Caption"}, {"Driver", ", driver ", "", "driver"}},
+     nullptr,
+     IsDisplayController,
+     nullptr,
+     2},
+};
+
+/// The lines of a section that are not equal, with how often each occurs.
+using TCountedTexts = std::vector<std::pair<std::string, size_t>>;
+
+void Count(TCountedTexts& counted, const std::string& text) {
+    const auto found =
+        std::find_if(counted.begin(), counted.end(), [&text](const auto& each) { return each.first == text; });
+    found == counted.end() ? (void)counted.emplace_back(text, 1) : (void)++found->second;
+}
+
+class TSectionText {
+public:
+    TSectionText(const TSection& section, const TContainer& container, const TStorageContents& contents)
+        : fSection(section), fContents(contents) {
+        for (const TCIMInstance* instance : InstancesOf(container, section.className)) Add(*instance);
+        fIsComplete = IsComplete(container);
+    }
+
+    TTexts Lines() const {
+        TTexts lines;
+        for (const auto& [text, count] : fCounted)
+            lines.push_back(count == 1 ? text : std::to_string(count) + " x " + text);
+        if (fLeftOut != 0)
+            lines.push_back("and " + std::to_string(fLeftOut) + " more: kyr show --class " + fSection.className);
+        if (!fOthers.empty()) lines.push_back(fSection.others + FoldedTexts(fOthers, kMostNames));
+        if (lines.empty()) lines.emplace_back(fIsComplete ? "none found" : "not known, as said below");
+        return lines;
+    }
+
+private:
+    // A line is made for as many instances only as there is room for, and for those that may be equal to one of them.
+    void Add(const TCIMInstance& instance) {
+        if (fSection.isWanted != nullptr && !fSection.isWanted(instance)) {
+            if (fSection.others != nullptr) fOthers.push_back(SummaryValue(instance, "Caption"));
+            return;
+        }
+        std::string text = SummaryText(instance, fSection.pieces);
+        const bool isFull = fCounted.size() == fSection.mostLines;
+        if (fSection.add != nullptr && !isFull) text += fSection.add(instance, fContents);
+        if (!isFull || HasLine(text))
+            Count(fCounted, text);
+        else
+            ++fLeftOut;
+    }
+
+    bool HasLine(const std::string& text) const {
+        return std::any_of(fCounted.begin(), fCounted.end(), [&text](const auto& each) { return each.first == text; });
+    }
+
+    bool IsComplete(const TContainer& container) const {
+        for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
+            if (TextOf(*state, "Name") == fSection.className) return OutcomeOf(*state).state == eComplete;
+        return false;
+    }
+
+    const TSection& fSection;
+    const TStorageContents& fContents;
+    TCountedTexts fCounted;
+    TTexts fOthers;  // the names of instances that are not wanted
+    size_t fLeftOut = 0;
+    bool fIsComplete = false;
+};
+
+void PrintLines(std::string label, const TTexts& lines, TOutput& output) {
+    const size_t columns = output.Width() == TOutput::kUnlimited ? kWidthWithoutTerminal : TOutput::kUnlimited;
+    for (const std::string& line : lines) {
+        label.resize(kColumn, ' ');
+        output.WriteWrapped(line, label, columns);
+        label.clear();
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> SummaryClasses() {
+    std::vector<std::string> names;
+    for (const TSection& section : kSections)
+        if (names.empty() || names.back() != section.className) names.emplace_back(section.className);
+    for (const char* name : {kMemoryArray, "MOLTA_DiskPartition", "MOLTA_StorageVolume", "MOLTA_FileSystem",
+                             "MOLTA_Mount", "MOLTA_SwapArea", "MOLTA_IPAddress"})
+        names.emplace_back(name);
+    names.insert(names.end(), std::begin(kStorageAssociations), std::end(kStorageAssociations));
+    return names;
+}
+
+void PrintSummary(const TContainer& container, TOutput& output) {
+    const TStorageContents contents(container);
+    for (const TSection& section : kSections)
+        PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
+    const TTexts missing = MissingTexts(container, SummaryClasses());
+    PrintLines("Missing", missing.empty() ? TTexts{"nothing"} : missing, output);
+}
