@@ -2,6 +2,15 @@
 
 #include "SystemFacts.h"
 
+namespace {
+
+// Before a release, the file names it and not a number: "trixie/sid".
+std::optional<std::string> CheckRelease(const std::string& text) {
+    return text[0] >= '0' && text[0] <= '9' ? std::optional(text) : std::nullopt;
+}
+
+}  // namespace
+
 void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts) {
     const TFact<std::string> file = ReadOsReleaseFile(root);
     facts.osReleaseListing = ListingOf(file);
@@ -11,4 +20,6 @@ void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts) {
     facts.osVersion = FindOsReleaseValue(file, "VERSION_ID");
     // Rolling distributions have only a BUILD_ID.
     if (!facts.osVersion) facts.osVersion = FindOsReleaseValue(file, "BUILD_ID");
+    // Distributions that derive from Debian have the file too, and in it the release of Debian.
+    if (facts.osId.ValueOr("") == "debian") facts.pointRelease = root.ReadText("/etc/debian_version").Map(CheckRelease);
 }

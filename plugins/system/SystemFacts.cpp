@@ -6,6 +6,8 @@ TSystemFacts ReadSystem(const TSystemRoot& root) {
     ReadDmi(root, facts);
     ReadHypervisor(root, facts);
     ReadContainer(root, facts);
+    ReadMachineId(root, facts);
+    ReadBootFirmware(root, facts);
     ReadOsRelease(root, facts);
     ReadKernel(root, facts);
     return facts;

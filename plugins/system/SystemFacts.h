@@ -3,6 +3,10 @@
 
 #include "SystemRoot.h"
 
+/// Values of MOLTA_OperatingSystem.BootFirmware.
+constexpr uint16_t kBootFirmwareBios = 1;
+constexpr uint16_t kBootFirmwareUefi = 2;
+
 /// The computer, its firmware and its operating system. Texts are as read, in any encoding.
 struct TSystemFacts {
     // The computer; from DMI, except for the host name.
@@ -19,6 +23,7 @@ struct TSystemFacts {
 
     TFact<std::string> hypervisor;  ///< of which the computer is a guest
     TFact<std::string> container;   ///< in which the collection ran
+    TFact<std::string> machineId;   ///< derived from that of the machine
 
     // Its main board, from DMI.
     TFact<std::string> boardVendor;
@@ -39,6 +44,8 @@ struct TSystemFacts {
     TFact<std::string> osPrettyName;
     TFact<std::string> osVersion;
     TFact<std::string> osId;
+    TFact<std::string> pointRelease;  ///< of Debian
+    TFact<uint16_t> bootFirmware;     ///< that started it
     TFact<std::string> kernelRelease;
     TFact<std::string> kernelVersion;
     TFact<std::string> architecture;
@@ -58,6 +65,8 @@ void ReadDmi(const TSystemRoot& root, TSystemFacts& facts);
 /// After ReadDmi: the firmware of many guests names their hypervisor.
 void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts);
 void ReadContainer(const TSystemRoot& root, TSystemFacts& facts);
+void ReadMachineId(const TSystemRoot& root, TSystemFacts& facts);
+void ReadBootFirmware(const TSystemRoot& root, TSystemFacts& facts);
 void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts);
 void ReadKernel(const TSystemRoot& root, TSystemFacts& facts);
 

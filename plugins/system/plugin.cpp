@@ -32,6 +32,7 @@ constexpr TTextProperty kComputerTexts[] = {
     {"SKUNumber", &TSystemFacts::skuNumber},
     {"SerialNumber", &TSystemFacts::serialNumber},
     {"UUID", &TSystemFacts::uuid},
+    {"MachineID", &TSystemFacts::machineId},
     {"AssetTag", &TSystemFacts::assetTag},
     {"Hypervisor", &TSystemFacts::hypervisor},
     {"Container", &TSystemFacts::container},
@@ -114,6 +115,8 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
     if (!HasOperatingSystem(facts)) return kyrStatusOK;
     TInstanceReport report(handle, OperatingSystemPath(facts));
     AddTexts(report, kOperatingSystemTexts, facts);
+    if (!facts.pointRelease.source.empty()) report.Add("PointRelease", facts.pointRelease);
+    report.Add("BootFirmware", facts.bootFirmware);
     report.Set("OSType", kOSTypeLinux);
     report.Add("SystemUpTime", facts.upTime);
     AddTimestamp(report, "LastBootUpTime", facts.bootTime);

@@ -56,6 +56,21 @@ TEST(SystemReaderTest, MachineTypeModelStandsInBrackets) {
     }
 }
 
+// The first value is what systemd-id128 derives.
+TEST(SystemReaderTest, MachineIdIsDerivedIfThereIsOne) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"0f5d1c2b3a4948576675849302a1b0c9\n", "0eedb226-312d-4aa4-b63f-2ce3b9260b16"},
+        {"0F5D1C2B3A4948576675849302A1B0C9", "0eedb226-312d-4aa4-b63f-2ce3b9260b16"},
+        {"00000000000000000000000000000000\n", "not supported: /etc/machine-id"},
+        {"uninitialized\n", "not supported: /etc/machine-id"},
+        {"0f5d1c2b-3a49-4857-6675-849302a1b0c9\n", "not supported: /etc/machine-id"},
+        {"0x5d1c2b3a4948576675849302a1b0c9", "not supported: /etc/machine-id"},
+        {"", "not present: /etc/machine-id"},
+    };
+    for (const auto& [content, id] : cases)
+        EXPECT_EQ(Show(ReadFile("etc/machine-id", content).machineId), id) << content;
+}
+
 TEST(SystemReaderTest, NumbersAndDatesOutOfRangeAreNotSupported) {
     for (const char* date : {"13/01/2020", "00/10/2020", "02/30/2020", "2020-01-01", "01/02/0020", "x"})
         EXPECT_EQ(Show(ReadDmiField("bios_date", date).biosDate), "not supported: /sys/class/dmi/id/bios_date") << date;
