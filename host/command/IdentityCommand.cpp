@@ -6,11 +6,15 @@
 #include "inventory/Inventory.h"
 #include "json/Json.h"
 #include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "model/ClassNames.h"
 #include "model/Provenance.h"
+#include "model/Values.h"
+#include "states/HostIdentity.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -18,11 +22,11 @@ namespace {
 constexpr size_t kColumn = 24;
 constexpr size_t kLeastValueWidth = 20;
 
-constexpr const char* kSystem = "MOLTA_ComputerSystem";
+constexpr const char* kSystem = kHostClass;
 constexpr const char* kOperatingSystem = "MOLTA_OperatingSystem";
 constexpr const char* kProduct = "MOLTA_ORQProduct";
 
-/// A fact to print: the core's function that finds it, and the property that this function reads.
+/// A fact to print: the property that tells it, and the core's function that finds it; null: it is the first value.
 struct TFact {
     const char* label;
     const char* name;  // the key in JSON
@@ -38,22 +42,39 @@ constexpr TFact kFacts[] = {
     {"Machine type", "machineType", TCIMSchemaHelper::GetMachineType, kSystem, "ProductName"},
     {"Model", "model", TCIMSchemaHelper::GetModelNumber, kSystem, "ProductName"},
     {"Serial number", "serialNumber", TCIMSchemaHelper::GetSerialNumber, kSystem, "SerialNumber"},
+    {"Machine ID", "machineId", nullptr, kSystem, "MachineID"},
     {"Operating system", "operatingSystem", TCIMSchemaHelper::GetOperatingSystemName, kOperatingSystem, "Name"},
     {"Version", "version", TCIMSchemaHelper::GetOperatingSystemVersion, kOperatingSystem, "Version"},
+    {"Point release", "pointRelease", nullptr, kOperatingSystem, "PointRelease"},
+    {"Kernel release", "kernelRelease", nullptr, kOperatingSystem, "KernelRelease"},
+    {"Boot firmware", "bootFirmware", nullptr, kOperatingSystem, "BootFirmware"},
     {"Data source version", "dataSourceVersion", TCIMSchemaHelper::GetDataSourceVersion, kProduct, "Version"},
 };
 
 // The classes of those properties, and the class of the BIOS, from which the core may take the machine type.
 const std::vector<std::string> kClasses = {kSystem, kOperatingSystem, "MOLTA_SystemBIOSElement", kProduct};
 
-// The reason that the plugin gave for the missing property; none if it gave none.
-TReason FindAbsence(const TFact& fact, const TContainer& container) {
+std::vector<TCIMInstance*> InstancesFor(const TFact& fact, const TContainer& container) {
     const TCIMClass* const cls = container.FindClass(fact.className);
-    if (cls == nullptr) return {};
-    for (const TCIMInstance* instance : cls->EnumerateInstances(true))
+    return cls == nullptr ? std::vector<TCIMInstance*>() : cls->EnumerateInstances(true);
+}
+
+// What it means that an instance without a reason of its own has no value.
+TReason NullMeaningFor(const TFact& fact, const TCIMInstance& instance) {
+    const TCIMProperty* const property = instance.FindProperty(fact.property);
+    const std::string meaning = property == nullptr ? "" : NullMeaningOf(property->GetDeclaration());
+    TReason reason = ReasonFor(CodeOfAbsence(meaning));
+    if (const size_t colon = meaning.find(": "); colon != std::string::npos) reason.file = meaning.substr(colon + 2);
+    return reason;
+}
+
+// The reason that the plugin or its document gave for the missing property; none if they gave none.
+TReason FindAbsence(const TFact& fact, const TContainer& container) {
+    const std::vector<TCIMInstance*> instances = InstancesFor(fact, container);
+    for (const TCIMInstance* instance : instances)
         for (const TReason& absence : AbsencesOf(*instance))
             if (IsSameName(absence.property, fact.property)) return absence;
-    return {};
+    return instances.empty() ? TReason() : NullMeaningFor(fact, *instances.front());
 }
 
 TReason ReasonForStatus(kyrStatusCode status) {
@@ -77,11 +98,33 @@ TReason WhyMissing(const TFact& fact, kyrStatusCode status, const TContainer& co
     return reason;
 }
 
+// A text by which the host is known stands in the collection too, where a choice of classes left the system out.
+std::string FindInCollection(const TFact& fact, const TContainer& container) {
+    for (const THostText& text : kHostTexts)
+        if (std::string(fact.className) == kHostClass && IsSameName(text.systemProperty, fact.property))
+            return HostTextOf(container, text);
+    return "";
+}
+
+TIdentityFact Missing(const TFact& fact, kyrStatusCode status, const TContainer& container) {
+    const std::string known = FindInCollection(fact, container);
+    return {fact.label, fact.name, known, known.empty() ? WhyMissing(fact, status, container) : TReason()};
+}
+
+TIdentityFact FirstValue(const TFact& fact, const TContainer& container) {
+    const std::vector<TCIMInstance*> instances = InstancesFor(fact, container);
+    const TCIMProperty* const property = instances.empty() ? nullptr : instances.front()->FindProperty(fact.property);
+    if (property == nullptr) return Missing(fact, kyrStatusNotFound, container);
+    if (property->GetValue().IsNull()) return Missing(fact, kyrStatusValueIsNULL, container);
+    return {fact.label, fact.name, DisplayText(*property), {}};
+}
+
 TIdentityFact Ask(const TFact& fact, TContainer& container) {
+    if (fact.get == nullptr) return FirstValue(fact, container);
     try {
         return {fact.label, fact.name, fact.get(&container), {}};
     } catch (const TKYRException& e) {
-        return {fact.label, fact.name, "", WhyMissing(fact, e.fCode, container)};
+        return Missing(fact, e.fCode, container);
     }
 }
 

@@ -24,6 +24,8 @@
 #include "kyr/TKYRException.h"
 #include "kyr/TPluginManager.h"
 #include "kyr/TRootObject.h"
+#include "states/HostIdentity.h"
+#include "states/StateInstances.h"
 #include "states/StateWriter.h"
 
 namespace {
@@ -111,11 +113,13 @@ TSession::TRounds TSession::FindRounds() {
 
 void TSession::Run(const TClassSelection& wanted) {
     const TRounds rounds = FindRounds();
+    TCIMClass* const host = fContainer.FindClass(kHostClass);
+    const TClassSelection asked = host == nullptr ? wanted : wanted.With(kHostClass);
     int interruption = 0;
     if (fOptions.inProcess)
-        RunInProcess(rounds, wanted);
+        RunInProcess(rounds, asked);
     else
-        interruption = RunIsolated(rounds, wanted);
+        interruption = RunIsolated(rounds, asked);
     ReportTakenClasses();
     for (const TPluginLibrary& library : fLibraries) AddPluginQualifiers(library, fContainer);
     const auto mayReport = [this](const TCIMInstance& instance, const std::string& className) {
@@ -123,6 +127,7 @@ void TSession::Run(const TClassSelection& wanted) {
         return maker != nullptr && maker->Declares(className);
     };
     WriteStates(fLibraries, TakeMissingSources(fContainer, mayReport), wanted, interruption, fContainer);
+    if (host != nullptr && !wanted.Includes(kHostClass)) RemoveInstances(*host);
 }
 
 // The document that is read first has the class, which may be meant or not.

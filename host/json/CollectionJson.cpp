@@ -11,6 +11,7 @@
 #include "model/Provenance.h"
 #include "model/Qualifiers.h"
 #include "model/Values.h"
+#include "states/HostIdentity.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -43,6 +44,14 @@ private:
         WritePlain("toolVersion", collection, "ToolVersion");
         WriteBoolean("superuser", collection, "Superuser");
         WritePlain("time", collection, "DateTimeOfCollection");
+        WriteHost();
+    }
+
+    void WriteHost() {
+        fJson.Key("host");
+        fJson.StartObject();
+        for (const THostText& text : kHostTexts) WriteText(fJson, text.key, HostTextOf(fContainer, text));
+        fJson.EndObject();
     }
 
     void WritePlugins() {

@@ -14,6 +14,14 @@ public:
     static TClassSelection These(std::vector<std::string> names) { return {eThese, std::move(names)}; }
     static TClassSelection SchemaOnly() { return {eSchemaOnly, {}}; }
 
+    /// The same with one class more.
+    TClassSelection With(const std::string& name) const {
+        if (Includes(name)) return *this;
+        std::vector<std::string> names = fNames;
+        names.push_back(name);
+        return These(std::move(names));
+    }
+
     bool IsAll() const { return fCase == eAll; }
     bool IsSchemaOnly() const { return fCase == eSchemaOnly; }
     /// Whether the class is wanted. Where only the schema is wanted, it is wanted of every class.

@@ -77,7 +77,6 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
 // Of a class that no data call asked for.
 TOutcome FindNotAskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
                              bool hasInstances) {
-    if (!wanted.Includes(cls.GetName())) return {eNotAsked, ReasonFor(EReason::eNotSelected)};
     if (IsDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
     const TOutcome loading = FindLibraryOutcome(library);
     if (loading.state != eComplete) return {hasInstances ? ePartial : loading.state, loading.reason};
@@ -131,6 +130,7 @@ TReason MissingGrant(const TPluginLibrary& library, const TCIMClass& cls) {
 }  // namespace
 
 TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted) {
+    if (!wanted.Includes(cls.GetName())) return {eNotAsked, ReasonFor(EReason::eNotSelected)};
     const TPluginReport& report = library.report;
     const bool hasInstances = !cls.EnumerateInstances(false).empty();
     const TDataCall* const call = report.FindDataCall(cls.GetName());

@@ -9,6 +9,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
+#include "states/HostIdentity.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -62,6 +63,7 @@ public:
         state.SetPropertyValue("Tool", TCIMValue("kyr"));
         state.SetPropertyValue("ToolVersion", TCIMValue(KYRCORE_VERSION));
         state.SetPropertyValue("Superuser", TCIMValue(geteuid() == 0));
+        StoreHost(state);
         state.AddToContainer();
     }
 
