@@ -119,7 +119,7 @@ const TSection kSections[] = {
     {"Memory",
      "MOLTA_SystemMemory",
      {{"TotalSize", "", " usable", "usable size"},
-      {"SwapTotalSize", ", ", " of swap"},
+      {"SwapTotalSize", ", ", " of swap", "swap"},
       {"InstalledSize", "; ", " installed", "installed size"}},
      AddSlots},
     {"Disk",

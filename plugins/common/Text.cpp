@@ -64,6 +64,12 @@ std::string UnescapeOctal(std::string_view text) {
     return plain;
 }
 
+std::optional<uint64_t> ParseKilobytes(std::string_view text) {
+    constexpr uint64_t kBytes = 1024;
+    const std::optional<uint64_t> kilobytes = ParseNumber<uint64_t>(text);
+    return kilobytes && *kilobytes <= UINT64_MAX / kBytes ? std::optional(*kilobytes * kBytes) : std::nullopt;
+}
+
 bool NaturalLess(std::string_view a, std::string_view b) {
     const std::string_view wholeA = a, wholeB = b;
     while (!a.empty() && !b.empty()) {

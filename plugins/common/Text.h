@@ -31,4 +31,8 @@ std::optional<T> ParseNumber(std::string_view text, int base = 10) {
     return number;
 }
 
+/// A text that counts kilobytes of 1,024 bytes, as the kernel and package managers write sizes, in bytes; nothing if it
+/// is not a number or out of range.
+std::optional<uint64_t> ParseKilobytes(std::string_view text);
+
 #endif

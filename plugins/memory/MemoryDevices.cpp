@@ -96,9 +96,8 @@ TFact<uint64_t> Capacity(const TSmbiosStructure& structure) {
 
 TFact<uint64_t> MaximumCapacity(const TSmbiosStructure& structure) {
     const TFact<uint32_t> kilobytes = Number<uint32_t>(structure, 0x07, {0});
-    if (kilobytes && *kilobytes == 0x80000000)
-        return Number<uint64_t>(structure, 0x0F, {0}).Map([](uint64_t bytes) { return std::optional(bytes / kKilo); });
-    return kilobytes.Map([](uint64_t number) { return std::optional(number); });
+    if (kilobytes && *kilobytes == 0x80000000) return Number<uint64_t>(structure, 0x0F, {0});
+    return kilobytes.Map([](uint64_t number) { return std::optional(number * kKilo); });
 }
 
 std::string Tag(EType type, size_t index) { return std::to_string(type) + "-" + std::to_string(index); }

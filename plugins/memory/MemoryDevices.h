@@ -16,7 +16,7 @@ struct TMemoryArray {
     TFact<uint16_t> location;
     TFact<uint16_t> use;
     TFact<uint16_t> errorCorrection;
-    TFact<uint64_t> maximumCapacity;  ///< kilobytes
+    TFact<uint64_t> maximumCapacity;  ///< bytes
     TFact<uint16_t> slotCount;
     std::vector<std::string> emptySlots;
 };

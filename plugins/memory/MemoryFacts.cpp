@@ -27,14 +27,15 @@ constexpr TUsageLine kUsageLines[] = {
     {"Hugepagesize", &TMemoryUsage::hugePageSize},
 };
 
-// "MemTotal:  24684096 kB"; lines that count pages have no unit.
+// "MemTotal:  24684096 kB"; lines that count pages have no unit. In bytes or pages.
 std::map<std::string_view, uint64_t> ParseLines(std::string_view meminfo) {
     std::map<std::string_view, uint64_t> numbers;
     for (const std::string_view line : Lines(meminfo)) {
         const std::vector<std::string_view> sides = Split(line, ':');
         if (sides.size() != 2) continue;
         const std::string_view number = sides[1].substr(0, sides[1].find(' '));
-        if (const auto parsed = ParseNumber<uint64_t>(number)) numbers.emplace(sides[0], *parsed);
+        const auto parsed = EndsWith(sides[1], "kB") ? ParseKilobytes(number) : ParseNumber<uint64_t>(number);
+        if (parsed) numbers.emplace(sides[0], *parsed);
     }
     return numbers;
 }
@@ -86,8 +87,8 @@ std::vector<TSwapArea> ParseSwaps(const TFact<std::string>& swaps) {
         const std::vector<std::string_view> columns = Columns(line);
         if (columns.size() != 5 || columns[0] == "Filename") continue;
         areas.push_back({UnescapeOctal(columns[0]), TFact<uint16_t>::Of(SwapKindOf(columns[1]), swaps.source),
-                         FactOf(ParseNumber<uint64_t>(columns[2]), swaps.source),
-                         FactOf(ParseNumber<uint64_t>(columns[3]), swaps.source),
+                         FactOf(ParseKilobytes(columns[2]), swaps.source),
+                         FactOf(ParseKilobytes(columns[3]), swaps.source),
                          FactOf(ParseNumber<int32_t>(columns[4]), swaps.source)});
     }
     return areas;

@@ -11,7 +11,7 @@
 
 class TSystemRoot;
 
-/// The counters of /proc/meminfo; sizes in kilobytes.
+/// The counters of /proc/meminfo; sizes in bytes.
 struct TMemoryUsage {
     TFact<uint64_t> total;
     TFact<uint64_t> free;
@@ -31,7 +31,7 @@ TMemoryUsage ParseMeminfo(const TFact<std::string>& meminfo);
 
 enum class ESwapKind : uint16_t { eUnknown, ePartition, eFile };
 
-/// A swap partition or file; sizes in kilobytes.
+/// A swap partition or file; sizes in bytes.
 struct TSwapArea {
     std::string path;
     TFact<uint16_t> kind;

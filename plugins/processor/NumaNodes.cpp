@@ -17,7 +17,7 @@ std::optional<uint64_t> FindAmount(std::string_view text, std::string_view name)
     if (start == std::string_view::npos) return {};
     const std::string_view rest = text.substr(start + name.size());
     const size_t unit = rest.find("kB");
-    return unit == std::string_view::npos ? std::nullopt : ParseNumber<uint64_t>(rest.substr(0, unit));
+    return unit == std::string_view::npos ? std::nullopt : ParseKilobytes(rest.substr(0, unit));
 }
 
 std::optional<std::vector<uint32_t>> ParseDistances(const std::string& text) {

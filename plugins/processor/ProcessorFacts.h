@@ -63,7 +63,7 @@ struct TCache {
 struct TNumaNode {
     std::string name;
     TFact<std::string> threads;
-    TFact<uint64_t> memorySize;  ///< in kilobytes
+    TFact<uint64_t> memorySize;  ///< in bytes
     TFact<uint64_t> freeMemory;
     TFact<std::vector<uint32_t>> distances;
     std::vector<size_t> packages;  ///< indices

@@ -53,9 +53,8 @@ TPackage MakePackage(const TFields& fields, const std::string& source) {
     package.section = Field(fields, "Section", source);
     package.source = Field(fields, "Source", source);
     package.summary = Field(fields, "Description", source);
-    package.installedSize = Field(fields, "Installed-Size", source).Map([](const std::string& text) {
-        return ParseNumber<uint64_t>(text);
-    });
+    package.installedSize =
+        Field(fields, "Installed-Size", source).Map([](const std::string& text) { return ParseKilobytes(text); });
     package.status = Field(fields, "Status", source).Map(ParseStatus);
     package.essential = Field(fields, "Essential", source).ValueOr("") == "yes";
     return package;

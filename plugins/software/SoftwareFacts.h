@@ -17,7 +17,7 @@ struct TPackage {
     TFact<std::string> section;
     TFact<std::string> source;
     TFact<std::string> summary;
-    TFact<uint64_t> installedSize;  ///< in KiB
+    TFact<uint64_t> installedSize;  ///< in bytes
     TFact<uint16_t> status;         ///< EPackageStatus
     bool essential = false;
 };

@@ -52,5 +52,6 @@ TEST(MemoryReaderTest, NumbersThatDoNotFitAreNotSupported) {
     const TMemoryUsage usage = ReadMemory(TSystemRoot(MACHINES "/hostile")).usage;
     EXPECT_EQ(usage.free.absence, EAbsence::eNotSupported);
     EXPECT_FALSE(usage.available);
-    EXPECT_EQ(usage.swapTotal.value, UINT64_MAX);
+    EXPECT_EQ(usage.swapTotal.absence, EAbsence::eNotSupported);
+    EXPECT_EQ(usage.hugePageSize.value, 2u << 20);
 }

@@ -20,7 +20,7 @@ TEST(SoftwareReaderTest, PackagesAreReadFieldByField) {
     EXPECT_EQ(packages[1].installedSize.absence, EAbsence::eNotSupported);
     EXPECT_TRUE(packages[1].essential);
     EXPECT_EQ(*packages[2].version, "1:1.2.13");
-    EXPECT_EQ(*packages[2].installedSize, 168u);
+    EXPECT_EQ(*packages[2].installedSize, 168u * 1024);
     EXPECT_EQ(*packages[2].summary, "compression library");
 }
 

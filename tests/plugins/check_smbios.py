@@ -80,7 +80,7 @@ def ours(machine, command):
         told = [{key: plain(at["value"]) for key, at in instance["properties"].items()} for instance in classes[name]]
         for instance in sorted(told, key=lambda at: int(at["Tag"].split("-")[1])):
             if "Slots" in instance:
-                instance["MaximumCapacity"] >>= 20
+                instance["MaximumCapacity"] >>= 30
             yield instance
 
 

@@ -36,11 +36,6 @@ def instance_of(told):
     return value
 
 
-def bytes_of(name):
-    """Of a size in units of 1,024."""
-    return lambda ask: ask(name) * 1024 if ask(name) is not None else None
-
-
 def bios_date(ask):
     moment = ask("ReleaseDate")
     return f"{moment[4:6]}/{moment[6:8]}/{moment[:4]}" if moment else None
@@ -60,9 +55,9 @@ CLASSES = [
     ("MOLTA_SystemBIOSElement", "firmware", {"vendor": "Manufacturer", "version": "Version", "date": bios_date}),
     ("MOLTA_BaseBoard", "board",
      {"vendor": "Manufacturer", "product": "Model", "version": "Version", "serial": "SerialNumber"}),
-    ("MOLTA_SystemMemory", "memory", {"total": bytes_of("TotalSize"), "swap": bytes_of("SwapTotalSize")}),
+    ("MOLTA_SystemMemory", "memory", {"total": "TotalSize", "swap": "SwapTotalSize"}),
     ("MOLTA_SwapArea", "swap {DeviceID}",
-     {"size": bytes_of("Size"), "kind": lowered("Kind/text"), "priority": "Priority"}),
+     {"size": "Size", "kind": lowered("Kind/text"), "priority": "Priority"}),
     ("MOLTA_PhysicalMemory", "memory module {DeviceLocator}",
      {"size": "Capacity", "vendor": "Manufacturer", "part": "PartNumber", "serial": "SerialNumber"}),
     ("MOLTA_DiskDrive", "disk {Name}",
@@ -81,7 +76,7 @@ CLASSES = [
       "kind": "Kind", "permanent mac": "PermanentAddress", "mac": lowered("CurrentAddress"),
       "state": lowered("LinkState/text")}),
     ("MOLTA_Package", "package {Name}:{SoftwareElementID}",
-     {"version": "Version", "section": "Section", "status": "PackageStatus/text", "size": bytes_of("InstalledSize")}),
+     {"version": "Version", "section": "Section", "status": "PackageStatus/text", "size": "InstalledSize"}),
     ("MOLTA_KernelModule", "module {Name}", {"size": "Size"}),
     ("MOLTA_PCIDevice", "pci {DeviceID}",
      {"class id": lambda ask: ask("ClassCode") << 8 | ask("SubclassCode"), "class": "ClassName",
