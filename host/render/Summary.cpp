@@ -36,11 +36,13 @@ std::string AddSlots(const TCIMInstance& memory, const TStorageContents&) {
     if (arrays.empty()) return "";
     uint64_t slots = 0;
     for (const TCIMInstance* array : arrays) slots += SummaryNumber(*array, "Slots");
-    const std::string most = SummarySum(arrays, "MaximumCapacity"),
-                      used = SummaryText(memory, {{"InstalledModules", "", " of ", nullptr, ESummaryForm::eNumber}}),
+    const std::string used = SummaryText(memory, {{"InstalledModules", "", " of ", nullptr, ESummaryForm::eNumber}}),
+                      most = SummarySum(arrays, "MaximumCapacity"),
                       correction = SummaryValue(*arrays.front(), "ErrorCorrection");
-    return "; " + used + std::to_string(slots) + (used.empty() ? " slots" : " slots used") +
-           (most.empty() ? "" : ", at most " + most) + (correction.empty() ? "" : ", error correction: " + correction);
+    std::string text = slots == 0 ? "; no number of slots known" : "; " + used + std::to_string(slots) + " slots";
+    if (slots != 0 && !used.empty()) text += " used";
+    if (!most.empty()) text += ", at most " + most;
+    return correction.empty() ? text : text + ", error correction: " + correction;
 }
 
 std::string AddContents(const TCIMInstance& disk, const TStorageContents& contents) {
@@ -178,19 +180,21 @@ public:
     }
 
 private:
-    // A line is made for as many instances only as there is room for, and for those that may be equal to one of them.
     void Add(const TCIMInstance& instance) {
         if (fSection.isWanted != nullptr && !fSection.isWanted(instance)) {
             if (fSection.others != nullptr) fOthers.push_back(SummaryValue(instance, "Caption"));
             return;
         }
+        if (fCounted.size() < fSection.mostLines) return Count(fCounted, TextFor(instance));
+        // Lines to which something is added are all different. Where there is no room for them, none need be made.
+        const std::string text = fSection.add == nullptr ? TextFor(instance) : "";
+        HasLine(text) ? Count(fCounted, text) : (void)++fLeftOut;
+    }
+
+    std::string TextFor(const TCIMInstance& instance) const {
         std::string text = SummaryText(instance, fSection.pieces);
-        const bool isFull = fCounted.size() == fSection.mostLines;
-        if (fSection.add != nullptr && !isFull) text += fSection.add(instance, fContents);
-        if (!isFull || HasLine(text))
-            Count(fCounted, text);
-        else
-            ++fLeftOut;
+        if (fSection.add != nullptr) text += fSection.add(instance, fContents);
+        return text.empty() ? "nothing is known of it" : text;
     }
 
     bool HasLine(const std::string& text) const {

@@ -81,10 +81,12 @@ std::string SummarySum(const std::vector<TCIMInstance*>& instances, const char* 
     for (const TCIMInstance* instance : instances) {
         const TCIMProperty* const found = FindSet(*instance, property);
         if (found == nullptr || found->GetType() != TCIMValue::TCIMType::eCIMUint64) continue;
-        sum += SummaryNumber(*instance, property);
+        const uint64_t number = SummaryNumber(*instance, property);
+        if (number > UINT64_MAX - sum) return "";
+        sum += number;
         last = found;
     }
-    if (last == nullptr || sum == 0) return "";
+    if (sum == 0) return "";
     return DisplayText(TCIMProperty(last->GetDeclaration(), TCIMValue(sum)));
 }
 

@@ -31,7 +31,7 @@ std::string SummaryValue(const TCIMInstance& instance, const char* property);
 uint64_t SummaryNumber(const TCIMInstance& instance, const char* property);
 /// Whether a property has the boolean value; one without a value has neither.
 bool HasBoolean(const TCIMInstance& instance, const char* property, bool value);
-/// The sum of a property of the instances as people read it; empty if it is 0, or not declared as uint64.
+/// The sum of a property of the instances as people read it; empty if it is 0 or too large, or they are no uint64.
 std::string SummarySum(const std::vector<TCIMInstance*>& instances, const char* property);
 /// The text of the pieces that have a value, or whose absence is told.
 std::string SummaryText(const TCIMInstance& instance, const std::vector<TSummaryPiece>& pieces);
