@@ -13,12 +13,15 @@ namespace {
 constexpr const char* kExamples =
     "Examples:\n"
     "  kyr collect -o machine.xml.gz\n"
-    "  kyr collect machine.xml.gz --class CIM_DiskDrive -o disks.xml\n\n";
+    "  kyr collect machine.xml.gz disks -o disks.xml\n\n";
 
-// The selected classes, and the classes of states, which say how complete the saved instances are.
-std::vector<TCIMClass*> ClassesToSave(const TContainer& container, std::vector<std::string> names) {
-    if (container.FindClass(kStateClass) != nullptr) names.emplace_back(kStateClass);
-    return SelectClasses(container, names);
+// The chosen classes, and the classes of states, which say how complete the saved instances are.
+std::vector<TCIMClass*> ClassesToSave(const TContainer& container, const TInstanceChoice& choice) {
+    std::vector<TCIMClass*> classes = choice.Classes();
+    if (TCIMClass* const states = container.FindClass(kStateClass))
+        for (TCIMClass* cls : WithSubClasses(*states)) classes.push_back(cls);
+    ArrangeClasses(classes);
+    return classes;
 }
 
 class TCollectCommand : public TShowCommand {
@@ -26,7 +29,7 @@ public:
     explicit TCollectCommand(CLI::App& app)
         : TShowCommand(app, "collect", "Ask the plugins and print or save what they report") {
         SetExamples(kExamples);
-        AddFile();
+        AddFileAndNames(fNames);
         fApp.add_option("-o,--output", fOutput, "Save the collection: FILE.xml or FILE.xml.gz")
             ->type_name("FILE")
             ->check(CheckNotEmpty);
@@ -43,14 +46,17 @@ public:
         if (fOutput.empty()) return TShowCommand::Run(output);
         RequireSavablePath(fOutput);
         TInventory inventory(fSession);
-        const std::vector<TCIMClass*> classes =
-            inventory.LookUp([this](const TContainer& schema) { return SelectClasses(schema, fClasses); });
-        inventory.Collect(fClasses.empty() ? std::vector<std::string>() : NamesOf(classes));
-        const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), fClasses);
+        const TInstanceChoice choice = Choose(inventory);
+        if (!choice.IsOfClasses())
+            throw TCommandError(eExitUsage,
+                                "only whole classes can be saved: --output takes no name of an instance, "
+                                "and no word such as gpu for some instances of a class");
+        inventory.Collect(choice.ClassesToCollect());
+        const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), choice);
         // A file of an earlier collection is worth more than one without anything in it.
         const EExit status = inventory.Conclude();
         if (status != eExitNothing)
-            SaveCollection(inventory.Container(), fOutput, fPrint.stable, fClasses.empty() ? nullptr : &saved);
+            SaveCollection(inventory.Container(), fOutput, fPrint.stable, choice.IsAll() ? nullptr : &saved);
         return status;
     }
 

@@ -9,6 +9,7 @@
 
 #include "base/Locations.h"
 #include "base/NearMatches.h"
+#include "base/Text.h"
 #include "model/Needs.h"
 
 namespace {
@@ -41,6 +42,31 @@ std::string CheckGrant(const std::string& text) {
     const std::string need = text.substr(text.rfind(':') + 1);
     if (text.find(':') == std::string::npos) return "'" + text + "' is no PLUGIN:NEED";
     return NeedFor(need) != 0 ? "" : "unknown need '" + need + "'" + DidYouMean(need, NeedWords());
+}
+
+// Device files are names of devices, except those that stand for what this process has open.
+bool IsDeviceName(const std::string& argument) {
+    return StartsWith(argument, "/dev/") && argument != "/dev/stdin" && !StartsWith(argument, "/dev/fd/");
+}
+
+bool IsThereAsFile(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+}
+
+// A file that is not there is told by what files of collections are called, so that a misspelt one is no unknown name.
+bool IsFileArgument(const std::string& argument) {
+    for (const char* start : {"./", "../", "/dev/fd/"})
+        if (StartsWith(argument, start)) return true;
+    for (const char* end : {".xml", ".gz"})
+        if (EndsWith(argument, end)) return true;
+    return argument == "-" || argument == "/dev/stdin" || (!IsDeviceName(argument) && IsThereAsFile(argument));
+}
+
+std::string CheckName(const std::string& argument) {
+    const bool isOption = StartsWith(argument, "-");
+    return argument.empty() || isOption || IsFileArgument(argument) ? "'" + argument + "' is no name" : "";
 }
 
 void RequireLocation(std::string& path, const std::string& option) {
@@ -93,6 +119,15 @@ CLI::Option* TCommand::AddFile() {
     return fApp.add_option("FILE", fSession.from, "A saved collection, as --from")->type_name("")->check(CheckNotEmpty);
 }
 
+// The parser gives an argument to the first option whose check takes it.
+void TCommand::AddFileAndNames(std::vector<std::string>& names) {
+    fApp.validate_positionals();
+    AddFile()->check(CheckFile);
+    fApp.add_option("NAME", names, "What to print: a class such as disks, or an instance such as sda")
+        ->type_name("")
+        ->check(CheckName);
+}
+
 void TCommand::AddCollecting() {
     fApp.add_option("--timeout", fSession.limits.timeout, "Time for each plugin")
         ->type_name("SECONDS")
@@ -128,6 +163,10 @@ void TCommand::AddPrinting(std::vector<std::string>& classes, TPrintOptions& opt
 }
 
 void TCommand::SetExamples(const std::string& examples) { fApp.footer(examples + kExitStatusText); }
+
+std::string CheckFile(const std::string& argument) {
+    return IsFileArgument(argument) ? "" : "'" + argument + "' is no file";
+}
 
 std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "the name is empty" : ""; }
 

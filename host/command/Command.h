@@ -43,6 +43,8 @@ protected:
 
     /// The argument FILE, which means the same as --from.
     CLI::Option* AddFile();
+    /// The same, and the arguments NAME: those that cannot be a file.
+    void AddFileAndNames(std::vector<std::string>& names);
     /// --timeout and the others that say how plugins are run.
     void AddCollecting();
     /// --class and the others that say which instances are printed, and how.
@@ -58,6 +60,9 @@ protected:
 /// A check for options that name a file: refuses an empty name, as a script with an unset variable gives it. Otherwise
 /// the command would read this machine, or write to standard output, in place of the file.
 std::string CheckNotEmpty(const std::string& text);
+
+/// A check for arguments that may be a file or a name: refuses those that are taken for names.
+std::string CheckFile(const std::string& argument);
 
 /// Makes a path absolute, unless it is empty.
 void MakeAbsolute(std::string& path);

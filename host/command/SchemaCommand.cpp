@@ -11,20 +11,15 @@ namespace {
 
 constexpr const char* kExamples =
     "Examples:\n"
-    "  kyr schema CIM_ComputerSystem\n"
+    "  kyr schema disks\n"
     "  kyr schema machine.xml.gz --json-schema\n\n";
-
-// An argument that cannot be a file's name is the class.
-std::string CheckFileName(const std::string& text) {
-    return text.find_first_of("./") == std::string::npos ? "'" + text + "' is no file" : "";
-}
 
 class TSchemaCommand : public TCommand {
 public:
     explicit TSchemaCommand(CLI::App& app) : TCommand(app, "schema", "Print the tree of classes, or one class") {
         SetExamples(kExamples);
         fApp.validate_positionals();
-        AddFile()->check(CheckFileName);
+        AddFile()->check(CheckFile);
         fApp.add_option("CLASS", fClassName, "The class to describe")->type_name("")->check(CheckNotEmpty);
         fApp.add_flag("--json-schema", fJsonSchema, "Print a JSON Schema of all that --json prints");
     }

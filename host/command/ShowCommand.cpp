@@ -5,33 +5,40 @@
 #include "command/Command.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
-#include "model/ClassNames.h"
 #include "render/InstanceText.h"
 
 namespace {
 
 constexpr const char* kExamples =
     "Examples:\n"
-    "  kyr show --tree\n"
-    "  kyr show machine.xml.gz --class CIM_Processor --provenance\n\n";
+    "  kyr show disks\n"
+    "  kyr show machine.xml.gz cpu memory --provenance\n"
+    "  kyr show /dev/sda\n"
+    "  kyr show --tree\n\n";
 
 }  // namespace
 
 EExit TShowCommand::Run(TOutput& output) {
     TInventory inventory(fSession);
-    const std::vector<TCIMClass*> classes =
-        inventory.LookUp([this](const TContainer& schema) { return SelectClasses(schema, fClasses); });
+    TInstanceChoice choice = Choose(inventory);
+    if (fPrint.tree && !choice.IsOfClasses())
+        throw TCommandError(eExitUsage, "a tree is of classes: --tree takes no name of an instance");
     // The links of an instance lead to instances of any class, so all classes must be collected.
-    const bool all = fClasses.empty() || fPrint.references || fPrint.tree;
-    inventory.Collect(all ? std::vector<std::string>() : NamesOf(classes));
+    const bool all = fPrint.references || fPrint.tree;
+    inventory.Collect(all ? std::vector<std::string>() : choice.ClassesToCollect());
+    choice.FindInstances(inventory.Container());
     bool any = true;
     if (fJson)
-        WriteCollectionJson(inventory.Container(), classes, fPrint.stable, output);
+        WriteCollectionJson(inventory.Container(), choice, fPrint.stable, output);
     else
-        any = PrintInstances(inventory.Container(), classes, fPrint, output);
+        any = PrintInstances(inventory.Container(), choice, fPrint, output);
     const EExit status = inventory.Conclude();
     if (!any && status != eExitNothing) PrintDiagnostic("there are no such instances");
     return status;
+}
+
+TInstanceChoice TShowCommand::Choose(TInventory& inventory) const {
+    return inventory.LookUp([this](const TContainer& schema) { return TInstanceChoice(schema, fClasses, fNames); });
 }
 
 std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app) {
@@ -39,7 +46,7 @@ std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app) {
     public:
         explicit TShow(CLI::App& app) : TShowCommand(app, "show", "Print a saved collection, or this machine's") {
             SetExamples(kExamples);
-            AddFile();
+            AddFileAndNames(fNames);
             AddPrinting(fClasses, fPrint);
             fApp.add_flag("--tree", fPrint.tree, "Each instance below the one that it belongs to");
             AddCollecting();

@@ -5,6 +5,9 @@
 #include <vector>
 
 #include "command/Command.h"
+#include "model/InstanceChoice.h"
+
+class TInventory;
 
 /// The command that prints instances: kyr show, and the base of kyr collect, which prints them unless it saves them.
 class TShowCommand : public TCommand {
@@ -15,7 +18,11 @@ public:
     EExit Run(TOutput& output) override;
 
 protected:
-    std::vector<std::string> fClasses;  // printed with their subclasses; empty: all
+    /// What the names choose. To be called before anything is collected.
+    TInstanceChoice Choose(TInventory& inventory) const;
+
+    std::vector<std::string> fClasses;  // the values of --class
+    std::vector<std::string> fNames;    // the arguments that are no files
     TPrintOptions fPrint;
 };
 

@@ -8,6 +8,7 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "model/CollectionState.h"
+#include "model/InstanceChoice.h"
 #include "model/Provenance.h"
 #include "model/Qualifiers.h"
 #include "model/Values.h"
@@ -24,14 +25,14 @@ const TCIMProperty* FindFilled(const TCIMInstance* instance, const char* name) {
 
 class TCollectionWriter {
 public:
-    TCollectionWriter(const TContainer& container, bool stable, TOutput& output)
-        : fContainer(container), fStable(stable), fJson(output) {}
+    TCollectionWriter(const TContainer& container, const TInstanceChoice& choice, bool stable, TOutput& output)
+        : fContainer(container), fChoice(choice), fStable(stable), fJson(output) {}
 
-    void Write(const std::vector<TCIMClass*>& classes) {
+    void Write() {
         StartDocument(fJson, "collection");
         WriteCollection();
         WritePlugins();
-        WriteClasses(classes);
+        WriteClasses();
         fJson.EndObject();
     }
 
@@ -69,14 +70,14 @@ private:
         fJson.EndArray();
     }
 
-    void WriteClasses(const std::vector<TCIMClass*>& classes) {
+    void WriteClasses() {
         std::map<std::string, const TCIMInstance*> states;
         for (const TCIMInstance* state : StatesOf(fContainer, kCollectedClassClass))
             if (const TCIMProperty* const name = FindFilled(state, "Name"))
                 states.emplace(PlainText(name->GetValue()), state);
         fJson.Key("classes");
         fJson.StartArray();
-        for (const TCIMClass* cls : classes) {
+        for (const TCIMClass* cls : fChoice.Classes()) {
             const auto state = states.find(cls->GetName());
             WriteClass(*cls, state == states.end() ? nullptr : state->second);
         }
@@ -86,7 +87,7 @@ private:
     // A class without a state could not be collected, as it is abstract. It is left out unless it has instances, which
     // a file of another program may hold.
     void WriteClass(const TCIMClass& cls, const TCIMInstance* state) {
-        const std::vector<TCIMInstance*> instances = cls.EnumerateInstances(false);
+        const std::vector<TCIMInstance*> instances = fChoice.InstancesOf(cls);
         if (state == nullptr && instances.empty()) return;
         fJson.StartObject();
         WriteText(fJson, "name", cls.GetName());
@@ -160,13 +161,13 @@ private:
     }
 
     const TContainer& fContainer;
+    const TInstanceChoice& fChoice;
     const bool fStable;
     TJsonWriter fJson;
 };
 
 }  // namespace
 
-void WriteCollectionJson(const TContainer& container, const std::vector<TCIMClass*>& classes, bool stable,
-                         TOutput& output) {
-    TCollectionWriter(container, stable, output).Write(classes);
+void WriteCollectionJson(const TContainer& container, const TInstanceChoice& choice, bool stable, TOutput& output) {
+    TCollectionWriter(container, choice, stable, output).Write();
 }

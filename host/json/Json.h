@@ -11,6 +11,7 @@ class TCIMClass;
 struct TAssociationLink;
 class TCIMInstance;
 class TContainer;
+class TInstanceChoice;
 
 /// One fact that kyr identity prints.
 struct TIdentityFact {
@@ -23,9 +24,8 @@ struct TIdentityFact {
 // What each command prints with --json. Every document is written as it is made, without a copy in memory, and starts
 // with the name and version of its schema.
 
-/// The instances of the classes, and how complete the collection is.
-void WriteCollectionJson(const TContainer& container, const std::vector<TCIMClass*>& classes, bool stable,
-                         TOutput& output);
+/// The chosen instances, and how complete the collection is.
+void WriteCollectionJson(const TContainer& container, const TInstanceChoice& choice, bool stable, TOutput& output);
 /// The links of an instance. "ties" is their key in JSON, which programs rely on.
 void WriteAssociationsJson(TCIMInstance& instance, const std::vector<TAssociationLink>& links, TOutput& output);
 /// All classes, or with only not null that one.

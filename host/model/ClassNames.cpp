@@ -8,14 +8,9 @@
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "model/CollectionState.h"
+#include "model/SpokenNames.h"
 
 namespace {
-
-std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {
-    std::vector<TCIMClass*> classes = cls.EnumerateSubClasses(true);
-    classes.insert(classes.begin(), &cls);
-    return classes;
-}
 
 template <typename TCondition>
 void Drop(std::vector<TCIMClass*>& classes, TCondition condition) {
@@ -30,6 +25,12 @@ std::vector<TCIMClass*> AllButStates(const TContainer& schema) {
 }
 
 }  // namespace
+
+std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {
+    std::vector<TCIMClass*> classes = cls.EnumerateSubClasses(true);
+    classes.insert(classes.begin(), &cls);
+    return classes;
+}
 
 // Null for every unknown name. The core's search finds the root class for an empty name, and raises for a text that
 // cannot be a name.
@@ -49,20 +50,24 @@ std::unordered_set<const TCIMClass*> StateClasses(const TContainer& schema) {
 }
 
 TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name) {
-    if (TCIMClass* const cls = FindClassNamed(schema, name)) return *cls;
-    const std::vector<std::string> names = NamesOf(schema.GetRootClass()->EnumerateSubClasses(true));
-    throw TCommandError(eExitUsage, "unknown class '" + name + "'" + DidYouMean(name, names));
+    if (TCIMClass* const cls = FindOneSpokenClass(schema, name)) return *cls;
+    RefuseUnknownClass(schema, name);
 }
 
-std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vector<std::string>& names) {
-    std::vector<TCIMClass*> classes;
-    if (names.empty()) classes = AllButStates(schema);
-    for (const std::string& name : names)
-        for (TCIMClass* cls : WithSubClasses(GetClassNamed(schema, name))) classes.push_back(cls);
+void RefuseUnknownClass(const TContainer& schema, const std::string& name) {
+    throw TCommandError(eExitUsage, "unknown class '" + name + "'" + DidYouMean(name, NamesLike(schema, name)));
+}
+
+std::vector<TCIMClass*> SelectAllClasses(const TContainer& schema) {
+    std::vector<TCIMClass*> classes = AllButStates(schema);
+    ArrangeClasses(classes);
+    return classes;
+}
+
+void ArrangeClasses(std::vector<TCIMClass*>& classes) {
     SortByName(classes);
     classes.erase(std::unique(classes.begin(), classes.end()), classes.end());
     std::stable_partition(classes.begin(), classes.end(), [](const TCIMClass* cls) { return !cls->IsAssociation(); });
-    return classes;
 }
 
 std::vector<TCIMClass*> AssociationsOf(TCIMClass& cls) {

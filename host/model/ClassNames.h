@@ -25,12 +25,18 @@ std::unordered_set<const TCIMClass*> StateClasses(const TContainer& schema);
 /// Null if there is none, also for a name that no class can have.
 TCIMClass* FindClassNamed(const TContainer& schema, const std::string& name);
 
-/// The class of that name. Raises TCommandError for an unknown class, with the names of similar ones.
+/// The class that the name means, also a spoken one (SpokenNames.h). Raises TCommandError for an unknown class, with
+/// the names of similar ones.
 TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name);
+[[noreturn]] void RefuseUnknownClass(const TContainer& schema, const std::string& name);
 
-/// The named classes and all their subclasses, each once: first the ordinary classes by name, then the associations by
-/// name. Without names, all classes except those of collection states. Raises TCommandError for an unknown class.
-std::vector<TCIMClass*> SelectClasses(const TContainer& schema, const std::vector<std::string>& names);
+/// All classes except those of collection states, arranged.
+std::vector<TCIMClass*> SelectAllClasses(const TContainer& schema);
+/// Leaves each class once: first the ordinary classes by name, then the associations by name.
+void ArrangeClasses(std::vector<TCIMClass*>& classes);
+
+/// The class and all its subclasses.
+std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls);
 
 /// The associations among the class and all its subclasses, sorted by name.
 std::vector<TCIMClass*> AssociationsOf(TCIMClass& cls);

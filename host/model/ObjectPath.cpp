@@ -14,6 +14,7 @@
 #include "kyr/TCIMReference.h"
 #include "kyr/TKYRException.h"
 #include "model/ClassNames.h"
+#include "model/SpokenNames.h"
 #include "model/Values.h"
 
 namespace {
@@ -115,7 +116,6 @@ EKeyMatch MatchKeys(const std::string& text, const TCIMInstance& instance) {
     return TKeyReader(bindings).Read(text);
 }
 
-constexpr size_t kMostNamed = 3;
 constexpr size_t kMostCompared = 1000;  // more would take too long to compare with a misspelt path
 
 using TInstances = std::vector<TCIMInstance*>;
@@ -152,13 +152,6 @@ bool AreOfOnePath(const TInstances& instances) {
                        [&path](const TCIMInstance* instance) { return instance->BuildPath().GetPath() == path; });
 }
 
-std::string ListOf(const TInstances& instances) {
-    std::vector<std::string> paths;
-    for (size_t i = 0; i < instances.size() && i < kMostNamed; ++i) paths.push_back(VisiblePath(*instances[i]));
-    if (instances.size() > kMostNamed) paths.emplace_back("others");
-    return Join(paths, " or ");
-}
-
 bool HasKey(const TInstances& instances, const std::string& name) {
     return std::any_of(instances.begin(), instances.end(), [&name](const TCIMInstance* instance) {
         const std::vector<std::string> keys = instance->GetClass()->EnumerateKeyNames();
@@ -193,12 +186,22 @@ std::string ShortPath(const TCIMInstance& instance, const std::string& path) {
     const std::vector<std::string> near = FindNearMatches(path, paths);
     const std::string count = std::to_string(instances.size()) + (instances.size() == 1 ? " instance" : " instances");
     const std::string text = "there is no '" + path + "' among the " + count + " of class " + cls;
-    Refuse(text + (near.empty() ? ": " + ListOf(instances) : DidYouMean(path, paths)));
+    Refuse(text + (near.empty() ? ": " + ListOfPaths(instances) : DidYouMean(path, paths)));
+}
+
+// Null for the path of an instance and for the name of a class.
+TCIMInstance* FindCalled(const TContainer& container, const std::string& text) {
+    const bool isPath = !FindSpokenClass(container, Split(text).cls).classes.empty();
+    if (isPath) return nullptr;
+    TCIMInstance* const called = FindSpokenInstance(container, text);
+    if (called == nullptr && text.find_first_of(".=") == std::string::npos) RefuseUnknownName(container, text);
+    return called;
 }
 
 }  // namespace
 
 TCIMInstance& GetInstanceNamed(const TContainer& container, const std::string& text) {
+    if (TCIMInstance* const spoken = FindCalled(container, text)) return *spoken;
     const TPathParts path = Split(text);
     const TCIMClass& cls = GetClassNamed(container, path.cls);
     const TInstances instances = cls.EnumerateInstances(true);
@@ -206,7 +209,7 @@ TCIMInstance& GetInstanceNamed(const TContainer& container, const std::string& t
     const TInstances selected = Select(instances, path.keys);
     if (!selected.empty() && AreOfOnePath(selected)) return *selected.front();
     if (!selected.empty())
-        Refuse("'" + text + "' may be any of " + std::to_string(selected.size()) + ": " + ListOf(selected));
+        Refuse("'" + text + "' may be any of " + std::to_string(selected.size()) + ": " + ListOfPaths(selected));
     RefuseUnknownKey({cls.GetName(), path.keys}, instances);
     RefuseUnknownInstance(text, cls.GetName(), instances);
 }

@@ -10,6 +10,7 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "model/Associations.h"
+#include "model/InstanceChoice.h"
 #include "model/Provenance.h"
 #include "model/Qualifiers.h"
 #include "model/Values.h"
@@ -217,14 +218,14 @@ private:
 
 }  // namespace
 
-bool PrintInstances(const TContainer& container, const std::vector<TCIMClass*>& classes, const TPrintOptions& options,
+bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, const TPrintOptions& options,
                     TOutput& output) {
-    if (options.tree) return PrintTree(container, classes, output);
+    if (options.tree) return PrintTree(container, choice.Classes(), output);
     std::optional<TAssociationIndex> links;
     if (options.references) links.emplace(container);
     bool any = false;
-    for (const TCIMClass* cls : classes) {
-        const TInstances instances = cls->EnumerateInstances(false);
+    for (const TCIMClass* cls : choice.Classes()) {
+        const TInstances instances = choice.InstancesOf(*cls);
         if (instances.empty()) continue;
         if (any) output.Write("\n");
         TClassText(*cls, instances, links ? &*links : nullptr, options, output).Print();

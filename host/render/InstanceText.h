@@ -7,6 +7,7 @@
 
 class TCIMClass;
 class TContainer;
+class TInstanceChoice;
 
 /// How instances are printed; each is an option of kyr show.
 struct TPrintOptions {
@@ -18,9 +19,9 @@ struct TPrintOptions {
     bool stable = false;      ///< without values that change by themselves
 };
 
-/// Prints the instances of the classes for people, class by class, or with options.tree as PrintTree does. Returns
-/// whether there was any instance.
-bool PrintInstances(const TContainer& container, const std::vector<TCIMClass*>& classes, const TPrintOptions& options,
+/// Prints the chosen instances for people, class by class, or with options.tree as PrintTree does. Returns whether
+/// there was any instance.
+bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, const TPrintOptions& options,
                     TOutput& output);
 
 /// Prints the instances of the classes, except associations, as a tree with a line for each. The children of an
