@@ -1,6 +1,7 @@
 #include "base/Output.h"
 
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -54,7 +55,7 @@ size_t FindWidth() {
 TOutput::TOutput() : fColour(MayColour()), fWidth(FindWidth()) {}
 
 void TOutput::Write(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) FailToWrite();
+    if (!fDropping && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) HandleFailure();
 }
 
 void TOutput::WriteWrapped(std::string_view visible, std::string start, size_t columns) {
@@ -66,7 +67,21 @@ void TOutput::WriteWrapped(std::string_view visible, std::string start, size_t c
 }
 
 void TOutput::Flush() {
-    if (std::fflush(stdout) != 0) FailToWrite();
+    if (!fDropping && std::fflush(stdout) != 0) HandleFailure();
+}
+
+void TOutput::SetPaged(bool isPaged) {
+    if (!isPaged && std::fflush(stdout) != 0) {
+        __fpurge(stdout);
+        std::clearerr(stdout);
+    }
+    fPaged = isPaged;
+    fDropping = false;
+}
+
+void TOutput::HandleFailure() {
+    fDropping = fPaged && errno == EPIPE;
+    if (!fDropping) FailToWrite();
 }
 
 std::string TOutput::Bold(const std::string& text) const { return fColour ? "\033[1m" + text + "\033[0m" : text; }

@@ -18,6 +18,9 @@ public:
     void WriteWrapped(std::string_view visible, std::string start, size_t columns = kUnlimited);
     /// Must be called once at the end: what is still buffered is written then, which may fail like any other write.
     void Flush();
+    /// Whether a pager reads it. A pager that the user left takes no more, and that is no failure: the rest is dropped.
+    /// Must be set to false, which writes what is left, before standard output is another one again.
+    void SetPaged(bool isPaged);
     /// How many columns a line may take: the value of COLUMNS, or the width of the terminal; kUnlimited for a file or a
     /// pipe.
     size_t Width() const { return fWidth; }
@@ -26,6 +29,10 @@ public:
     std::string Dim(const std::string& text) const;
 
 private:
+    void HandleFailure();
+
+    bool fPaged = false;
+    bool fDropping = false;  // the user has left the pager
     bool fColour;
     size_t fWidth;
 };

@@ -160,6 +160,13 @@ void TCommand::AddPrinting(std::vector<std::string>& classes, TPrintOptions& opt
     fApp.add_flag("--references", options.references, "Show for each instance what it is tied to");
     fApp.add_flag("--provenance", options.provenance, "Show where values came from, and why others are missing");
     fApp.add_flag("--stable", options.stable, "Leave out what changes by itself, such as times and counters");
+    fApp.add_flag("--keys", options.keys, "Keys that only tell the system and the class of an instance, too");
+    AddPaging();
+}
+
+void TCommand::AddPaging() {
+    fApp.add_flag_callback(
+        "--no-pager", [this] { fPages = false; }, "Print all at once, and not in $KYR_PAGER, $PAGER or less");
 }
 
 void TCommand::SetExamples(const std::string& examples) { fApp.footer(examples + kExitStatusText); }

@@ -49,12 +49,15 @@ protected:
     void AddCollecting();
     /// --class and the others that say which instances are printed, and how.
     void AddPrinting(std::vector<std::string>& classes, TPrintOptions& options);
+    /// --no-pager
+    void AddPaging();
     /// Sets the text that follows the options in the command's help.
     void SetExamples(const std::string& examples);
 
     CLI::App& fApp;
     TSessionOptions fSession;
     bool fJson = false;
+    bool fPages = true;  // texts go to a pager
 };
 
 /// A check for options that name a file: refuses an empty name, as a script with an unset variable gives it. Otherwise

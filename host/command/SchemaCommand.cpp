@@ -1,5 +1,6 @@
 #include <CLI/App.hpp>
 
+#include "base/Pager.h"
 #include "command/Command.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
@@ -21,6 +22,7 @@ public:
         fApp.validate_positionals();
         AddFile()->check(CheckFile);
         fApp.add_option("CLASS", fClassName, "The class to describe")->type_name("")->check(CheckNotEmpty);
+        AddPaging();
         fApp.add_flag("--json-schema", fJsonSchema, "Print a JSON Schema of all that --json prints");
     }
 
@@ -38,6 +40,7 @@ private:
     void Print(const TContainer& schema, const TCIMClass* only, TOutput& output) const {
         if (fJsonSchema) return WriteJsonSchema(schema, output);
         if (fJson) return WriteSchemaJson(schema, only, output);
+        const TPager pager(output, fPages);
         only != nullptr ? PrintClass(*only, output) : PrintClassTree(schema, output);
     }
 

@@ -2,6 +2,7 @@
 
 #include <CLI/App.hpp>
 
+#include "base/Pager.h"
 #include "command/Command.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
@@ -27,14 +28,17 @@ EExit TShowCommand::Run(TOutput& output) {
     const bool all = fPrint.references || fPrint.tree;
     inventory.Collect(all ? std::vector<std::string>() : choice.ClassesToCollect());
     choice.FindInstances(inventory.Container());
-    bool any = true;
-    if (fJson)
-        WriteCollectionJson(inventory.Container(), choice, fPrint.stable, output);
-    else
-        any = PrintInstances(inventory.Container(), choice, fPrint, output);
+    const bool any = Print(inventory.Container(), choice, output);
     const EExit status = inventory.Conclude();
     if (!any && status != eExitNothing) PrintDiagnostic("there are no such instances");
     return status;
+}
+
+bool TShowCommand::Print(const TContainer& container, const TInstanceChoice& choice, TOutput& output) const {
+    const TPager pager(output, fPages && !fJson);
+    if (!fJson) return PrintInstances(container, choice, fPrint, output);
+    WriteCollectionJson(container, choice, fPrint.stable, output);
+    return true;
 }
 
 TInstanceChoice TShowCommand::Choose(TInventory& inventory) const {

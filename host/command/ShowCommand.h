@@ -21,6 +21,9 @@ protected:
     /// What the names choose. To be called before anything is collected.
     TInstanceChoice Choose(TInventory& inventory) const;
 
+    /// Returns whether there was any instance.
+    bool Print(const TContainer& container, const TInstanceChoice& choice, TOutput& output) const;
+
     std::vector<std::string> fClasses;  // the values of --class
     std::vector<std::string> fNames;    // the arguments that are no files
     TPrintOptions fPrint;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "base/Text.h"
 #include "kyr/TCIMClass.h"
@@ -13,6 +14,7 @@
 #include "model/InstanceChoice.h"
 #include "model/Provenance.h"
 #include "model/Qualifiers.h"
+#include "model/ReadingOrder.h"
 #include "model/Values.h"
 
 namespace {
@@ -70,25 +72,25 @@ bool HasValue(const TCIMInstance& instance, const std::string& name) {
     return property != nullptr && !property->GetValue().IsNull();
 }
 
-// The names of the properties that may be printed, keys first.
+bool IsPrinted(const TCIMPropertyDecl& declaration, const TPrintOptions& options) {
+    if (IsKey(declaration)) return options.keys || !IsScopeKey(declaration.GetName());
+    return !IsCompanion(declaration) && !(options.stable && IsVolatile(declaration));
+}
+
+// The names of the properties that may be printed. An instance of which only the system is known has only that.
 std::vector<std::string> FieldsOf(const TCIMClass& cls, const TPrintOptions& options) {
-    std::vector<std::string> keys, others;
-    for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls()) {
-        if (IsKey(*declaration))
-            keys.push_back(declaration->GetName());
-        else if (!IsCompanion(*declaration) && !(options.stable && IsVolatile(*declaration)))
-            others.push_back(declaration->GetName());
-    }
-    keys.insert(keys.end(), others.begin(), others.end());
-    return keys;
+    std::vector<std::string> fields;
+    for (const std::string& name : PropertiesForReading(cls))
+        if (IsPrinted(*cls.FindPropertyDecl(name), options)) fields.push_back(name);
+    return fields.empty() ? cls.EnumerateKeyNames() : fields;
 }
 
 /// Prints the instances of one class, with the values of all of them in one column.
 class TClassText {
 public:
-    TClassText(const TCIMClass& cls, const TInstances& instances, const TAssociationIndex* links,
-               const TPrintOptions& options, TOutput& output)
-        : fClass(cls), fInstances(instances), fLinks(links), fOptions(options), fOutput(output) {
+    TClassText(const TCIMClass& cls, TInstances instances, const TAssociationIndex* links, const TPrintOptions& options,
+               TOutput& output)
+        : fClass(cls), fInstances(std::move(instances)), fLinks(links), fOptions(options), fOutput(output) {
         fFields = FieldsOf(cls, options);
         if (!options.null && !options.provenance) DropFieldsWithoutValue();
         PlaceColumns();
@@ -206,7 +208,7 @@ private:
     }
 
     const TCIMClass& fClass;
-    const TInstances& fInstances;
+    const TInstances fInstances;
     const TAssociationIndex* fLinks;  // null: links are not printed
     const TPrintOptions& fOptions;
     TOutput& fOutput;
@@ -216,6 +218,35 @@ private:
     bool fStacked = false;  // values below their names
 };
 
+/// What is not printed of all instances, and how to see it.
+class TCountedText {
+public:
+    bool Takes(const TCIMClass& cls) const { return cls.IsAssociation() || FindNameOfMany(cls) != nullptr; }
+
+    void Add(const TCIMClass& cls, size_t count) {
+        if (cls.IsAssociation())
+            fTies += count;
+        else
+            fLines.push_back(CountText(cls.GetName(), count) + "; kyr show " + FindNameOfMany(cls));
+    }
+
+    bool IsEmpty() const { return fLines.empty() && fTies == 0; }
+
+    void Print(bool hasReferences, TOutput& output) const {
+        for (const std::string& line : fLines) output.WriteWrapped(line, "");
+        if (fTies > 0 && !hasReferences)
+            output.WriteWrapped(CountText("Associations", fTies) + "; kyr show --references", "");
+    }
+
+private:
+    static std::string CountText(const std::string& what, size_t count) {
+        return what + ": " + std::to_string(count) + (count == 1 ? " instance" : " instances");
+    }
+
+    std::vector<std::string> fLines;
+    size_t fTies = 0;
+};
+
 }  // namespace
 
 bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, const TPrintOptions& options,
@@ -223,13 +254,22 @@ bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, 
     if (options.tree) return PrintTree(container, choice.Classes(), output);
     std::optional<TAssociationIndex> links;
     if (options.references) links.emplace(container);
+    std::vector<TCIMClass*> classes = choice.Classes();
+    SortForReading(classes);
+    TCountedText counted;
     bool any = false;
-    for (const TCIMClass* cls : choice.Classes()) {
+    for (const TCIMClass* cls : classes) {
         const TInstances instances = choice.InstancesOf(*cls);
         if (instances.empty()) continue;
+        if (choice.IsAll() && counted.Takes(*cls)) {
+            counted.Add(*cls, instances.size());
+            continue;
+        }
         if (any) output.Write("\n");
-        TClassText(*cls, instances, links ? &*links : nullptr, options, output).Print();
+        TClassText(*cls, InNaturalOrder(instances), links ? &*links : nullptr, options, output).Print();
         any = true;
     }
-    return any;
+    if (any && !counted.IsEmpty()) output.Write("\n");
+    counted.Print(options.references, output);
+    return any || !counted.IsEmpty();
 }

@@ -17,10 +17,11 @@ struct TPrintOptions {
     bool tree = false;        ///< each instance below the one that contains it
     bool provenance = false;  ///< where values came from, and why others are missing
     bool stable = false;      ///< without values that change by themselves
+    bool keys = false;        ///< also the keys that IsScopeKey tells
 };
 
-/// Prints the chosen instances for people, class by class, or with options.tree as PrintTree does. Returns whether
-/// there was any instance.
+/// Prints the chosen instances for people, class by class, or with options.tree as PrintTree does. Of all instances,
+/// those of which there are many are only counted, and so are associations. Returns whether there was any instance.
 bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, const TPrintOptions& options,
                     TOutput& output);
 

@@ -9,7 +9,7 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
     root.Write("broken/libbroken.pi.so", "no library");
     const TRunResult run = RunKyr("collect" + root.Option());
     EXPECT_EQ(run.status, 1);
-    for (const char* kept : {"MOLTA_ComputerSystem\n", "MOLTA_InstalledOS\n", "TEST_Kept\n  Id  1\n"})
+    for (const char* kept : {"MOLTA_ComputerSystem\n", "MOLTA_OperatingSystem\n", "TEST_Kept\n  Id  1\n"})
         EXPECT_THAT(run.out, HasSubstr(kept));
     for (const char* line : {
              "kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: ./broken/libbroken.pi.so: ",

@@ -55,7 +55,7 @@ void TerminalTest::SetUp() {
 }
 
 TRunResult TerminalTest::RunOnTerminal(const std::string& environment, const std::string& command) {
-    return RunShell("env " + environment + " script -qec '" + command + "' /dev/null </dev/null");
+    return RunShell("PAGER=cat env " + environment + " script -qec '" + command + "' /dev/null </dev/null");
 }
 
 size_t CountIn(const std::string& text, const std::string& part) {

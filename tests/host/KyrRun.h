@@ -45,7 +45,7 @@ TRunResult RunKyrWith(std::initializer_list<const char*> fixtures, const std::st
 class TerminalTest : public testing::Test {
 protected:
     void SetUp() override;
-    /// Standard output holds both.
+    /// Standard output holds both. There is no pager unless the environment has one.
     static TRunResult RunOnTerminal(const std::string& environment, const std::string& command);
 };
 

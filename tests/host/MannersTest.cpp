@@ -34,8 +34,7 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
         {"collect --json -o a.xml", "kyr: --output and --json do not go together (try 'kyr collect --help')\n"},
         {"collect --class", "kyr: --class: 1 required NAME missing (try 'kyr collect --help')\n"},
         {"schema CIM_Sistem", "kyr: unknown class 'CIM_Sistem'; did you mean 'CIM_System'?\n"},
-        {"collect --class computersistem",
-         "kyr: unknown class 'computersistem'; did you mean 'ComputerSystem'?\n"},
+        {"collect --class computersistem", "kyr: unknown class 'computersistem'; did you mean 'ComputerSystem'?\n"},
         {"collect --class 4bad", "kyr: unknown class '4bad'\n"},
     };
     for (const auto& [arguments, message] : cases)
@@ -140,6 +139,29 @@ TEST_F(TerminalTest, LinesAreNoWiderThanTheTerminal) {
         EXPECT_THAT(run.out, HasSubstr("MOLTA_ComputerSystem")) << command;
         EXPECT_FALSE(HasLineOver(41, run.out)) << command << "\n" << run.out;  // with the carriage return
     }
+}
+
+TEST_F(TerminalTest, GetsTextThroughThePagerWhichMayBeLeftEarly) {
+    const TPluginRoot root({});
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"PAGER=\"tr a-z A-Z\"", "show os", "MOLTA_OPERATINGSYSTEM\r\n"},
+        {"PAGER=\"tr a-z A-Z\"", "schema os", "MOLTA_OPERATINGSYSTEM\r\n"},
+        {"PAGER=cat KYR_PAGER=\"tr a-z A-Z\"", "show os", "MOLTA_OPERATINGSYSTEM\r\n"},
+        {"PAGER=\"tr a-z A-Z\" KYR_PAGER=", "show os", "MOLTA_OperatingSystem\r\n"},
+        {"PAGER=\"tr a-z A-Z\"", "show os --no-pager", "MOLTA_OperatingSystem\r\n"},
+        {"PAGER=\"tr a-z A-Z\"", "show os --json", "{\r\n"},
+        {"PAGER=\"tr a-z A-Z\" TERM=dumb", "show os", "MOLTA_OperatingSystem\r\n"},
+        {"PAGER=true", "schema", "0\r\n"},
+        {"PAGER=\"head -n 1\"", "schema", "CIM_Component (abstract) (association)\r\n0\r\n"},
+    };
+    for (const auto& [environment, arguments, start] : cases)
+        EXPECT_THAT(RunOnTerminal("NO_COLOR=1 TERM=xterm " + std::string(environment),
+                                  KYR_PROGRAM " " + std::string(arguments) + root.Option() + "2>/dev/null; echo $?")
+                        .out,
+                    StartsWith(start))
+            << environment << ' ' << arguments;
+    EXPECT_THAT(RunKyr("show os --no-pager", "TERM=xterm PAGER=\"tr a-z A-Z\"").out,
+                StartsWith("MOLTA_OperatingSystem\n"));
 }
 
 TEST_F(TerminalTest, GetsBoldNamesUnlessColourIsUnwanted) {

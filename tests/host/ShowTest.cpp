@@ -1,4 +1,5 @@
 #include "KyrRun.h"
+#include "base/NaturalOrder.h"
 
 namespace {
 
@@ -21,6 +22,33 @@ TEST(ShowTest, PrintsAsExpected) {
         EXPECT_THAT(RunOnMachine(arguments, "COLUMNS=" + columns),
                     FieldsAre(0, AllOf(ReadFile(EXPECTED "/" + expected), Not(HasSubstr(" \n"))), _))
             << expected;
+}
+
+TEST(ShowTest, OfAllInstancesThoseOfWhichThereAreManyAreCounted) {
+    const std::string all = RunOnMachine("show").out;
+    EXPECT_THAT(all, AllOf(testing::StartsWith("MOLTA_ComputerSystem\n"), Not(HasSubstr("\nTEST_BasedOn"))));
+    EXPECT_THAT(all, testing::ContainsRegex("\nAssociations: [0-9]+ instances; kyr show --references\n$"));
+    EXPECT_THAT(RunOnMachine("show --references").out, Not(HasSubstr("Associations: ")));
+    EXPECT_THAT(RunOnMachine("show based-on").out, StartsWith("TEST_BasedOn (7)\n"));
+    EXPECT_THAT(RunOnMachine("show --class TEST_Computer --keys").out,
+                HasSubstr("\n  CreationClassName  TEST_Computer\n  Name               alpha\n"));
+}
+
+TEST(ShowTest, OrderIsThatInWhichPeopleCount) {
+    const std::vector<const char*> lists[] = {
+        {"0000:09:00.0", "0000:0a:00.0", "0000:10:00.0"},
+        {"10.0.0.2", "10.0.0.10", "192.0.2.1"},
+        {"/dev/sda", "/dev/sda1", "/dev/sda2", "/dev/sda10", "/dev/sdb", "/dev/sdaa"},
+        {"bash", "sed", "vim", "zsh"},
+        {"cpu01", "cpu1", "cpu2", "cpu2/index0", "cpu10"},
+        {"enp3s10", "enp10s3", "eth", "eth0"},
+        {"nvme0n1", "nvme0n1p1", "nvme1n1"},
+    };
+    for (const std::vector<const char*>& ordered : lists)
+        for (size_t i = 1; i < ordered.size(); ++i) {
+            EXPECT_TRUE(IsNaturallyLess(ordered[i - 1], ordered[i])) << ordered[i - 1] << ' ' << ordered[i];
+            EXPECT_FALSE(IsNaturallyLess(ordered[i], ordered[i - 1])) << ordered[i - 1] << ' ' << ordered[i];
+        }
 }
 
 TEST(ShowTest, StableLeavesOutWhatChangesByItself) {
