@@ -34,6 +34,7 @@ public:
             ->type_name("FILE")
             ->check(CheckNotEmpty);
         AddPrinting(fClasses, fPrint);
+        AddTables();
         AddCollecting();
     }
 

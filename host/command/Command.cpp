@@ -155,7 +155,7 @@ void TCommand::AddPrinting(std::vector<std::string>& classes, TPrintOptions& opt
     fApp.add_option("--class", classes, "Only this class and its subclasses; may be repeated")
         ->type_name("NAME")
         ->allow_extra_args(false);
-    fApp.add_flag("--raw", options.raw, "Plain values in place of display text");
+    fApp.add_flag("--raw", options.raw, "Plain values in place of display text; times as in ISO 8601");
     fApp.add_flag("--null", options.null, "Properties without a value too");
     fApp.add_flag("--references", options.references, "Show for each instance what it is tied to");
     fApp.add_flag("--provenance", options.provenance, "Show where values came from, and why others are missing");

@@ -84,5 +84,7 @@ std::unique_ptr<TCommand> MakeAssocCommand(CLI::App& app);
 std::unique_ptr<TCommand> MakeSchemaCommand(CLI::App& app);
 /// Prints the facts that identify the machine, such as its model and serial number.
 std::unique_ptr<TCommand> MakeIdentityCommand(CLI::App& app);
+/// Prints single values.
+std::unique_ptr<TCommand> MakeGetCommand(CLI::App& app);
 
 #endif

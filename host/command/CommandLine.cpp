@@ -62,6 +62,9 @@ const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in
                                                 "--grant",   "--plugins",  "--schema"};
 const std::string kNothingIsCollected = ": no plugin is asked for a saved collection";
 
+const std::vector<const char*> kNoTable = {"--json", "--null", "--references", "--provenance",
+                                           "--keys", "--tree", "--output"};
+
 const TConflict kConflicts[] = {
     {"--from", {"FILE"}},
     {"--from", kOfCollecting, kNothingIsCollected},
@@ -70,6 +73,10 @@ const TConflict kConflicts[] = {
     {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--json-schema", {"--json", "CLASS"}},
+    {"--columns", kNoTable},
+    {"--table", kNoTable},
+    {"--csv", kNoTable},
+    {"--table", {"--columns"}, ": --columns alone prints a table"},
 };
 
 bool IsGiven(const CLI::App& command, const char* name) {
@@ -88,7 +95,7 @@ void RefuseConflicts(const CLI::App& command) {
 TCommands MakeCommands(CLI::App& app) {
     TCommands commands;
     for (const auto make : {MakeSummaryCommand, MakeCollectCommand, MakeShowCommand, MakeAssocCommand,
-                            MakeSchemaCommand, MakeIdentityCommand}) {
+                            MakeSchemaCommand, MakeIdentityCommand, MakeGetCommand}) {
         commands.push_back(make(app));
         commands.back()->App().set_version_flag("-V,--version", kVersionText);
     }

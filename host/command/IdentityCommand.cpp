@@ -1,8 +1,11 @@
 #include <CLI/App.hpp>
 #include <algorithm>
+#include <iterator>
+#include <stdexcept>
 
 #include "base/Text.h"
 #include "command/Command.h"
+#include "command/IdentityFacts.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
 #include "kyr/TCIMClass.h"
@@ -162,5 +165,20 @@ public:
 };
 
 }  // namespace
+
+std::vector<std::string> FactNames() {
+    std::vector<std::string> names;
+    for (const TFact& fact : kFacts) names.emplace_back(fact.name);
+    return names;
+}
+
+std::vector<std::string> ClassesOfFacts() { return kClasses; }
+
+TIdentityFact GetFact(const std::string& name, TContainer& container) {
+    const auto* const fact =
+        std::find_if(std::begin(kFacts), std::end(kFacts), [&](const TFact& each) { return name == each.name; });
+    if (fact == std::end(kFacts)) throw std::logic_error("unknown fact " + name);
+    return Ask(*fact, container);
+}
 
 std::unique_ptr<TCommand> MakeIdentityCommand(CLI::App& app) { return std::make_unique<TIdentityCommand>(app); }

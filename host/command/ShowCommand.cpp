@@ -15,6 +15,7 @@ constexpr const char* kExamples =
     "  kyr show disks\n"
     "  kyr show machine.xml.gz cpu memory --provenance\n"
     "  kyr show /dev/sda\n"
+    "  kyr show adapters --columns Name,Driver\n"
     "  kyr show --tree\n\n";
 
 }  // namespace
@@ -36,9 +37,27 @@ EExit TShowCommand::Run(TOutput& output) {
 
 bool TShowCommand::Print(const TContainer& container, const TInstanceChoice& choice, TOutput& output) const {
     const TPager pager(output, fPages && !fJson);
+    if (fTable || fTableOptions.csv || !fTableOptions.columns.empty()) return PrintAsTable(choice, output);
     if (!fJson) return PrintInstances(container, choice, fPrint, output);
     WriteCollectionJson(container, choice, fPrint.stable, output);
     return true;
+}
+
+bool TShowCommand::PrintAsTable(const TInstanceChoice& choice, TOutput& output) const {
+    TTableOptions options = fTableOptions;
+    options.raw = fPrint.raw;
+    options.stable = fPrint.stable;
+    return PrintTable(choice, options, output);
+}
+
+void TShowCommand::AddTables() {
+    fApp.add_option("--columns", fTableOptions.columns, "Print a table of these properties")
+        ->type_name("NAME,...")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->check(CheckNotEmpty);
+    fApp.add_flag("--table", fTable, "Print a table of the main properties of each class");
+    fApp.add_flag("--csv", fTableOptions.csv, "Print the table as comma-separated values, for spreadsheets");
 }
 
 TInstanceChoice TShowCommand::Choose(TInventory& inventory) const {
@@ -52,6 +71,7 @@ std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app) {
             SetExamples(kExamples);
             AddFileAndNames(fNames);
             AddPrinting(fClasses, fPrint);
+            AddTables();
             fApp.add_flag("--tree", fPrint.tree, "Each instance below the one that it belongs to");
             AddCollecting();
         }

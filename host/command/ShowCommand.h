@@ -6,6 +6,7 @@
 
 #include "command/Command.h"
 #include "model/InstanceChoice.h"
+#include "render/InstanceTable.h"
 
 class TInventory;
 
@@ -23,10 +24,16 @@ protected:
 
     /// Returns whether there was any instance.
     bool Print(const TContainer& container, const TInstanceChoice& choice, TOutput& output) const;
+    bool PrintAsTable(const TInstanceChoice& choice, TOutput& output) const;
 
     std::vector<std::string> fClasses;  // the values of --class
     std::vector<std::string> fNames;    // the arguments that are no files
     TPrintOptions fPrint;
+    /// --columns, --table and --csv
+    void AddTables();
+
+    TTableOptions fTableOptions;
+    bool fTable = false;  // a table is wanted
 };
 
 #endif

@@ -1,10 +1,12 @@
 #include "model/ClassNames.h"
 
 #include <algorithm>
+#include <set>
 
 #include "base/ExitStatus.h"
 #include "base/NearMatches.h"
 #include "kyr/TCIMClass.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "model/CollectionState.h"
@@ -25,6 +27,24 @@ std::vector<TCIMClass*> AllButStates(const TContainer& schema) {
 }
 
 }  // namespace
+
+// The core's search raises for a text that cannot be a name.
+const TCIMPropertyDecl* FindPropertyNamed(const TCIMClass& cls, const std::string& name) {
+    for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls())
+        if (IsSameName(declaration->GetName(), name)) return declaration;
+    return nullptr;
+}
+
+std::string GetPropertyNamed(const std::vector<TCIMClass*>& classes, const std::string& name) {
+    std::set<std::string> known;
+    for (const TCIMClass* cls : classes) {
+        if (const TCIMPropertyDecl* const declaration = FindPropertyNamed(*cls, name)) return declaration->GetName();
+        for (const TCIMPropertyDecl* declaration : cls->EnumeratePropertyDecls()) known.insert(declaration->GetName());
+    }
+    const std::string of = classes.size() == 1 ? " of class " + classes.front()->GetName() : "";
+    throw TCommandError(eExitUsage,
+                        "unknown property '" + name + "'" + of + DidYouMean(name, {known.begin(), known.end()}));
+}
 
 std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {
     std::vector<TCIMClass*> classes = cls.EnumerateSubClasses(true);

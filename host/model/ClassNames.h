@@ -8,6 +8,7 @@
 #include <vector>
 
 class TCIMClass;
+class TCIMPropertyDecl;
 class TContainer;
 
 /// CIM compares the names of classes and properties without regard to case.
@@ -34,6 +35,12 @@ TCIMClass& GetClassNamed(const TContainer& schema, const std::string& name);
 std::vector<TCIMClass*> SelectAllClasses(const TContainer& schema);
 /// Leaves each class once: first the ordinary classes by name, then the associations by name.
 void ArrangeClasses(std::vector<TCIMClass*>& classes);
+
+/// Null if the class has no such property.
+const TCIMPropertyDecl* FindPropertyNamed(const TCIMClass& cls, const std::string& name);
+/// The name of the property as one of the classes declares it. Raises TCommandError if none does, with the names of
+/// similar ones.
+std::string GetPropertyNamed(const std::vector<TCIMClass*>& classes, const std::string& name);
 
 /// The class and all its subclasses.
 std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls);

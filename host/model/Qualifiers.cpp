@@ -71,4 +71,9 @@ bool IsVolatile(const TCIMPropertyDecl& declaration) { return IsTrue(declaration
 
 bool IsCompanion(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Companion"); }
 
+bool IsCounted(const TCIMPropertyDecl& declaration) {
+    const std::string unit = QualifierText(declaration, "Units");
+    return !unit.empty() && unit != "Identifier";
+}
+
 bool IsDontCollect(const TCIMClass& cls) { return IsTrue(cls, "DONTCOLLECT"); }

@@ -34,6 +34,8 @@ bool IsKey(const TCIMPropertyDecl& declaration);
 bool IsVolatile(const TCIMPropertyDecl& declaration);
 /// Whether it describes other properties of the instance: where they were read, or why they have no value.
 bool IsCompanion(const TCIMPropertyDecl& declaration);
+/// Whether its value is a number that counts something, and no word.
+bool IsCounted(const TCIMPropertyDecl& declaration);
 /// Whether plugins must not be asked for instances of the class.
 bool IsDontCollect(const TCIMClass& cls);
 

@@ -25,6 +25,25 @@ std::string TimestampText(const TCIMDateTime& moment) {
     return text;
 }
 
+std::string FractionText(const TCIMDateTime& moment) {
+    char text[16];
+    std::snprintf(text, sizeof text, ".%06u", moment.GetMicroSeconds());
+    return moment.GetMicroSeconds() == 0 ? "" : text;
+}
+
+std::string ISOInterval(const TCIMDateTime& length) {
+    return "P" + std::to_string(length.GetDay()) + "DT" + std::to_string(length.GetHour()) + "H" +
+           std::to_string(length.GetMinute()) + "M" + std::to_string(length.GetSecond()) + FractionText(length) + "S";
+}
+
+// "2026-11-21 10:55:53 +00:00" with a T in the middle, and the fraction before the offset.
+std::string ISOText(const TCIMDateTime& moment) {
+    if (moment.IsInterval()) return ISOInterval(moment);
+    std::string text = TimestampText(moment);
+    text[text.find(' ')] = 'T';
+    return text.replace(text.find(' '), 1, FractionText(moment));
+}
+
 std::string DateTimeText(const TCIMDateTime& moment) {
     return moment.IsInterval() ? moment.ToUIString() : TimestampText(moment);
 }
@@ -84,6 +103,16 @@ std::string PlainText(const TCIMValue& value) {
     } catch (const TKYRException& e) {
         return std::string("(") + e.what() + ")";
     }
+}
+
+std::string RawText(const TCIMValue& value) {
+    if (value.IsNull() || value.GetType() != TCIMValue::TCIMType::eCIMDateTime) return PlainText(value);
+    return ISOText(static_cast<TCIMDateTime>(value));
+}
+
+std::string ValueText(const TCIMProperty& property, bool raw) {
+    if (raw) return RawText(property.GetValue());
+    return property.IsArray() ? Join(DisplayElements(property)) : DisplayText(property);
 }
 
 std::string DisplayName(const TCIMInstance& instance) {

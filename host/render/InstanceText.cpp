@@ -62,7 +62,7 @@ TLines ListLines(TLines elements, size_t width) {
 TLines ValueLines(const TCIMProperty& property, bool raw, size_t width) {
     const bool isNull = property.GetValue().IsNull();
     if (property.IsArray() && !raw && !isNull) return ListLines(DisplayElements(property), width);
-    const std::string text = isNull && raw ? "-" : raw ? PlainText(property.GetValue()) : DisplayText(property);
+    const std::string text = isNull && raw ? "-" : raw ? RawText(property.GetValue()) : DisplayText(property);
     if (!text.empty()) return WrapText(text, width);
     return {isNull ? "-" : "\"\""};
 }

@@ -50,10 +50,10 @@ TEST(CollectTest, RawGivesPlainValues) {
     const char* const shown =
         "  Mask    171\n"
         "  Modes   { 2, 1, 7 }\n"
-        "  Moment  20241231235958.000000-210\n"
+        "  Moment  2024-12-31T23:59:58-03:30\n"
         "  Odd     -5\n"
         "  Size    1536\n"
-        "  Span    00000001020304.000000:000\n";
+        "  Span    P1DT2H3M4S\n";
     EXPECT_THAT(RunKyrWith({"shown"}, "collect --class TEST_Shown --raw"), FieldsAre(0, HasSubstr(shown), _));
 }
 

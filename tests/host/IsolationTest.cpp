@@ -97,7 +97,7 @@ TEST_P(HostilePlugin, CostsItsOwnClassesAndNothingElse) {
     EXPECT_EQ(run.err.empty(), !fails);
     EXPECT_THAT(run.err, HasSubstr(fails ? std::string("kyr: plugin ") + hostile.message : ""));
     EXPECT_THAT(run.out, AllOf(StartsWith("MOLTA_ComputerSystem\n"), HasSubstr("TEST_Shown (2)\n"),
-                               HasSubstr("MOLTA_InstalledOS\n")));
+                               HasSubstr("MOLTA_OperatingSystem\n")));
     EXPECT_EQ(CountIn(run.out, "TEST_First (" + std::to_string(hostile.kept) + ")\n"), hostile.kept != 0) << run.out;
     EXPECT_FALSE(IsAnyoneLeft(mark));
 }
@@ -160,7 +160,7 @@ TEST(IsolationTest, DocumentThatIsTooLargeCostsItsOwnPlugin) {
         fs::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/large/liblarge.pi.so");
         root.Write("large/large.properties.xml", document);
         EXPECT_THAT(RunKyr("collect" + root.Option()),
-                    FieldsAre(1, AllOf(HasSubstr("TEST_Shown (2)\n"), HasSubstr("MOLTA_InstalledOS\n")),
+                    FieldsAre(1, AllOf(HasSubstr("TEST_Shown (2)\n"), HasSubstr("MOLTA_OperatingSystem\n")),
                               StartsWith("kyr: plugin ./large/liblarge.pi.so: refused: its document "
                                          "./large/large.properties.xml is too large: ")));
     }

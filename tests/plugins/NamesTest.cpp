@@ -1,23 +1,12 @@
 #include <sstream>
 
-#include "host/KyrRun.h"
+#include "SavedMachine.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
-
-/// A saved collection of one of the machines in tests/fixtures/machines.
-class TSavedMachine : public TempFolder {
-public:
-    explicit TSavedMachine(const std::string& machine) {
-        RunKyrOn(machine, "collect --stable " ALL_PLUGINS " -o " + File());
-    }
-
-    std::string File() const { return Path() + "/machine.xml"; }
-    TRunResult Show(const std::string& arguments) const { return RunKyr("show " + File() + " " + arguments); }
-};
 
 /// The lines that begin an instance's class, as "MOLTA_DiskDrive (2)", with blanks between them.
 std::string HeadingsIn(const std::string& text) {
