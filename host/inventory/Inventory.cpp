@@ -1,6 +1,7 @@
 #include "inventory/Inventory.h"
 
 #include <exception>
+#include <list>
 #include <utility>
 
 #include "base/CoreLog.h"
@@ -29,26 +30,34 @@ TClassSelection WithoutStates(const std::vector<std::string>& names, const TCont
 
 // Never deleted: destroying a large container would take longer than printing much of it, and the process ends anyway.
 TPluginContainer& MakeContainer() {
-    static TPluginContainer* const container = new TPluginContainer;
-    return *container;
+    static auto* const containers = new std::list<TPluginContainer>;
+    return containers->emplace_back();
+}
+
+// The core has one plugin manager for all containers.
+void InitializePluginManager() {
+    if (TPluginManager::GetInstance() == nullptr) TPluginManager::Initialize(".");
 }
 
 }  // namespace
 
 class TInventory::TBody {
 public:
-    explicit TBody(const TSessionOptions& options) : fLog(options.log), fContainer(MakeContainer()) {
+    TBody(const TSessionOptions& options, std::shared_ptr<const TCoreLog> log)
+        : fLog(std::move(log)), fContainer(MakeContainer()) {
+        InitializePluginManager();
         if (options.from.empty())
-            fSession = std::make_unique<TSession>(options, fLog, fContainer);
+            fSession = std::make_unique<TSession>(options, *fLog, fContainer);
         else
             ReadFile(options.from);
     }
 
     TContainer& Container() { return fContainer; }
+    const std::shared_ptr<const TCoreLog>& Log() const { return fLog; }
 
     EExit Conclude(EExit (*report)(const TContainer&)) const {
         const EExit status = ReportStates(report);
-        return fLog.Finish() ? status : eExitOutput;
+        return fLog->Finish() ? status : eExitOutput;
     }
 
     void Run(const TClassSelection& wanted) {
@@ -61,7 +70,6 @@ public:
 
 private:
     void ReadFile(const std::string& path) {
-        TPluginManager::Initialize(".");
         fFileChange = ReadCollection(path, fContainer);
         CheckInstanceCounts(fContainer);
         if (fFileChange) KeepFileChange();
@@ -83,14 +91,17 @@ private:
         }
     }
 
-    const TCoreLog fLog;
+    const std::shared_ptr<const TCoreLog> fLog;
     TPluginContainer& fContainer;
     std::unique_ptr<TSession> fSession;
     TReason fFileChange;  // why a file is not as it was saved
     bool fRun = false;
 };
 
-TInventory::TInventory(const TSessionOptions& options) : fBody(std::make_unique<TBody>(options)) {}
+TInventory::TInventory(const TSessionOptions& options)
+    : fBody(std::make_unique<TBody>(options, std::make_shared<const TCoreLog>(options.log))) {}
+TInventory::TInventory(const TSessionOptions& options, const TInventory& first)
+    : fBody(std::make_unique<TBody>(options, first.fBody->Log())) {}
 TInventory::~TInventory() = default;
 TContainer& TInventory::Container() const { return fBody->Container(); }
 void TInventory::LoadPlugins() { fBody->Run(TClassSelection::SchemaOnly()); }

@@ -11,12 +11,15 @@
 class TContainer;
 
 /// The container that a command works on: the schema and instances of this machine, collected from its plugins, or
-/// those of a saved collection. State instances in it say how complete it is. Create only one in a process.
+/// those of a saved collection. State instances in it say how complete it is. Only one in a process may be of this
+/// machine, since a process loads plugins once.
 class TInventory {
 public:
     /// Reads the saved collection if the options name one, otherwise the base document and the plugins' documents.
     /// Raises TCommandError.
     explicit TInventory(const TSessionOptions& options);
+    /// A second inventory, in a container of its own. It uses the log of the first one.
+    TInventory(const TSessionOptions& options, const TInventory& first);
     ~TInventory();
 
     TContainer& Container() const;
@@ -42,7 +45,7 @@ public:
     void Collect(const std::vector<std::string>& classes);
     /// Prints on standard error what is not complete, and returns the exit status that follows.
     EExit Conclude() const;
-    /// The same status, for a command whose result tells what is not complete.
+    /// The same status, for a command whose result tells what is not complete. Only "nothing was collected" is printed.
     EExit ConcludeSilently() const;
 
 private:

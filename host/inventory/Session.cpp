@@ -22,7 +22,6 @@
 #include "kyr/TCIMQualifier.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
-#include "kyr/TPluginManager.h"
 #include "kyr/TRootObject.h"
 #include "states/HostIdentity.h"
 #include "states/StateInstances.h"
@@ -69,7 +68,6 @@ void AddPluginQualifiers(const TPluginLibrary& library, const TContainer& contai
 
 TSession::TSession(const TSessionOptions& options, const TCoreLog& log, TPluginContainer& container)
     : fOptions(options), fLog(log), fContainer(container) {
-    TPluginManager::Initialize(".");
     ReadBaseDocument(options.schema);
     ReadBaseDocument(FindStateDocument());
     EnterPluginFolder(options.plugins);

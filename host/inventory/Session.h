@@ -11,8 +11,9 @@
 #include "model/ClassSelection.h"
 #include "states/PluginLibrary.h"
 
-/// Collects from this machine: sets up the core's plugin manager, finds the plugin libraries, reads their documents and
-/// runs the plugins. Create only one in a process. It changes the current folder to the plugin folder.
+/// Collects from this machine with the core's plugin manager, which must be there: finds the plugin libraries, reads
+/// their documents and runs the plugins. Create only one in a process. It changes the current folder to the plugin
+/// folder.
 ///
 /// There are two containers. The one that the session is given gets the instances. The other is the schema of the
 /// core's plugin manager: the core reads a plugin's document into it when it loads the plugin, and plugins look for the

@@ -140,8 +140,6 @@ EExit ReportIncomplete(const TContainer& container) {
 }
 
 EExit StatusOfCollection(const TContainer& container) {
-    EExit status = eExitComplete;
-    for (const TCIMInstance* instance : StatesOf(container, kCollectionClass))
-        status = StatusOf(OutcomeOf(*instance).state);
-    return status;
+    const std::vector<TCIMInstance*> collections = StatesOf(container, kCollectionClass);
+    return collections.empty() ? eExitComplete : StatusOf(OutcomeOf(*collections.back()).state);
 }

@@ -9,6 +9,8 @@ class TContainer;
 /// status that follows from the state of the collection; one without states, which another program wrote, counts as
 /// complete.
 EExit ReportIncomplete(const TContainer& container);
+/// That status alone. Prints only that nothing was collected, if so.
+EExit StatusOfCollection(const TContainer& container);
 
 /// The same status, without a word of what is missing: for a result that tells it itself.
 EExit StatusOfCollection(const TContainer& container);
