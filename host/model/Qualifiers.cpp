@@ -76,4 +76,6 @@ bool IsCounted(const TCIMPropertyDecl& declaration) {
     return !unit.empty() && unit != "Identifier";
 }
 
+bool IsIdentity(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Identity"); }
+
 bool IsDontCollect(const TCIMClass& cls) { return IsTrue(cls, "DONTCOLLECT"); }

@@ -36,6 +36,9 @@ bool IsVolatile(const TCIMPropertyDecl& declaration);
 bool IsCompanion(const TCIMPropertyDecl& declaration);
 /// Whether its value is a number that counts something, and no word.
 bool IsCounted(const TCIMPropertyDecl& declaration);
+
+/// Whether it tells a thing from all others of its class, wherever it is.
+bool IsIdentity(const TCIMPropertyDecl& declaration);
 /// Whether plugins must not be asked for instances of the class.
 bool IsDontCollect(const TCIMClass& cls);
 
