@@ -86,5 +86,7 @@ std::unique_ptr<TCommand> MakeSchemaCommand(CLI::App& app);
 std::unique_ptr<TCommand> MakeIdentityCommand(CLI::App& app);
 /// Prints single values.
 std::unique_ptr<TCommand> MakeGetCommand(CLI::App& app);
+/// Prints what differs between a saved collection and this machine, or another saved collection.
+std::unique_ptr<TCommand> MakeDiffCommand(CLI::App& app);
 
 #endif

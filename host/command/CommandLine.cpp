@@ -66,12 +66,14 @@ const std::vector<const char*> kNoTable = {"--json", "--null", "--references", "
                                            "--keys", "--tree", "--output"};
 
 const TConflict kConflicts[] = {
-    {"--from", {"FILE"}},
+    {"--from", {"FILE", "NEW"}},
     {"--from", kOfCollecting, kNothingIsCollected},
     {"FILE", kOfCollecting, kNothingIsCollected},
+    {"NEW", kOfCollecting, kNothingIsCollected},
     {"--in-process", {"--sandbox", "--grant"}, ": no plugin has a process of its own"},
     {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
+    {"--quiet", {"--json"}},
     {"--json-schema", {"--json", "CLASS"}},
     {"--columns", kNoTable},
     {"--table", kNoTable},
@@ -95,7 +97,7 @@ void RefuseConflicts(const CLI::App& command) {
 TCommands MakeCommands(CLI::App& app) {
     TCommands commands;
     for (const auto make : {MakeSummaryCommand, MakeCollectCommand, MakeShowCommand, MakeAssocCommand,
-                            MakeSchemaCommand, MakeIdentityCommand, MakeGetCommand}) {
+                            MakeSchemaCommand, MakeIdentityCommand, MakeGetCommand, MakeDiffCommand}) {
         commands.push_back(make(app));
         commands.back()->App().set_version_flag("-V,--version", kVersionText);
     }

@@ -9,6 +9,7 @@
 
 class TCIMClass;
 struct TAssociationLink;
+struct TDifference;
 class TCIMInstance;
 class TContainer;
 class TInstanceChoice;
@@ -32,6 +33,9 @@ void WriteAssociationsJson(TCIMInstance& instance, const std::vector<TAssociatio
 void WriteSchemaJson(const TContainer& container, const TCIMClass* only, TOutput& output);
 /// The facts. The words for the codes of reasons are taken from the container's schema.
 void WriteIdentityJson(const std::vector<TIdentityFact>& facts, const TContainer& container, TOutput& output);
+/// What differs between two collections. Words for states and values are those of the collection that they are from.
+void WriteDifferenceJson(const TDifference& difference, const TContainer& before, const TContainer& after,
+                         TOutput& output);
 
 /// A JSON Schema of all of these documents. The instances of each class in the container have a definition of their
 /// own.

@@ -32,7 +32,7 @@ struct TJsonDocument {
 };
 
 constexpr TJsonDocument kJsonDocuments[] = {
-    {"collection", "3"}, {"associations", "1"}, {"schema", "1"}, {"identity", "2"}};
+    {"collection", "3"}, {"associations", "1"}, {"schema", "1"}, {"identity", "2"}, {"difference", "1"}};
 
 /// The values of the CIM types. Each may be null.
 extern const std::vector<TJsonDefinition> kJsonTypes;

@@ -12,7 +12,4 @@ EExit ReportIncomplete(const TContainer& container);
 /// That status alone. Prints only that nothing was collected, if so.
 EExit StatusOfCollection(const TContainer& container);
 
-/// The same status, without a word of what is missing: for a result that tells it itself.
-EExit StatusOfCollection(const TContainer& container);
-
 #endif

@@ -56,6 +56,9 @@ TEST_F(JsonTest, EveryDocumentObeysTheGeneratedSchema) {
             files += " " + fFiles.Write(std::to_string(files.size()) + ".json", run.out);
         }
     }
+    const TRunResult difference =
+        Run("diff --json --all --references " SAVED "/without-reason-codes.xml.gz " + saved, "");
+    files += " " + fFiles.Write("difference.json", difference.out);
     const TRunResult validation = Validate(files);
     EXPECT_EQ(validation.status, 0);
     EXPECT_EQ(validation.out + validation.err, "");
