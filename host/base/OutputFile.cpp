@@ -21,6 +21,7 @@ constexpr unsigned int kBufferSize = 1 << 16;
 }  // namespace
 
 bool TOutputFile::IsSpecial(const std::string& path) {
+    if (path == kStandardOutput) return true;
     // These name descriptors of this process. Even if one is a regular file, the caller wants it written, not replaced.
     for (const char* descriptors : {"/dev/std", "/dev/fd/", "/proc/self/fd/"})
         if (StartsWith(path, descriptors)) return true;
@@ -31,7 +32,7 @@ bool TOutputFile::IsSpecial(const std::string& path) {
 TOutputFile::TOutputFile(const std::string& path, bool compressed) : TOutputFile(path) {
     fInPlace = IsSpecial(path);
     if (fInPlace) {
-        fFile = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        fFile = path == kStandardOutput ? dup(STDOUT_FILENO) : open(path.c_str(), O_WRONLY | O_CLOEXEC);
         if (fFile < 0) Fail();
     } else {
         OpenTemporary();
@@ -116,5 +117,6 @@ void TOutputFile::WithUnusedName(TAction action) {
 }
 
 void TOutputFile::Fail(const std::string& attempt) const {
-    throw TCommandError(eExitOutput, "cannot write '" + fPath + "': " + attempt + std::strerror(errno));
+    const std::string name = fPath == kStandardOutput ? "standard output" : "'" + fPath + "'";
+    throw TCommandError(eExitOutput, "cannot write " + name + ": " + attempt + std::strerror(errno));
 }

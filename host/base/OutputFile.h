@@ -17,7 +17,8 @@ public:
     TOutputFile(const TOutputFile&) = delete;
     TOutputFile& operator=(const TOutputFile&) = delete;
 
-    /// Whether the path names something that is written in place.
+    static constexpr const char* kStandardOutput = "-";
+    /// Whether the path names something that is written in place, as standard output is.
     static bool IsSpecial(const std::string& path);
 
     void Write(std::string_view bytes);

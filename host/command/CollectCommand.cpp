@@ -1,5 +1,8 @@
+#include <unistd.h>
+
 #include <CLI/App.hpp>
 
+#include "base/OutputFile.h"
 #include "command/Command.h"
 #include "command/ShowCommand.h"
 #include "inventory/Inventory.h"
@@ -13,6 +16,7 @@ namespace {
 constexpr const char* kExamples =
     "Examples:\n"
     "  kyr collect -o machine.xml.gz\n"
+    "  ssh db01 kyr collect -o - | kyr show -\n"
     "  kyr collect machine.xml.gz disks -o disks.xml\n\n";
 
 // The chosen classes, and the classes of states, which say how complete the saved instances are.
@@ -30,7 +34,7 @@ public:
         : TShowCommand(app, "collect", "Ask the plugins and print or save what they report") {
         SetExamples(kExamples);
         AddFileAndNames(fNames);
-        fApp.add_option("-o,--output", fOutput, "Save the collection: FILE.xml or FILE.xml.gz")
+        fApp.add_option("-o,--output", fOutput, "Save the collection: FILE.xml or FILE.xml.gz; - for standard output")
             ->type_name("FILE")
             ->check(CheckNotEmpty);
         AddPrinting(fClasses, fPrint);
@@ -46,6 +50,7 @@ public:
     EExit Run(TOutput& output) override {
         if (fOutput.empty()) return TShowCommand::Run(output);
         RequireSavablePath(fOutput);
+        RequireNoTerminal();
         TInventory inventory(fSession);
         const TInstanceChoice choice = Choose(inventory);
         if (!choice.IsOfClasses())
@@ -62,6 +67,11 @@ public:
     }
 
 private:
+    void RequireNoTerminal() const {
+        if (fOutput == TOutputFile::kStandardOutput && isatty(STDOUT_FILENO) != 0)
+            throw TCommandError(eExitUsage, "-o - writes a compressed file, which a terminal cannot show; give a file");
+    }
+
     std::string fOutput;  // the file to write; empty: standard output
 };
 

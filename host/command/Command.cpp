@@ -116,7 +116,7 @@ void TCommand::ResolvePaths() {
 }
 
 CLI::Option* TCommand::AddFile() {
-    return fApp.add_option("FILE", fSession.from, "A saved collection, as --from")->type_name("")->check(CheckNotEmpty);
+    return fApp.add_option("FILE", fSession.from, "A saved collection, as --from; - for standard input")->type_name("")->check(CheckNotEmpty);
 }
 
 // The parser gives an argument to the first option whose check takes it.
@@ -179,6 +179,7 @@ std::string CheckNotEmpty(const std::string& text) { return text.empty() ? "the 
 
 // Without a current folder, as when somebody has deleted it, opening the path tells that nothing is there.
 void MakeAbsolute(std::string& path) {
+    if (path == "-") return;
     std::error_code error;
     const std::string absolute = std::filesystem::absolute(path, error).string();
     if (!path.empty() && !error) path = absolute;

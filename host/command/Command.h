@@ -67,7 +67,7 @@ std::string CheckNotEmpty(const std::string& text);
 /// A check for arguments that may be a file or a name: refuses those that are taken for names.
 std::string CheckFile(const std::string& argument);
 
-/// Makes a path absolute, unless it is empty.
+/// Makes a path absolute, unless it is empty or "-", which stands for a standard stream.
 void MakeAbsolute(std::string& path);
 
 // Each of these adds its command to the application, which must outlive the object returned.

@@ -21,6 +21,7 @@
 #include "saved/DocumentProbe.h"
 #include "saved/DocumentText.h"
 #include "saved/EndMark.h"
+#include "saved/StreamedFile.h"
 
 namespace {
 
@@ -70,15 +71,15 @@ std::string DescribeLargest(const std::vector<TCIMClass*>& classes) {
     return "the most instances, " + std::to_string(largest.first) + ", are of " + largest.second;
 }
 
-[[noreturn]] void RefuseReading(const std::string& path, const std::string& reason) {
-    throw TCommandError(eExitNothing, "cannot read the collection '" + path + "': " + reason);
+[[noreturn]] void RefuseReading(const std::string& name, const std::string& reason) {
+    throw TCommandError(eExitNothing, "cannot read the collection " + name + ": " + reason);
 }
 
-void RequireFile(const std::string& path) {
+void RequireFile(const std::string& path, const std::string& name) {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) RefuseReading(path, std::strerror(errno));
-    if (!S_ISREG(status.st_mode)) RefuseReading(path, "it is no regular file");
-    if (status.st_size == 0) RefuseReading(path, "it is empty");
+    if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) RefuseReading(name, std::strerror(errno));
+    if (!S_ISREG(status.st_mode)) RefuseReading(name, "it is no regular file");
+    if (status.st_size == 0) RefuseReading(name, "it is empty");
 }
 
 // "1 of 3 instances", or nothing if as many are there as were saved.
@@ -141,7 +142,7 @@ void RequireSavablePath(const std::string& path) {
 void SaveCollection(const TContainer& container, const std::string& path, bool stable,
                     const std::vector<TCIMClass*>* classes) {
     RequireReadableName(path);
-    TOutputFile file(path, EndsWith(path, ".gz"));
+    TOutputFile file(path, path == TOutputFile::kStandardOutput || EndsWith(path, ".gz"));
     TCimXmlWriter writer(container, file);
     writer.Raw(kXmlDeclaration);
     writer.Raw(kEndMarkAnnouncement);
@@ -159,22 +160,33 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
     file.Finish();
 }
 
-TReason ReadCollection(const std::string& path, TContainer& container) {
-    RequireFile(path);
+namespace {
+
+// The name is what messages call the file.
+TReason ReadNamed(const std::string& path, const std::string& name, TContainer& container) {
+    RequireFile(path, name);
     const TDocumentEnds ends = ReadDocumentEnds(path);
     if (const size_t line = LineOfEndlessValue(path, ends); line != 0)
-        RefuseReading(path, "the value of an attribute in line " + std::to_string(line) +
+        RefuseReading(name, "the value of an attribute in line " + std::to_string(line) +
                                 " is not closed; take another copy of it");
     const auto read = [&](const std::string& file) { container.PopulateContainerFromFile(file); };
     const TReason harm = ProbeDocuments({path}, read).front();
-    if (harm) RefuseReading(path, harm.detail + "; it is damaged, or was made to do harm");
+    if (harm) RefuseReading(name, harm.detail + "; it is damaged, or was made to do harm");
     TLogCapture capture;
     try {
         read(path);
     } catch (const TKYRException& e) {
-        RefuseReading(path, Explain(path, e, ErrorsIn(capture.Take())));
+        RefuseReading(name, Explain(path, e, ErrorsIn(capture.Take())));
     }
     if (container.GetRootClass()->EnumerateSubClasses(false).empty())
-        RefuseReading(path, "there is no class in it; it must be a file that kyr collect -o wrote");
+        RefuseReading(name, "there is no class in it; it must be a file that kyr collect -o wrote");
     return FindChange(ends, container);
+}
+
+}  // namespace
+
+TReason ReadCollection(const std::string& path, TContainer& container) {
+    if (!TStreamedFile::IsStream(path)) return ReadNamed(path, "'" + path + "'", container);
+    const TStreamedFile file(path);
+    return ReadNamed(file.Path(), "from " + TStreamedFile::NameOf(path), container);
 }

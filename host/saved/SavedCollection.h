@@ -14,7 +14,7 @@ class TContainer;
 void RequireSavablePath(const std::string& path);
 
 /// Writes the container as a CIM-XML document: the whole schema, and the instances of the given classes, or with null
-/// all instances. The document is compressed if the path ends in ".gz". It is written atomically, unless the path names
+/// all instances. The document is compressed if the path ends in ".gz" or is that of standard output. It is written atomically, unless the path names
 /// something other than a regular file. With stable, volatile properties are left out. Raises TCommandError with
 /// eExitOutput for what the format cannot hold, naming class and property, and with eExitUsage for a path from which
 /// the file could not be read back.
@@ -23,8 +23,8 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
 
 /// Reads a saved collection into an empty container. The document is tried in a child process first, so that one that
 /// crashes the reader is refused. Returns eFileChanged with what is missing if the file is not as it was saved, which
-/// is hardly known of files without an end mark: those of earlier versions and of other programs. Raises TCommandError
-/// with eExitNothing.
+/// is hardly known of files without an end mark: those of earlier versions and of other programs. The path may stand
+/// for a stream, see TStreamedFile. Raises TCommandError with eExitNothing.
 TReason ReadCollection(const std::string& path, TContainer& container);
 
 #endif

@@ -172,3 +172,36 @@ TEST_F(TerminalTest, GetsBoldNamesUnlessColourIsUnwanted) {
     EXPECT_THAT(RunOnTerminal("TERM=xterm NO_COLOR=1", command).out, StartsWith(plain));
     EXPECT_THAT(RunOnTerminal("TERM=dumb", command).out, StartsWith(plain));
 }
+
+// The words of the shell: what is saved goes through a pipe, and is read from one.
+TEST(MannersTest, CollectionsGoThroughPipes) {
+    const TPluginRoot root({});
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/a.xml.gz", shown = KYR_PROGRAM " show ";
+    const std::string choice = " --class MOLTA_ComputerSystem";
+    ASSERT_EQ(RunKyr("collect --stable" + root.Option() + "-o " + file).status, 0);
+    const std::string expected = RunKyr("show " + file + choice).out;
+    EXPECT_THAT(expected, HasSubstr("MOLTA_ComputerSystem"));
+    const std::string saving = KYR_PROGRAM " collect --stable" + root.Option() + "-o -";
+    for (const std::string& command :
+         {saving + " | " + shown + "-" + choice, "zcat " + file + " | " + shown + "-" + choice,
+          shown + "/dev/stdin" + choice + " <" + file, "exec 5<" + file + "; " + shown + "/dev/fd/5" + choice})
+        EXPECT_THAT(RunShell(command), FieldsAre(0, expected, "")) << command;
+    EXPECT_THAT(RunShell(saving + " | cmp - " + file), FieldsAre(0, "", ""));
+}
+
+TEST(MannersTest, StreamThatIsNoCollectionIsRefused) {
+    const TPluginRoot root({});
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/a.xml.gz", shown = " | " KYR_PROGRAM " show -";
+    ASSERT_EQ(RunKyr("collect" + root.Option() + "-o " + file).status, 0);
+    const std::pair<std::string, const char*> cases[] = {
+        {"head -c 1000 " + file + shown, "from standard input: it is damaged or cut off"},
+        {"printf ''" + shown, "from standard input: it is empty"},
+        {"echo no document" + shown, "it must be a CIM-XML document"},
+        {"cat /dev/zero" + shown, "it holds more than 104857600 bytes"}};
+    for (const auto& [command, message] : cases)
+        EXPECT_THAT(RunShell(command), FieldsAre(3, "", HasSubstr(message))) << command;
+    EXPECT_THAT(RunKyr("collect" + root.Option() + "-o - >/dev/full"),
+                FieldsAre(4, "", HasSubstr("cannot write standard output: ")));
+}
