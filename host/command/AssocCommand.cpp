@@ -9,6 +9,7 @@
 #include "model/Associations.h"
 #include "model/ObjectPath.h"
 #include "model/Values.h"
+#include "render/DependencyText.h"
 
 namespace {
 
@@ -16,7 +17,8 @@ constexpr const char* kExamples =
     "Some of the keys are enough, if they name one instance. Quotes and blanks need quotes of the shell.\n\n"
     "Examples:\n"
     "  kyr assoc CIM_ComputerSystem --result-class CIM_OperatingSystem\n"
-    "  kyr assoc 'MOLTA_Mount.Name=\"/\"' machine.xml.gz\n\n";
+    "  kyr assoc 'MOLTA_Mount.Name=\"/\"' machine.xml.gz\n"
+    "  kyr assoc 'MOLTA_Mount.Name=\"/\"' --deep\n\n";
 
 std::string RolesOf(const TAssociationLink& link) { return link.role + " -> " + link.other.role; }
 
@@ -58,6 +60,7 @@ public:
         addName("--result-class", fFilter.resultClass, "Only results of this class");
         addName("--role", fFilter.role, "Only ties in which the instance has this role");
         addName("--result-role", fFilter.resultRole, "Only results in this role");
+        fApp.add_flag("--deep", fDeep, "All that it depends on, step by step, and that depends on it");
         AddCollecting();
     }
 
@@ -66,6 +69,10 @@ public:
         inventory.Collect({});
         const EExit status = inventory.Conclude();
         TCIMInstance& instance = GetInstanceNamed(inventory.Container(), fPath);
+        if (fDeep) {
+            PrintDependencies(inventory.Container(), instance, output);
+            return status;
+        }
         const std::vector<TAssociationLink> links = FindLinks(instance, fFilter);
         if (fJson) {
             WriteAssociationsJson(instance, links, output);
@@ -79,6 +86,7 @@ public:
 private:
     std::string fPath;
     TAssociationFilter fFilter;
+    bool fDeep = false;
 };
 
 }  // namespace

@@ -116,7 +116,9 @@ void TCommand::ResolvePaths() {
 }
 
 CLI::Option* TCommand::AddFile() {
-    return fApp.add_option("FILE", fSession.from, "A saved collection, as --from; - for standard input")->type_name("")->check(CheckNotEmpty);
+    return fApp.add_option("FILE", fSession.from, "A saved collection, as --from; - for standard input")
+        ->type_name("")
+        ->check(CheckNotEmpty);
 }
 
 // The parser gives an argument to the first option whose check takes it.

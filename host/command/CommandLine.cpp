@@ -79,6 +79,7 @@ const TConflict kConflicts[] = {
     {"--table", kNoTable},
     {"--csv", kNoTable},
     {"--table", {"--columns"}, ": --columns alone prints a table"},
+    {"--deep", {"--json", "--assoc-class", "--result-class", "--role", "--result-role"}},
 };
 
 bool IsGiven(const CLI::App& command, const char* name) {

@@ -16,7 +16,8 @@ constexpr const char* kExamples =
     "  kyr show machine.xml.gz cpu memory --provenance\n"
     "  kyr show /dev/sda\n"
     "  kyr show adapters --columns Name,Driver\n"
-    "  kyr show --tree\n\n";
+    "  kyr show --tree\n"
+    "  kyr show --tree --to /\n\n";
 
 }  // namespace
 
@@ -72,7 +73,12 @@ std::unique_ptr<TCommand> MakeShowCommand(CLI::App& app) {
             AddFileAndNames(fNames);
             AddPrinting(fClasses, fPrint);
             AddTables();
-            fApp.add_flag("--tree", fPrint.tree, "Each instance below the one that it belongs to");
+            CLI::Option* const tree =
+                fApp.add_flag("--tree", fPrint.tree, "Each instance below the one that it belongs to");
+            fApp.add_option("--to", fPrint.treeTo, "Of the tree, what leads to this instance and what is below it")
+                ->type_name("PATH")
+                ->check(CheckNotEmpty)
+                ->needs(tree);
             AddCollecting();
         }
     };

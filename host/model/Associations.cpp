@@ -70,6 +70,14 @@ auto SortKeyOf(const TAssociationLink& link) {
     return std::tie(link.association->GetClass()->GetName(), link.role, link.other.role);
 }
 
+using TRoles = std::vector<const char*>;
+
+// This association makes the processor depend on its cache. People look for the cache below the processor.
+bool IsReversed(const TCIMInstance& association) {
+    const TCIMClass* const cls = association.GetContainer()->FindClass("CIM_AssociatedCacheMemory");
+    return cls != nullptr && association.GetClass()->IsSubclassOf(cls);
+}
+
 }  // namespace
 
 std::vector<TAssociationEnd> EndsOf(const TCIMInstance& association) {
@@ -104,6 +112,14 @@ std::vector<TAssociationLink> FindLinks(const TCIMInstance& instance, const TAss
     std::stable_sort(links.begin(), links.end(),
                      [](const TAssociationLink& a, const TAssociationLink& b) { return SortKeyOf(a) < SortKeyOf(b); });
     return links;
+}
+
+size_t OwnerAmong(const TCIMInstance& association, const std::vector<TAssociationEnd>& ends) {
+    const TRoles roles = IsReversed(association) ? TRoles{"Dependent"} : TRoles{"GroupComponent", "Antecedent"};
+    for (size_t i = 0; i < ends.size(); ++i)
+        for (const char* role : roles)
+            if (IsSameName(ends[i].role, role)) return i;
+    return 0;
 }
 
 TAssociationIndex::TAssociationIndex(const TContainer& container) {

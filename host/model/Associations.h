@@ -21,6 +21,10 @@ struct TAssociationEnd {
 /// out.
 std::vector<TAssociationEnd> EndsOf(const TCIMInstance& association);
 
+/// The index of the end that the others belong to or depend on: the first one in the role GroupComponent or Antecedent,
+/// or else the first. There must be an end.
+size_t OwnerAmong(const TCIMInstance& association, const std::vector<TAssociationEnd>& ends);
+
 /// A link from one instance to another through an association instance.
 struct TAssociationLink {
     const TCIMInstance* association;

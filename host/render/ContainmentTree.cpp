@@ -10,22 +10,6 @@
 
 namespace {
 
-using TRoles = std::vector<const char*>;
-
-// This association makes the processor depend on its cache. In the tree people look for the cache below the processor.
-bool IsReversed(const TCIMInstance& association) {
-    const TCIMClass* const cls = association.GetContainer()->FindClass("CIM_AssociatedCacheMemory");
-    return cls != nullptr && association.GetClass()->IsSubclassOf(cls);
-}
-
-// The index of the end with one of the roles; the first end if none has.
-size_t OwnerAmong(const std::vector<TAssociationEnd>& ends, const TRoles& roles) {
-    for (size_t i = 0; i < ends.size(); ++i)
-        for (const char* role : roles)
-            if (IsSameName(ends[i].role, role)) return i;
-    return 0;
-}
-
 void SortUnique(std::vector<size_t>& numbers) {
     std::sort(numbers.begin(), numbers.end());
     numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
@@ -62,8 +46,7 @@ std::vector<TContainmentTree::TNode> TContainmentTree::Walk() const {
 void TContainmentTree::AddParts(const TCIMInstance& association) {
     const std::vector<TAssociationEnd> ends = EndsOf(association);
     if (ends.size() < 2) return;
-    const TRoles roles = IsReversed(association) ? TRoles{"Dependent"} : TRoles{"GroupComponent", "Antecedent"};
-    const size_t ownerEnd = OwnerAmong(ends, roles);
+    const size_t ownerEnd = OwnerAmong(association, ends);
     const auto owner = fNumbers.find(ends[ownerEnd].instance);
     if (owner == fNumbers.end()) return;
     for (size_t i = 0; i < ends.size(); ++i) {

@@ -247,11 +247,19 @@ private:
     size_t fTies = 0;
 };
 
+// Packages and the like would bury all others.
+std::vector<TCIMClass*> ClassesInTree(const TInstanceChoice& choice) {
+    std::vector<TCIMClass*> classes = choice.Classes();
+    const auto isOfMany = [](const TCIMClass* cls) { return FindNameOfMany(*cls) != nullptr; };
+    if (choice.IsAll()) classes.erase(std::remove_if(classes.begin(), classes.end(), isOfMany), classes.end());
+    return classes;
+}
+
 }  // namespace
 
 bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, const TPrintOptions& options,
                     TOutput& output) {
-    if (options.tree) return PrintTree(container, choice.Classes(), output);
+    if (options.tree) return PrintTree(container, ClassesInTree(choice), options.treeTo, output);
     std::optional<TAssociationIndex> links;
     if (options.references) links.emplace(container);
     std::vector<TCIMClass*> classes = choice.Classes();

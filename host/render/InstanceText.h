@@ -1,6 +1,7 @@
 #ifndef KYR_HOST_RENDER_INSTANCETEXT_H
 #define KYR_HOST_RENDER_INSTANCETEXT_H
 
+#include <string>
 #include <vector>
 
 #include "base/Output.h"
@@ -15,6 +16,7 @@ struct TPrintOptions {
     bool null = false;        ///< properties without a value too
     bool references = false;  ///< what each instance is associated with
     bool tree = false;        ///< each instance below the one that contains it
+    std::string treeTo = {};  ///< of the tree, only what leads to this instance and what is below it; empty: all
     bool provenance = false;  ///< where values came from, and why others are missing
     bool stable = false;      ///< without values that change by themselves
     bool keys = false;        ///< also the keys that IsScopeKey tells
@@ -26,9 +28,11 @@ bool PrintInstances(const TContainer& container, const TInstanceChoice& choice, 
                     TOutput& output);
 
 /// Prints the instances of the classes, except associations, as a tree with a line for each. The children of an
-/// instance are those that associations make a part of it, or dependent on it. An instance with several owners stands
-/// below the one that is deepest in the tree, and below the others only a line refers to it. Returns whether there was
-/// any instance.
-bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, TOutput& output);
+/// instance are those that associations make a part of it, or dependent on it, also by way of instances that are not
+/// printed. An instance with several owners stands below the one that is deepest in the tree, and below the others only
+/// a line refers to it. With a path, only what leads to that instance and what is below it is printed; raises
+/// TCommandError if there is no such instance. Returns whether any instance was printed.
+bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, const std::string& path,
+               TOutput& output);
 
 #endif

@@ -1,18 +1,18 @@
-#include "render/InstanceText.h"
-
 #include <algorithm>
 #include <string>
 #include <unordered_set>
 
-#include "base/Text.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
-#include "model/Values.h"
+#include "kyr/TContainer.h"
+#include "model/ObjectPath.h"
 #include "render/ContainmentTree.h"
+#include "render/InstanceText.h"
+#include "render/TreeLine.h"
 
 namespace {
 
-constexpr size_t kDeepestIndent = 40;
+using TNodes = std::vector<TContainmentTree::TNode>;
 
 std::vector<const TCIMInstance*> OrdinaryInstances(const std::vector<TCIMClass*>& classes) {
     std::vector<const TCIMInstance*> instances;
@@ -24,40 +24,54 @@ std::vector<const TCIMInstance*> OrdinaryInstances(const std::vector<TCIMClass*>
     return instances;
 }
 
-/// Prints the nodes of the tree in the order in which it is walked.
+// The node of the instance with those above it and below it. There is one node for each instance.
+TNodes BranchOf(const TNodes& nodes, const TCIMInstance& instance) {
+    const auto target =
+        std::find_if(nodes.begin(), nodes.end(), [&](const auto& node) { return node.instance == &instance; });
+    const auto isBeside = [&](const auto& node) { return node.depth <= target->depth; };
+    TNodes branch(target, std::find_if(target + 1, nodes.end(), isBeside));
+    for (auto node = target; node != nodes.begin();)
+        if ((--node)->depth < branch.front().depth) branch.insert(branch.begin(), *node);
+    for (TContainmentTree::TNode& node : branch)
+        if (node.depth < target->depth) node.alsoContains.clear();
+    return branch;
+}
+
+/// Prints the nodes of the tree in the order in which it is walked, without those that were not chosen.
 class TTreePrinter {
 public:
-    explicit TTreePrinter(TOutput& output) : fOutput(output) {}
+    TTreePrinter(const std::vector<const TCIMInstance*>& chosen, TOutput& output)
+        : fOutput(output), fChosen(chosen.begin(), chosen.end()) {}
 
     void Print(const TContainmentTree::TNode& node) {
+        while (!fOpen.empty() && fOpen.back() >= node.depth) fOpen.pop_back();
+        if (fChosen.count(node.instance) == 0) return;
+        const size_t depth = fOpen.size();
+        fOpen.push_back(node.depth);
         fPrinted.insert(node.instance);
-        PrintLine(*node.instance, node.depth, "");
+        PrintTreeLine(*node.instance, depth, "", fOutput);
         for (const TCIMInstance* part : node.alsoContains)
-            PrintLine(*part, node.depth + 1, fPrinted.count(part) != 0 ? " (above)" : " (below)");
+            if (fChosen.count(part) != 0)
+                PrintTreeLine(*part, depth + 1, fPrinted.count(part) != 0 ? " (above)" : " (below)", fOutput);
     }
+
+    bool HasPrinted() const { return !fPrinted.empty(); }
 
 private:
-    // The class stands behind the name, or on a line of its own if it does not fit there.
-    void PrintLine(const TCIMInstance& instance, size_t depth, const char* note) const {
-        const size_t indent = std::min({2 * depth, kDeepestIndent, fOutput.Width() / 2});
-        const std::string cls = instance.GetClass()->GetName();
-        std::vector<std::string> lines = WrapText(DisplayName(instance) + note, fOutput.Width() - indent);
-        if (indent + ColumnsOf(lines.back()) + 2 + cls.size() <= fOutput.Width())
-            lines.back() += "  " + fOutput.Dim(cls);
-        else
-            lines.push_back(fOutput.Dim(cls));
-        for (const std::string& line : lines) fOutput.Write(std::string(indent, ' ') + line + "\n");
-    }
-
     TOutput& fOutput;
+    const std::unordered_set<const TCIMInstance*> fChosen;
+    std::vector<size_t> fOpen;  // the depths of the printed nodes that the next one is below
     std::unordered_set<const TCIMInstance*> fPrinted;
 };
 
 }  // namespace
 
-bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, TOutput& output) {
-    const std::vector<TContainmentTree::TNode> nodes = TContainmentTree(container, OrdinaryInstances(classes)).Walk();
-    TTreePrinter printer(output);
+bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, const std::string& path,
+               TOutput& output) {
+    const std::vector<TCIMClass*> all = container.GetRootClass()->EnumerateSubClasses(true);
+    TNodes nodes = TContainmentTree(container, OrdinaryInstances(all)).Walk();
+    if (!path.empty()) nodes = BranchOf(nodes, GetInstanceNamed(container, path));
+    TTreePrinter printer(OrdinaryInstances(classes), output);
     for (const TContainmentTree::TNode& node : nodes) printer.Print(node);
-    return !nodes.empty();
+    return printer.HasPrinted();
 }

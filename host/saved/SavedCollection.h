@@ -14,10 +14,10 @@ class TContainer;
 void RequireSavablePath(const std::string& path);
 
 /// Writes the container as a CIM-XML document: the whole schema, and the instances of the given classes, or with null
-/// all instances. The document is compressed if the path ends in ".gz" or is that of standard output. It is written atomically, unless the path names
-/// something other than a regular file. With stable, volatile properties are left out. Raises TCommandError with
-/// eExitOutput for what the format cannot hold, naming class and property, and with eExitUsage for a path from which
-/// the file could not be read back.
+/// all instances. The document is compressed if the path ends in ".gz" or is that of standard output. It is written
+/// atomically, unless the path names something other than a regular file. With stable, volatile properties are left
+/// out. Raises TCommandError with eExitOutput for what the format cannot hold, naming class and property, and with
+/// eExitUsage for a path from which the file could not be read back.
 void SaveCollection(const TContainer& container, const std::string& path, bool stable,
                     const std::vector<TCIMClass*>* classes = nullptr);
 

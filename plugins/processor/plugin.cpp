@@ -139,18 +139,23 @@ kyrStatusCode ReportThread(kyrIOHandle handle, const TThread& thread) {
     return report.Finish();
 }
 
-/// "L1 data cache", "L3 cache"
-std::string CacheCaption(const TCache& cache) {
-    const std::string level = "L" + std::to_string(cache.level.ValueOr(0));
-    switch (cache.type.ValueOr(ECacheType::eUnified)) {
+const char* KindText(ECacheType type) {
+    switch (type) {
         case ECacheType::eInstruction:
-            return level + " instruction cache";
+            return " instruction cache";
         case ECacheType::eData:
-            return level + " data cache";
+            return " data cache";
         case ECacheType::eUnified:
             break;
     }
-    return level + " cache";
+    return " cache";
+}
+
+/// "L1 data cache of CPU 0,4"
+std::string CacheCaption(const TCache& cache) {
+    const std::string text =
+        "L" + std::to_string(cache.level.ValueOr(0)) + KindText(cache.type.ValueOr(ECacheType::eUnified));
+    return cache.threads ? text + " of CPU " + *cache.threads : text;
 }
 
 kyrStatusCode ReportCache(kyrIOHandle handle, const TCache& cache) {
