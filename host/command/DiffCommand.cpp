@@ -6,6 +6,7 @@
 #include "inventory/Inventory.h"
 #include "json/Json.h"
 #include "model/ClassNames.h"
+#include "model/InstanceChoice.h"
 #include "render/DifferenceText.h"
 
 namespace {
@@ -29,10 +30,11 @@ std::vector<std::string> NamesToCollect(const TContainer& container, const std::
     if (chosen.empty()) return {};
     std::vector<std::string> known(chosen);
     known.emplace_back(kMachineClass);
-    known.erase(std::remove_if(known.begin(), known.end(),
-                               [&](const std::string& name) { return FindClassNamed(container, name) == nullptr; }),
-                known.end());
-    return known.empty() ? known : NamesOf(SelectClasses(container, known));
+    known.erase(
+        std::remove_if(known.begin(), known.end(),
+                       [&](const std::string& name) { return FindSpokenClass(container, name).classes.empty(); }),
+        known.end());
+    return known.empty() ? known : NamesOf(TInstanceChoice(container, known, {}).Classes());
 }
 
 class TDiffCommand : public TCommand {

@@ -5,6 +5,7 @@
 #include "json/Json.h"
 #include "kyr/TContainer.h"
 #include "model/ClassNames.h"
+#include "model/InstanceChoice.h"
 #include "render/Summary.h"
 
 namespace {
@@ -27,7 +28,7 @@ public:
         TInventory inventory(fSession);
         inventory.Collect(SummaryClasses());
         if (fJson) {
-            WriteCollectionJson(inventory.Container(), KnownClasses(inventory.Container()), false, output);
+            WriteCollectionJson(inventory.Container(), ChoiceIn(inventory.Container()), false, output);
             return inventory.Conclude();
         }
         PrintSummary(inventory.Container(), output);
@@ -35,11 +36,11 @@ public:
     }
 
 private:
-    static std::vector<TCIMClass*> KnownClasses(const TContainer& container) {
-        std::vector<TCIMClass*> classes;
+    static TInstanceChoice ChoiceIn(const TContainer& container) {
+        std::vector<std::string> names;
         for (const std::string& name : SummaryClasses())
-            if (TCIMClass* const cls = container.FindClass(name)) classes.push_back(cls);
-        return classes;
+            if (container.FindClass(name) != nullptr) names.push_back(name);
+        return {container, names, {}};
     }
 };
 

@@ -9,11 +9,12 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
 #include "model/ClassNames.h"
+#include "model/InstanceChoice.h"
 
 namespace {
 
-bool IsKnownToAny(const std::string& name, const TContainer& before, const TContainer& after) {
-    return FindClassNamed(before, name) != nullptr || FindClassNamed(after, name) != nullptr;
+bool IsKnown(const std::string& name, const TContainer& container) {
+    return !FindSpokenClass(container, name).classes.empty();
 }
 
 // The chosen classes of one collection. A name that only the other one knows is left out here; one that neither knows
@@ -22,9 +23,9 @@ std::vector<TCIMClass*> ChosenClasses(const TContainer& container, const TContai
                                       const TDifferenceOptions& options) {
     std::vector<std::string> names;
     for (const std::string& name : options.classes)
-        if (FindClassNamed(container, name) != nullptr || !IsKnownToAny(name, container, other)) names.push_back(name);
+        if (IsKnown(name, container) || !IsKnown(name, other)) names.push_back(name);
     if (names.empty() && !options.classes.empty()) return {};
-    std::vector<TCIMClass*> classes = SelectClasses(container, names);
+    std::vector<TCIMClass*> classes = TInstanceChoice(container, names, {}).Classes();
     const bool withAssociations = options.references || !options.classes.empty();
     const auto isLeftOut = [&](const TCIMClass* cls) { return cls->IsAssociation() && !withAssociations; };
     classes.erase(std::remove_if(classes.begin(), classes.end(), isLeftOut), classes.end());

@@ -16,7 +16,8 @@
 namespace {
 
 constexpr const char* kScopeKeys[] = {"SystemName", "CSName"};
-constexpr const char* kMachineIdentities[] = {"MachineID", "UUID", "SerialNumber"};  // strongest first
+// Copies of a system share the machine id, and virtual machines often the others: one that differs tells them apart.
+constexpr const char* kMachineIdentities[] = {"MachineID", "UUID", "SerialNumber"};
 constexpr const char kToken = '\x01';  // in place of the name; no name begins with it
 
 std::unordered_set<const TCIMClass*> FindSystemClasses(const TContainer& container) {
@@ -115,9 +116,12 @@ std::string TScope::PathOf(const TCIMReference& reference) const {
 }
 
 std::optional<bool> IsSameMachine(const TScope& before, const TScope& after) {
+    std::optional<bool> isSame;
     for (const char* property : kMachineIdentities) {
         const std::string old = before.TextOfSystem(property), present = after.TextOfSystem(property);
-        if (!IsPlaceholder(old) && !IsPlaceholder(present)) return IsSameName(old, present);
+        if (IsPlaceholder(old) || IsPlaceholder(present)) continue;
+        if (!IsSameName(old, present)) return false;
+        isSame = true;
     }
-    return std::nullopt;
+    return isSame;
 }

@@ -7,6 +7,7 @@
 #include "base/Text.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
+#include "model/ReadingOrder.h"
 #include "render/SummaryMissing.h"
 #include "render/SummaryPieces.h"
 #include "render/SummaryStorage.h"
@@ -164,7 +165,7 @@ class TSectionText {
 public:
     TSectionText(const TSection& section, const TContainer& container, const TStorageContents& contents)
         : fSection(section), fContents(contents) {
-        for (const TCIMInstance* instance : InstancesOf(container, section.className)) Add(*instance);
+        for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, section.className))) Add(*instance);
         fIsComplete = IsComplete(container);
     }
 

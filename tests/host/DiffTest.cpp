@@ -37,8 +37,9 @@ TEST_F(DiffTest, SaysInTextAndStatusWhatDiffers) {
     const std::string moved = Edit(renamed, "other", "4c4c4544-0051", "4c4c4544-0052");
     const std::string patched = Edit(server, "patched", "6.1.0-18-amd64", "6.1.0-31-amd64");
     const char* const sameNoMore =
-        "two machines: db01.example.net (UUID 4c4c4544-0051-3110-8031-b2c04f313233, serial KQ12345) and "
-        "web01 (UUID 4c4c4544-0052-3110-8031-b2c04f313233, serial KQ12345)\n";
+        "two machines: db01.example.net (machine ID 0eedb226-312d-4aa4-b63f-2ce3b9260b16, UUID "
+        "4c4c4544-0051-3110-8031-b2c04f313233, serial KQ12345) and web01 (machine ID "
+        "0eedb226-312d-4aa4-b63f-2ce3b9260b16, UUID 4c4c4544-0052-3110-8031-b2c04f313233, serial KQ12345)\n";
     const struct {
         std::string arguments;
         int status;

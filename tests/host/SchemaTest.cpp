@@ -20,8 +20,8 @@ TEST(SchemaTest, ClassIsDescribedInFull) {
                                     "\n"
                                     "Superclass  CIM_OperatingSystem\n"
                                     "Plugin      system 1.0.0\n"
-                                    "Qualifiers  Columns={ Caption, Version, KernelRelease, Architecture, "
-                                    "SystemUpTime, LastBootUpTime }, Rank=20\n"
+                                    "Qualifiers  Columns={ Caption, Version, PointRelease, KernelRelease, "
+                                    "Architecture, BootFirmware, SystemUpTime, LastBootUpTime }, Rank=20\n"
                                     "\n"
                                     "Properties\n"));
     EXPECT_THAT(run.out, HasSubstr("  CSName  string, key, from CIM_OperatingSystem\n"

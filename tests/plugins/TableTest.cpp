@@ -23,7 +23,7 @@ TEST(TableTest, HasALineForEachInstance) {
          "Name,Driver,IPAddresses\r\nbond0,,\"192.0.2.20/24, 192.0.2.21/24, 2001:db8:20::20/64, "
          "fe80::3eec:efff:fe00:1000/64\"\r\n"},
         {"memory --table", "", "MOLTA_SystemMemory (1)\nCaption "},
-        {"os --csv --raw --columns LastBootUpTime", "", "LastBootUpTime\r\n2024-03-01T08:00:00+00:00\r\n"},
+        {"bios --csv --raw --columns ReleaseDate", "", "ReleaseDate\r\n2023-08-24T00:00:00+00:00\r\n"},
         {"--columns Name,FileSystemType,UsedSpace", "", "Name "},
     };
     for (const auto& [arguments, environment, table] : cases) {
@@ -68,7 +68,7 @@ TEST(GetTest, PrintsValuesAlone) {
         {"sda.Size --raw", "1200243695616\n"},
         {"bond0.100.VLANID --raw", "100\n"},
         {"'DiskDrive.DeviceID=\"/dev/sda\".Name'", "sda\n"},
-        {"os.LastBootUpTime --raw", "2024-03-01T08:00:00+00:00\n"},
+        {"bios.ReleaseDate --raw", "2023-08-24T00:00:00+00:00\n"},
         {"bond0.IPAddresses", "192.0.2.20/24, 192.0.2.21/24, 2001:db8:20::20/64, fe80::3eec:efff:fe00:1000/64\n"},
         {"serialNumber", "KQ12345\n"},
         {"systemname", "db01.example.net\n"},
