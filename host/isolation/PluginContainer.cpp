@@ -13,13 +13,9 @@
 #include "kyr/TRootObject.h"
 #include "model/ClassNames.h"
 #include "states/MissingSources.h"
+#include "states/StateInstances.h"
 
 namespace {
-
-void RemoveInstances(TCIMClass& cls) {
-    for (auto all = cls.EnumerateInstances(true); !all.empty(); all = cls.EnumerateInstances(true))
-        all.front()->GetClass()->RemoveInstance(*all.front());
-}
 
 void Copy(const TCIMInstance& instance, const TContainer& target) {
     TCIMInstance* const copy = target.AllocateInstance(target.GetClass(instance.GetClass()->GetName()));
@@ -86,6 +82,6 @@ void CopySystemToPluginSchema(const TContainer& collected) {
     const TCIMClass* const cls = collected.FindClass(name);
     TCIMClass* const shown = schema.FindClass(name);
     if (cls == nullptr || shown == nullptr) return;
-    RemoveInstances(*shown);
+    for (TCIMClass* each : WithSubClasses(*shown)) RemoveInstances(*each);
     for (const TCIMInstance* instance : cls->EnumerateInstances(true)) Copy(*instance, schema);
 }
