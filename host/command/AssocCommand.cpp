@@ -1,5 +1,6 @@
 #include <CLI/App.hpp>
 
+#include "base/Pager.h"
 #include "base/Text.h"
 #include "command/Command.h"
 #include "inventory/Inventory.h"
@@ -51,8 +52,7 @@ class TAssocCommand : public TCommand {
 public:
     explicit TAssocCommand(CLI::App& app) : TCommand(app, "assoc", "Print what an instance is tied to") {
         SetExamples(kExamples);
-        fApp.add_option("PATH", fPath, "The instance: Class.Key=\"value\",Other=\"value\"")->type_name("")->required();
-        AddFile();
+        AddFileAndName("PATH", fPath, "The instance: sda, or Class.Key=\"value\",Other=\"value\"");
         const auto addName = [this](const char* option, std::string& name, const char* words) {
             fApp.add_option(option, name, words)->type_name("NAME");
         };
@@ -61,6 +61,7 @@ public:
         addName("--role", fFilter.role, "Only ties in which the instance has this role");
         addName("--result-role", fFilter.resultRole, "Only results in this role");
         fApp.add_flag("--deep", fDeep, "All that it depends on, step by step, and that depends on it");
+        AddPaging();
         AddCollecting();
     }
 
@@ -69,21 +70,20 @@ public:
         inventory.Collect({});
         const EExit status = inventory.Conclude();
         TCIMInstance& instance = GetInstanceNamed(inventory.Container(), fPath);
-        if (fDeep) {
-            PrintDependencies(inventory.Container(), instance, output);
-            return status;
-        }
-        const std::vector<TAssociationLink> links = FindLinks(instance, fFilter);
-        if (fJson) {
-            WriteAssociationsJson(instance, links, output);
-            return status;
-        }
-        PrintLinks(instance, links, output);
-        if (links.empty()) PrintDiagnostic("no ties");
+        Print(inventory.Container(), instance, output);
         return status;
     }
 
 private:
+    void Print(const TContainer& container, TCIMInstance& instance, TOutput& output) const {
+        const TPager pager(output, fPages && !fJson);
+        if (fDeep) return PrintDependencies(container, instance, output);
+        const std::vector<TAssociationLink> links = FindLinks(instance, fFilter);
+        if (fJson) return WriteAssociationsJson(instance, links, output);
+        PrintLinks(instance, links, output);
+        if (links.empty()) PrintDiagnostic("no ties");
+    }
+
     std::string fPath;
     TAssociationFilter fFilter;
     bool fDeep = false;

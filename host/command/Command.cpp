@@ -130,6 +130,12 @@ void TCommand::AddFileAndNames(std::vector<std::string>& names) {
         ->check(CheckName);
 }
 
+void TCommand::AddFileAndName(const char* option, std::string& name, const char* words) {
+    fApp.validate_positionals();
+    AddFile()->check(CheckFile);
+    fApp.add_option(option, name, words)->type_name("")->check(CheckName)->required();
+}
+
 void TCommand::AddCollecting() {
     fApp.add_option("--timeout", fSession.limits.timeout, "Time for each plugin")
         ->type_name("SECONDS")

@@ -45,6 +45,8 @@ protected:
     CLI::Option* AddFile();
     /// The same, and the arguments NAME: those that cannot be a file.
     void AddFileAndNames(std::vector<std::string>& names);
+    /// The same, and one argument that cannot be a file and must be there.
+    void AddFileAndName(const char* option, std::string& name, const char* words);
     /// --timeout and the others that say how plugins are run.
     void AddCollecting();
     /// --class and the others that say which instances are printed, and how.

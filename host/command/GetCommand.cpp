@@ -129,8 +129,7 @@ class TGetCommand : public TCommand {
 public:
     explicit TGetCommand(CLI::App& app) : TCommand(app, "get", "Print single values") {
         SetExamples(kExamples);
-        fApp.add_option("EXPR", fExpression, "What to print")->type_name("")->required();
-        AddFile();
+        AddFileAndName("EXPR", fExpression, "What to print");
         fApp.add_flag("--raw", fRaw, "Plain values in place of display text");
         AddCollecting();
         fApp.remove_option(fApp.get_option("--json"));

@@ -3,6 +3,7 @@
 #include <CLI/App.hpp>
 
 #include "base/Pager.h"
+#include "base/Text.h"
 #include "command/Command.h"
 #include "inventory/Inventory.h"
 #include "json/Json.h"
@@ -32,8 +33,14 @@ EExit TShowCommand::Run(TOutput& output) {
     choice.FindInstances(inventory.Container());
     const bool any = Print(inventory.Container(), choice, output);
     const EExit status = inventory.Conclude();
-    if (!any && status != eExitNothing) PrintDiagnostic("there are no such instances");
+    if (status != eExitNothing) TellOfNone(choice, any);
     return status;
+}
+
+void TShowCommand::TellOfNone(const TInstanceChoice& choice, bool any) {
+    const std::vector<std::string> names = choice.NamesOfNone();
+    for (const std::string& name : names) PrintDiagnostic("there are no instances of " + VisibleText(name));
+    if (!any && names.empty()) PrintDiagnostic("there are no such instances");
 }
 
 bool TShowCommand::Print(const TContainer& container, const TInstanceChoice& choice, TOutput& output) const {

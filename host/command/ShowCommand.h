@@ -25,6 +25,8 @@ protected:
     /// Returns whether there was any instance.
     bool Print(const TContainer& container, const TInstanceChoice& choice, TOutput& output) const;
     bool PrintAsTable(const TInstanceChoice& choice, TOutput& output) const;
+    /// Tells on standard error which of the names nothing was printed for.
+    static void TellOfNone(const TInstanceChoice& choice, bool any);
 
     std::vector<std::string> fClasses;  // the values of --class
     std::vector<std::string> fNames;    // the arguments that are no files

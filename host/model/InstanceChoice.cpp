@@ -13,9 +13,17 @@
 namespace {
 
 bool Meets(const TSpokenClass& condition, const TCIMInstance& instance) {
+    if (condition.property.empty()) return true;
     const TCIMProperty* const property = instance.FindProperty(condition.property);
     return property != nullptr && !property->GetValue().IsNull() &&
            IsSameName(PlainText(property->GetValue()), condition.value);
+}
+
+bool IsOfNone(const TSpokenClass& spoken) {
+    for (const TCIMClass* top : spoken.classes)
+        for (const TCIMInstance* instance : top->EnumerateInstances(true))
+            if (Meets(spoken, *instance)) return false;
+    return true;
 }
 
 TCIMInstance& GetInstanceCalled(const TContainer& container, const std::string& name) {
@@ -34,11 +42,11 @@ TInstanceChoice::TInstanceChoice(const TContainer& schema, const std::vector<std
     for (const std::string& name : classNames) {
         const TSpokenClass spoken = FindSpokenClass(schema, name);
         if (spoken.classes.empty()) RefuseUnknownClass(schema, name);
-        AddClass(spoken);
+        AddClass(name, spoken);
     }
     for (const std::string& name : names)
         if (const TSpokenClass spoken = FindSpokenClass(schema, name); !spoken.classes.empty())
-            AddClass(spoken);
+            AddClass(name, spoken);
         else
             fNames.push_back(name);
     ArrangeClasses(fClasses);
@@ -60,7 +68,15 @@ std::vector<TCIMInstance*> TInstanceChoice::InstancesOf(const TCIMClass& cls) co
     return some == fSome.end() ? std::vector<TCIMInstance*>() : some->second;
 }
 
-void TInstanceChoice::AddClass(const TSpokenClass& spoken) {
+std::vector<std::string> TInstanceChoice::NamesOfNone() const {
+    std::vector<std::string> names;
+    for (const TAsked& asked : fAsked)
+        if (IsOfNone(asked.spoken)) names.push_back(asked.name);
+    return names;
+}
+
+void TInstanceChoice::AddClass(const std::string& name, const TSpokenClass& spoken) {
+    fAsked.push_back({name, spoken});
     if (!spoken.property.empty()) fConditions.push_back(spoken);
     for (TCIMClass* top : spoken.classes)
         for (TCIMClass* cls : WithSubClasses(*top)) {

@@ -30,9 +30,16 @@ public:
     /// The chosen classes with their subclasses, arranged as ArrangeClasses does.
     const std::vector<TCIMClass*>& Classes() const { return fClasses; }
     std::vector<TCIMInstance*> InstancesOf(const TCIMClass& cls) const;
+    /// Those of the names of classes for which there is no instance.
+    std::vector<std::string> NamesOfNone() const;
 
 private:
-    void AddClass(const TSpokenClass& spoken);
+    struct TAsked {
+        std::string name;
+        TSpokenClass spoken;
+    };
+
+    void AddClass(const std::string& name, const TSpokenClass& spoken);
     void AddConditionally(const TSpokenClass& condition);
     void AddInstance(TCIMInstance& instance);
 
@@ -41,6 +48,7 @@ private:
     std::unordered_set<const TCIMClass*> fWhole;  // those of which all instances are chosen
     std::unordered_map<const TCIMClass*, std::vector<TCIMInstance*>> fSome;
     std::vector<TSpokenClass> fConditions;
+    std::vector<TAsked> fAsked;       // the names that are of classes
     std::vector<std::string> fNames;  // that no class has
 };
 

@@ -83,11 +83,6 @@ std::string SpokenForm(const std::string& name) {
     return WithoutPlural(form);
 }
 
-std::string WithoutPrefix(const std::string& name) {
-    const size_t end = name.find('_');
-    return end == std::string::npos ? name : name.substr(end + 1);
-}
-
 // The one class below that can have instances, if there is only one: what it declares is more than what the other does.
 TCIMClass* ConcreteOf(TCIMClass* cls) {
     if (!cls->IsAbstract()) return cls;
@@ -134,7 +129,7 @@ TClasses ClassesCalled(const TContainer& schema, const std::string& name) {
     TClasses called;
     for (TCIMClass* cls : AllClasses(schema)) {
         const std::string own = cls->GetName();
-        if (SpokenForm(own) == form || SpokenForm(WithoutPrefix(own)) == form) called.push_back(cls);
+        if (SpokenForm(own) == form || SpokenForm(SpokenNameOf(own)) == form) called.push_back(cls);
     }
     return UppermostOf(called);
 }
@@ -253,7 +248,7 @@ TCIMInstance* FindSpokenInstance(const TContainer& container, const std::string&
 std::vector<std::string> NamesLike(const TContainer& schema, const std::string& name) {
     std::vector<std::string> names = NamesOf(AllClasses(schema));
     if (name.find('_') != std::string::npos) return names;
-    for (std::string& each : names) each = WithoutPrefix(each);
+    for (std::string& each : names) each = SpokenNameOf(each);
     for (const TUsualWord& usual : kUsualWords) names.emplace_back(usual.word);
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
@@ -274,7 +269,10 @@ void RefuseUnknownName(const TContainer& container, const std::string& name) {
         eExitUsage, "nothing is called '" + name + "': no file, no class and no instance" + DidYouMean(name, names));
 }
 
-std::string SpokenNameOf(const TCIMClass& cls) { return WithoutPrefix(cls.GetName()); }
+std::string SpokenNameOf(const std::string& className) {
+    const size_t schema = className.find('_');
+    return schema == std::string::npos ? className : className.substr(schema + 1);
+}
 
 std::string ListOfPaths(const TInstances& instances) {
     std::vector<std::string> paths;

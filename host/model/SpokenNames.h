@@ -40,8 +40,8 @@ std::vector<std::string> NamesLike(const TContainer& schema, const std::string& 
 /// Ends with a TCommandError that nothing has the name, and which names are like it.
 [[noreturn]] void RefuseUnknownName(const TContainer& container, const std::string& name);
 
-/// The class's name as people say it, without the prefix of its schema: "DiskDrive".
-std::string SpokenNameOf(const TCIMClass& cls);
+/// The name of a class as people say it, without the prefix of its schema: "DiskDrive".
+std::string SpokenNameOf(const std::string& className);
 
 /// The paths of the first of the instances, with " or " between them.
 std::string ListOfPaths(const std::vector<TCIMInstance*>& instances);

@@ -14,6 +14,7 @@
 #include "model/Associations.h"
 #include "model/ClassNames.h"
 #include "model/Qualifiers.h"
+#include "model/SpokenNames.h"
 #include "model/Values.h"
 
 namespace {
@@ -26,12 +27,6 @@ static_assert(std::size(kMarks) == kChanges && std::size(kWords) == kChanges);
 constexpr size_t kLongestName = 32;  // longer ones push the rest of their line to the right
 constexpr size_t kMostDetails = 6;
 constexpr size_t kMostReason = 300;  // in bytes
-
-// "DiskDrive" for "MOLTA_DiskDrive".
-std::string ShortName(const std::string& className) {
-    const size_t schema = className.find('_');
-    return schema == std::string::npos ? className : className.substr(schema + 1);
-}
 
 std::string TextOfValue(const TCIMProperty& property) {
     if (property.GetValue().IsNull()) return "none";
@@ -64,7 +59,7 @@ std::string EndsText(const TCIMInstance& association) {
     for (const TAssociationEnd& end : EndsOf(association))
         texts.push_back(end.instance == nullptr
                             ? VisibleText(end.reference.GetPath())
-                            : ShortName(end.reference.GetClassName()) + " " + KeyText(*end.instance));
+                            : SpokenNameOf(end.reference.GetClassName()) + " " + KeyText(*end.instance));
     return Join(texts, "  ");
 }
 
@@ -75,29 +70,32 @@ class TInstanceNames {
 public:
     // What the first column says, with the keys if others of the class have the same there.
     std::string NameOf(const TCIMInstance& instance) {
-        if (instance.GetClass()->IsAssociation()) return EndsText(instance);
-        const std::string name = FirstColumn(instance);
+        const TCIMClass& cls = *instance.GetClass();
+        if (cls.IsAssociation()) return EndsText(instance);
+        const std::string name = TextIfAny(instance, FirstColumnOf(cls).property);
         const std::string keys = KeyText(instance);
         if (name.empty() || name == keys) return keys;
-        return CountsOf(*instance.GetClass())[name] > 1 ? name + " (" + keys + ")" : name;
+        return FirstColumnOf(cls).counts[name] > 1 ? name + " (" + keys + ")" : name;
     }
 
 private:
-    using TCounts = std::unordered_map<std::string, size_t>;
+    struct TFirstColumn {
+        std::string property;
+        std::unordered_map<std::string, size_t> counts;  // how often the class has each text there
+    };
 
-    static std::string FirstColumn(const TCIMInstance& instance) {
-        const std::vector<std::string> columns = ColumnsIn(*instance.GetClass());
-        return columns.empty() ? "" : TextIfAny(instance, columns.front());
+    TFirstColumn& FirstColumnOf(const TCIMClass& cls) {
+        const auto [found, isNew] = fFirstColumns.try_emplace(&cls);
+        TFirstColumn& column = found->second;
+        if (!isNew) return column;
+        if (const std::vector<std::string> columns = ColumnsIn(cls); !columns.empty())
+            column.property = columns.front();
+        for (const TCIMInstance* instance : cls.EnumerateInstances(false))
+            ++column.counts[TextIfAny(*instance, column.property)];
+        return column;
     }
 
-    TCounts& CountsOf(const TCIMClass& cls) {
-        const auto [counts, isNew] = fCounts.try_emplace(&cls);
-        if (isNew)
-            for (const TCIMInstance* instance : cls.EnumerateInstances(false)) ++counts->second[FirstColumn(*instance)];
-        return counts->second;
-    }
-
-    std::map<const TCIMClass*, TCounts> fCounts;
+    std::map<const TCIMClass*, TFirstColumn> fFirstColumns;
 };
 
 // Without its name: a boolean does not.
@@ -193,7 +191,7 @@ public:
 
 private:
     void PrintClass(const TClassChanges& cls) {
-        fOutput.Write(fOutput.Bold(ShortName(cls.name)) + "\n");
+        fOutput.Write(fOutput.Bold(SpokenNameOf(cls.name)) + "\n");
         TInstanceNames names;
         std::vector<std::string> starts;
         size_t width = 0;
@@ -223,7 +221,7 @@ private:
         for (const TNotCompared& limits : fLimits)
             for (const std::string& line : LimitLines(limits)) {
                 if (!std::exchange(any, true)) fOutput.Write(fOutput.Bold("not compared") + "\n");
-                fOutput.WriteWrapped(ShortName(limits.name) + "  " + line, "  ");
+                fOutput.WriteWrapped(SpokenNameOf(limits.name) + "  " + line, "  ");
             }
         PrintSummary("left out on purpose", [](const TNotCompared& limits) { return IsLeftOut(limits); });
         PrintSummary("incomplete on both sides for the same reason",
@@ -276,7 +274,7 @@ private:
     void PrintSummary(const char* what, TIs is) {
         std::vector<std::string> names;
         for (const TNotCompared& limits : fLimits)
-            if (is(limits)) names.push_back(ShortName(limits.name));
+            if (is(limits)) names.push_back(SpokenNameOf(limits.name));
         if (names.empty()) return;
         const std::string count = CountText(names.size(), " class ", " classes ");
         fOutput.WriteWrapped(count + what + ": " + Join(names), "");

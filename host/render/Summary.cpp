@@ -1,4 +1,5 @@
 #include "render/Summary.h"
+#include "model/SpokenNames.h"
 
 #include <algorithm>
 #include <iterator>
@@ -174,7 +175,7 @@ public:
         for (const auto& [text, count] : fCounted)
             lines.push_back(count == 1 ? text : std::to_string(count) + " x " + text);
         if (fLeftOut != 0)
-            lines.push_back("and " + std::to_string(fLeftOut) + " more: kyr show --class " + fSection.className);
+            lines.push_back("and " + std::to_string(fLeftOut) + " more: kyr show " + SpokenNameOf(fSection.className));
         if (!fOthers.empty()) lines.push_back(fSection.others + FoldedTexts(fOthers, kMostNames));
         if (lines.empty()) lines.emplace_back(fIsComplete ? "none found" : "not known, as said below");
         return lines;

@@ -9,6 +9,7 @@
 #include "kyr/TContainer.h"
 #include "model/ClassNames.h"
 #include "model/Provenance.h"
+#include "model/SpokenNames.h"
 #include "render/SummaryPieces.h"
 #include "states/StateInstances.h"
 
@@ -23,9 +24,6 @@ constexpr size_t kMostSources = 3;
 void AddNew(std::vector<std::string>& texts, const std::string& text) {
     if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
 }
-
-// "DiskDrive" for "MOLTA_DiskDrive"
-std::string WithoutPrefix(const std::string& name) { return name.substr(name.find('_') + 1); }
 
 /// One reason for which something is missing, with the classes and sources that share it.
 struct TCause {
@@ -64,7 +62,7 @@ private:
 
     void AddClassTo(TCause& cause, const std::string& name) const {
         const TCIMClass* const cls = FindClassNamed(fContainer, name);
-        AddNew(cls != nullptr && cls->IsAssociation() ? cause.associations : cause.classes, WithoutPrefix(name));
+        AddNew(cls != nullptr && cls->IsAssociation() ? cause.associations : cause.classes, SpokenNameOf(name));
     }
 
     void AddSource(EReason code, const std::string& className, const std::string& source) {
@@ -154,8 +152,7 @@ private:
         std::vector<std::string> texts;
         for (const TCause& cause : fCauses) {
             if (texts.size() == kMostCauses) {
-                texts.push_back(std::to_string(fCauses.size() - kMostCauses) +
-                                " more: kyr show --class MOLTA_CollectionState");
+                texts.push_back(std::to_string(fCauses.size() - kMostCauses) + " more: kyr show CollectionState");
                 break;
             }
             texts.push_back(TextFor(cause));

@@ -80,6 +80,18 @@ TEST(MannersTest, DeletedCurrentFolderTakesNoRelativePath) {
     }
 }
 
+TEST(MannersTest, FileMayStandOnEitherSideOfAName) {
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/saved.xml";
+    ASSERT_EQ(RunKyr("collect -o " + file).status, 0);
+    for (const std::string command : {"assoc ComputerSystem ", "get os.Name "}) {
+        const std::string word = command.substr(0, command.find(' ') + 1);
+        const TRunResult behind = RunKyr(command + file);
+        EXPECT_THAT(behind, FieldsAre(0, Not(IsEmpty()), "")) << command;
+        EXPECT_EQ(RunKyr(word + file + " " + command.substr(word.size())).out, behind.out) << command;
+    }
+}
+
 TEST(MannersTest, WhatIsNoFileIsNotRead) {
     const TempFolder folder;
     ASSERT_EQ(mkfifo((folder.Path() + "/fifo").c_str(), 0600), 0);

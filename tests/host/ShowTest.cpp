@@ -34,6 +34,11 @@ TEST(ShowTest, OfAllInstancesThoseOfWhichThereAreManyAreCounted) {
                 HasSubstr("\n  CreationClassName  TEST_Computer\n  Name               alpha\n"));
 }
 
+TEST(ShowTest, NamesOfWhichThereIsNothingAreTold) {
+    const char* const none = "kyr: there are no instances of missing-sources\n";
+    EXPECT_THAT(RunOnMachine("show TEST_Disk missing-sources --stable 2>&1 >/dev/null"), FieldsAre(0, none, ""));
+}
+
 TEST(ShowTest, OrderIsThatInWhichPeopleCount) {
     const std::vector<const char*> lists[] = {
         {"0000:09:00.0", "0000:0a:00.0", "0000:10:00.0"},
