@@ -1,5 +1,4 @@
 #include "render/Summary.h"
-#include "model/SpokenNames.h"
 
 #include <algorithm>
 #include <iterator>
@@ -8,7 +7,9 @@
 #include "base/Text.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
+#include "model/Provenance.h"
 #include "model/ReadingOrder.h"
+#include "model/SpokenNames.h"
 #include "render/SummaryMissing.h"
 #include "render/SummaryPieces.h"
 #include "render/SummaryStorage.h"
@@ -25,6 +26,7 @@ constexpr size_t kMostAddresses = 3;
 constexpr size_t kMostNames = 6;
 
 constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
+constexpr const char* kDiskDrive = "MOLTA_DiskDrive";
 constexpr uint64_t kSystemMemory = 3;       // of MOLTA_MemoryArray.Use
 constexpr uint64_t kLoopback = 772;         // of MOLTA_NetworkAdapter.LinkTechnology
 constexpr uint64_t kDisplayController = 3;  // of MOLTA_PCIDevice.ClassCode
@@ -47,9 +49,20 @@ std::string AddSlots(const TCIMInstance& memory, const TStorageContents&) {
     return correction.empty() ? text : text + ", error correction: " + correction;
 }
 
+// Several paths may lead to one disk. Then it is told with the first of them what it is.
+std::string OtherPathText(const TCIMInstance& disk) {
+    const std::string name = SummaryValue(disk, "WWN");
+    if (name.empty()) return "";
+    for (const TCIMInstance* other : InNaturalOrder(InstancesOf(*disk.GetContainer(), kDiskDrive))) {
+        if (other == &disk) break;
+        if (SummaryValue(*other, "WWN") == name) return ", the same disk as " + SummaryValue(*other, "DeviceID");
+    }
+    return "";
+}
+
 std::string AddContents(const TCIMInstance& disk, const TStorageContents& contents) {
     const std::string text = FoldedTexts(contents.ContentsOf(disk), kMostContents);
-    return text.empty() ? "" : ": " + text;
+    return OtherPathText(disk) + (text.empty() ? "" : ": " + text);
 }
 
 // The state of the link is not saved where only what stays the same is.
@@ -57,8 +70,10 @@ std::string AddAddresses(const TCIMInstance& adapter, const TStorageContents&) {
     const bool isDisabled = SummaryValue(adapter, "LinkState").empty() && HasBoolean(adapter, "Enabled", false);
     TTexts addresses = TextsOf(adapter, "IPAddresses");
     for (std::string& address : addresses) address = VisibleText(address);
-    return (isDisabled ? ", disabled" : "") +
-           (addresses.empty() ? ", no address known" : ": " + FoldedTexts(addresses, kMostAddresses));
+    const bool isKnown = TProvenance(adapter).AbsenceOf("IPAddresses").empty();
+    return (isDisabled ? ", disabled" : "") + (!addresses.empty() ? ": " + FoldedTexts(addresses, kMostAddresses)
+                                               : isKnown          ? ", no address"
+                                                                  : ", no address known");
 }
 
 // Which instances have a line of their own.
@@ -112,8 +127,8 @@ const TSection kSections[] = {
     {"Processor",
      "MOLTA_Processor",
      {{"ModelName", "", "", "model"},
-      {"NumberOfEnabledCores", ": ", "", "number of cores"},
-      {"NumberOfEnabledThreads", ", ", "", "number of threads"},
+      {"NumberOfEnabledCores", ": ", "", "number of cores", ESummaryForm::eTotal},
+      {"NumberOfEnabledThreads", ", ", "", "number of threads", ESummaryForm::eTotal},
       {"MinClockSpeed", ", ", "", nullptr, ESummaryForm::eNumber},
       {"MaxClockSpeed", " to ", "", "clock range"}},
      nullptr,
@@ -127,7 +142,7 @@ const TSection kSections[] = {
       {"InstalledSize", "; ", " installed", "installed size"}},
      AddSlots},
     {"Disk",
-     "MOLTA_DiskDrive",
+     kDiskDrive,
      {{"DeviceID"},
       {"Size", " ", "", "size"},
       {"Model", " ", "", "model"},
@@ -153,14 +168,12 @@ const TSection kSections[] = {
      2},
 };
 
-/// The lines of a section that are not equal, with how often each occurs.
-using TCountedTexts = std::vector<std::pair<std::string, size_t>>;
-
-void Count(TCountedTexts& counted, const std::string& text) {
-    const auto found =
-        std::find_if(counted.begin(), counted.end(), [&text](const auto& each) { return each.first == text; });
-    found == counted.end() ? (void)counted.emplace_back(text, 1) : (void)++found->second;
-}
+/// A line of a section, and how many instances have it.
+struct TCountedLine {
+    std::string text;
+    const TCIMInstance* first;
+    size_t count = 1;
+};
 
 class TSectionText {
 public:
@@ -172,10 +185,11 @@ public:
 
     TTexts Lines() const {
         TTexts lines;
-        for (const auto& [text, count] : fCounted)
-            lines.push_back(count == 1 ? text : std::to_string(count) + " x " + text);
+        for (const TCountedLine& line : fCounted)
+            lines.push_back(line.count == 1 ? line.text
+                                            : std::to_string(line.count) + " x " + TextFor(*line.first, line.count));
         if (fLeftOut != 0)
-            lines.push_back("and " + std::to_string(fLeftOut) + " more: kyr show " + SpokenNameOf(fSection.className));
+            lines.push_back("and " + std::to_string(fLeftOut) + " more; see show " + SpokenNameOf(fSection.className));
         if (!fOthers.empty()) lines.push_back(fSection.others + FoldedTexts(fOthers, kMostNames));
         if (lines.empty()) lines.emplace_back(fIsComplete ? "none found" : "not known, as said below");
         return lines;
@@ -187,20 +201,21 @@ private:
             if (fSection.others != nullptr) fOthers.push_back(SummaryValue(instance, "Caption"));
             return;
         }
-        if (fCounted.size() < fSection.mostLines) return Count(fCounted, TextFor(instance));
+        const bool hasRoom = fCounted.size() < fSection.mostLines;
         // Lines to which something is added are all different. Where there is no room for them, none need be made.
-        const std::string text = fSection.add == nullptr ? TextFor(instance) : "";
-        HasLine(text) ? Count(fCounted, text) : (void)++fLeftOut;
+        const std::string text = hasRoom || fSection.add == nullptr ? TextFor(instance) : "";
+        const auto same = std::find_if(fCounted.begin(), fCounted.end(),
+                                       [&text](const TCountedLine& line) { return line.text == text; });
+        if (same != fCounted.end())
+            ++same->count;
+        else
+            hasRoom ? fCounted.push_back({text, &instance}) : (void)++fLeftOut;
     }
 
-    std::string TextFor(const TCIMInstance& instance) const {
-        std::string text = SummaryText(instance, fSection.pieces);
+    std::string TextFor(const TCIMInstance& instance, size_t count = 1) const {
+        std::string text = SummaryText(instance, fSection.pieces, count);
         if (fSection.add != nullptr) text += fSection.add(instance, fContents);
         return text.empty() ? "nothing is known of it" : text;
-    }
-
-    bool HasLine(const std::string& text) const {
-        return std::any_of(fCounted.begin(), fCounted.end(), [&text](const auto& each) { return each.first == text; });
     }
 
     bool IsComplete(const TContainer& container) const {
@@ -211,7 +226,7 @@ private:
 
     const TSection& fSection;
     const TStorageContents& fContents;
-    TCountedTexts fCounted;
+    std::vector<TCountedLine> fCounted;
     TTexts fOthers;  // the names of instances that are not wanted
     size_t fLeftOut = 0;
     bool fIsComplete = false;
@@ -244,5 +259,5 @@ void PrintSummary(const TContainer& container, TOutput& output) {
     for (const TSection& section : kSections)
         PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
     const TTexts missing = MissingTexts(container, SummaryClasses());
-    PrintLines("Missing", missing.empty() ? TTexts{"nothing"} : missing, output);
+    PrintLines("Missing", missing.empty() ? TTexts{"nothing of the above"} : missing, output);
 }

@@ -15,10 +15,10 @@
 
 namespace {
 
-constexpr size_t kLongestText = 200;   // in bytes
+constexpr size_t kLongestText = 400;   // in bytes
 constexpr size_t kLongestSource = 60;  // in bytes
 constexpr size_t kMostCauses = 4;
-constexpr size_t kMostNames = 4;
+constexpr size_t kMostNames = 8;
 constexpr size_t kMostSources = 3;
 
 void AddNew(std::vector<std::string>& texts, const std::string& text) {
@@ -40,20 +40,20 @@ public:
         : fContainer(container), fWanted(classes) {}
 
     std::vector<std::string> Find() {
-        for (const TCIMInstance* state : StatesOf(fContainer, kCollectedClassClass))
-            if (IsWanted(TextOf(*state, "Name"))) AddClass(*state);
-        AddUnknownClasses();
+        const std::vector<TCIMInstance*> states = StatesOf(fContainer, kCollectedClassClass);
+        for (const std::string& name : fWanted) {
+            const auto isOfClass = [&name](const TCIMInstance* state) {
+                return IsSameName(TextOf(*state, "Name"), name);
+            };
+            const auto state = std::find_if(states.begin(), states.end(), isOfClass);
+            state == states.end() ? AddUnknownClass(name) : AddClass(**state);
+        }
         for (const TCIMInstance* state : StatesOf(fContainer, kCollectedPluginClass)) AddPlugin(*state);
         for (const TCIMInstance* state : StatesOf(fContainer, kCollectionClass)) AddCollection(*state);
         return Texts();
     }
 
 private:
-    bool IsWanted(const std::string& name) const {
-        return std::any_of(fWanted.begin(), fWanted.end(),
-                           [&name](const std::string& each) { return IsSameName(each, name); });
-    }
-
     TCause& CauseWith(const std::string& text) {
         const auto found =
             std::find_if(fCauses.begin(), fCauses.end(), [&text](const TCause& cause) { return cause.text == text; });
@@ -107,16 +107,9 @@ private:
             AddClassTo(CauseWith(outcome.text.empty() ? "no reason is given" : outcome.text), name);
     }
 
-    // Of these no state tells: the file or the plugins that there are do not know them.
-    void AddUnknownClasses() {
-        std::vector<std::string> told;
-        for (const TCIMInstance* state : StatesOf(fContainer, kCollectedClassClass))
-            told.push_back(TextOf(*state, "Name"));
-        for (const std::string& name : fWanted)
-            if (InstancesOf(fContainer, name.c_str()).empty() &&
-                std::none_of(told.begin(), told.end(),
-                             [&name](const std::string& each) { return IsSameName(each, name); }))
-                AddClassTo(CauseWith("not collected"), name);
+    // No state tells of it: the file or the plugins that there are do not know it.
+    void AddUnknownClass(const std::string& name) {
+        if (InstancesOf(fContainer, name.c_str()).empty()) AddClassTo(CauseWith("not collected"), name);
     }
 
     void AddPlugin(const TCIMInstance& state) {
@@ -152,7 +145,7 @@ private:
         std::vector<std::string> texts;
         for (const TCause& cause : fCauses) {
             if (texts.size() == kMostCauses) {
-                texts.push_back(std::to_string(fCauses.size() - kMostCauses) + " more: kyr show CollectionState");
+                texts.push_back(std::to_string(fCauses.size() - kMostCauses) + " more; see show CollectionState");
                 break;
             }
             texts.push_back(TextFor(cause));

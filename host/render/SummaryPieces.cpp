@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 #include "base/Text.h"
@@ -16,7 +17,7 @@
 
 namespace {
 
-constexpr size_t kLongestValue = 60;  // in bytes; values may be of any length
+constexpr size_t kLongestValue = 96;  // in bytes; values may be of any length
 constexpr size_t kLengthOfDay = 10;   // of "2024-03-01"
 
 const TCIMProperty* FindSet(const TCIMInstance& instance, const char* name) {
@@ -24,15 +25,14 @@ const TCIMProperty* FindSet(const TCIMInstance& instance, const char* name) {
     return property == nullptr || property->GetValue().IsNull() ? nullptr : property;
 }
 
-std::string Absence(const TCIMInstance& instance, const char* name) {
-    const std::string told = TProvenance(instance).AbsenceOf(name);
+std::string Absence(const TCIMInstance& instance, const char* name, const std::string& told) {
     const TCIMProperty* const property = instance.FindProperty(name);
     return !told.empty() || property == nullptr ? told : NullMeaningOf(property->GetDeclaration());
 }
 
 // "no serial number known" if the machine tells none, and otherwise why, as "serial number: no permission".
-std::string AbsenceText(const TCIMInstance& instance, const TSummaryPiece& piece) {
-    switch (const EReason code = CodeOfAbsence(Absence(instance, piece.property))) {
+std::string AbsenceText(const TCIMInstance& instance, const TSummaryPiece& piece, const std::string& told) {
+    switch (const EReason code = CodeOfAbsence(Absence(instance, piece.property, told))) {
         case EReason::eDoesNotApply:
             return "";
         case EReason::eNone:
@@ -44,18 +44,54 @@ std::string AbsenceText(const TCIMInstance& instance, const TSummaryPiece& piece
     }
 }
 
-std::string InForm(const std::string& value, ESummaryForm form) {
-    if (form == ESummaryForm::eWhole) return value;
-    return value.substr(0, form == ESummaryForm::eDay ? kLengthOfDay : value.find(' '));
+// "8 Cores" of "4 Cores" twice, and "1 Core".
+std::string TotalOf(const TCIMInstance& instance, const char* property, const std::string& value, size_t count) {
+    const uint64_t total = SummaryNumber(instance, property) * count;
+    const std::string unit = value.substr(std::min(value.find(' '), value.size()));
+    return std::to_string(total) + (total == 1 && EndsWith(unit, "s") ? unit.substr(0, unit.size() - 1) : unit);
 }
 
-std::string PieceText(const TCIMInstance& instance, const TSummaryPiece& piece, bool isFirst) {
-    const std::string value = SummaryValue(instance, piece.property);
-    if (!value.empty()) return (isFirst ? "" : piece.before) + InForm(value, piece.form) + piece.after;
-    if (piece.absent == nullptr) return "";
-    const std::string text = AbsenceText(instance, piece);
-    return isFirst || text.empty() ? text : ", " + text;
-}
+/// Puts pieces together.
+class TLine {
+public:
+    TLine(const TCIMInstance& instance, size_t count) : fInstance(instance), fProvenance(instance), fCount(count) {}
+
+    void Add(const TSummaryPiece& piece) {
+        const std::string told = fProvenance.AbsenceOf(piece.property);
+        const std::string value = told.empty() ? SummaryValue(fInstance, piece.property) : "";
+        if (!value.empty()) return Append(SeparatorFor(piece), InForm(value, piece) + piece.after);
+        const std::string text = piece.absent == nullptr ? "" : AbsenceText(fInstance, piece, told);
+        if (text.empty()) return;
+        Append(", ", text);
+        fEndsInAbsence = true;
+    }
+
+    const std::string& Text() const { return fText; }
+
+private:
+    // A value right behind the word for another's absence would seem to belong to it.
+    const char* SeparatorFor(const TSummaryPiece& piece) const {
+        return fEndsInAbsence && std::strcmp(piece.before, " ") == 0 ? ", " : piece.before;
+    }
+
+    void Append(const char* separator, const std::string& text) {
+        if (!fText.empty()) fText += separator;
+        fText += text;
+        fEndsInAbsence = false;
+    }
+
+    std::string InForm(const std::string& value, const TSummaryPiece& piece) const {
+        if (piece.form == ESummaryForm::eWhole) return value;
+        if (piece.form == ESummaryForm::eTotal) return TotalOf(fInstance, piece.property, value, fCount);
+        return value.substr(0, piece.form == ESummaryForm::eDay ? kLengthOfDay : value.find(' '));
+    }
+
+    const TCIMInstance& fInstance;
+    const TProvenance fProvenance;
+    const size_t fCount;
+    std::string fText;
+    bool fEndsInAbsence = false;
+};
 
 }  // namespace
 
@@ -90,10 +126,10 @@ std::string SummarySum(const std::vector<TCIMInstance*>& instances, const char* 
     return DisplayText(TCIMProperty(last->GetDeclaration(), TCIMValue(sum)));
 }
 
-std::string SummaryText(const TCIMInstance& instance, const std::vector<TSummaryPiece>& pieces) {
-    std::string text;
-    for (const TSummaryPiece& piece : pieces) text += PieceText(instance, piece, text.empty());
-    return text;
+std::string SummaryText(const TCIMInstance& instance, const std::vector<TSummaryPiece>& pieces, size_t count) {
+    TLine line(instance, count);
+    for (const TSummaryPiece& piece : pieces) line.Add(piece);
+    return line.Text();
 }
 
 std::string FoldedTexts(const std::vector<std::string>& texts, size_t most) {

@@ -14,6 +14,7 @@ enum class ESummaryForm {
     eWhole,
     eDay,     ///< of a time
     eNumber,  ///< without its unit
+    eTotal,   ///< of all equal instances together, with its unit
 };
 
 /// What a line of the summary tells by one property.
@@ -33,8 +34,9 @@ uint64_t SummaryNumber(const TCIMInstance& instance, const char* property);
 bool HasBoolean(const TCIMInstance& instance, const char* property, bool value);
 /// The sum of a property of the instances as people read it; empty if it is 0 or too large, or they are no uint64.
 std::string SummarySum(const std::vector<TCIMInstance*>& instances, const char* property);
-/// The text of the pieces that have a value, or whose absence is told.
-std::string SummaryText(const TCIMInstance& instance, const std::vector<TSummaryPiece>& pieces);
+/// The text of the pieces that have a value, or whose absence is told, of so many equal instances. A value for which
+/// the instance notes an absence only stands in for the real one, as that of a key must, and counts as none.
+std::string SummaryText(const TCIMInstance& instance, const std::vector<TSummaryPiece>& pieces, size_t count = 1);
 
 /// The first texts with commas between them, and behind them how many more there are.
 std::string FoldedTexts(const std::vector<std::string>& texts, size_t most);

@@ -106,6 +106,7 @@ TTimestamp LocalTime() {
 
 kyrStatusCode ReportComputerSystem(kyrIOHandle handle, const TSystemFacts& facts) {
     TInstanceReport report(handle, ComputerPath(facts));
+    report.Add("Name", facts.hostName);
     AddTexts(report, kComputerTexts, facts);
     report.Add("ChassisType", facts.chassisType);
     return report.Finish();

@@ -9,8 +9,8 @@ namespace fs = std::filesystem;
 TEST(SummaryTest, EachCauseForWhichSomethingIsMissingIsPartOfIt) {
     const TRunResult run = RunKyrWith({"noinit"}, "summary");
     EXPECT_THAT(run, FieldsAre(1, HasSubstr("Disk       not known, as said below\n"), ""));
-    EXPECT_THAT(run.out, HasSubstr("\nMissing    Processor, SystemMemory, DiskDrive, NetworkAdapter and 13 more: not\n"
-                                   "           collected\n"
+    EXPECT_THAT(run.out, HasSubstr("\nMissing    Processor, SystemMemory, DiskDrive, NetworkAdapter, PCIDevice,\n"
+                                   "           MemoryArray, DiskPartition, StorageVolume and 9 more: not collected\n"
                                    "           plugin noinit: its init entry failed: there is no device\n"));
 }
 
