@@ -117,6 +117,7 @@ void TOutputFile::WithUnusedName(TAction action) {
 }
 
 void TOutputFile::Fail(const std::string& attempt) const {
+    if (errno == EPIPE) throw TCommandError(eExitOutput, "");  // the reader has seen enough
     const std::string name = fPath == kStandardOutput ? "standard output" : "'" + fPath + "'";
     throw TCommandError(eExitOutput, "cannot write " + name + ": " + attempt + std::strerror(errno));
 }

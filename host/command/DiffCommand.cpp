@@ -8,6 +8,7 @@
 #include "model/ClassNames.h"
 #include "model/InstanceChoice.h"
 #include "render/DifferenceText.h"
+#include "saved/StreamedFile.h"
 
 namespace {
 
@@ -61,6 +62,8 @@ public:
     }
 
     EExit Run(TOutput& output) override {
+        if (TStreamedFile::IsStandardInput(fOld) && TStreamedFile::IsStandardInput(fSession.from))
+            throw TCommandError(eExitUsage, "OLD and NEW are both standard input, which can be read only once");
         TSessionOptions oldOptions = fSession;
         oldOptions.from = fOld;
         const TInventory before(oldOptions);

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <numeric>
 #include <utility>
 
@@ -79,7 +81,14 @@ void RequireFile(const std::string& path, const std::string& name) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) RefuseReading(name, std::strerror(errno));
     if (!S_ISREG(status.st_mode)) RefuseReading(name, "it is no regular file");
-    if (status.st_size == 0) RefuseReading(name, "it is empty");
+}
+
+// Whether the file is compressed if its path says so to the core's reader, and only then.
+bool IsNamedAsItIs(const std::string& path) {
+    char start[2] = {};
+    std::ifstream(path, std::ios::binary).read(start, sizeof start);
+    const bool isCompressed = start[0] == '\x1F' && start[1] == '\x8B';
+    return isCompressed == (path.find(".gz") != std::string::npos);
 }
 
 // "1 of 3 instances", or nothing if as many are there as were saved.
@@ -120,11 +129,8 @@ std::string ErrorsIn(const std::vector<TLogLine>& lines) {
     return Join(errors, "; ");
 }
 
-std::string Explain(const std::string& path, const TKYRException& e, const std::string& errors) {
+std::string Explain(const TKYRException& e, const std::string& errors) {
     if (!errors.empty()) return errors + "; it must be a CIM-XML document, as kyr collect -o writes it";
-    if (e.fCode == kyrStatusInvalidGzipFile && !EndsWith(path, ".gz"))
-        return "with '.gz' in its path it is taken for a compressed file, which it is not; move it";
-    if (e.fCode == kyrStatusInvalidGzipFile) return "it is not compressed; take the '.gz' out of its path";
     if (e.fCode == kyrStatusCorruptGzipFile) return "it is damaged or cut off; take another copy of it";
     if (e.fCode == kyrStatusInvalidSpecificationDocument)
         return "it holds more than " + std::to_string(TCimXmlWriter::kLargestDocument) +
@@ -164,7 +170,7 @@ namespace {
 
 // The name is what messages call the file.
 TReason ReadNamed(const std::string& path, const std::string& name, TContainer& container) {
-    RequireFile(path, name);
+    if (std::filesystem::file_size(path) == 0) RefuseReading(name, "it is empty");
     const TDocumentEnds ends = ReadDocumentEnds(path);
     if (const size_t line = LineOfEndlessValue(path, ends); line != 0)
         RefuseReading(name, "the value of an attribute in line " + std::to_string(line) +
@@ -176,7 +182,7 @@ TReason ReadNamed(const std::string& path, const std::string& name, TContainer& 
     try {
         read(path);
     } catch (const TKYRException& e) {
-        RefuseReading(name, Explain(path, e, ErrorsIn(capture.Take())));
+        RefuseReading(name, Explain(e, ErrorsIn(capture.Take())));
     }
     if (container.GetRootClass()->EnumerateSubClasses(false).empty())
         RefuseReading(name, "there is no class in it; it must be a file that kyr collect -o wrote");
@@ -186,7 +192,10 @@ TReason ReadNamed(const std::string& path, const std::string& name, TContainer& 
 }  // namespace
 
 TReason ReadCollection(const std::string& path, TContainer& container) {
-    if (!TStreamedFile::IsStream(path)) return ReadNamed(path, "'" + path + "'", container);
+    const bool isStream = TStreamedFile::IsStream(path);
+    const std::string name = isStream ? "from " + TStreamedFile::NameOf(path) : "'" + path + "'";
+    if (!isStream) RequireFile(path, name);
+    if (!isStream && IsNamedAsItIs(path)) return ReadNamed(path, name, container);
     const TStreamedFile file(path);
-    return ReadNamed(file.Path(), "from " + TStreamedFile::NameOf(path), container);
+    return ReadNamed(file.Path(), name, container);
 }

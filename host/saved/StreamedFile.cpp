@@ -24,11 +24,10 @@ using TGzipFile = std::unique_ptr<gzFile_s, int (*)(gzFile)>;
     throw TCommandError(eExitNothing, "cannot read the collection from " + TStreamedFile::NameOf(path) + ": " + reason);
 }
 
-bool IsStandardInput(const std::string& path) { return path == "-" || path == kStandardInput; }
-
 // zlib passes on what is not compressed.
 TGzipFile Open(const std::string& path) {
-    const int file = IsStandardInput(path) ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file =
+        TStreamedFile::IsStandardInput(path) ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) Fail(path, std::strerror(errno));
     TGzipFile stream(gzdopen(file, "rb"), gzclose_r);
     if (!stream) Fail(path, "there is no memory");
@@ -68,6 +67,8 @@ int ReadIntoMemory(const std::string& path) {
 }
 
 }  // namespace
+
+bool TStreamedFile::IsStandardInput(const std::string& path) { return path == "-" || path == kStandardInput; }
 
 bool TStreamedFile::IsStream(const std::string& path) {
     return IsStandardInput(path) || StartsWith(path, "/dev/fd/") || StartsWith(path, "/proc/self/fd/");
