@@ -68,6 +68,7 @@ void TOutput::WriteWrapped(std::string_view visible, std::string start, size_t c
 
 void TOutput::Flush() {
     if (!fDropping && std::fflush(stdout) != 0) HandleFailure();
+    if (!fFailure.empty()) throw TCommandError(eExitOutput, fFailure);
 }
 
 void TOutput::SetPaged(bool isPaged) {

@@ -21,6 +21,8 @@ public:
     /// Whether a pager reads it. A pager that the user left takes no more, and that is no failure: the rest is dropped.
     /// Must be set to false, which writes what is left, before standard output is another one again.
     void SetPaged(bool isPaged);
+    /// Makes Flush fail for that reason: what was written has not arrived.
+    void SetFailure(const std::string& reason) { fFailure = reason; }
     /// How many columns a line may take: the value of COLUMNS, or the width of the terminal; kUnlimited for a file or a
     /// pipe.
     size_t Width() const { return fWidth; }
@@ -33,6 +35,7 @@ private:
 
     bool fPaged = false;
     bool fDropping = false;  // the user has left the pager
+    std::string fFailure;
     bool fColour;
     size_t fWidth;
 };

@@ -63,7 +63,9 @@ TPager::~TPager() {
     if (fProcess) {
         fOutput.SetPaged(false);
         dup2(fTerminal, STDOUT_FILENO);
-        fProcess->Wait();
+        if (const int status = fProcess->Wait().exitStatus; status != 0)
+            fOutput.SetFailure(std::string("the pager '") + CommandGiven() + "' ended with status " +
+                               std::to_string(status) + "; --no-pager prints without one");
         std::signal(SIGINT, fInterrupt);
         std::signal(SIGQUIT, fQuit);
     }

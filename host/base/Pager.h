@@ -8,7 +8,8 @@
 
 /// While it exists, standard output goes to a pager, if it is a terminal: to the command in KYR_PAGER or PAGER, or else
 /// to less, which leaves alone what fits the screen. There is none if the command is empty or "cat", or on a terminal
-/// that cannot move its cursor. The destructor waits until the user leaves the pager.
+/// that cannot move its cursor. The destructor waits until the user leaves the pager. A pager that fails, as one that
+/// is not there, makes the output fail.
 class TPager {
 public:
     TPager(TOutput& output, bool isWanted);
