@@ -16,17 +16,21 @@ std::string ToLower(std::string text) {
     return text;
 }
 
-// The Levenshtein distance: how many characters must be inserted, deleted or replaced to turn one text into the other.
+bool IsTransposed(const std::string& from, size_t i, const std::string& to, size_t j) {
+    return i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j];
+}
+
+// How many characters must be inserted, deleted, replaced or exchanged with their neighbour to turn one text into the
+// other (the distance of Damerau and Levenshtein, no place edited twice).
 size_t EditDistance(const std::string& from, const std::string& to) {
-    std::vector<size_t> row(to.size() + 1);
+    std::vector<size_t> before, above(to.size() + 1), row(to.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
     for (size_t i = 0; i < from.size(); ++i) {
-        size_t diagonal = row[0];
+        before = std::exchange(above, row);
         row[0] = i + 1;
         for (size_t j = 0; j < to.size(); ++j) {
-            const size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+            row[j + 1] = std::min({above[j] + (from[i] == to[j] ? 0 : 1), row[j] + 1, above[j + 1] + 1});
+            if (IsTransposed(from, i, to, j)) row[j + 1] = std::min(row[j + 1], before[j - 1] + 1);
         }
     }
     return row.back();
@@ -35,7 +39,8 @@ size_t EditDistance(const std::string& from, const std::string& to) {
 // Near is a name with a few typing errors, and one that contains the text: "Processor" finds CIM_Processor. The
 // distance is larger then, so that names with typing errors are listed first.
 bool IsNear(const std::string& name, const std::string& candidate, size_t distance) {
-    if (distance <= std::max<size_t>(2, name.size() / 4)) return true;
+    const size_t mostErrors = name.size() < 3 ? name.size() / 2 : std::max<size_t>(2, name.size() / 4);
+    if (distance <= mostErrors && distance < candidate.size()) return true;
     return name.size() >= 3 && candidate.find(name) != std::string::npos;
 }
 

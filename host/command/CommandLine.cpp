@@ -40,8 +40,11 @@ void RefuseUnknownArgument(const CLI::App& app, const std::string& word) {
         const std::string option = word.substr(0, word.find('='));
         RefuseUse(app, "unknown option '" + option + "'" + DidYouMean(option, OptionNames(app)));
     }
-    if (app.get_parent() == nullptr)
-        RefuseUse(app, "unknown command '" + word + "'" + DidYouMean(word, CommandNames(app)));
+    if (app.get_parent() == nullptr) {
+        const std::string near = DidYouMean(word, CommandNames(app));
+        RefuseUse(app, "unknown command '" + word + "'" +
+                           (near.empty() ? "; a file or a thing is printed by: kyr show " + word : near));
+    }
     RefuseUse(app, "unexpected argument '" + word + "'");
 }
 

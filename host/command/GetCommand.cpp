@@ -37,8 +37,9 @@ struct TExpression {
 };
 
 [[noreturn]] void RefuseExpression(const std::string& text) {
+    const std::string near = DidYouMean(text, FactNames());
     throw TCommandError(eExitUsage, "'" + text + "' is no NAME.PROPERTY, no NAME[PROPERTY=VALUE].PROPERTY and no fact" +
-                                        DidYouMean(text, FactNames()));
+                                        (near.empty() ? "; facts are " + Join(FactNames()) : near));
 }
 
 std::string WithoutQuotes(const std::string& text) {

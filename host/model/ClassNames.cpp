@@ -41,9 +41,10 @@ std::string GetPropertyNamed(const std::vector<TCIMClass*>& classes, const std::
         if (const TCIMPropertyDecl* const declaration = FindPropertyNamed(*cls, name)) return declaration->GetName();
         for (const TCIMPropertyDecl* declaration : cls->EnumeratePropertyDecls()) known.insert(declaration->GetName());
     }
-    const std::string of = classes.size() == 1 ? " of class " + classes.front()->GetName() : "";
-    throw TCommandError(eExitUsage,
-                        "unknown property '" + name + "'" + of + DidYouMean(name, {known.begin(), known.end()}));
+    const std::string of = classes.size() != 1 ? "" : " of class " + classes.front()->GetName();
+    const std::string near = DidYouMean(name, {known.begin(), known.end()});
+    const std::string hint = classes.empty() ? "" : "; see kyr schema " + classes.front()->GetName();
+    throw TCommandError(eExitUsage, "unknown property '" + name + "'" + of + (near.empty() ? hint : near));
 }
 
 std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {

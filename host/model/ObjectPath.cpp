@@ -194,7 +194,7 @@ TCIMInstance* FindCalled(const TContainer& container, const std::string& text) {
     const bool isPath = !FindSpokenClass(container, Split(text).cls).classes.empty();
     if (isPath) return nullptr;
     TCIMInstance* const called = FindSpokenInstance(container, text);
-    if (called == nullptr && text.find_first_of(".=") == std::string::npos) RefuseUnknownName(container, text);
+    if (called == nullptr && text.find('=') == std::string::npos) RefuseUnknownName(container, text);
     return called;
 }
 

@@ -12,6 +12,7 @@
 #include "kyr/TCIMProperty.h"
 #include "kyr/TContainer.h"
 #include "model/ClassNames.h"
+#include "model/Qualifiers.h"
 #include "model/ReadingOrder.h"
 #include "model/Values.h"
 
@@ -181,6 +182,13 @@ constexpr TNaming kNamings[] = {
     },
     [](const TCIMInstance& instance, const TInstanceName& name, bool exact) {
         return IsCalledByKey(instance, name.whole, exact);
+    },
+    [](const TCIMInstance& instance, const TInstanceName& name, bool exact) {
+        const std::vector<std::string> columns = QualifierTexts(*instance.GetClass(), "Columns");
+        return !columns.empty() && HasText(instance, columns.front().c_str(), name.whole, exact);
+    },
+    [](const TCIMInstance& instance, const TInstanceName& name, bool exact) {
+        return HasText(instance, "SerialNumber", name.whole, exact);
     },
 };
 

@@ -27,7 +27,7 @@ TCIMClass* FindOneSpokenClass(const TContainer& schema, const std::string& name)
 
 /// The instances of which a name, a caption, a key or, with or without "/dev/", the device file is the given one. If
 /// several properties of different instances have it, those of the property that comes first in this order count:
-/// Name, DeviceID, ElementName, Caption, other keys.
+/// Name, DeviceID, ElementName, Caption, other keys, the first of the class's Columns, SerialNumber.
 std::vector<TCIMInstance*> FindSpokenInstances(const TContainer& container, const std::string& name);
 
 /// The one instance of that name; null if there is none. Raises TCommandError with the candidates if there are more.

@@ -49,6 +49,7 @@ std::string DateTimeText(const TCIMDateTime& moment) {
 }
 
 std::string TextForPeople(const TCIMProperty& property) {
+    if (property.GetValue().IsNull()) return property.ToString();
     return VisitType(property.GetType(),
                      TOverloads{[&](TContentType<TCIMDateTime>) { return DateTimeText(property.GetValue()); },
                                 [&](auto) { return property.ToString(); }});
@@ -110,8 +111,15 @@ std::string RawText(const TCIMValue& value) {
     return ISOText(static_cast<TCIMDateTime>(value));
 }
 
+std::vector<std::string> RawElements(const TCIMValue& value) {
+    std::vector<std::string> elements;
+    for (const TCIMValue& element : static_cast<const std::vector<TCIMValue>&>(value))
+        elements.push_back(RawText(element));
+    return elements;
+}
+
 std::string ValueText(const TCIMProperty& property, bool raw) {
-    if (raw) return RawText(property.GetValue());
+    if (raw) return property.IsArray() ? Join(RawElements(property.GetValue())) : RawText(property.GetValue());
     return property.IsArray() ? Join(DisplayElements(property)) : DisplayText(property);
 }
 

@@ -227,7 +227,7 @@ public:
         if (cls.IsAssociation())
             fTies += count;
         else
-            fLines.push_back(CountText(cls.GetName(), count) + "; kyr show " + FindNameOfMany(cls));
+            fLines.push_back(CountText(cls.GetName(), count) + "; see show " + FindNameOfMany(cls));
     }
 
     bool IsEmpty() const { return fLines.empty() && fTies == 0; }
@@ -235,7 +235,7 @@ public:
     void Print(bool hasReferences, TOutput& output) const {
         for (const std::string& line : fLines) output.WriteWrapped(line, "");
         if (fTies > 0 && !hasReferences)
-            output.WriteWrapped(CountText("Associations", fTies) + "; kyr show --references", "");
+            output.WriteWrapped(CountText("Associations", fTies) + "; see show --references", "");
     }
 
 private:

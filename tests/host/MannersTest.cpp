@@ -22,12 +22,14 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
         {"collect --zzz", "kyr: unknown option '--zzz' (try 'kyr collect --help')\n"},
         {"schema A B", "kyr: unexpected argument 'B' (try 'kyr schema --help')\n"},
         {"help shwo", "kyr: unknown command 'shwo'; did you mean 'show'? (try 'kyr --help')\n"},
+        {"disks", "kyr: unknown command 'disks'; a file or a thing is printed by: kyr show disks (try 'kyr --help')\n"},
         {"show -- a.xml -b", "kyr: unknown option '-b' (try 'kyr show --help')\n"},
         {"collect identity", "kyr: more than one command given (try 'kyr --help')\n"},
         {"show a.xml --from b.xml", "kyr: --from and FILE do not go together (try 'kyr show --help')\n"},
         {"show a.xml --timeout 3",
          "kyr: FILE and --timeout do not go together: no plugin is asked for a saved collection "
          "(try 'kyr show --help')\n"},
+        {"diff - /dev/stdin", "kyr: OLD and NEW are both standard input, which can be read only once\n"},
         {"show ''", "kyr: unexpected argument '' (try 'kyr show --help')\n"},
         {"collect -o ''", "kyr: --output: the name is empty (try 'kyr collect --help')\n"},
         {"show --tree --raw", "kyr: --tree and --raw do not go together (try 'kyr show --help')\n"},
@@ -164,6 +166,7 @@ TEST_F(TerminalTest, GetsTextThroughThePagerWhichMayBeLeftEarly) {
         {"PAGER=\"tr a-z A-Z\"", "show os --json", "{\r\n"},
         {"PAGER=\"tr a-z A-Z\" TERM=dumb", "show os", "MOLTA_OperatingSystem\r\n"},
         {"PAGER=true", "schema", "0\r\n"},
+        {"PAGER=false", "show os", "4\r\n"},
         {"PAGER=\"head -n 1\"", "schema", "CIM_Component (abstract) (association)\r\n0\r\n"},
     };
     for (const auto& [environment, arguments, start] : cases)
@@ -194,9 +197,11 @@ TEST(MannersTest, CollectionsGoThroughPipes) {
     ASSERT_EQ(RunKyr("collect --stable" + root.Option() + "-o " + file).status, 0);
     const std::string expected = RunKyr("show " + file + choice).out;
     EXPECT_THAT(expected, HasSubstr("MOLTA_ComputerSystem"));
+    RunShell("cp " + file + " " + folder.Path() + "/plain.xml; zcat " + file + " >" + folder.Path() + "/odd.xml.gz");
     const std::string saving = KYR_PROGRAM " collect --stable" + root.Option() + "-o -";
     for (const std::string& command :
          {saving + " | " + shown + "-" + choice, "zcat " + file + " | " + shown + "-" + choice,
+          shown + folder.Path() + "/plain.xml" + choice, shown + folder.Path() + "/odd.xml.gz" + choice,
           shown + "/dev/stdin" + choice + " <" + file, "exec 5<" + file + "; " + shown + "/dev/fd/5" + choice})
         EXPECT_THAT(RunShell(command), FieldsAre(0, expected, "")) << command;
     EXPECT_THAT(RunShell(saving + " | cmp - " + file), FieldsAre(0, "", ""));
