@@ -48,11 +48,20 @@ template <typename T>
 TListing ListingOf(const TFact<T>& list) {
     return list.Map([](const T&) { return std::optional(true); });
 }
-/// The same for a source that not every machine has: only one that is there and cannot be read is missing.
+template <typename T>
+bool IsUnreadable(const TFact<T>& fact) {
+    return !fact && (fact.absence == EAbsence::eNoPermission || fact.absence == EAbsence::eReadError);
+}
+/// What is known of a value of which the first source says nothing: what the second one says, unless that is nothing
+/// either and the first one could not be read.
+template <typename T>
+TFact<T> Otherwise(const TFact<T>& first, TFact<T> second) {
+    return !second && IsUnreadable(first) ? first : second;
+}
+/// As ListingOf, for a source that not every machine has: only one that is there and cannot be read is missing.
 template <typename T>
 TListing UnlessUnreadable(const TFact<T>& fact) {
-    const bool isUnreadable = fact.absence == EAbsence::eNoPermission || fact.absence == EAbsence::eReadError;
-    return fact || !isUnreadable ? TListing::Of(true, fact.source) : ListingOf(fact);
+    return !IsUnreadable(fact) ? TListing::Of(true, fact.source) : ListingOf(fact);
 }
 /// A list that is empty on no machine: its source is not what it should be, if it is.
 template <typename T>

@@ -35,7 +35,7 @@ EDriveType DriveTypeOf(std::string_view name) {
 TFact<std::string> FindOrRead(const TSystemRoot& root, const TDeviceEntry& entry, const char* key,
                               std::initializer_list<const char*> names) {
     TFact<std::string> known = entry.udev.Find(key);
-    return known ? known : ReadFirst(root, entry.folder, names);
+    return known ? known : Otherwise(known, ReadFirst(root, entry.folder, names));
 }
 
 // Without the "ATA" that the SCSI layer has for all ATA disks, and the number of the virtio bus.
@@ -57,8 +57,8 @@ TFact<std::string> ReadSerialPage(const TSystemRoot& root, const TDeviceEntry& e
 TFact<std::string> ReadSerialNumber(const TSystemRoot& root, const TDeviceEntry& entry) {
     TFact<std::string> known = entry.udev.Find("ID_SCSI_SERIAL");
     if (known) return known;
-    TFact<std::string> page = ReadSerialPage(root, entry);
-    return page ? page : FindOrRead(root, entry, "ID_SERIAL_SHORT", {"device/serial", "serial"});
+    TFact<std::string> page = Otherwise(known, ReadSerialPage(root, entry));
+    return page ? page : Otherwise(page, FindOrRead(root, entry, "ID_SERIAL_SHORT", {"device/serial", "serial"}));
 }
 
 // sysfs has "naa.5000c500a1b2c3d4" for what udev and tools write as "0x5000c500a1b2c3d4". Other formats are kept.
