@@ -1,6 +1,7 @@
 #include <CLI/App.hpp>
 #include <algorithm>
 
+#include "base/Pager.h"
 #include "command/Command.h"
 #include "difference/Difference.h"
 #include "inventory/Inventory.h"
@@ -43,7 +44,10 @@ public:
     explicit TDiffCommand(CLI::App& app)
         : TCommand(app, "diff", "Print what has changed since a collection was saved") {
         fApp.footer(std::string(kExamples) + kDiffExitStatus);
-        fApp.add_option("OLD", fOld, "The earlier saved collection")->type_name("")->required()->check(CheckNotEmpty);
+        fApp.add_option("OLD", fOld, "The earlier saved collection; - for standard input")
+            ->type_name("")
+            ->required()
+            ->check(CheckNotEmpty);
         fApp.add_option("NEW", fSession.from, "The later one, as --from; without it, this machine")
             ->type_name("")
             ->check(CheckNotEmpty);
@@ -53,6 +57,7 @@ public:
         fApp.add_flag("--references", fOptions.references, "Compare what instances are tied to, too");
         fApp.add_flag("--all", fOptions.all, "Compare what changes by itself, too, such as times and counters");
         fApp.add_flag("--quiet", fQuiet, "Print nothing; the exit status tells whether anything differs");
+        AddPaging();
         AddCollecting();
     }
 
@@ -81,6 +86,7 @@ private:
                TOutput& output) const {
         if (fQuiet) return;
         if (fJson) return WriteDifferenceJson(difference, before, after, output);
+        const TPager pager(output, fPages);
         PrintDifference(difference, output);
     }
 

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr const char* kPartial = "partial";
+
 std::string WordForState(const TCIMInstance& state) {
     const TCIMProperty* const property = state.FindProperty("State");
     return property == nullptr ? "" : DisplayText(*property);
@@ -26,6 +28,9 @@ TClassStates::TClassStates(const TContainer& container)
     : fContainer(container), fTellsStates(!StatesOf(container, kCollectionClass).empty()) {
     for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
         fStates.emplace(TextOf(*state, "Name"), state);
+    for (const TCIMInstance* state : StatesOf(container, kCollectionClass))
+        if (const TStoredOutcome outcome = OutcomeOf(*state); outcome.code == EReason::eFileChanged)
+            fFileChange = outcome;
 }
 
 TClassState TClassStates::StateOf(const std::string& className) const {
@@ -40,7 +45,12 @@ TClassState TClassStates::StateOf(const std::string& className) const {
         state.code = WordFor(state.outcome.code, fContainer);
     } else if (fTellsStates) {
         state.outcome = {ePartial, EReason::eNone, "the collection does not say how complete the class is"};
-        state.word = "partial";
+        state.word = kPartial;
+    }
+    if (fFileChange.state != eComplete && state.HasAllInstances()) {
+        state.outcome = fFileChange;
+        state.word = kPartial;
+        state.code = WordFor(state.outcome.code, fContainer);
     }
     return state;
 }

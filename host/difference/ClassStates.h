@@ -21,6 +21,10 @@ struct TClassState {
     /// Whether the collection says anything of the class.
     bool HasState() const { return instance != nullptr; }
     bool IsWhole() const { return IsKnown() && outcome.state == eComplete; }
+    /// Whether all of its instances are there, though values of some may be missing.
+    bool HasAllInstances() const {
+        return IsWhole() || (IsKnown() && outcome.state == ePartial && outcome.code == EReason::eValuesUnreadable);
+    }
     /// Whether its instances can be compared with others.
     bool IsComparable() const { return IsWhole() || (IsKnown() && outcome.state == ePartial); }
     /// Whether it was left out on purpose.
@@ -31,17 +35,21 @@ struct TClassState {
 bool IsSameState(const TClassState& a, const TClassState& b);
 
 /// The states of all classes in a collection. A collection that tells no states, as that of another program, is
-/// complete; in one that tells some, a class without a state is partial.
+/// complete; in one that tells some, a class without a state is partial. In a file that is not as it was saved no class
+/// is complete.
 class TClassStates {
 public:
     explicit TClassStates(const TContainer& container);
 
     TClassState StateOf(const std::string& className) const;
+    /// How the file is not as it was saved; empty if it is.
+    const std::string& FileChange() const { return fFileChange.text; }
 
 private:
     const TContainer& fContainer;
     std::unordered_map<std::string, const TCIMInstance*> fStates;
     bool fTellsStates;
+    TStoredOutcome fFileChange;  // complete: there is none
 };
 
 #endif

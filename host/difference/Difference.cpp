@@ -56,6 +56,8 @@ public:
         : fBefore(before), fAfter(after), fOptions(options) {
         fDifference.before = TScope(before);
         fDifference.after = TScope(after);
+        fDifference.fileChangeBefore = fBefore.FileChange();
+        fDifference.fileChangeAfter = fAfter.FileChange();
     }
 
     TDifference Compare(const std::vector<std::string>& names) {
@@ -80,7 +82,7 @@ private:
         const TPairing pairing = Pair(old, present);
         const TValueComparison values(fDifference.before, old, fDifference.after, present, fOptions.all);
         TClassChanges changes{limits.name, {}};
-        if (limits.before.IsWhole() && limits.after.IsWhole())
+        if (limits.before.HasAllInstances() && limits.after.HasAllInstances())
             AddUnpaired(pairing, values, changes.changes);
         else
             CountUnpaired(pairing, limits);
@@ -135,7 +137,7 @@ bool IsNewlyMissing(const TNotCompared& limits) {
     const TClassState& before = limits.before;
     const TClassState& after = limits.after;
     if (!before.IsKnown() || before.IsLeftOut() || after.IsLeftOut()) return false;
-    return !IsSameState(before, after);
+    return !IsSameState(before, after) || limits.onlyBefore + limits.onlyAfter > 0;
 }
 
 }  // namespace

@@ -45,6 +45,8 @@ struct TNotCompared {
 struct TDifference {
     TScope before;
     TScope after;
+    std::string fileChangeBefore = {};  ///< how the file is not as it was saved; empty if it is
+    std::string fileChangeAfter = {};
     std::vector<TClassChanges> classes;  ///< those with changes
     std::vector<TNotCompared> notCompared;
     size_t compared = 0;  ///< how many classes were compared, fully or in part

@@ -30,6 +30,12 @@ std::string LettersAndDigits(const std::string& text) {
     return plain;
 }
 
+// Kernels have written the same UUID in capitals and in small letters.
+std::string LowerCase(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
 // Of a property that is no text: a number, or nothing.
 std::string NumberText(const TCIMProperty& property) {
     return property.GetValue().IsNull() || property.IsArray() ? "" : PlainText(property.GetValue());
@@ -74,7 +80,7 @@ void TIdentities::Enter(const std::string& name, const TCIMInstance& instance) {
     if (property == nullptr || !IsText(*property)) return;
     const std::string text = TextIn(*property);
     if (text.empty()) return;
-    const auto [owner, isFirst] = fOwners[name].emplace(text, &instance);
+    const auto [owner, isFirst] = fOwners[name].emplace(LowerCase(text), &instance);
     if (!isFirst) owner->second = nullptr;
 }
 
@@ -89,7 +95,7 @@ std::string TIdentities::ValueOf(const TCIMInstance& instance, const std::string
 const TCIMInstance* TIdentities::Find(const std::string& property, const std::string& text) const {
     const auto owners = fOwners.find(property);
     if (owners == fOwners.end()) return nullptr;
-    const auto owner = owners->second.find(text);
+    const auto owner = owners->second.find(LowerCase(text));
     return owner == owners->second.end() ? nullptr : owner->second;
 }
 
@@ -99,6 +105,6 @@ bool AreDifferentThings(const TIdentities& before, const TCIMInstance& old, cons
         const std::string was = before.ValueOf(old, property);
         if (was.empty()) return false;
         const std::string is = after.ValueOf(present, property);
-        return !is.empty() && was != is;
+        return !is.empty() && !IsSameName(was, is);
     });
 }

@@ -131,7 +131,10 @@ TPairing PairInstances(const TScope& before, const TCIMClass& old, const TScope&
     TPairing pairing = PairByPath(
         old, [&](const TCIMInstance& instance) { return before.PathOf(instance); }, present,
         [&](const TCIMInstance& instance) { return after.PathOf(instance); },
-        [&](const TCIMInstance& one, const TCIMInstance& other) { return !AreDifferentThings(was, one, is, other); });
+        [&](const TCIMInstance& one, const TCIMInstance& other) {
+            const bool areMachines = &one == before.System() && &other == after.System();
+            return areMachines ? IsSameMachine(before, after) != false : !AreDifferentThings(was, one, is, other);
+        });
     if (!properties.empty()) TMoves(was, is, pairing).Pair();
     return pairing;
 }

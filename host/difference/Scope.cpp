@@ -11,13 +11,13 @@
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "model/ClassNames.h"
+#include "states/HostIdentity.h"
 #include "states/StateInstances.h"
 
 namespace {
 
 constexpr const char* kScopeKeys[] = {"SystemName", "CSName"};
-// Copies of a system share the machine id, and virtual machines often the others: one that differs tells them apart.
-constexpr const char* kMachineIdentities[] = {"MachineID", "UUID", "SerialNumber"};
+constexpr const char* kMachineIdentities[] = {"MachineID", "UUID", "SerialNumber"};  // the strongest first
 constexpr const char kToken = '\x01';  // in place of the name; no name begins with it
 
 std::unordered_set<const TCIMClass*> FindSystemClasses(const TContainer& container) {
@@ -59,13 +59,16 @@ std::string TextOfKey(const TCIMValue& value) {
 
 }  // namespace
 
-TScope::TScope(const TContainer& container) : fSystemClasses(FindSystemClasses(container)) {
+TScope::TScope(const TContainer& container) : fContainer(&container), fSystemClasses(FindSystemClasses(container)) {
     fSystem = FindOnlyInstance(fSystemClasses);
     fName = fSystem == nullptr ? NameInKeys(container) : TextOf(*fSystem, "Name");
 }
 
 std::string TScope::TextOfSystem(const char* property) const {
-    return fSystem == nullptr ? "" : TextOf(*fSystem, property);
+    if (fSystem != nullptr) return TextOf(*fSystem, property);
+    for (const THostText& text : kHostTexts)
+        if (fContainer != nullptr && IsSameName(text.systemProperty, property)) return HostTextOf(*fContainer, text);
+    return "";
 }
 
 bool TScope::MaySayName(const TCIMClass& cls, const std::string& key) const {
@@ -116,12 +119,15 @@ std::string TScope::PathOf(const TCIMReference& reference) const {
 }
 
 std::optional<bool> IsSameMachine(const TScope& before, const TScope& after) {
-    std::optional<bool> isSame;
+    std::optional<bool> strongest;
+    bool anyDiffers = false;
     for (const char* property : kMachineIdentities) {
         const std::string old = before.TextOfSystem(property), present = after.TextOfSystem(property);
         if (IsPlaceholder(old) || IsPlaceholder(present)) continue;
-        if (!IsSameName(old, present)) return false;
-        isSame = true;
+        const bool isSame = IsSameName(old, present);
+        if (!strongest) strongest = isSame;
+        anyDiffers |= !isSame;
     }
-    return isSame;
+    const bool isCopy = strongest == true && anyDiffers && before.Name() != after.Name();
+    return isCopy ? false : strongest;
 }

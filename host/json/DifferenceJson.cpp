@@ -32,8 +32,8 @@ public:
         fJson.Key("differs");
         fJson.Boolean(fDifference.IsAny());
         WriteSameMachine();
-        WriteCollection("old", before, fDifference.before);
-        WriteCollection("new", after, fDifference.after);
+        WriteCollection("old", before, fDifference.before, fDifference.fileChangeBefore);
+        WriteCollection("new", after, fDifference.after, fDifference.fileChangeAfter);
         fJson.Key("changes");
         fJson.StartArray();
         for (const TClassChanges& cls : fDifference.classes)
@@ -53,7 +53,8 @@ private:
         isSame ? fJson.Boolean(*isSame) : fJson.Null();
     }
 
-    void WriteCollection(const char* key, const TContainer& container, const TScope& scope) {
+    void WriteCollection(const char* key, const TContainer& container, const TScope& scope,
+                         const std::string& fileChange) {
         const std::vector<TCIMInstance*> found = StatesOf(container, kCollectionClass);
         fJson.Key(key);
         fJson.StartObject();
@@ -61,6 +62,7 @@ private:
         WriteText(fJson, "machineId", scope.TextOfSystem("MachineID"));
         WriteText(fJson, "uuid", scope.TextOfSystem("UUID"));
         WriteText(fJson, "serialNumber", scope.TextOfSystem("SerialNumber"));
+        WriteText(fJson, "fileChange", fileChange);
         WriteText(fJson, "toolVersion", found.empty() ? "" : TextOf(*found.front(), "ToolVersion"));
         WritePropertyValue(fJson, "time",
                            found.empty() ? nullptr : found.front()->FindProperty("DateTimeOfCollection"));

@@ -101,6 +101,7 @@ const std::vector<TJsonShape> kJsonShapes = {
       {"machineId", "maybeText"},
       {"uuid", "maybeText"},
       {"serialNumber", "maybeText"},
+      {"fileChange", "maybeText"},
       {"toolVersion", "maybeText"},
       {"time", "datetime"}}},
     {"instanceChange",

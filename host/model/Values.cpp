@@ -111,9 +111,9 @@ std::string RawText(const TCIMValue& value) {
     return ISOText(static_cast<TCIMDateTime>(value));
 }
 
-std::vector<std::string> RawElements(const TCIMValue& value) {
+std::vector<std::string> RawElements(const TCIMValue& array) {
     std::vector<std::string> elements;
-    for (const TCIMValue& element : static_cast<const std::vector<TCIMValue>&>(value))
+    for (const TCIMValue& element : static_cast<const std::vector<TCIMValue>&>(array))
         elements.push_back(RawText(element));
     return elements;
 }

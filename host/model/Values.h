@@ -18,6 +18,8 @@ std::string PlainText(const TCIMValue& value);
 
 /// The same with date-times in the form of ISO 8601: "2026-11-21T10:55:53+00:00", and "P1DT2H3M4S" for an interval.
 std::string RawText(const TCIMValue& value);
+/// The same of the elements of an array.
+std::vector<std::string> RawElements(const TCIMValue& array);
 /// The value on one line: as by RawText, or as by DisplayText, with commas between the elements of an array.
 std::string ValueText(const TCIMProperty& property, bool raw);
 

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <unordered_map>
 
 #include "base/Text.h"
 #include "difference/Difference.h"
+#include "difference/Identity.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -98,19 +100,40 @@ private:
     std::map<const TCIMClass*, TFirstColumn> fFirstColumns;
 };
 
+std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+
+// Those that would not be told from others, or from nothing, are in quotes.
+std::vector<std::string> ElementTexts(const TCIMProperty& property) {
+    std::vector<std::string> texts = RawElements(property.GetValue());
+    for (std::string& text : texts)
+        if (text.find_first_of(" ,") != std::string::npos || text.empty()) text = Quoted(text);
+    return texts;
+}
+
 // Without its name: a boolean does not.
 bool SaysSomethingAlone(const TCIMProperty& property) {
     return property.GetType() != TCIMValue::TCIMType::eCIMBoolean && !IsVolatile(property.GetDeclaration());
 }
 
-// The other columns, as far as they have values that stay.
+bool IsToldAlone(const TCIMProperty* property) {
+    return property != nullptr && !property->GetValue().IsNull() && SaysSomethingAlone(*property);
+}
+
+// The other columns, as far as they have values that stay, and what tells the thing from others like it.
 std::string DetailsOf(const TCIMInstance& instance) {
-    const std::vector<std::string> columns = ColumnsIn(*instance.GetClass());
+    const TCIMClass& cls = *instance.GetClass();
+    const std::vector<std::string> columns = ColumnsIn(cls);
     std::vector<std::string> texts;
+    std::set<std::string, TNameLess> told;
     for (size_t i = 1; i < columns.size() && texts.size() < kMostDetails; ++i) {
         const TCIMProperty* const property = instance.FindProperty(columns[i]);
-        if (property == nullptr || property->GetValue().IsNull() || !SaysSomethingAlone(*property)) continue;
+        if (!IsToldAlone(property)) continue;
         texts.push_back(TextOfValue(*property));
+        told.insert(columns[i]);
+    }
+    for (const std::string& name : IdentityPropertiesOf(cls, cls)) {
+        const TCIMProperty* const property = instance.FindProperty(name);
+        if (told.count(name) == 0 && IsToldAlone(property)) texts.push_back(name + " " + TextOfValue(*property));
     }
     return Join(texts, "  ");
 }
@@ -122,8 +145,10 @@ std::string ElementsText(const TElementDifference& elements) {
     return Join(texts, " ");
 }
 
-// Two sizes may differ by less than what is printed of them.
+// Two sizes may differ by less than what is printed of them, and two texts by a blank at their ends.
 std::string ExactText(const TCIMProperty& property) {
+    if (property.GetValue().IsNull()) return "no value";
+    if (property.GetType() == TCIMValue::TCIMType::eCIMString) return Quoted(PlainText(property.GetValue()));
     const std::string unit = QualifierText(property.GetDeclaration(), "Units");
     return PlainText(property.GetValue()) + (unit.empty() ? "" : " " + unit);
 }
@@ -134,7 +159,7 @@ std::string ChangeText(const TPropertyDifference& property) {
     const bool haveValues = !old.GetValue().IsNull() && !present.GetValue().IsNull();
     const std::string name = present.GetName() + "  ";
     if (haveValues && present.GetType() == kStringArray)
-        return name + ElementsText(CompareElements(DisplayElements(old), DisplayElements(present)));
+        return name + ElementsText(CompareElements(ElementTexts(old), ElementTexts(present)));
     const std::string reason = property.reason.empty() ? "" : " (" + VisibleText(property.reason) + ")";
     std::string was = TextOfValue(old), is = TextOfValue(present);
     if (was == is) {
@@ -184,12 +209,18 @@ public:
         if (IsSameMachine(fDifference.before, fDifference.after) == false)
             fOutput.WriteWrapped(
                 "two machines: " + MachineText(fDifference.before) + " and " + MachineText(fDifference.after), "");
+        PrintFileChange("OLD", fDifference.fileChangeBefore);
+        PrintFileChange("NEW", fDifference.fileChangeAfter);
         for (const TClassChanges& cls : fDifference.classes) PrintClass(cls);
         PrintNotCompared();
         PrintCounts();
     }
 
 private:
+    void PrintFileChange(const char* side, const std::string& change) {
+        if (!change.empty()) fOutput.WriteWrapped(std::string(side) + ": " + VisibleText(change), "");
+    }
+
     void PrintClass(const TClassChanges& cls) {
         fOutput.Write(fOutput.Bold(SpokenNameOf(cls.name)) + "\n");
         TInstanceNames names;
@@ -232,12 +263,22 @@ private:
                      [](const TNotCompared& limits) { return !limits.after.IsKnown() && !IsLeftOut(limits); });
     }
 
+    static bool HasUnseen(const TNotCompared& limits) { return limits.onlyBefore + limits.onlyAfter > 0; }
+
+    // That is told once, of the whole file.
+    static bool IsOfChangedFile(const TNotCompared& limits) {
+        const auto isToldElsewhere = [](const TClassState& state) {
+            return state.IsWhole() || state.outcome.code == EReason::eFileChanged;
+        };
+        return isToldElsewhere(limits.before) && isToldElsewhere(limits.after);
+    }
+
     static bool IsLeftOut(const TNotCompared& limits) {
         return !limits.commonCompared && (limits.before.IsLeftOut() || limits.after.IsLeftOut());
     }
 
     static bool IsMissingAlike(const TNotCompared& limits) {
-        return !limits.before.IsWhole() && limits.before.IsKnown() && !IsLeftOut(limits) &&
+        return !HasUnseen(limits) && !limits.before.IsWhole() && limits.before.IsKnown() && !IsLeftOut(limits) &&
                IsSameState(limits.before, limits.after);
     }
 
@@ -245,7 +286,7 @@ private:
     static std::vector<std::string> LimitLines(const TNotCompared& limits) {
         if (IsLeftOut(limits) || !limits.before.IsKnown() || !limits.after.IsKnown()) return {};
         std::vector<std::string> lines;
-        if (!IsSameState(limits.before, limits.after) || limits.onlyBefore + limits.onlyAfter > 0)
+        if (HasUnseen(limits) || (!IsSameState(limits.before, limits.after) && !IsOfChangedFile(limits)))
             lines.push_back(StatesText(limits));
         AddUnknown(limits.unknownBefore, "OLD", lines);
         AddUnknown(limits.unknownAfter, "NEW", lines);

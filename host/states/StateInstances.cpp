@@ -125,7 +125,9 @@ std::vector<TCIMInstance*> StatesOf(const TContainer& container, const char* cla
 
 TStoredOutcome OutcomeOf(const TCIMInstance& state) {
     const unsigned short number = NumberOf(state, "State");
-    if (number < eComplete || number > eNoSource) return {};
+    if (number == 0) return {};
+    if (number > eNoSource)
+        return {ePartial, EReason::eNone, "its state, " + std::to_string(number) + ", is not known"};
     const auto code = static_cast<EReason>(NumberOf(state, "ReasonCode"));
     const std::string sentence = TextOf(state, "Reason");
     return {static_cast<EState>(number), code, sentence.empty() ? WordFor(code, *state.GetContainer()) : sentence};

@@ -25,7 +25,8 @@ struct TStoredOutcome {
 
 /// The instances of exactly that class; none if the container lacks the class.
 std::vector<TCIMInstance*> StatesOf(const TContainer& container, const char* className);
-/// The outcome of the thing that the instance describes: complete if the instance has no valid state.
+/// The outcome of the thing that the instance describes: complete if the instance has no state, partial if it has one
+/// that a later version of kyr knows.
 TStoredOutcome OutcomeOf(const TCIMInstance& state);
 /// The value of a string property; empty if there is none.
 std::string TextOf(const TCIMInstance& state, const char* name);

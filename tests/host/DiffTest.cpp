@@ -14,10 +14,12 @@ protected:
         return file;
     }
 
-    /// A copy of the file with a text in it replaced everywhere.
+    /// A copy of the file with a text in it replaced everywhere, and without the mark that would tell that.
     std::string Edit(const std::string& file, const std::string& name, const std::string& text,
                      const std::string& other) {
         std::string content = ReadFile(file);
+        for (size_t mark = 0; (mark = content.find("<!--")) != std::string::npos;)
+            content.erase(mark, content.find("-->", mark) + 3 - mark);
         EXPECT_NE(content.find(text), std::string::npos) << text;
         for (size_t at = 0; (at = content.find(text, at)) != std::string::npos; at += other.size())
             content.replace(at, text.size(), other);
@@ -36,6 +38,8 @@ TEST_F(DiffTest, SaysInTextAndStatusWhatDiffers) {
     const std::string renamed = Edit(server, "renamed", "db01.example.net", "web01");
     const std::string moved = Edit(renamed, "other", "4c4c4544-0051", "4c4c4544-0052");
     const std::string patched = Edit(server, "patched", "6.1.0-18-amd64", "6.1.0-31-amd64");
+    const std::string mended = Edit(Edit(server, "board", "4c4c4544-0051", "4c4c4544-0052"), "mended", "KQ12345", "KQ9");
+    const std::string damaged = fFolder.Write("damaged.xml", ReadFile(server) + " ");
     const char* const sameNoMore =
         "two machines: db01.example.net (machine ID 0eedb226-312d-4aa4-b63f-2ce3b9260b16, UUID "
         "4c4c4544-0051-3110-8031-b2c04f313233, serial KQ12345) and web01 (machine ID "
@@ -51,6 +55,8 @@ TEST_F(DiffTest, SaysInTextAndStatusWhatDiffers) {
         {"--quiet " + server + " " + renamed, 1, ""},
         {"--class CIM_OperatingSystem " + server + " " + renamed, 0, "no changes\n"},
         {server + " " + moved, 1, sameNoMore},
+        {server + " " + mended, 1, "ComputerSystem\n  ~ db01.example.net  SerialNumber  KQ12345 -> KQ9\n"},
+        {server + " " + damaged, 1, "NEW: the file is not as it was saved"},
     };
     for (const auto& [arguments, status, out] : cases)
         EXPECT_THAT(RunKyr("diff " + arguments), FieldsAre(status, StartsWith(out), "")) << arguments;
