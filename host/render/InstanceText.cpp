@@ -180,14 +180,14 @@ private:
     }
 
     void PrintLines(std::string name, std::vector<std::string> lines, const std::string& source) const {
+        const bool isShort = lines.size() == 1 && name.size() + 4 + ColumnsOf(lines.front()) <= fOutput.Width();
+        const bool isBelow = fStacked && (!isShort || !source.empty());
         if (!source.empty()) AddSource(lines, source);
         const std::string indent(fColumn, ' ');
-        if (fStacked)
-            fOutput.Write("  " + name + "\n");
-        else
-            name.resize(fColumn - 2, ' ');
+        if (isBelow) fOutput.Write("  " + name + "\n");
+        name.resize(fStacked ? name.size() + 2 : fColumn - 2, ' ');
         for (size_t i = 0; i < lines.size(); ++i)
-            fOutput.Write((i == 0 && !fStacked ? "  " + name : indent) + lines[i] + "\n");
+            fOutput.Write((i == 0 && !isBelow ? "  " + name : indent) + lines[i] + "\n");
     }
 
     // The source stands behind the value, or below it if it does not fit there.
@@ -215,7 +215,7 @@ private:
     std::vector<std::string> fFields;
     size_t fColumn = 0;  // where values stand
     size_t fValueWidth = 0;
-    bool fStacked = false;  // values below their names
+    bool fStacked = false;  // values below their names, unless they are short
 };
 
 /// What is not printed of all instances, and how to see it.
