@@ -1,7 +1,7 @@
-#include <algorithm>
 #include <string>
 #include <unordered_set>
 
+#include "base/ExitStatus.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
@@ -11,8 +11,6 @@
 #include "render/TreeLine.h"
 
 namespace {
-
-using TNodes = std::vector<TContainmentTree::TNode>;
 
 std::vector<const TCIMInstance*> OrdinaryInstances(const std::vector<TCIMClass*>& classes) {
     std::vector<const TCIMInstance*> instances;
@@ -24,17 +22,11 @@ std::vector<const TCIMInstance*> OrdinaryInstances(const std::vector<TCIMClass*>
     return instances;
 }
 
-// The node of the instance with those above it and below it. There is one node for each instance.
-TNodes BranchOf(const TNodes& nodes, const TCIMInstance& instance) {
-    const auto target =
-        std::find_if(nodes.begin(), nodes.end(), [&](const auto& node) { return node.instance == &instance; });
-    const auto isBeside = [&](const auto& node) { return node.depth <= target->depth; };
-    TNodes branch(target, std::find_if(target + 1, nodes.end(), isBeside));
-    for (auto node = target; node != nodes.begin();)
-        if ((--node)->depth < branch.front().depth) branch.insert(branch.begin(), *node);
-    for (TContainmentTree::TNode& node : branch)
-        if (node.depth < target->depth) node.alsoContains.clear();
-    return branch;
+const TCIMInstance& GetTarget(const TContainer& container, const std::string& path) {
+    const TCIMInstance& target = GetInstanceNamed(container, path);
+    if (target.GetClass()->IsAssociation())
+        throw TCommandError(eExitUsage, "'" + path + "' is an association, and no instance in the tree");
+    return target;
 }
 
 /// Prints the nodes of the tree in the order in which it is walked, without those that were not chosen.
@@ -69,9 +61,9 @@ private:
 bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& classes, const std::string& path,
                TOutput& output) {
     const std::vector<TCIMClass*> all = container.GetRootClass()->EnumerateSubClasses(true);
-    TNodes nodes = TContainmentTree(container, OrdinaryInstances(all)).Walk();
-    if (!path.empty()) nodes = BranchOf(nodes, GetInstanceNamed(container, path));
+    TContainmentTree tree(container, OrdinaryInstances(all));
+    if (!path.empty()) tree.KeepOnly(tree.BranchOf(GetTarget(container, path)));
     TTreePrinter printer(OrdinaryInstances(classes), output);
-    for (const TContainmentTree::TNode& node : nodes) printer.Print(node);
+    for (const TContainmentTree::TNode& node : tree.Walk()) printer.Print(node);
     return printer.HasPrinted();
 }

@@ -106,22 +106,6 @@ TEST_P(GoldenTest, SummaryIsTheSameLiveAndSaved) {
     EXPECT_THAT(RunKyr("summary " + file), FieldsAre(live.status, live.out, live.err));
 }
 
-// Which disk holds the root of the file system?
-TEST(TreeTest, WayFromAMountToItsDiskIsToldInOneStep) {
-    const std::string path = " 'MOLTA_Mount.Name=\"/\"'", mount = " on /  ext4[^\n]* MOLTA_Mount\n";
-    const std::string disk = "ST1200MM0009  sda, 1.1 Terabytes  MOLTA_DiskDrive\n";
-    EXPECT_THAT(RunKyrOn("server", "assoc --deep " ALL_PLUGINS + path).out,
-                ContainsRegex("  root .* MOLTA_FileSystem\n.*MOLTA_StorageVolume\n.*sda2, 1.1 Terabytes .*" + disk));
-    EXPECT_THAT(RunKyrOn("server", "assoc --deep " ALL_PLUGINS " 'MOLTA_DiskDrive.DeviceID=\"/dev/sda\"'").out,
-                ContainsRegex("On it depend\n.*/boot/efi .*" + mount));
-    EXPECT_THAT(
-        RunKyrOn("server", "show --tree " ALL_PLUGINS " --to" + path).out,
-        AllOf(StartsWith("db01.example.net  "), ContainsRegex(disk + ".*" + mount + "$"), Not(HasSubstr("Processor"))));
-    const char* const choice = "show --tree --class MOLTA_DiskDrive --class MOLTA_Mount " ALL_PLUGINS;
-    EXPECT_THAT(RunKyrOn("server", choice).out, ContainsRegex("\n  /dev/mapper/vg0-root" + mount))
-        << "a tie through classes that are not chosen is kept";
-}
-
 TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
     const TRunResult run = RunKyrOn("none", "collect --json " ALL_PLUGINS);
     EXPECT_EQ(run.status, 3);

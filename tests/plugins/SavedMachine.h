@@ -16,6 +16,7 @@ public:
     TRunResult Show(const std::string& arguments, const std::string& environment = "") const {
         return RunKyr("show " + File() + " " + arguments, environment);
     }
+    TRunResult Assoc(const std::string& arguments) const { return RunKyr("assoc " + File() + " " + arguments); }
     TRunResult Get(const std::string& arguments) const { return RunKyr("get " + arguments + " " + File()); }
 };
 

@@ -1,0 +1,63 @@
+#include "SavedMachine.h"
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+constexpr const char* kMount = " on /  ext4[^\n]* MOLTA_Mount\n";
+constexpr const char* kDisk = "ST1200MM0009  sda, 1.1 Terabytes  MOLTA_DiskDrive\n";
+
+/// The lines of a tree without the details and classes of instances, behind a line break.
+std::string NamesIn(const std::string& tree) {
+    std::string names = "\n";
+    for (size_t at = 0, end; at < tree.size(); at = end + 1) {
+        end = tree.find('\n', at);
+        names += tree.substr(at, std::min(tree.find("  ", tree.find_first_not_of(' ', at)), end) - at) + '\n';
+    }
+    return names;
+}
+
+}  // namespace
+
+// Which disk holds the root of the file system?
+TEST(TreeTest, WayFromAMountToItsDiskIsToldInOneStep) {
+    const TSavedMachine server("server");
+    EXPECT_THAT(server.Assoc("/ --deep").out,
+                ContainsRegex(std::string("  root .* MOLTA_FileSystem\n.*MOLTA_StorageVolume\n.*sda2, .*") + kDisk));
+    EXPECT_THAT(server.Assoc("sda --deep").out, ContainsRegex(std::string("On it depend\n.*/boot/efi .*") + kMount));
+    EXPECT_THAT(server.Show("--tree --to /").out, AllOf(StartsWith("db01.example.net  "), Not(HasSubstr("Processor")),
+                                                        ContainsRegex(std::string(kDisk) + ".*" + kMount)));
+    EXPECT_THAT(server.Show("--tree disks mounts").out, ContainsRegex(std::string("\n  /dev/mapper/vg0-root") + kMount))
+        << "a tie through classes that are not chosen is kept";
+}
+
+TEST(TreeTest, BranchHasAllThatLeadsToAnInstanceAndAllBelowIt) {
+    const TSavedMachine server("server"), nvme("nvme");
+    const std::string some = "--tree disks partitions volumes mounts --to ";
+    const std::string onVolumes =
+        "      /dev/mapper/vg0-root\n"
+        "        /dev/mapper/vg0-root on /\n"
+        "      /dev/mapper/vg0-swap\n"
+        "      /dev/mapper/vg0-var--lib\n"
+        "        /dev/mapper/vg0-var--lib on /srv/db\n"
+        "        /dev/mapper/vg0-var--lib on /var/lib\n";
+    const std::string ofFirst = "\nST1200MM0009\n  Linux RAID\n    /dev/md0\n";
+    const std::string ofSecond = "ST1200MM0009\n  Linux RAID\n    /dev/md0 (above)\n";
+    const std::tuple<const TSavedMachine&, const char*, std::string> cases[] = {
+        {server, "/", ofFirst + "      /dev/mapper/vg0-root\n        /dev/mapper/vg0-root on /\n" + ofSecond},
+        {server, "/srv/db",
+         ofFirst + "      /dev/mapper/vg0-var--lib\n        /dev/mapper/vg0-var--lib on /srv/db\n" + ofSecond},
+        {server, "/dev/md0", ofFirst + onVolumes + ofSecond},
+        {server, "sdb", "\nST1200MM0009\n  EFI System\n  Linux RAID\n    /dev/md0\n" + onVolumes},
+        {nvme, "/srv/pg",
+         "\nSAN LUN\n  /dev/mapper/mpatha\n    /dev/mapper/mpatha-part1\n      /dev/mapper/mpatha-part1 on /srv/pg\n"
+         "SAN LUN\n  /dev/mapper/mpatha (above)\n"},
+    };
+    for (const auto& [machine, target, branch] : cases)
+        EXPECT_EQ(NamesIn(machine.Show(some + target).out), branch) << target;
+    EXPECT_THAT(server.Show("--tree --to MOLTA_InstalledOS"),
+                FieldsAre(2, "", StartsWith("kyr: 'MOLTA_InstalledOS' is an association, ")));
+}
