@@ -29,32 +29,15 @@ const TCIMInstance& GetTarget(const TContainer& container, const std::string& pa
     return target;
 }
 
-/// Prints the nodes of the tree in the order in which it is walked, without those that were not chosen.
-class TTreePrinter {
-public:
-    TTreePrinter(const std::vector<const TCIMInstance*>& chosen, TOutput& output)
-        : fOutput(output), fChosen(chosen.begin(), chosen.end()) {}
-
-    void Print(const TContainmentTree::TNode& node) {
-        while (!fOpen.empty() && fOpen.back() >= node.depth) fOpen.pop_back();
-        if (fChosen.count(node.instance) == 0) return;
-        const size_t depth = fOpen.size();
-        fOpen.push_back(node.depth);
-        fPrinted.insert(node.instance);
-        PrintTreeLine(*node.instance, depth, "", fOutput);
+void PrintNodes(const std::vector<TContainmentTree::TNode>& nodes, TOutput& output) {
+    std::unordered_set<const TCIMInstance*> printed;
+    for (const TContainmentTree::TNode& node : nodes) {
+        printed.insert(node.instance);
+        PrintTreeLine(*node.instance, node.depth, "", output);
         for (const TCIMInstance* part : node.alsoContains)
-            if (fChosen.count(part) != 0)
-                PrintTreeLine(*part, depth + 1, fPrinted.count(part) != 0 ? " (above)" : " (below)", fOutput);
+            PrintTreeLine(*part, node.depth + 1, printed.count(part) != 0 ? " (above)" : " (below)", output);
     }
-
-    bool HasPrinted() const { return !fPrinted.empty(); }
-
-private:
-    TOutput& fOutput;
-    const std::unordered_set<const TCIMInstance*> fChosen;
-    std::vector<size_t> fOpen;  // the depths of the printed nodes that the next one is below
-    std::unordered_set<const TCIMInstance*> fPrinted;
-};
+}
 
 }  // namespace
 
@@ -63,7 +46,9 @@ bool PrintTree(const TContainer& container, const std::vector<TCIMClass*>& class
     const std::vector<TCIMClass*> all = container.GetRootClass()->EnumerateSubClasses(true);
     TContainmentTree tree(container, OrdinaryInstances(all));
     if (!path.empty()) tree.KeepOnly(tree.BranchOf(GetTarget(container, path)));
-    TTreePrinter printer(OrdinaryInstances(classes), output);
-    for (const TContainmentTree::TNode& node : tree.Walk()) printer.Print(node);
-    return printer.HasPrinted();
+    const std::vector<const TCIMInstance*> chosen = OrdinaryInstances(classes);
+    tree.KeepOnly({chosen.begin(), chosen.end()});
+    const std::vector<TContainmentTree::TNode> nodes = tree.Walk();
+    PrintNodes(nodes, output);
+    return !nodes.empty();
 }

@@ -61,3 +61,19 @@ TEST(TreeTest, BranchHasAllThatLeadsToAnInstanceAndAllBelowIt) {
     EXPECT_THAT(server.Show("--tree --to MOLTA_InstalledOS"),
                 FieldsAre(2, "", StartsWith("kyr: 'MOLTA_InstalledOS' is an association, ")));
 }
+
+TEST(TreeTest, TiesThroughClassesThatAreNotChosenAreKept) {
+    const TSavedMachine server("server"), nvme("nvme");
+    const std::tuple<const TSavedMachine&, const char*, std::string> cases[] = {
+        {server, "mount disks --to /var/lib",
+         "\nST1200MM0009\n  /dev/mapper/vg0-var--lib on /var/lib\n"
+         "ST1200MM0009\n  /dev/mapper/vg0-var--lib on /var/lib (above)\n"},
+        {server, "MOLTA_ComputerSystem disks", "\ndb01.example.net\n  ST1200MM0009\n  ST1200MM0009\n"},
+        {server, "partitions MOLTA_SwapArea",
+         "\nEFI System\nLinux RAID\n  Swap area /dev/dm-1\nEFI System\nLinux RAID\n  Swap area /dev/dm-1 (above)\n"},
+        {nvme, "disks mounts --to /srv/pg",
+         "\nSAN LUN\n  /dev/mapper/mpatha-part1 on /srv/pg\nSAN LUN\n  /dev/mapper/mpatha-part1 on /srv/pg (above)\n"},
+    };
+    for (const auto& [machine, chosen, tree] : cases)
+        EXPECT_EQ(NamesIn(machine.Show(std::string("--tree ") + chosen).out), tree) << chosen;
+}
