@@ -10,10 +10,12 @@
 #include "base/NaturalOrder.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMReference.h"
 #include "model/ClassNames.h"
 #include "model/Qualifiers.h"
+#include "model/Values.h"
 
 namespace {
 
@@ -28,6 +30,15 @@ struct TMany {
 constexpr TMany kMany[] = {
     {"MOLTA_Service", "services"}, {"MOLTA_KernelModule", "modules"}, {"MOLTA_Package", "packages"}};
 
+struct TOrder {
+    const char* className;
+    const char* property;
+};
+
+// Volumes are known by the kernel's name of them, but identified by another. Caches have numbers in which the one that
+// all processors share stands among those of the first one; their captions begin with the level.
+constexpr TOrder kOrders[] = {{"MOLTA_CacheMemory", "Caption"}, {"MOLTA_StorageVolume", "Name"}};
+
 uint32_t RankOf(const TCIMClass& cls) {
     const TCIMValue rank = QualifierValue(cls, "Rank", TCIMValue::TCIMType::eCIMUint16);
     return rank.IsNull() ? std::numeric_limits<uint32_t>::max() : static_cast<uint16_t>(rank);
@@ -41,6 +52,16 @@ std::vector<std::string> KeysOf(const TCIMClass& cls) {
     std::vector<std::string> keys = cls.EnumerateKeyNames();
     std::sort(keys.begin(), keys.end(), TNameLess());
     return keys;
+}
+
+// The path, or what the instances of its class are ordered by in front of it.
+std::string OrderOf(const TCIMInstance& instance) {
+    const std::string path = instance.BuildPath().GetPath();
+    for (const TOrder& order : kOrders)
+        if (instance.GetClass()->GetName() == order.className)
+            if (const TCIMProperty* const property = instance.FindProperty(order.property))
+                return DisplayText(*property) + '\n' + path;
+    return path;
 }
 
 }  // namespace
@@ -72,14 +93,14 @@ std::vector<std::string> PropertiesForReading(const TCIMClass& cls) {
 }
 
 std::vector<TCIMInstance*> InNaturalOrder(const std::vector<TCIMInstance*>& instances) {
-    std::vector<std::pair<std::string, TCIMInstance*>> paths;
-    paths.reserve(instances.size());
-    for (TCIMInstance* instance : instances) paths.emplace_back(instance->BuildPath().GetPath(), instance);
-    std::stable_sort(paths.begin(), paths.end(),
+    std::vector<std::pair<std::string, TCIMInstance*>> orders;
+    orders.reserve(instances.size());
+    for (TCIMInstance* instance : instances) orders.emplace_back(OrderOf(*instance), instance);
+    std::stable_sort(orders.begin(), orders.end(),
                      [](const auto& a, const auto& b) { return IsNaturallyLess(a.first, b.first); });
     std::vector<TCIMInstance*> sorted;
-    sorted.reserve(paths.size());
-    for (const auto& [path, instance] : paths) sorted.push_back(instance);
+    sorted.reserve(orders.size());
+    for (const auto& [order, instance] : orders) sorted.push_back(instance);
     return sorted;
 }
 

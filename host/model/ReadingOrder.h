@@ -15,7 +15,7 @@ void SortForReading(std::vector<TCIMClass*>& classes);
 std::vector<std::string> MainPropertiesOf(const TCIMClass& cls);
 /// All properties: those in Columns first, or in a class without that the keys, and the others by name.
 std::vector<std::string> PropertiesForReading(const TCIMClass& cls);
-/// By their paths, as IsNaturallyLess says.
+/// By their paths, as IsNaturallyLess says; those of some classes by the name that people know them by.
 std::vector<TCIMInstance*> InNaturalOrder(const std::vector<TCIMInstance*>& instances);
 
 /// What people call a class of which a machine has hundreds of instances that nobody asked for; null for other classes.

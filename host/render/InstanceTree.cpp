@@ -6,6 +6,7 @@
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
 #include "model/ObjectPath.h"
+#include "model/ReadingOrder.h"
 #include "render/ContainmentTree.h"
 #include "render/InstanceText.h"
 #include "render/TreeLine.h"
@@ -16,7 +17,7 @@ std::vector<const TCIMInstance*> OrdinaryInstances(const std::vector<TCIMClass*>
     std::vector<const TCIMInstance*> instances;
     for (const TCIMClass* cls : classes) {
         if (cls->IsAssociation()) continue;
-        const std::vector<TCIMInstance*> own = cls->EnumerateInstances(false);
+        const std::vector<TCIMInstance*> own = InNaturalOrder(cls->EnumerateInstances(false));
         instances.insert(instances.end(), own.begin(), own.end());
     }
     return instances;

@@ -33,6 +33,15 @@ TEST(TableTest, HasALineForEachInstance) {
     }
 }
 
+TEST(TableTest, LinesAreInTheOrderOfTheNamesThatTheyShow) {
+    EXPECT_EQ(TSavedMachine("nvme").Show("volumes --columns Name,Caption").out,
+              "Name  Caption\n"
+              "dm-0  /dev/mapper/mpatha\n"
+              "dm-1  /dev/mapper/mpatha-part1\n"
+              "dm-2  /dev/mapper/vgsys-swap\n"
+              "dm-3  /dev/mapper/vgsys-root\n");
+}
+
 TEST(TableTest, RefusesWhatItCannotPrint) {
     const TSavedMachine server("server");
     const std::pair<const char*, const char*> cases[] = {

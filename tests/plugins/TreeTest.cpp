@@ -77,3 +77,14 @@ TEST(TreeTest, TiesThroughClassesThatAreNotChosenAreKept) {
     for (const auto& [machine, chosen, tree] : cases)
         EXPECT_EQ(NamesIn(machine.Show(std::string("--tree ") + chosen).out), tree) << chosen;
 }
+
+TEST(TreeTest, OrderIsThatInWhichPeopleCount) {
+    const TSavedMachine server("server"), laptop("laptop");
+    EXPECT_THAT(
+        NamesIn(server.Show("--tree cores threads").out),
+        StartsWith(
+            "\nsocket0/core0\n  cpu0\n  cpu8\nsocket0/core8\n  cpu1\n  cpu9\nsocket0/core16\n  cpu2\n  cpu10\n"));
+    EXPECT_THAT(
+        NamesIn(laptop.Show("--tree caches").out),
+        testing::ContainsRegex("CPU 0-1\nL1 data cache of CPU 2-3\n.*L1 instruction .*L2 .*L3 cache of CPU 0-7\n$"));
+}
