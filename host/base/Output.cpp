@@ -23,8 +23,7 @@ bool IsSet(const char* variable) {
 
 bool MayColour() {
     const char* const terminal = std::getenv("TERM");
-    if (terminal == nullptr || std::strcmp(terminal, "dumb") == 0 || IsSet("NO_COLOR")) return false;
-    return isatty(STDOUT_FILENO) != 0;
+    return terminal != nullptr && std::strcmp(terminal, "dumb") != 0 && !IsSet("NO_COLOR");
 }
 
 // 0 if COLUMNS is unset or is no positive number.
@@ -52,7 +51,7 @@ size_t FindWidth() {
 
 }  // namespace
 
-TOutput::TOutput() : fColour(MayColour()), fWidth(FindWidth()) {}
+TOutput::TOutput() : fTerminal(isatty(STDOUT_FILENO) != 0), fColour(fTerminal && MayColour()), fWidth(FindWidth()) {}
 
 void TOutput::Write(std::string_view text) {
     if (!fDropping && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) HandleFailure();

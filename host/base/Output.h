@@ -26,6 +26,8 @@ public:
     /// How many columns a line may take: the value of COLUMNS, or the width of the terminal; kUnlimited for a file or a
     /// pipe.
     size_t Width() const { return fWidth; }
+    /// Whether standard output is a terminal, also if a pager reads it.
+    bool IsTerminal() const { return fTerminal; }
     /// The text in bold, or dimmed, if standard output is a terminal that may be coloured.
     std::string Bold(const std::string& text) const;
     std::string Dim(const std::string& text) const;
@@ -36,6 +38,7 @@ private:
     bool fPaged = false;
     bool fDropping = false;  // the user has left the pager
     std::string fFailure;
+    bool fTerminal;
     bool fColour;
     size_t fWidth;
 };

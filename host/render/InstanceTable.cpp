@@ -8,6 +8,8 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <sstream>
+#include <utility>
 
 #include "base/ExitStatus.h"
 #include "base/Text.h"
@@ -26,10 +28,13 @@ namespace {
 using TRow = std::vector<std::string>;
 
 constexpr const char* kSeparator = "  ";
+constexpr const char* kCut = "...";
+constexpr size_t kLongestWhole = 45;  // a word that long is not cut: an IPv6 address with the length of its prefix
 
 struct TTable {
     TRow names;
     std::vector<bool> areNumbers;
+    std::vector<bool> areTexts;
     std::vector<TRow> rows;
 };
 
@@ -62,6 +67,11 @@ bool IsNumber(const TCIMClass& cls, const std::string& name) {
     return declaration != nullptr && IsCounted(*declaration);
 }
 
+bool IsText(const TCIMClass& cls, const std::string& name) {
+    const TCIMPropertyDecl* const declaration = cls.FindPropertyDecl(name);
+    return declaration != nullptr && (declaration->GetType() | TCIMValue::TCIMType::eCIMArrayFlag) == kStringArray;
+}
+
 void AddRows(const TCIMClass& cls, const TInstanceChoice& choice, bool raw, TTable& table) {
     for (const TCIMInstance* instance : InNaturalOrder(choice.InstancesOf(cls))) {
         TRow row;
@@ -71,11 +81,15 @@ void AddRows(const TCIMClass& cls, const TInstanceChoice& choice, bool raw, TTab
 }
 
 TTable TableOf(const std::vector<TCIMClass*>& classes, const TRow& names, const TInstanceChoice& choice, bool raw) {
-    TTable table{names, {}, {}};
+    TTable table{names, {}, {}, {}};
     for (const TCIMClass* cls : classes) AddRows(*cls, choice, raw, table);
-    for (const std::string& name : names)
-        table.areNumbers.push_back(
-            std::any_of(classes.begin(), classes.end(), [&](const TCIMClass* cls) { return IsNumber(*cls, name); }));
+    const auto isAny = [&classes](bool (*is)(const TCIMClass&, const std::string&), const std::string& name) {
+        return std::any_of(classes.begin(), classes.end(), [&](const TCIMClass* cls) { return is(*cls, name); });
+    };
+    for (const std::string& name : names) {
+        table.areNumbers.push_back(isAny(IsNumber, name));
+        table.areTexts.push_back(isAny(IsText, name));
+    }
     return table;
 }
 
@@ -97,56 +111,111 @@ void PrintCSV(const TTable& table, TOutput& output) {
     for (const TRow& row : table.rows) PrintCSVLine(row, output);
 }
 
-// Of the first column, which names the instance. It is cut only if it would take more than half of a line.
-size_t WidthOfFirst(const TTable& table, size_t width) {
-    size_t widest = table.names.front().size();
-    for (const TRow& row : table.rows) widest = std::max(widest, ColumnsOf(row.front()));
-    return widest > width / 2 ? table.names.front().size() : widest;
+size_t LongestWordOf(const std::string& text) {
+    std::istringstream words(text);
+    size_t longest = 0;
+    for (std::string word; words >> word;) longest = std::max(longest, ColumnsOf(word));
+    return longest;
 }
 
-// How many columns have room, if all but the first are cut to their names: the library cuts them no further.
-size_t CountFitting(const TTable& table, size_t width) {
-    size_t used = WidthOfFirst(table, width), count = 1;
-    for (; count < table.names.size(); ++count) {
-        used += std::strlen(kSeparator) + table.names[count].size();
-        if (used > width) break;
+// To how many columns a text may be cut. What is left of it ends with a whole word.
+size_t LeastWidthOf(const std::string& text) {
+    return std::min(ColumnsOf(text), std::min(LongestWordOf(text), kLongestWhole) + std::strlen(kCut));
+}
+
+std::string CutCell(const std::string& text, size_t width) {
+    return ColumnsOf(text) <= width ? text : WrapText(text, width - std::strlen(kCut)).front() + kCut;
+}
+
+size_t WidthOf(const TTable& table, size_t column, size_t (*widthOfCell)(const std::string&)) {
+    size_t width = table.names[column].size();
+    for (const TRow& row : table.rows) width = std::max(width, widthOfCell(row[column]));
+    return width;
+}
+
+size_t WholeWidthOf(const TTable& table, size_t column) {
+    return WidthOf(table, column, [](const std::string& cell) { return ColumnsOf(cell); });
+}
+
+// The first column names the instance. Of numbers and the like, what is left would look like another one.
+bool MayBeCut(const TTable& table, size_t column) { return column > 0 && table.areTexts[column]; }
+
+// Of as many columns as have room if texts are cut. What is left of the width is given to the first texts.
+std::vector<size_t> WidthsIn(const TTable& table, size_t width) {
+    std::vector<size_t> widths;
+    size_t used = 0;
+    for (size_t i = 0; i < table.names.size(); ++i) {
+        widths.push_back(MayBeCut(table, i) ? WidthOf(table, i, LeastWidthOf) : WholeWidthOf(table, i));
+        const size_t needed = used + widths.back() + (i == 0 ? 0 : std::strlen(kSeparator));
+        if (i > 0 && needed > width) {
+            widths.pop_back();
+            break;
+        }
+        used = needed;
     }
-    return count;
+    for (size_t i = 1; i < widths.size(); ++i) {
+        const size_t more = std::min(WholeWidthOf(table, i) - widths[i], width - used);
+        widths[i] += more;
+        used += more;
+    }
+    return widths;
 }
 
-void AddColumns(const TTable& table, size_t count, size_t width, libscols_table& columns) {
-    for (size_t i = 0; i < count; ++i) {
-        const bool isWhole = i == 0 && WidthOfFirst(table, width) > table.names.front().size();
-        const int flags = (isWhole ? 0 : SCOLS_FL_TRUNC) | (table.areNumbers[i] ? SCOLS_FL_RIGHT : 0);
+// Only the first column is ever wider than a line. Then it is the only one.
+void WrapFirst(size_t width, std::vector<TRow>& rows) {
+    std::vector<TRow> lines;
+    for (const TRow& row : rows)
+        for (const std::string& line : WrapText(row.front(), width)) lines.push_back({line});
+    rows = std::move(lines);
+}
+
+// Returns the names of the columns for which there is no room.
+TRow FitIn(size_t width, TTable& table) {
+    const std::vector<size_t> widths = WidthsIn(table, width);
+    for (TRow& row : table.rows) {
+        row.resize(widths.size());
+        for (size_t i = 1; i < row.size(); ++i) row[i] = CutCell(row[i], widths[i]);
+    }
+    if (widths.front() > width) WrapFirst(width, table.rows);
+    TRow left(table.names.begin() + static_cast<long>(widths.size()), table.names.end());
+    table.names.resize(widths.size());
+    return left;
+}
+
+void AddColumns(const TTable& table, libscols_table& columns) {
+    for (size_t i = 0; i < table.names.size(); ++i) {
+        const int flags = table.areNumbers[i] ? SCOLS_FL_RIGHT : 0;
         libscols_column* const column = scols_table_new_column(&columns, table.names[i].c_str(), 0, flags);
         // Escapes in visible texts are not to be escaped again.
         if (column == nullptr || scols_column_set_safechars(column, "\\") != 0) throw std::bad_alloc();
     }
 }
 
-void AddLine(const TRow& row, size_t count, libscols_table& columns) {
+void AddLine(const TRow& row, libscols_table& columns) {
     libscols_line* const line = scols_table_new_line(&columns, nullptr);
     if (line == nullptr) throw std::bad_alloc();
-    for (size_t i = 0; i < count; ++i)
+    for (size_t i = 0; i < row.size(); ++i)
         if (scols_line_set_data(line, i, row[i].empty() ? "-" : row[i].c_str()) != 0) throw std::bad_alloc();
 }
 
-void PrintAligned(const TTable& table, TOutput& output) {
+void PrintColumns(const TTable& table, TOutput& output) {
     const TUTF8Locale locale;
     const std::unique_ptr<libscols_table, void (*)(libscols_table*)> columns(scols_new_table(), scols_unref_table);
     if (columns == nullptr) throw std::bad_alloc();
-    const bool isLimited = output.Width() < TOutput::kUnlimited;
-    scols_table_set_termforce(columns.get(), isLimited ? SCOLS_TERMFORCE_ALWAYS : SCOLS_TERMFORCE_NEVER);
-    if (isLimited) scols_table_set_termwidth(columns.get(), output.Width());
+    scols_table_set_termforce(columns.get(), SCOLS_TERMFORCE_NEVER);
     scols_table_set_column_separator(columns.get(), kSeparator);
-    const size_t count = CountFitting(table, output.Width());
-    AddColumns(table, count, output.Width(), *columns);
-    for (const TRow& row : table.rows) AddLine(row, count, *columns);
+    AddColumns(table, *columns);
+    for (const TRow& row : table.rows) AddLine(row, *columns);
     char* printed = nullptr;
     if (scols_print_table_to_string(columns.get(), &printed) != 0) throw std::bad_alloc();
     const std::unique_ptr<char, void (*)(void*)> text(printed, std::free);
     output.Write(std::string(text.get()) + "\n");
-    const TRow left(table.names.begin() + static_cast<long>(count), table.names.end());
+}
+
+// What programs read is whole, whatever COLUMNS says.
+void PrintAligned(TTable table, TOutput& output) {
+    const TRow left = output.IsTerminal() ? FitIn(output.Width(), table) : TRow();
+    PrintColumns(table, output);
     if (!left.empty()) output.WriteWrapped("no room for " + Join(left), "");
 }
 
@@ -182,8 +251,8 @@ void DropEmpty(std::vector<TCIMClass*>& classes, const TInstanceChoice& choice) 
                   classes.end());
 }
 
-void Print(const TTable& table, bool csv, TOutput& output) {
-    csv ? PrintCSV(table, output) : PrintAligned(table, output);
+void Print(TTable table, bool csv, TOutput& output) {
+    csv ? PrintCSV(table, output) : PrintAligned(std::move(table), output);
 }
 
 bool PrintOneTable(std::vector<TCIMClass*> classes, const TInstanceChoice& choice, const TTableOptions& options,
@@ -208,11 +277,11 @@ bool PrintTables(std::vector<TCIMClass*> classes, const TInstanceChoice& choice,
     DropEmpty(classes, choice);
     if (options.csv && classes.size() > 1) RefuseUnlikeColumns(classes);
     for (TCIMClass* cls : classes) {
-        const TTable table = TableOf({cls}, OwnColumnsOf(*cls, options.stable), choice, options.raw);
+        TTable table = TableOf({cls}, OwnColumnsOf(*cls, options.stable), choice, options.raw);
         if (cls != classes.front()) output.Write("\n");
         if (classes.size() > 1)
             output.Write(output.Bold(cls->GetName()) + " (" + std::to_string(table.rows.size()) + ")\n");
-        Print(table, options.csv, output);
+        Print(std::move(table), options.csv, output);
     }
     return !classes.empty();
 }
