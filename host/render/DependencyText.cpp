@@ -1,6 +1,6 @@
 #include "render/DependencyText.h"
 
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "base/Output.h"
@@ -15,18 +15,23 @@ namespace {
 class TDependencies {
 public:
     TDependencies(const TContainer& container, TOutput& output)
-        : fIndex(container), fSystem(container.FindClass("CIM_System")), fOutput(output) {}
+        : fIndex(container),
+          fSystem(container.FindClass("CIM_System")),
+          fMember(container.FindClass("MOLTA_NetworkAdapterMember")),
+          fOutput(output) {}
 
     /// Prints what the instance leads to under a heading, or nothing. Upwards leads to what it depends on.
     void Print(const TCIMInstance& start, bool upwards, const char* heading) {
-        fSeen = {&start};
+        fLines = {{&start, 0}};
         std::vector<TStep> open = StepsFrom(start, upwards, 1);
         if (!open.empty()) fOutput.Write(std::string("\n") + heading + "\n");
         while (!open.empty()) {
             const TStep step = open.back();
             open.pop_back();
-            if (!fSeen.insert(step.instance).second) continue;
-            PrintTreeLine(*step.instance, step.depth, "", fOutput);
+            const auto [line, isNew] = fLines.emplace(step.instance, fLines.size());
+            if (!isNew && line->second > fLines[step.from]) continue;  // it stands below that already
+            PrintTreeLine(*step.instance, step.depth, isNew ? "" : " (above)", fOutput);
+            if (!isNew) continue;
             const std::vector<TStep> next = StepsFrom(*step.instance, upwards, step.depth + 1);
             open.insert(open.end(), next.begin(), next.end());
         }
@@ -34,6 +39,7 @@ public:
 
 private:
     struct TStep {
+        const TCIMInstance* from;
         const TCIMInstance* instance;
         size_t depth;
     };
@@ -42,7 +48,7 @@ private:
     std::vector<TStep> StepsFrom(const TCIMInstance& instance, bool upwards, size_t depth) const {
         std::vector<TStep> steps;
         for (const TAssociationLink& link : fIndex.LinksOf(instance))
-            if (IsWanted(link, instance, upwards)) steps.push_back({link.other.instance, depth});
+            if (IsWanted(link, instance, upwards)) steps.push_back({&instance, link.other.instance, depth});
         return {steps.rbegin(), steps.rend()};
     }
 
@@ -51,13 +57,19 @@ private:
         if (fSystem != nullptr && link.other.instance->GetClass()->IsSubclassOf(fSystem)) return false;
         const std::vector<TAssociationEnd> ends = EndsOf(*link.association);
         const TCIMInstance* const owner = ends[OwnerAmong(*link.association, ends)].instance;
-        return upwards ? owner == link.other.instance : owner == &from;
+        return owner == (upwards == NeedsItsParts(*link.association) ? &from : link.other.instance);
+    }
+
+    // A bond or a bridge is the owner of the adapters that are part of it, and it is what depends on them.
+    bool NeedsItsParts(const TCIMInstance& association) const {
+        return fMember != nullptr && association.GetClass()->IsSubclassOf(fMember);
     }
 
     const TAssociationIndex fIndex;
     const TCIMClass* const fSystem;
+    const TCIMClass* const fMember;
     TOutput& fOutput;
-    std::unordered_set<const TCIMInstance*> fSeen;
+    std::unordered_map<const TCIMInstance*, size_t> fLines;  // on which line an instance was told
 };
 
 }  // namespace
