@@ -8,7 +8,9 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "model/Qualifiers.h"
+#include "model/ReadingOrder.h"
 #include "model/Values.h"
 
 namespace {
@@ -23,10 +25,20 @@ bool IsTelling(const TCIMProperty* property) {
     return !property->GetValue().IsNull() && property->GetType() != TCIMValue::TCIMType::eCIMBoolean;
 }
 
+// Whether it counts in a unit that is new, and so says by itself what it is. Of two sizes nobody knows which is which.
+bool IsFirstOfItsUnit(const TCIMPropertyDecl& declaration, std::vector<std::string>& units) {
+    if (!IsCounted(declaration)) return true;
+    const std::string unit = QualifierText(declaration, "Units");
+    if (std::find(units.begin(), units.end(), unit) != units.end()) return false;
+    units.push_back(unit);
+    return true;
+}
+
 // The first values in the class's qualifier Columns that the name does not hold already.
 std::string DetailsOf(const TCIMInstance& instance, const std::string& name) {
-    std::vector<std::string> details;
-    for (const std::string& column : QualifierTexts(*instance.GetClass(), "Columns")) {
+    std::vector<std::string> details, units;
+    for (const std::string& column : MainPropertiesOf(*instance.GetClass())) {
+        if (!IsFirstOfItsUnit(*instance.GetClass()->FindPropertyDecl(column), units)) continue;
         const TCIMProperty* const property = instance.FindProperty(column);
         const std::string text = IsTelling(property) ? DisplayText(*property) : "";
         if (!text.empty() && text.size() <= kLongestDetail && name.find(text) == std::string::npos)

@@ -112,3 +112,19 @@ TEST(DependenciesTest, LeadFromTheWholeToWhatItIsMadeOfAndRepeatWhatIsShared) {
     EXPECT_THAT(NamesIn(server.Assoc("db01.example.net --deep").out), Not(HasSubstr("\n  eno1np0 (above)")))
         << "what stands below it by way of others is not repeated";
 }
+
+TEST(TreeTest, LineHasNoTwoNumbersOfOneKind) {
+    const TSavedMachine server("server");
+    const std::pair<const char*, const char*> cases[] = {
+        {"MOLTA_SystemMemory", "Memory of the system  503.7 Gigabytes, 8 Modules  MOLTA_SystemMemory\n"},
+        {"cores", "socket0/core0  4105 MegaHertz  MOLTA_ProcessorCore\n"},
+        {"caches", "L1 data cache of CPU 0,8  32 Kilobytes, 8 Ways  MOLTA_CacheMemory\n"},
+        {"MOLTA_Fan", "fan1 of nct6798  MOLTA_Fan\n"},
+        {"cpu", "AMD EPYC 72F3 8-Core Processor  4 Cores, 8 Threads  MOLTA_Processor\n"},
+        {"partitions", "EFI System  sda1, 512 Megabytes  MOLTA_DiskPartition\n"},
+    };
+    for (const auto& [cls, line] : cases) {
+        const std::string tree = server.Show(std::string("--tree ") + cls).out;
+        EXPECT_THAT("\n" + tree, HasSubstr(std::string("\n") + line));
+    }
+}
