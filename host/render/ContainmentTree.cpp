@@ -57,6 +57,7 @@ void TContainmentTree::KeepOnly(const std::unordered_set<const TCIMInstance*>& k
         instances.push_back(fInstances[i]);
     }
     std::vector<TNumbers> parts;
+    parts.reserve(instances.size());
     for (const TCIMInstance* instance : instances) parts.push_back(NearestParts(fNumbers[instance], newNumbers));
     SetInstances(std::move(instances), std::move(parts));
 }
