@@ -38,7 +38,8 @@ TEST_F(DiffTest, SaysInTextAndStatusWhatDiffers) {
     const std::string renamed = Edit(server, "renamed", "db01.example.net", "web01");
     const std::string moved = Edit(renamed, "other", "4c4c4544-0051", "4c4c4544-0052");
     const std::string patched = Edit(server, "patched", "6.1.0-18-amd64", "6.1.0-31-amd64");
-    const std::string mended = Edit(Edit(server, "board", "4c4c4544-0051", "4c4c4544-0052"), "mended", "KQ12345", "KQ9");
+    const std::string mended =
+        Edit(Edit(server, "board", "4c4c4544-0051", "4c4c4544-0052"), "mended", "KQ12345", "KQ9");
     const std::string damaged = fFolder.Write("damaged.xml", ReadFile(server) + " ");
     const char* const sameNoMore =
         "two machines: db01.example.net (machine ID 0eedb226-312d-4aa4-b63f-2ce3b9260b16, UUID "
