@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <vector>
 
 namespace {
 
@@ -30,24 +29,27 @@ void THardwareIds::Read(const TSystemRoot& root, const std::string& fileName) {
 }
 
 // A line is "id  name", indented by one tab for each parent; the parents are the nearest lines before it with fewer
-// tabs.
+// tabs. Most lines belong to a vendor that nobody wants: of those only the tabs and the end are looked at.
 void THardwareIds::Parse(std::string_view text) {
     std::vector<std::string> parents;
-    for (size_t end = 0; !text.empty(); text.remove_prefix(std::min(end + 1, text.size()))) {
-        end = std::min(text.find('\n'), text.size());
-        const std::string_view line = text.substr(0, end);
-        const size_t depth = line.find_first_not_of('\t');
-        if (depth == std::string_view::npos || depth > parents.size() || line[depth] == '#') continue;
-        parents.resize(depth);
-        const size_t gap = line.find("  ", depth);
-        if (gap == std::string_view::npos) continue;
-        std::string id = depth == 0 ? "" : parents.back() + '/';
-        id += line.substr(depth, gap - depth);
-        const auto found = fNames.find(id);
-        if (found == fNames.end()) continue;
-        if (found->second.empty()) found->second = Trim(line.substr(gap));
-        parents.push_back(std::move(id));
+    for (; !text.empty(); text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1)) {
+        const size_t depth = std::min(text.find_first_not_of('\t'), text.size());
+        if (depth > parents.size() || depth == text.size() || text[depth] == '#' || text[depth] == '\n') continue;
+        ParseLine(text.substr(depth, text.find('\n') - depth), depth, parents);
     }
+}
+
+// Adds the id to the parents, if it is wanted.
+void THardwareIds::ParseLine(std::string_view line, size_t depth, std::vector<std::string>& parents) {
+    parents.resize(depth);
+    const size_t gap = line.find("  ");
+    if (gap == std::string_view::npos) return;
+    std::string id = depth == 0 ? "" : parents.back() + '/';
+    id += line.substr(0, gap);
+    const auto found = fNames.find(id);
+    if (found == fNames.end()) return;
+    if (found->second.empty()) found->second = Trim(line.substr(gap));
+    parents.push_back(std::move(id));
 }
 
 TFact<std::string> THardwareIds::Name(const std::string& id) const {

@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "SystemRoot.h"
 
@@ -24,6 +25,8 @@ public:
     TFact<std::string> Name(const std::string& id) const;
 
 private:
+    void ParseLine(std::string_view line, size_t depth, std::vector<std::string>& parents);
+
     std::map<std::string, std::string, std::less<>> fNames;
     std::string fList;  ///< its path
 };
