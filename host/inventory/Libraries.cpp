@@ -13,10 +13,12 @@
 #include "base/Text.h"
 #include "isolation/PluginContainer.h"
 #include "kyr/TCIMClass.h"
+#include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TOSSpecific.h"
 #include "saved/DocumentProbe.h"
+#include "saved/DocumentScan.h"
 #include "saved/DocumentText.h"
 
 namespace fs = std::filesystem;
@@ -109,16 +111,20 @@ TReason TooLarge() {
 TReason FindHarmIn(const std::string& document, const fs::file_status& status, size_t mostBytes) {
     std::error_code error;
     if (!fs::is_regular_file(status)) return Harmful("is no file");
-    if (fs::file_size(document, error) > mostBytes) return TooLarge();
+    return fs::file_size(document, error) > mostBytes ? TooLarge() : TReason();
+}
+
+// The reader would never end.
+TReason FindEndlessValueIn(const std::string& document) {
     const size_t line = LineOfEndlessValue(document, ReadDocumentEnds(document));
     if (line == 0) return {};
     return Harmful("has an attribute value in line " + std::to_string(line) + " that is not closed");
 }
 
-// The documents that must not be read, each with the reason.
-std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container,
-                                        const TRunLimits& limits) {
-    std::map<std::string, TReason> harms;
+using THarms = std::map<std::string, TReason>;
+
+// The documents that may be read as far as their files tell, and why others may not.
+std::vector<std::string> FindDocuments(const std::list<TPluginLibrary>& libraries, THarms& harms) {
     std::vector<std::string> documents;
     size_t bytesLeft = kMostBytes;
     for (const TPluginLibrary& library : libraries) {
@@ -135,12 +141,42 @@ std::map<std::string, TReason> FindHarm(const std::list<TPluginLibrary>& librari
         bytesLeft -= fs::file_size(document, error);
         documents.push_back(document);
     }
+    return documents;
+}
+
+// Whether all of them are plainly harmless, and too small to take more memory than they may.
+bool AreHarmless(const std::vector<std::string>& documents) {
+    constexpr std::uintmax_t kMostInAll = 2 << 20, kMostInOne = 256 << 10;
+    std::uintmax_t all = 0;
+    return std::all_of(documents.begin(), documents.end(), [&all](const std::string& document) {
+        std::error_code error;
+        const std::uintmax_t size = fs::file_size(document, error);
+        all += size;
+        return !error && size <= kMostInOne && all <= kMostInAll && IsHarmlessDocument(document, 1);
+    });
+}
+
+// Adds those that are endless, or that a child process could not read.
+void TryDocuments(std::vector<std::string> documents, TContainer& container, const TRunLimits& limits, THarms& harms) {
+    const auto isEndless = [&harms](const std::string& document) {
+        const TReason harm = FindEndlessValueIn(document);
+        if (harm) harms[document] = harm;
+        return bool(harm);
+    };
+    documents.erase(std::remove_if(documents.begin(), documents.end(), isEndless), documents.end());
     const auto read = [&](const std::string& path) {
         if (container.PopulateContainerFromFile(path).size() > kMostClasses) throw TTooLarge();
     };
     const std::vector<TReason> found = ProbeDocuments(documents, read, ProbeLimits(limits));
     for (size_t i = 0; i < documents.size(); ++i)
         if (found[i]) harms[documents[i]] = found[i].code == EReason::eDocumentTooLarge ? TooLarge() : found[i];
+}
+
+// The documents that must not be read, each with the reason.
+THarms FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& container, const TRunLimits& limits) {
+    THarms harms;
+    const std::vector<std::string> documents = FindDocuments(libraries, harms);
+    if (!AreHarmless(documents)) TryDocuments(documents, container, limits, harms);
     return harms;
 }
 
@@ -154,6 +190,26 @@ std::vector<TCIMClass*> Read(const std::string& document, TContainer& container)
     } catch (const TKYRException&) {
         return {};  // loading the plugin reads the document again, and reports the error
     }
+}
+
+bool IsSystem(const TPluginLibrary& library) { return library.Declares(TCIMSchemaHelper::kSystemCreationClassName); }
+
+// Whether classes of the one derive from those of the other. Of a document that could not be read nobody knows.
+bool DerivesFrom(const TPluginLibrary& library, const TPluginLibrary& other) {
+    const auto derives = [&other](const TCIMClass* cls) {
+        for (const TCIMClass* above = cls->GetSuperClass(); above != nullptr; above = above->GetSuperClass())
+            if (std::find(other.classes.begin(), other.classes.end(), above) != other.classes.end()) return true;
+        return false;
+    };
+    return library.classes.empty() || std::any_of(library.classes.begin(), library.classes.end(), derives);
+}
+
+// When the core loads a library, it reads its document into the schema of its plugin manager. What the document's
+// classes derive from must be there then.
+void FindPremises(const std::list<TPluginLibrary>& libraries, TPluginLibrary& library) {
+    for (const TPluginLibrary& other : libraries)
+        if (&other != &library && !other.notLoaded.reason && DerivesFrom(library, other))
+            library.premises.push_back(other.DocumentPath());
 }
 
 }  // namespace
@@ -170,7 +226,7 @@ std::list<TPluginLibrary> FindLibraries() {
 
 void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
                    const TRunLimits& limits) {
-    const std::map<std::string, TReason> harms = FindHarm(libraries, container, limits);
+    const THarms harms = FindHarm(libraries, container, limits);
     for (TPluginLibrary& library : libraries) {
         const std::string document = library.DocumentPath();
         if (document.empty() || library.notLoaded.reason) continue;
@@ -182,8 +238,9 @@ void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& conta
         const TLogCapture capture;  // drops the lines: loading the plugin logs them again
         library.classes = Read(document, container);
         library.duplicateClasses = container.TakeDuplicateClasses();
-        Read(document, schema);
+        if (IsSystem(library)) Read(document, schema);
     }
+    for (TPluginLibrary& library : libraries) FindPremises(libraries, library);
 }
 
 void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries) {

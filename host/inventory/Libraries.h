@@ -15,9 +15,10 @@ class TPluginContainer;
 /// lacks, are listed as libraries that cannot be loaded. Raises TCommandError if the current folder cannot be read.
 std::list<TPluginLibrary> FindLibraries();
 
-/// Reads the libraries' documents into both containers, and stores in each library which classes its document declares,
-/// or why the library must not be loaded. Documents are tried in a child process first; one that crashes the reader
-/// there, or takes too long, is not read.
+/// Reads the libraries' documents into the container, that of the computer system into the schema too, and stores in
+/// each library which classes its document declares, or why the library must not be loaded. Documents that are not
+/// plainly harmless are tried in a child process first; one that crashes the reader there, or takes too long, is not
+/// read.
 void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
                    const TRunLimits& limits);
 

@@ -24,6 +24,7 @@ public:
 
 void TInProcessRun::Load(TPluginLibrary& library) {
     fLibrary = &library;
+    ReadPremises(library);
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, library.report);
     library.report.sandbox = {kNoSandboxInProcess};
     ReadLog();

@@ -200,6 +200,7 @@ void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRec
     PrepareProcess(files, task.logFile);
     EnterSandbox(task.sandbox, library.granted, result);
     CloseDescriptors(task.logFile);
+    ReadPremises(library);
     StartLog(stream, task.wholeLog);
     TPluginReport report;
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, report);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/CoreLog.h"
 #include "isolation/InstanceRecords.h"
 #include "isolation/RecordStream.h"
 #include "kyr/IPluginManager.h"
@@ -13,6 +14,7 @@
 #include "kyr/TRootObject.h"
 #include "model/ClassNames.h"
 #include "states/MissingSources.h"
+#include "states/PluginLibrary.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -84,4 +86,14 @@ void CopySystemToPluginSchema(const TContainer& collected) {
     if (cls == nullptr || shown == nullptr) return;
     for (TCIMClass* each : WithSubClasses(*shown)) RemoveInstances(*each);
     for (const TCIMInstance* instance : cls->EnumerateInstances(true)) Copy(*instance, schema);
+}
+
+void ReadPremises(const TPluginLibrary& library) {
+    const TLogCapture capture;  // drops the lines: the core logs them again when it loads the library of that document
+    for (const std::string& document : library.premises) {
+        try {
+            TRootObject::GetPluginManager()->GetSchema()->PopulateContainerFromFile(document);
+        } catch (const TKYRException&) {
+        }
+    }
 }

@@ -57,4 +57,7 @@ private:
 /// Puts the computer system that was collected where plugins look for it: in the plugin manager's schema.
 void CopySystemToPluginSchema(const TContainer& collected);
 
+/// Reads what the core's schema needs before it reads the document of the library. To be called before that is loaded.
+void ReadPremises(const TPluginLibrary& library);
+
 #endif

@@ -4,16 +4,20 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <vector>
 
 #include "saved/CimXmlWriter.h"
+#include "saved/DocumentScan.h"
 
 namespace {
 
 constexpr size_t kNone = std::string_view::npos;
-constexpr size_t kChunkSize = 1 << 16;
+constexpr size_t kPieceSize = 1 << 16;
 constexpr size_t kEndSize = 4096;
+// A saved collection of a real machine has about two properties for each byte, counted as TDocumentScan does.
+constexpr size_t kMostForEachByte = 6;
 
 using TGzipFile = std::unique_ptr<gzFile_s, int (*)(gzFile)>;
 
@@ -28,30 +32,14 @@ size_t SizeOfText(const std::string& path) {
     return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<size_t>(bytes[3]) << 24;
 }
 
-// Gives the text as the core's reader gets it, a chunk at a time. Returns false if the reader cannot get it.
-template <typename TAction>
-bool ForEachChunk(const std::string& path, TAction action) {
-    const TGzipFile file(gzopen(path.c_str(), "rb"), gzclose_r);
-    size_t rest = SizeOfText(path);
-    if (file == nullptr || rest > TCimXmlWriter::kLargestDocument) return false;
-    std::vector<char> chunk(kChunkSize);
-    while (rest > 0) {
-        const auto wanted = static_cast<unsigned int>(std::min(rest, chunk.size()));
-        if (gzread(file.get(), chunk.data(), wanted) != static_cast<int>(wanted)) return false;
-        action(std::string_view(chunk.data(), wanted));
-        rest -= wanted;
-    }
-    return true;
-}
-
 unsigned long ChecksumOf(std::string_view text, unsigned long before) {
     return crc32_z(before, reinterpret_cast<const Bytef*>(text.data()), text.size());
 }
 
-void AddChunk(TDocumentEnds& ends, std::string_view chunk) {
-    if (ends.start.empty()) ends.start = chunk.substr(0, kEndSize);
-    ends.hasNul |= chunk.find('\0') != kNone;
-    ends.end.append(chunk);
+void AddPiece(TDocumentEnds& ends, std::string_view piece) {
+    if (ends.start.empty()) ends.start = piece.substr(0, kEndSize);
+    ends.hasNul |= piece.find('\0') != kNone;
+    ends.end.append(piece);
     const size_t covered = ends.end.size() - std::min(ends.end.size(), kEndSize);
     ends.checksum = ChecksumOf(std::string_view(ends.end).substr(0, covered), ends.checksum);
     ends.end.erase(0, covered);
@@ -142,15 +130,34 @@ bool MayBeEndless(const TDocumentEnds& ends) {
 
 }  // namespace
 
+bool ForEachPiece(const std::string& path, const std::function<void(std::string_view)>& action) {
+    const TGzipFile file(gzopen(path.c_str(), "rb"), gzclose_r);
+    size_t rest = SizeOfText(path);
+    if (file == nullptr || rest > TCimXmlWriter::kLargestDocument) return false;
+    std::vector<char> piece(kPieceSize);
+    while (rest > 0) {
+        const auto wanted = static_cast<unsigned int>(std::min(rest, piece.size()));
+        if (gzread(file.get(), piece.data(), wanted) != static_cast<int>(wanted)) return false;
+        action(std::string_view(piece.data(), wanted));
+        rest -= wanted;
+    }
+    return true;
+}
+
 TDocumentEnds ReadDocumentEnds(const std::string& path) {
     TDocumentEnds ends;
-    const bool isRead = ForEachChunk(path, [&](std::string_view chunk) { AddChunk(ends, chunk); });
+    TDocumentScan scan;
+    const bool isRead = ForEachPiece(path, [&](std::string_view piece) {
+        AddPiece(ends, piece);
+        scan.Add(piece);
+    });
+    ends.isHarmless = scan.IsHarmless(kMostForEachByte);
     return isRead ? ends : TDocumentEnds();
 }
 
 std::string ReadDocumentText(const std::string& path) {
     std::string text;
-    return ForEachChunk(path, [&](std::string_view chunk) { text.append(chunk); }) ? text : "";
+    return ForEachPiece(path, [&](std::string_view piece) { text.append(piece); }) ? text : "";
 }
 
 size_t FindEndlessValue(std::string_view document) {

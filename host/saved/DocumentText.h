@@ -2,6 +2,7 @@
 #define KYR_HOST_SAVED_DOCUMENTTEXT_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,7 +12,11 @@ struct TDocumentEnds {
     std::string end;             ///< the last bytes
     unsigned long checksum = 0;  ///< the CRC-32 of all before the end
     bool hasNul = false;         ///< a NUL byte, at which the reader stops
+    bool isHarmless = false;     ///< as TDocumentScan tells
 };
+
+/// Gives the text, piece by piece. Returns false if the reader cannot get it.
+bool ForEachPiece(const std::string& path, const std::function<void(std::string_view)>& action);
 
 /// Goes once through the text. All is empty if the reader cannot get it.
 TDocumentEnds ReadDocumentEnds(const std::string& path);

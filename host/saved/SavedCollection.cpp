@@ -168,19 +168,24 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
 
 namespace {
 
-// The name is what messages call the file.
-TReason ReadNamed(const std::string& path, const std::string& name, TContainer& container) {
-    if (std::filesystem::file_size(path) == 0) RefuseReading(name, "it is empty");
-    const TDocumentEnds ends = ReadDocumentEnds(path);
+// Tries to read a file of which it is not plain that the reader gets to its end.
+void RefuseHarm(const std::string& path, const std::string& name, const TDocumentEnds& ends, TContainer& container) {
     if (const size_t line = LineOfEndlessValue(path, ends); line != 0)
         RefuseReading(name, "the value of an attribute in line " + std::to_string(line) +
                                 " is not closed; take another copy of it");
     const auto read = [&](const std::string& file) { container.PopulateContainerFromFile(file); };
     const TReason harm = ProbeDocuments({path}, read).front();
     if (harm) RefuseReading(name, harm.detail + "; it is damaged, or was made to do harm");
+}
+
+// The name is what messages call the file.
+TReason ReadNamed(const std::string& path, const std::string& name, TContainer& container) {
+    if (std::filesystem::file_size(path) == 0) RefuseReading(name, "it is empty");
+    const TDocumentEnds ends = ReadDocumentEnds(path);
+    if (!ends.isHarmless) RefuseHarm(path, name, ends, container);
     TLogCapture capture;
     try {
-        read(path);
+        container.PopulateContainerFromFile(path);
     } catch (const TKYRException& e) {
         RefuseReading(name, Explain(e, ErrorsIn(capture.Take())));
     }

@@ -21,11 +21,11 @@ void RequireSavablePath(const std::string& path);
 void SaveCollection(const TContainer& container, const std::string& path, bool stable,
                     const std::vector<TCIMClass*>* classes = nullptr);
 
-/// Reads a saved collection into an empty container. The document is tried in a child process first, so that one that
-/// crashes the reader is refused. Returns eFileChanged with what is missing if the file is not as it was saved, which
-/// is hardly known of files without an end mark: those of earlier versions and of other programs. The path may stand
-/// for a stream, see TStreamedFile; whether a file is compressed is told by its content. Raises TCommandError with
-/// eExitNothing.
+/// Reads a saved collection into an empty container. A document that is not plainly harmless is tried in a child
+/// process first, so that one that crashes the reader is refused. Returns eFileChanged with what is missing if the file
+/// is not as it was saved, which is hardly known of files without an end mark: those of earlier versions and of other
+/// programs. The path may stand for a stream, see TStreamedFile; whether a file is compressed is told by its content.
+/// Raises TCommandError with eExitNothing.
 TReason ReadCollection(const std::string& path, TContainer& container);
 
 #endif

@@ -15,6 +15,7 @@ struct TPluginLibrary {
     std::string path;                           ///< below the plugin folder, such as "./disk/libdisk.pi.so"
     std::vector<TCIMClass*> classes;            ///< declared by its document, and by none read before it
     std::vector<std::string> duplicateClasses;  ///< in its document too, but declared by another one before
+    std::vector<std::string> premises;          ///< documents that the core must read before that of the library
     TOutcome notLoaded;                         ///< why it must not be loaded; complete if it may be
     TNeeds granted = 0;                         ///< what its plugins may do beyond reading
     bool isConfined = false;                    ///< what its classes need beyond that is refused

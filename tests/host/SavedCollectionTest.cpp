@@ -9,6 +9,7 @@
 
 #include "base/ExitStatus.h"
 #include "saved/DocumentProbe.h"
+#include "saved/DocumentScan.h"
 #include "saved/DocumentText.h"
 #include "support/ContainerText.h"
 #include "support/RandomContainer.h"
@@ -319,6 +320,54 @@ TEST(DocumentTextTest, FindsAllThatHoldsUpTheReaderAndNothingThatItTakes) {
         const bool isEndless = FindEndlessValue(document) != std::string::npos;
         EXPECT_NE(ReadingOf(document, !isEndless), isEndless ? EReading::eTaken : EReading::eEndless) << document;
     }
+}
+
+bool IsHarmless(const std::string& document, size_t pieceSize = 1 << 16) {
+    TDocumentScan scan;
+    for (size_t at = 0; at < document.size(); at += pieceSize)
+        scan.Add(std::string_view(document).substr(at, pieceSize));
+    return scan.IsHarmless(6);
+}
+
+std::string Repeated(size_t count, const std::string& text) {
+    std::string all;
+    for (size_t i = 0; i < count; ++i) all += text;
+    return all;
+}
+
+TEST(DocumentScanTest, ClearsOnlyWhatIsPlainlyReadToItsEnd) {
+    const auto inRoot = [](const std::string& text) { return "<?xml version='1.0'?>\n<CIM>" + text + "</CIM>\n"; };
+    const std::pair<std::string, bool> cases[] = {
+        {inRoot("<a b='>\"' c=\"'\"/>text 'with \"quotes<!-- a > 'comment' < -->"), true},
+        {inRoot(Repeated(99, "<a>") + Repeated(99, "</a>")), true},
+        {inRoot(Repeated(100, "<a>") + Repeated(100, "</a>")), false},
+        {inRoot("<a>"), false},
+        {inRoot("</a>"), false},
+        {inRoot("<a b='>"), false},
+        {inRoot("<![CDATA[]]>"), false},
+        {inRoot("<!-- "), false},
+        {inRoot(std::string(1, '\0')), false},
+        {"<!DOCTYPE a>" + inRoot(""), false},
+        {inRoot(Repeated(100, "<CLASS><PROPERTY/></CLASS>")), true},
+        {inRoot(Repeated(3000, "<class/>")), false},
+        {inRoot(Repeated(200, "<CLASS><PROPERTY/></CLASS>")), false},
+        {inRoot(Repeated(200, "<property.array/>") + Repeated(200, "<INSTANCE/>")), false},
+        {inRoot(Repeated(200, "<INSTANCE><PROPERTY/></INSTANCE>")), true},
+        {inRoot(Repeated(200, "<INSTANCENAME/>") + Repeated(200, "<PROPERTY/>")), true},
+    };
+    for (const auto& [document, isHarmless] : cases) EXPECT_EQ(IsHarmless(document), isHarmless) << document;
+}
+
+TEST(DocumentScanTest, ClearsNothingThatHoldsUpTheReaderHoweverItIsCut) {
+    size_t harmless = 0;
+    for (unsigned int seed = 0; seed < 20000; ++seed) {
+        const std::string document = SpoiltDocument(seed);
+        const bool isHarmless = IsHarmless(document);
+        EXPECT_FALSE(isHarmless && FindEndlessValue(document) != std::string::npos) << document;
+        EXPECT_EQ(IsHarmless(document, 1 + seed % 7), isHarmless) << document;
+        harmless += isHarmless;
+    }
+    EXPECT_GT(harmless, 100u);
 }
 
 TEST(DocumentProbeTest, NamesTheDocumentsThatWouldHarmItsReader) {
