@@ -107,12 +107,12 @@ void TCIMXMLParser::TStateQualifierDeclaration::HandleAttrs(TCIMXMLParser&, TAtt
     if (fIsArray) fType = ArrayOf(fType);
 }
 
-void TCIMXMLParser::TStateQualifierDeclaration::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateQualifierDeclaration::EndElement(TCIMXMLParser& parser) {
     if (!IsConsistent()) parser.FatalError("Incompatible attributes");
     if (!fHasValue) fValue = TCIMValue(fType, fArraySize);
     AddUnlessPresent(
         [&] { parser.fContainer->AllocateQualifierDecl(fName, fValue, fScope, fFlavor)->AddToContainer(); });
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 bool TCIMXMLParser::TStateQualifierDeclaration::IsConsistent() const {

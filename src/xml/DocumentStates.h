@@ -47,7 +47,7 @@ class TCIMXMLParser::TStateQualifierDeclaration : public TCIMXMLParser::TParseSt
 public:
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
     void AddScope(TCIMQualifierDecl::EScope scope) { fScope = fScope | scope; }
 

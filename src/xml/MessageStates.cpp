@@ -22,9 +22,9 @@ void TCIMXMLParser::TStateMultiReq::StartElement(TCIMXMLParser& parser, std::str
     parser.Enter<TStateSimpleReq>(attributes);
 }
 
-void TCIMXMLParser::TStateMultiReq::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateMultiReq::EndElement(TCIMXMLParser& parser) {
     if (fPhase != 2) parser.FatalError("Invalid MULTIREQ");
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // imethodcall*
@@ -62,8 +62,8 @@ void TCIMXMLParser::TStateIParamValue::HandleAttrs(TCIMXMLParser& parser, TAttri
     if (fName != "NewClass" && fName != "NewInstance") parser.FatalError("Unexpected IParamValue parameter name");
 }
 
-void TCIMXMLParser::TStateIParamValue::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateIParamValue::EndElement(TCIMXMLParser& parser) {
     AddToContainer(
         parser);  // Compatibility: the class is not collected, unlike below a declaration; see docs/oddities.md.
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }

@@ -12,7 +12,7 @@ public:
 class TCIMXMLParser::TStateMultiReq : public TCIMXMLParser::TParseState {
 public:
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 };
 
 class TCIMXMLParser::TStateSimpleReq : public TCIMXMLParser::TParseState {
@@ -34,7 +34,7 @@ class TCIMXMLParser::TStateIParamValue : public TCIMXMLParser::TStateAnyWrapper 
 public:
     TStateIParamValue() : TStateAnyWrapper(eEither) {}
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     std::string fName;

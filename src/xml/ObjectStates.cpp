@@ -107,10 +107,10 @@ void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttribu
             HandleQualifierFlavor(attribute, &fFlavor);
 }
 
-void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser) {
     // A propagated qualifier is already there, inherited from the superclass.
     if (!fPropagated) LogMissing("TCIMXMLParser: Couldn't find qualifier ", fName, [this] { AddQualifier(); });
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 void TCIMXMLParser::TStateQualifier::AddQualifier() {
@@ -138,11 +138,11 @@ bool TCIMXMLParser::TStateAnyPropertyDecl::EnterQualifier(TCIMXMLParser& parser,
     return true;
 }
 
-void TCIMXMLParser::TStateAnyPropertyDecl::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateAnyPropertyDecl::EndElement(TCIMXMLParser& parser) {
     if (!fHasValue) SetNullValue(parser);
     fDeclaration->SetValue(fValue);
     if (AddUnlessPresent([this] { fDeclaration->AddToContainer(); })) fDeclaration.release();
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // (qualifier | value)*
@@ -236,10 +236,10 @@ void TCIMXMLParser::TStateProperty::HandleAttrs(TCIMXMLParser& parser, TAttribut
     });
 }
 
-void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser) {
     if (!fHasValue) fValue = TCIMValue(GetProperty().GetType(), 0);
     if (!parser.fTR907Mode || fValue.GetType() == GetProperty().GetType()) GetProperty().GetBody()->TakeValue(fValue);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // (qualifier | value.array)*
@@ -256,10 +256,10 @@ void TCIMXMLParser::TStatePropertyArray::HandleAttrs(TCIMXMLParser&, TAttributes
         HandleCommonAttr(attribute) || HandleCIMType(attribute, &fType) || HandleArraySize(attribute, &fArraySize);
 }
 
-void TCIMXMLParser::TStatePropertyArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStatePropertyArray::EndElement(TCIMXMLParser& parser) {
     if (!fHasValue) fValue = TCIMValue(ArrayOf(fType), fArraySize);
     SetPropertyValue();
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // (qualifier | value.reference)*
@@ -277,11 +277,11 @@ void TCIMXMLParser::TStatePropertyReference::HandleAttrs(TCIMXMLParser&, TAttrib
     fInstance.GetClass()->GetPropertyDecl(fName);  // raises if the class does not declare it
 }
 
-void TCIMXMLParser::TStatePropertyReference::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStatePropertyReference::EndElement(TCIMXMLParser& parser) {
     if (!fHasValue) {
         fValue = TCIMValue(TCIMValue::TCIMType::eCIMReference, 0);
         fValue.SetReferencedClass(*parser.fContainer->GetClass(fReferenceClass));
     }
     SetPropertyValue();
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }

@@ -38,7 +38,7 @@ public:
     explicit TStateQualifier(ICIMAllowQualifiers& target) : fTarget(target) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     void AddQualifier();
@@ -57,7 +57,7 @@ private:
 class TCIMXMLParser::TStateAnyPropertyDecl : public TCIMXMLParser::TParseState {
 public:
     explicit TStateAnyPropertyDecl(TCIMClass& cls) : fClass(cls) {}
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 protected:
     bool HandleCommonAttr(TAttribute attribute);
@@ -140,7 +140,7 @@ public:
     using TStateAnyProperty::TStateAnyProperty;
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TCIMProperty& GetProperty();
@@ -153,7 +153,7 @@ public:
     using TStateAnyProperty::TStateAnyProperty;
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TCIMValue::TCIMType fType = TCIMValue::TCIMType::eCIMNone;
@@ -165,7 +165,7 @@ public:
     using TStateAnyProperty::TStateAnyProperty;
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     std::string fReferenceClass;

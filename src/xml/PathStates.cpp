@@ -54,18 +54,18 @@ void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser
     parser.Enter<TStateNamespace>(attributes, fCurrent);
 }
 
-void TCIMXMLParser::TStateLocalNamespacePath::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateLocalNamespacePath::EndElement(TCIMXMLParser& parser) {
     if (!fSeen) parser.FatalError("Unexpected at least 1 NAMESPACE element");
     fNamespace += fCurrent;
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
-void TCIMXMLParser::TStateHost::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateHost::EndElement(TCIMXMLParser& parser) {
     const std::string& text = parser.fText;
     std::size_t length = text.size();
     while (length > 1 && IsBlank(text[length - 1])) --length;  // keeps the first byte, blank or not
     fHost.assign(text, 0, length);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 void TCIMXMLParser::TStateNamespace::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
@@ -173,12 +173,12 @@ void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser, TAttr
     }
 }
 
-void TCIMXMLParser::TStateInstanceName::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateInstanceName::EndElement(TCIMXMLParser& parser) {
     if (fHasReference)
         fReference = fValue.operator TCIMReference();
     else if (fHasKeyValue)
         BindFirstKey(parser);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 void TCIMXMLParser::TStateInstanceName::BindFirstKey(TCIMXMLParser& parser) {
@@ -205,12 +205,12 @@ void TCIMXMLParser::TStateKeyBinding::HandleAttrs(TCIMXMLParser&, TAttributes& a
         HandleCIMName(attribute, &fName);
 }
 
-void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateKeyBinding::EndElement(TCIMXMLParser& parser) {
     if (fIsReference)
         fReference.AddKeyValue(fName, fValue);
     else
         BindText(parser);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 void TCIMXMLParser::TStateKeyBinding::BindText(TCIMXMLParser& parser) {
@@ -226,9 +226,9 @@ void TCIMXMLParser::TStateKeyBinding::BindText(TCIMXMLParser& parser) {
         parser.FatalError("Class " + fClass->GetName() + " doesn't have any key properties");
 }
 
-void TCIMXMLParser::TStateKeyValue::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateKeyValue::EndElement(TCIMXMLParser& parser) {
     fText = parser.fText;
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // (instancepath | classpath)*

@@ -34,7 +34,7 @@ class TCIMXMLParser::TStateLocalNamespacePath : public TCIMXMLParser::TParseStat
 public:
     explicit TStateLocalNamespacePath(std::string& nameSpace) : fNamespace(nameSpace) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     std::string& fNamespace;
@@ -45,7 +45,7 @@ private:
 class TCIMXMLParser::TStateHost : public TCIMXMLParser::TParseState {
 public:
     TStateHost(TCIMXMLParser& parser, std::string& host) : fReader(parser), fHost(host) {}
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TTextReader fReader;
@@ -130,7 +130,7 @@ public:
     explicit TStateInstanceName(TCIMReference& reference) : fReference(reference) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     void BindFirstKey(TCIMXMLParser& parser);
@@ -149,7 +149,7 @@ public:
     TStateKeyBinding(TCIMClass* cls, TCIMReference& reference) : fClass(cls), fReference(reference) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     void BindText(TCIMXMLParser& parser);
@@ -165,7 +165,7 @@ private:
 class TCIMXMLParser::TStateKeyValue : public TCIMXMLParser::TParseState {
 public:
     TStateKeyValue(TCIMXMLParser& parser, std::string& text) : fReader(parser), fText(text) {}
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TTextReader fReader;

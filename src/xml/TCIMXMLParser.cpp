@@ -17,9 +17,7 @@ bool TakeText(TCIMXMLParser::TAttribute attribute, const char (&name)[kSize], st
 
 }  // namespace
 
-TCIMXMLParser::TCIMXMLParser(TContainer* container) : fContainer(container) {
-    fStates.push(boost::make_shared<TStateStart>());
-}
+TCIMXMLParser::TCIMXMLParser(TContainer* container) : fContainer(container) { Push<TStateStart>(); }
 
 TCIMXMLParser::~TCIMXMLParser() {
     while (!fStates.empty()) fStates.pop();  // children before parents, whose members they refer to
@@ -42,10 +40,10 @@ void TCIMXMLParser::StartElement(const char* name, TAttributes& attributes) {
     }
 }
 
-void TCIMXMLParser::EndElement(const char* name) {
+void TCIMXMLParser::EndElement(const char*) {
     if (fStates.empty()) return;
     try {
-        fStates.top()->EndElement(*this, LowerCase(name));
+        fStates.top()->EndElement(*this);
     } catch (const TKYRException& e) {
         ReportAndThrow(e);
     }
@@ -149,7 +147,7 @@ TCIMXMLParser::TParseState::~TParseState() = default;
 
 void TCIMXMLParser::TParseState::StartElement(TCIMXMLParser&, std::string&, TAttributes&) {}
 
-void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser, std::string&) {
+void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser) {
     if (!parser.fStates.empty()) parser.fStates.pop();
 }
 

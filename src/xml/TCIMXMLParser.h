@@ -14,6 +14,7 @@
 #include "kyr/TCIMQualifierDecl.h"
 #include "kyr/TCIMValue.h"
 #include "kyr/TKYRException.h"
+#include "xml/TStateMemory.h"
 #include "xml/TXmlParser.h"
 
 class ICIMAllowQualifiers;
@@ -71,7 +72,7 @@ protected:
 
         virtual void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes);
         /// Pops this state off the stack, which destroys it: the last call in every override.
-        virtual void EndElement(TCIMXMLParser& parser, std::string& name);
+        virtual void EndElement(TCIMXMLParser& parser);
         virtual void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes);
 
     protected:
@@ -137,8 +138,13 @@ protected:
     /// before.
     template <typename TState, typename... TArguments>
     void Enter(TAttributes& attributes, TArguments&&... arguments) {
-        fStates.push(boost::make_shared<TState>(std::forward<TArguments>(arguments)...));
+        Push<TState>(std::forward<TArguments>(arguments)...);
         fStates.top()->HandleAttrs(*this, attributes);
+    }
+    template <typename TState, typename... TArguments>
+    void Push(TArguments&&... arguments) {
+        const TStateAllocator<TState> allocator(fMemory);
+        fStates.push(boost::allocate_shared<TState>(allocator, std::forward<TArguments>(arguments)...));
     }
     /// Gives attributes to the state on top. For a child element without a state that is the parent's own state.
     void HandleAttrsOnTop(TAttributes& attributes);
@@ -159,6 +165,7 @@ protected:
     [[noreturn]] void Unexpected(const std::string& name);
     [[noreturn]] void Corrupt();
 
+    TStateMemory fMemory;  // of the states
     std::stack<boost::shared_ptr<TParseState>> fStates;
     TContainer* fContainer;
     std::vector<TCIMClass*> fClassesCollected;

@@ -18,10 +18,10 @@ void Grow(std::vector<TCIMValue>& values) {
 
 }  // namespace
 
-void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser) {
     TCIMValue value = parser.ParseValue(fType, parser.fText);
     TCIMValueTransfer::Assign(*fTarget, value);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // value*
@@ -32,9 +32,9 @@ void TCIMXMLParser::TStateValueArray::StartElement(TCIMXMLParser& parser, std::s
     parser.Enter<TStateValue>(attributes, parser, fElements.back(), fType);
 }
 
-void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser) {
     TCIMValueTransfer::SetArray(*fTarget, fType, fArraySize, fElements);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // (classpath | localclasspath | classname | instancepath | localinstancepath | instancename)*
@@ -65,10 +65,10 @@ void TCIMXMLParser::TStateValueReference::StartElement(TCIMXMLParser& parser, st
     parser.Unexpected(name);
 }
 
-void TCIMXMLParser::TStateValueReference::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateValueReference::EndElement(TCIMXMLParser& parser) {
     if (fIsClassRef && !fIsInstanceName) fReference.SetClassName(fClassName);
     fTarget->Set(fReference);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // value.reference*
@@ -79,7 +79,7 @@ void TCIMXMLParser::TStateValueRefArray::StartElement(TCIMXMLParser& parser, std
     parser.Enter<TStateValueReference>(attributes, fElements.back());
 }
 
-void TCIMXMLParser::TStateValueRefArray::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateValueRefArray::EndElement(TCIMXMLParser& parser) {
     TCIMValueTransfer::SetArray(*fTarget, TCIMValue::TCIMType::eCIMReference, 0, fElements);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }

@@ -8,7 +8,7 @@ class TCIMXMLParser::TStateValue : public TCIMXMLParser::TParseState {
 public:
     TStateValue(TCIMXMLParser& parser, TCIMValue& target, TCIMValue::TCIMType type)
         : fReader(parser), fTarget(&target), fType(type) {}
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TTextReader fReader;
@@ -21,7 +21,7 @@ public:
     TStateValueArray(TCIMValue& target, TCIMValue::TCIMType type, unsigned int arraySize)
         : fTarget(&target), fType(type), fArraySize(arraySize) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TCIMValue* fTarget;
@@ -34,7 +34,7 @@ class TCIMXMLParser::TStateValueReference : public TCIMXMLParser::TParseState {
 public:
     explicit TStateValueReference(TCIMValue& target) : fTarget(&target) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TCIMValue* fTarget;
@@ -50,7 +50,7 @@ class TCIMXMLParser::TStateValueRefArray : public TCIMXMLParser::TParseState {
 public:
     explicit TStateValueRefArray(TCIMValue& target) : fTarget(&target) {}
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 private:
     TCIMValue* fTarget;

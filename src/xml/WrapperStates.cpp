@@ -49,10 +49,10 @@ void TCIMXMLParser::TStateAnyWrapper::AddClass() {
     fClass = nullptr;
 }
 
-void TCIMXMLParser::TStateAnyWrapper::EndElement(TCIMXMLParser& parser, std::string& name) {
+void TCIMXMLParser::TStateAnyWrapper::EndElement(TCIMXMLParser& parser) {
     TCIMClass* const cls = AddToContainer(parser);
     if (cls != nullptr) parser.fClassesCollected.push_back(cls);
-    TParseState::EndElement(parser, name);
+    TParseState::EndElement(parser);
 }
 
 // class | (instancename, instance)

@@ -10,7 +10,7 @@ class TCIMXMLParser::TStateAnyWrapper : public TCIMXMLParser::TParseState {
 public:
     ~TStateAnyWrapper() override;
     void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
-    void EndElement(TCIMXMLParser& parser, std::string& name) override;
+    void EndElement(TCIMXMLParser& parser) override;
 
 protected:
     enum EObject { eNoObject = 0, eClass = 1, eInstance = 2, eEither = eClass | eInstance };

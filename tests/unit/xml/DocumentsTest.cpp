@@ -49,6 +49,27 @@ TEST_F(Documents, HoldObjectsInEveryKindOfGroup) {
     EXPECT_EQ(fCollected, std::vector<std::string>({"C1", "C2"}));
 }
 
+// More states than the reader keeps memory for, open when it fails and again when it succeeds.
+TEST_F(Documents, MayNestDeep) {
+    const std::string isTrue = " TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>";
+    ReadGroup(Class("Chain",
+                    "<QUALIFIER NAME='Association'" + isTrue + "<PROPERTY.REFERENCE NAME='Next' REFERENCECLASS=''>" +
+                        "<QUALIFIER NAME='Key'" + isTrue + "</PROPERTY.REFERENCE>",
+                    ""));
+    const auto nested = [](int depth, std::string reference) {
+        for (; depth != 0; --depth)
+            reference = "<VALUE.REFERENCE><INSTANCENAME CLASSNAME='Chain'><KEYBINDING NAME='Next'>" + reference +
+                        "</KEYBINDING></INSTANCENAME></VALUE.REFERENCE>";
+        return Instance("Chain", "<PROPERTY.REFERENCE NAME='Next'>" + reference + "</PROPERTY.REFERENCE>");
+    };
+    EXPECT_EQ(ReadGroup(nested(500, "<X/>")), "!Unexpected element x");
+    const std::string outcome =
+        ReadGroup(nested(10,
+                         "<VALUE.REFERENCE><INSTANCENAME CLASSNAME='A'><KEYVALUE>k</KEYVALUE></INSTANCENAME>"
+                         "</VALUE.REFERENCE>"));
+    EXPECT_THAT(outcome, testing::HasSubstr("Chain.Next=\"Chain.Next="));
+}
+
 // After a rename the path of an instance cannot be built any more, and the failure destroys the instance.
 TEST_F(Documents, AnInstanceMayBeConsumedByAFailure) {
     fContainer.GetClass("A")->GetPropertyDecl("Id")->SetName("Renamed");
