@@ -27,23 +27,34 @@ std::string_view FindTypeName(TType type) {
     return number < TType::eCIMArrayFlag ? kTypeNames[number].name : std::string_view();
 }
 
-/// eCIMNone if no type has this name.
-TType::ECIMType FindType(const std::string& name) {
-    int number = 0;
-    for (const TTypeName& type : kTypeNames) {
-        if (type.isReadable && name == type.name) return static_cast<TType::ECIMType>(number);
-        ++number;
+/// The first and last characters of the readable names give each of them a slot of its own.
+constexpr std::size_t SlotOf(std::string_view name) {
+    return (4u * static_cast<unsigned char>(name.front()) + static_cast<unsigned char>(name.back())) % 32;
+}
+
+struct TReadableTypes {
+    unsigned char slots[32] = {};
+
+    constexpr TReadableTypes() {
+        unsigned char number = 0;
+        for (const TTypeName& type : kTypeNames) {
+            if (type.isReadable) slots[SlotOf(type.name)] = number;
+            ++number;
+        }
     }
-    return TType::eCIMNone;
+};
+
+constexpr TReadableTypes kReadableTypes;
+
+/// eCIMNone if no readable type has this name.
+TType::ECIMType FindType(std::string_view name) {
+    if (name.empty()) return TType::eCIMNone;
+    const unsigned char number = kReadableTypes.slots[SlotOf(name)];
+    return name == kTypeNames[number].name ? static_cast<TType::ECIMType>(number) : TType::eCIMNone;
 }
 }  // namespace
 
-TCIMValue::TCIMType::TCIMType(std::string name) : fType(FindType(name)) {
-    if (fType != eCIMNone) return;
-    for (char& c : name) c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
-    fType = FindType(name);
-    if (fType == eCIMNone) throw TKYRException(kyrStatusTypeMismatch);
-}
+TCIMValue::TCIMType::TCIMType(std::string name) : fType(TypeOfName(name)) {}
 
 std::string TCIMValue::TCIMType::ToString() const {
     const std::string_view name = FindTypeName(fType);
@@ -54,3 +65,13 @@ std::string TCIMValue::TCIMType::ToString() const {
 std::ostream& operator<<(std::ostream& stream, const TCIMValue::TCIMType& type) { return stream << type.ToString(); }
 
 std::string TypeNameForLog(TCIMValue::TCIMType type) { return std::string(FindTypeName(type)); }
+
+TCIMValue::TCIMType::ECIMType TypeOfName(const std::string& name) {
+    TType::ECIMType type = FindType(name);
+    if (type != TType::eCIMNone) return type;
+    std::string lowered = name;
+    for (char& c : lowered) c = static_cast<char>(tolower(static_cast<unsigned char>(c)));
+    type = FindType(lowered);
+    if (type == TType::eCIMNone) throw TKYRException(kyrStatusTypeMismatch);
+    return type;
+}

@@ -7,5 +7,7 @@
 
 /// The name of a type for the log. Empty where TCIMType::ToString raises.
 std::string TypeNameForLog(TCIMValue::TCIMType type);
+/// What TCIMType(name) is, without a copy of the name.
+TCIMValue::TCIMType::ECIMType TypeOfName(const std::string& name);
 
 #endif

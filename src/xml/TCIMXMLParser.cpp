@@ -3,6 +3,7 @@
 #include "kyr/TCIMDateTime.h"
 #include "kyr/TKYRException.h"
 #include "model/NumberText.h"
+#include "model/TypeName.h"
 #include "platform/CoreLog.h"
 #include "xml/DocumentStates.h"
 
@@ -97,7 +98,7 @@ bool TCIMXMLParser::HandleCIMName(TAttribute attribute, std::string* target) {
 
 bool TCIMXMLParser::HandleCIMType(TAttribute attribute, TCIMValue::TCIMType* target) {
     if (!Is(attribute->first, "type")) return false;
-    *target = TCIMValue::TCIMType(attribute->second);
+    *target = TypeOfName(attribute->second);
     return true;
 }
 

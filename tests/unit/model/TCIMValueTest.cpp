@@ -1,5 +1,6 @@
 #include "kyr/TCIMValue.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -95,12 +96,28 @@ TEST_F(TCIMValueTest, NamesAndNumbersTypes) {
         if (StatusOf([&] { texts << type << ' '; }) == kyrStatusTypeMismatch) texts << "- ";
         if (number < 1 || number == TType::eCIMChar || number >= TType::eCIMReference) continue;
         std::string name = type.ToString();
+        EXPECT_EQ(TType(name), number) << name;
         name[1] = static_cast<char>(toupper(name[1]));
         EXPECT_EQ(TType(name), number) << name;
     }
     EXPECT_EQ(texts.str(), "- - " + names + "- " + names + "- - ");
     for (const std::string none : {"", "char", "reference", "uint8 ", "uint", "uint8[]"})
         EXPECT_EQ(StatusOf([&] { TType{none}; }), kyrStatusTypeMismatch) << none;
+}
+
+TEST_F(TCIMValueTest, NoNamesButThoseOfTypesAreRead) {
+    TLines names;
+    for (int number = TType::eCIMBoolean; number < TType::eCIMReference; ++number)
+        if (number != TType::eCIMChar) names.push_back(TType(static_cast<TType::ECIMType>(number)).ToString());
+    for (const std::string& original : names)
+        for (size_t i = 0; i < original.size(); ++i)
+            for (int byte = 0; byte < 256; ++byte) {
+                std::string name = original;
+                name[i] = static_cast<char>(byte);
+                const bool isRead = StatusOf([&] { TType{name}; }) == kyrStatusOK;
+                name[i] = static_cast<char>(tolower(byte));
+                EXPECT_EQ(isRead, std::count(names.begin(), names.end(), name) != 0) << name;
+            }
 }
 
 TEST_F(TCIMValueTest, PrintsInEightTenAndSixteen) {
