@@ -4,13 +4,23 @@
 
 #include "model/TCIMQualifierImpl.h"
 #include "model/TContainerImpl.h"
+#include "model/TSmallObject.h"
+
+namespace {
+
+template <typename... TArguments>
+boost::shared_ptr<TCIMQualifierImpl> MakeBody(const TArguments&... arguments) {
+    return boost::allocate_shared<TCIMQualifierImpl>(TSmallObjectAllocator<TCIMQualifierImpl>(), arguments...);
+}
+
+}  // namespace
 
 TCIMQualifier::TCIMQualifier(const TCIMQualifierDecl& declaration, const TCIMValue& value)
     : TCIMQualifier(declaration, value, declaration.GetFlavor()) {}
 TCIMQualifier::TCIMQualifier(const TCIMQualifierDecl& declaration, const TCIMValue& value,
                              TCIMQualifierDecl::EFlavor flavor)
-    : fBody(boost::make_shared<TCIMQualifierImpl>(declaration, value, flavor)) {}
-TCIMQualifier::TCIMQualifier(const TCIMQualifier& other) : fBody(boost::make_shared<TCIMQualifierImpl>(*other.fBody)) {}
+    : fBody(MakeBody(declaration, value, flavor)) {}
+TCIMQualifier::TCIMQualifier(const TCIMQualifier& other) : fBody(MakeBody(*other.fBody)) {}
 TCIMQualifier::~TCIMQualifier() = default;
 
 const std::string& TCIMQualifier::GetName() const { return GetDeclaration().GetName(); }

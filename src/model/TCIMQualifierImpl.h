@@ -2,11 +2,19 @@
 #define KYR_MODEL_TCIMQUALIFIERIMPL_H
 
 #include "kyr/TCIMQualifier.h"
+#include "model/TCIMValueTransfer.h"
 
 class TCIMQualifierImpl {
 public:
     TCIMQualifierImpl(const TCIMQualifierDecl& declaration, const TCIMValue& value, TCIMQualifierDecl::EFlavor flavor)
         : fDeclaration(&declaration), fValue(value), fFlavor(flavor) {}
+    /// Copies all but the mark of adoption.
+    TCIMQualifierImpl(const TCIMQualifierImpl& other)
+        : fDeclaration(other.fDeclaration),
+          fValue(other.fValue),
+          fFlavor(other.fFlavor),
+          fPropagated(other.fPropagated) {}
+    TCIMQualifierImpl& operator=(const TCIMQualifierImpl&) = delete;
 
     static TCIMQualifierImpl& Of(const TCIMQualifier& handle) { return *handle.fBody; }
     /// The value itself; GetValue copies it.
@@ -22,12 +30,17 @@ public:
     void SetValue(const TCIMValue& value);
     void SetFlavor(TCIMQualifierDecl::EFlavor flavor);
     void UnsetFlavor(TCIMQualifierDecl::EFlavor flavor);
+    /// Gives a new qualifier its value, and may move the content.
+    void TakeValue(TCIMValue& value) { TCIMValueTransfer::Assign(fValue, value); }
+    bool IsAdopted() const { return fAdopted; }
+    void SetAdopted() { fAdopted = true; }
 
 private:
     const TCIMQualifierDecl* fDeclaration;  // the container's; must outlive the qualifier
     TCIMValue fValue;
     TCIMQualifierDecl::EFlavor fFlavor;
     bool fPropagated = false;
+    bool fAdopted = false;  // a carrier owns the qualifier
 };
 
 #endif

@@ -13,6 +13,11 @@ bool IsEqual(const TCIMQualifier& a, const TCIMQualifier& b) {
     return !(TCIMQualifierImpl::ValueOf(a) != TCIMQualifierImpl::ValueOf(b)) && a.GetFlavor() == b.GetFlavor();
 }
 
+boost::shared_ptr<TCIMQualifier> Adopt(TCIMQualifier* qualifier) {
+    TCIMQualifierImpl::Of(*qualifier).SetAdopted();
+    return {qualifier, boost::checked_deleter<TCIMQualifier>(), TSmallObjectAllocator<TCIMQualifier>()};
+}
+
 }  // namespace
 
 void TQualifierMap::Add(TCIMQualifier& qualifier) {
@@ -29,11 +34,11 @@ void TQualifierMap::Add(TCIMQualifier& qualifier) {
         }
         Erase(existing);
     }
-    Insert(std::string(name.View()), &qualifier);
+    Insert(name.View(), &qualifier);
 }
 
-void TQualifierMap::Insert(const std::string& name, TCIMQualifier* qualifier) {
-    const auto ret = fMap.emplace(name, boost::shared_ptr<TCIMQualifier>(qualifier));
+void TQualifierMap::Insert(std::string_view name, TCIMQualifier* qualifier) {
+    const auto ret = fMap.emplace(name, Adopt(qualifier));
     assert(ret.second);
     if (name == "key") fKey = qualifier;
 }
@@ -70,7 +75,7 @@ void TQualifierMap::InheritFrom(const TQualifierMap& superClass) {
     for (const auto& entry : superClass.fMap) {
         const TCIMQualifier& inherited = *entry.second;
         if ((inherited.GetFlavor() & TCIMQualifierDecl::eFlavorToSubclass) == 0) continue;
-        boost::shared_ptr<TCIMQualifier> copy(new TCIMQualifier(inherited));
+        const boost::shared_ptr<TCIMQualifier> copy = Adopt(new TCIMQualifier(inherited));
         copy->SetPropagated(true);
         const TNormalizedName name(copy->GetName());
         const auto ret = fMap.emplace(name.View(), copy);

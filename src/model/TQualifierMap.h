@@ -4,7 +4,11 @@
 #include <boost/shared_ptr.hpp>
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
+
+#include "model/TSmallObject.h"
 
 class TCIMQualifier;
 
@@ -22,9 +26,10 @@ public:
     const TCIMQualifier* GetKey() const { return fKey; }
 
 private:
-    using TMap = std::map<std::string, boost::shared_ptr<TCIMQualifier>, std::less<>>;
+    using TEntry = std::pair<const std::string, boost::shared_ptr<TCIMQualifier>>;
+    using TMap = std::map<std::string, boost::shared_ptr<TCIMQualifier>, std::less<>, TSmallObjectAllocator<TEntry>>;
 
-    void Insert(const std::string& name, TCIMQualifier* qualifier);
+    void Insert(std::string_view name, TCIMQualifier* qualifier);
     void Erase(TMap::iterator entry);
 
     TMap fMap;

@@ -17,4 +17,26 @@ public:
     static void operator delete(void* object, std::size_t size) noexcept;
 };
 
+/// Makes small objects of the nodes of a standard container, and of what a shared pointer needs.
+template <typename T>
+class TSmallObjectAllocator {
+public:
+    using value_type = T;
+
+    TSmallObjectAllocator() = default;
+    template <typename TOther>
+    TSmallObjectAllocator(const TSmallObjectAllocator<TOther>&) {}
+
+    T* allocate(std::size_t count) { return static_cast<T*>(TSmallObject::operator new(count * sizeof(T))); }
+    void deallocate(T* objects, std::size_t count) { TSmallObject::operator delete(objects, count * sizeof(T)); }
+    template <typename TOther>
+    bool operator==(const TSmallObjectAllocator<TOther>&) const {
+        return true;
+    }
+    template <typename TOther>
+    bool operator!=(const TSmallObjectAllocator<TOther>&) const {
+        return false;
+    }
+};
+
 #endif

@@ -8,6 +8,7 @@
 #include "kyr/TContainer.h"
 #include "model/TCIMInstanceImpl.h"
 #include "model/TCIMPropertyImpl.h"
+#include "model/TCIMQualifierImpl.h"
 #include "platform/CoreLog.h"
 #include "xml/ValueStates.h"
 
@@ -115,10 +116,15 @@ void TCIMXMLParser::TStateQualifier::EndElement(TCIMXMLParser& parser) {
 
 void TCIMXMLParser::TStateQualifier::AddQualifier() {
     if (!fHasValue) fValue = TCIMValue(fDeclaration->GetType(), 0);
-    std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(*fDeclaration, fValue, fFlavor));
+    std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(*fDeclaration, TCIMValue(), fFlavor));
+    TCIMQualifierImpl::Of(*qualifier).TakeValue(fValue);
     fTarget.AddQualifier(*qualifier);
-    // An equal qualifier may have been kept instead, and then this one is still ours.
-    if (fTarget.GetQualifier(qualifier->GetName()) == qualifier.get()) qualifier.release();
+    if (IsAdopted(*qualifier)) qualifier.release();
+}
+
+/// False if an equal qualifier was kept instead. A carrier of the host's may own it without the core's knowing.
+bool TCIMXMLParser::TStateQualifier::IsAdopted(const TCIMQualifier& qualifier) const {
+    return TCIMQualifierImpl::Of(qualifier).IsAdopted() || fTarget.GetQualifier(qualifier.GetName()) == &qualifier;
 }
 
 bool TCIMXMLParser::TStateAnyPropertyDecl::HandleCommonAttr(TAttribute attribute) {

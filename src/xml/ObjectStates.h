@@ -7,6 +7,7 @@
 #include "xml/TCIMXMLParser.h"
 
 class TCIMProperty;
+class TCIMQualifier;
 
 // TStateClass and TStateInstance store the object in a pointer of the wrapper state below them, which owns it.
 
@@ -42,6 +43,7 @@ public:
 
 private:
     void AddQualifier();
+    bool IsAdopted(const TCIMQualifier& qualifier) const;
 
     ICIMAllowQualifiers& fTarget;
     std::string fName;

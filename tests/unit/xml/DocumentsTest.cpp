@@ -1,7 +1,61 @@
 // What of reading documents takes more to tell than a text and its outcome in cases/.
+#include <random>
+
 #include "ReaderSupport.h"
+#include "support/ContainerText.h"
 
 namespace {
+
+/// A host's classes, which attach copies of the qualifiers and leave to the reader what it made.
+struct TCopyingContainer : TContainer {
+    struct TCopyingClass : TCIMClass {
+        using TCIMClass::TCIMClass;
+        void AddQualifier(TCIMQualifier& qualifier) override {
+            auto copy = std::make_unique<TCIMQualifier>(qualifier);
+            TCIMClass::AddQualifier(*copy);
+            if (GetQualifier(copy->GetName()) == copy.get()) copy.release();
+        }
+    };
+    TCIMClass* AllocateClass(const std::string& name, TCIMClass* superclass) const override {
+        return new TCopyingClass(const_cast<TCopyingContainer&>(*this), name, superclass);
+    }
+};
+
+/// A host's classes, which own their qualifiers themselves.
+struct TOwningContainer : TContainer {
+    struct TOwningClass : TCIMClass {
+        using TCIMClass::TCIMClass;
+        void AddQualifier(TCIMQualifier& qualifier) override { fOwned.emplace_back(&qualifier); }
+        TCIMQualifier* GetQualifier(const std::string&) const override { return fOwned.back().get(); }
+        std::vector<std::unique_ptr<TCIMQualifier>> fOwned;
+    };
+    TCIMClass* AllocateClass(const std::string& name, TCIMClass* superclass) const override {
+        return new TOwningClass(const_cast<TOwningContainer&>(*this), name, superclass);
+    }
+};
+
+/// Declarations of qualifiers, and abstract classes that carry them in any combination, refused ones among them.
+std::string RandomQualifiers(unsigned int seed) {
+    std::mt19937 dice(seed);
+    const auto one = [&](std::vector<std::string> texts) { return texts[dice() % texts.size()]; };
+    const auto flavor = [&] { return one({"", "", " OVERRIDABLE='false'", " TOSUBCLASS='false'"}); };
+    std::string text = "<QUALIFIER.DECLARATION NAME='Abstract' TYPE='boolean'/>";
+    for (const char* name : {"One", "Two", "Three"})
+        text += std::string("<QUALIFIER.DECLARATION NAME='") + name + "' TYPE='string'" + flavor() + "/>";
+    const char* const kAbstract = "<QUALIFIER NAME='Abstract' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>";
+    for (const char* name : {"A", "B", "C"}) {
+        std::string qualifiers = kAbstract;
+        for (int i = 0; i < 4; ++i)
+            qualifiers += "<QUALIFIER NAME='" + one({"One", "TWO", "three"}) + "' TYPE='" +
+                          one({"string", "string", "uint8", "real64"}) + "'" + flavor() +
+                          one({"", " PROPAGATED='true'"}) + ">" +
+                          one({"", "<VALUE>1</VALUE>", "<VALUE>a longer text than fits in a string</VALUE>",
+                               "<VALUE.ARRAY><VALUE>1</VALUE><VALUE>2</VALUE></VALUE.ARRAY>", "<VALUE>nan</VALUE>"}) +
+                          "</QUALIFIER>";
+        text += Class(name, qualifiers, name[0] == 'A' ? "" : "A");
+    }
+    return "<CIM><DECLARATION><DECLGROUP>" + text + "</DECLGROUP></DECLARATION></CIM>";
+}
 
 using Documents = ReaderTest;
 
@@ -68,6 +122,40 @@ TEST_F(Documents, MayNestDeep) {
                          "<VALUE.REFERENCE><INSTANCENAME CLASSNAME='A'><KEYVALUE>k</KEYVALUE></INSTANCENAME>"
                          "</VALUE.REFERENCE>"));
     EXPECT_THAT(outcome, testing::HasSubstr("Chain.Next=\"Chain.Next="));
+}
+
+class QualifiersOfHosts : public LoggedTest {
+protected:
+    template <typename TAnyContainer>
+    std::string Read(std::string document) {
+        TAnyContainer container;
+        document.insert(0, 1, '\0');
+        const std::string status = Outcome([&] { TCIMXMLParser(&container).Parse(&document[1]); });
+        return status + "\n" + TextOf(container);
+    }
+};
+
+TEST_F(QualifiersOfHosts, AreTheSameWhoeverOwnsThem) {
+    unsigned int refused = 0;
+    for (unsigned int seed = 0; seed < 500; ++seed) {
+        const std::string outcome = Read<TContainer>(RandomQualifiers(seed));
+        refused += outcome[0] != '\n';
+        ASSERT_EQ(Read<TCopyingContainer>(RandomQualifiers(seed)), outcome) << seed;
+    }
+    EXPECT_GT(refused, 50u);
+    EXPECT_LT(refused, 450u);
+}
+
+TEST_F(QualifiersOfHosts, AreLeftToTheHostThatOwnsThem) {
+    const std::string text = "<QUALIFIER NAME='Text' TYPE='string'><VALUE>text</VALUE></QUALIFIER>";
+    const std::string key = "<QUALIFIER NAME='Key' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>";
+    const std::string outcome = Read<TOwningContainer>(
+        "<CIM><DECLARATION><DECLGROUP><QUALIFIER.DECLARATION NAME='Text' TYPE='string'/>"
+        "<QUALIFIER.DECLARATION NAME='Key' TYPE='boolean'/>" +
+        Class("C", text + text + "<PROPERTY NAME='P' TYPE='string'>" + key + "</PROPERTY>", "") +
+        "</DECLGROUP></DECLARATION></CIM>");
+    EXPECT_THAT(outcome, testing::StartsWith("\n"));
+    EXPECT_THAT(outcome, testing::HasSubstr("class C : <root>\n declares P"));
 }
 
 // After a rename the path of an instance cannot be built any more, and the failure destroys the instance.
