@@ -52,8 +52,9 @@ void TCIMXMLParser::EndElement(const char*) {
 
 void TCIMXMLParser::processingInstruction(const char*, const char*) {}
 
-void TCIMXMLParser::characters(const char* text, unsigned int) {
-    if (fTextReaders != 0) fText.append(text);
+// The reference "&#0;" is a NUL of length 1, and adds nothing.
+void TCIMXMLParser::characters(const char* text, unsigned int length) {
+    if (fTextReaders != 0 && *text != '\0') fText.append(text, length);
 }
 
 void TCIMXMLParser::notationDecl(const char*, const char*, const char*) {}

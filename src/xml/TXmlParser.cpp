@@ -1,9 +1,9 @@
 #include "xml/TXmlParser.h"
 
+#include <ctype.h>
 #include <emmintrin.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <utility>
 
@@ -41,17 +41,36 @@ int Compare(std::string_view a, std::string_view b) {
     return a.compare(b);
 }
 
-/// Finds the next '<', '&' or NUL, sixteen bytes at a time while the text is long enough.
-char* FindMarkup(char* next, const char* end) {
+__m128i Load(const char* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
+
+__m128i Equal(__m128i bytes, char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); }
+
+/// Finds the next '<', '&', NUL or the given character, sixteen bytes at a time while the text is long enough. Near its
+/// end it may find a character before that, which is of none of the given kind.
+inline char* FindNext(char* next, const char* end, char wanted, EByteClass others) {
     for (; end - next >= 16; next += 16) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(next));
-        const __m128i found = _mm_or_si128(
-            _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('<')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('&'))),
-            _mm_cmpeq_epi8(bytes, _mm_setzero_si128()));
+        const __m128i bytes = Load(next);
+        const __m128i found = _mm_or_si128(_mm_or_si128(Equal(bytes, '<'), Equal(bytes, '&')),
+                                           _mm_or_si128(Equal(bytes, '\0'), Equal(bytes, wanted)));
         const int mask = _mm_movemask_epi8(found);
         if (mask != 0) return next + __builtin_ctz(static_cast<unsigned int>(mask));
     }
-    return SkipAll(next, eText);
+    return SkipAll(next, others);
+}
+
+char* FindMarkup(char* next, const char* end) { return FindNext(next, end, '<', eText); }
+
+/// True if both texts begin with the same length bytes. They lie before the end; the first one holds no NUL.
+inline bool IsSameName(const char* name, const char* other, std::size_t length, const char* end) {
+    if (length > 16 || end - other < 16) return strncmp(other, name, length) == 0;
+    const int same = _mm_movemask_epi8(_mm_cmpeq_epi8(Load(name), Load(other)));
+    return (~same & ((1 << length) - 1)) == 0;
+}
+
+/// text = replacement, by a shorter way through the library.
+void Replace(std::string& text, std::string_view replacement) {
+    text.clear();
+    text.append(replacement);
 }
 
 struct TEntity {
@@ -66,12 +85,6 @@ bool BeginsAnEntity(std::string_view read) {
                        [&](const TEntity& entity) { return entity.name.substr(0, read.size()) == read; });
 }
 
-const char* FindEntity(std::string_view read) {
-    for (const TEntity& entity : kEntities)
-        if (entity.name == read) return entity.text;
-    return nullptr;
-}
-
 int DigitOf(char c, int base) {
     if (c >= '0' && c <= '9') return c - '0';
     if (base == 16 && c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -81,7 +94,11 @@ int DigitOf(char c, int base) {
 }  // namespace
 
 TXmlParser::TXmlParser() {
-    for (int c = 0; c < 256; ++c) fLower[c] = static_cast<char>(tolower(c));
+    const int* const lower = *__ctype_tolower_loc();  // the table of tolower, by the host's locale
+    for (int c = 0; c < 256; ++c) {
+        fLower[c] = static_cast<char>(lower[c]);
+        fLowerInName[c] = kBytes.Is(static_cast<char>(c), eName) ? fLower[c] : '\0';
+    }
 }
 
 TXmlParser::~TXmlParser() = default;
@@ -229,7 +246,7 @@ bool TXmlParser::ParseElement() {
 
 bool TXmlParser::ParseContent() {
     for (;;) {
-        ParseCharData();
+        if (*fNext != '<') ParseCharData();
         if (*fNext != '<') return Refuse("Unexpected character where element expected");
         const char kind = fNext[1];
         if (kind == '/') break;
@@ -243,7 +260,7 @@ bool TXmlParser::ParseContent() {
 
 bool TXmlParser::ParseElementEnd(const char* name, std::size_t length) {
     const char* const endName = fNext;
-    const bool isSame = strncmp(endName, name, length) == 0;
+    const bool isSame = IsSameName(name, endName, length, fEnd);
     if (isSame && endName[length] == '>') {
         fNext += length + 1;
         return true;
@@ -269,7 +286,7 @@ bool TXmlParser::ParseAttributes(TAttributes& attributes) {
 
 bool TXmlParser::ParseAttribute(TAttributes& attributes) {
     char* const name = fNext;
-    if (!ValidateName()) return false;
+    if (!ParseAttributeName()) return false;
     char* const nameEnd = fNext;
     fNext = SkipAll(fNext, eBlank);
     if (GetChar() != '=') return Refuse("Unexpected character between attribute name and value");
@@ -280,7 +297,6 @@ bool TXmlParser::ParseAttribute(TAttributes& attributes) {
     if (!SkipToQuote(static_cast<char>(quote))) return false;
     char* const valueEnd = fNext - 1;
 
-    for (char* c = name; c != nameEnd; ++c) *c = ToLower(*c);
     const TAttribute attribute = {{name, static_cast<std::size_t>(nameEnd - name)},
                                   {value, static_cast<std::size_t>(valueEnd - value)}};
     if (TakeAttribute(attributes, attribute)) return true;
@@ -288,9 +304,17 @@ bool TXmlParser::ParseAttribute(TAttributes& attributes) {
     return Refuse("Attribute appears twice");
 }
 
+/// ValidateName, which also turns the name into lower case.
+bool TXmlParser::ParseAttributeName() {
+    if (!kBytes.Is(*fNext, eNameStart)) return ValidateName();
+    while (const char lower = fLowerInName[static_cast<unsigned char>(*fNext)]) *fNext++ = lower;
+    if (*fNext == '\0') UngetChar();
+    return true;
+}
+
 bool TXmlParser::SkipToQuote(char quote) {
     for (;;) {
-        fNext = SkipAll(fNext, eValue);
+        fNext = FindNext(fNext, fEnd, quote, eValue);
         // Compatibility: without a closing quote this loops forever at the NUL; see docs/oddities.md. The read is
         // volatile, because a compiler may remove an endless loop that has no effect.
         const char end = *const_cast<const volatile char*>(fNext);
@@ -326,7 +350,7 @@ void TXmlParser::FillAttributes(TAttributes& attributes) {
         if (old == attributes.end() || order != 0)
             InsertAttribute(attributes, old, *attribute);
         else
-            (old++)->second.assign(attribute->value);
+            Replace((old++)->second, attribute->value);
     }
     while (old != attributes.end()) fSpareNodes.push_back(attributes.extract(old++));
 }
@@ -365,14 +389,20 @@ bool TXmlParser::ParseText() {
 }
 
 void TXmlParser::ParseReference() {
+    if (SkipName("#")) return ParseNumericReference();
+    for (const TEntity& entity : kEntities)
+        if (SkipName(entity.name)) return characters(entity.text, 1);
     char read[8];
-    for (std::size_t length = 0;;) {
-        read[length++] = ToLower(GetChar());
-        const std::string_view name(read, length);
-        if (name == "#") return ParseNumericReference();
-        if (const char* text = FindEntity(name)) return characters(text, 1);
-        if (!BeginsAnEntity(name)) return FatalError("Unknown entity reference");
-    }
+    for (std::size_t length = 0; BeginsAnEntity({read, length});) read[length++] = ToLower(GetChar());
+    FatalError("Unknown entity reference");
+}
+
+/// Moves behind the name if it stands here in any case.
+bool TXmlParser::SkipName(std::string_view name) {
+    for (std::size_t i = 0; i < name.size(); ++i)
+        if (ToLower(fNext[i]) != name[i]) return false;
+    fNext += name.size();
+    return true;
 }
 
 void TXmlParser::ParseNumericReference() {

@@ -73,12 +73,14 @@ private:
     bool ParseContent();
     void ParseReference();
     void ParseNumericReference();
+    bool SkipName(std::string_view name);
     void InsertAttribute(TAttributes& attributes, TAttributes::iterator hint, const TAttribute& attribute);
 
     // Inline, because they are called for every element and the calls would show in the time of a document.
     inline TAttributes& AttributesOfLevel();
     inline bool ParseAttributes(TAttributes& attributes);
     inline bool ParseAttribute(TAttributes& attributes);
+    inline bool ParseAttributeName();
     inline bool SkipToQuote(char quote);
     inline bool TakeAttribute(TAttributes& attributes, const TAttribute& attribute);
     inline void FillAttributes(TAttributes& attributes);
@@ -88,6 +90,7 @@ private:
     inline void ShowByte(char* position, char byte);
 
     char fLower[256];
+    char fLowerInName[256];      // NUL for what is not part of a name
     const char* fEnd = nullptr;  // the NUL at the end of the text
     // One map for each nesting level. The next element of a level reuses the map with its nodes.
     std::vector<std::unique_ptr<TAttributes>> fLevels;

@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <clocale>
 #include <csignal>
+#include <random>
 #include <stdexcept>
+
+#include "support/OddLocale.h"
 
 namespace {
 
@@ -148,6 +151,14 @@ TEST(TXmlParser, GoesOnAsFarAsItCanWhenARefusalReturns) {
     }, "", false);
 }
 
+TEST(TXmlParser, LowersAttributeNamesAsTheLocaleSays) {
+    const TOddLocale locale;
+    ExpectOutcomes({
+        {"<ID a.b_9=2 \xFD=1></ID>", {"<ID I='1' A.b_9='2'/>"}},
+        {"<a>[>][&]</a>", {"<a>&GT;&AMP;</a>"}},
+    });
+}
+
 // A line end right behind the name of an open element is not counted below it.
 TEST(TXmlParser, CountsLinesWithoutTheLineEndsThatNamesHide) {
     ExpectOutcomes({
@@ -193,6 +204,46 @@ TEST(TXmlParser, TakesManyAttributesAndStillFindsTheRepeatedOne) {
     EXPECT_EQ(std::count(events.begin(), events.end(), '='), 100);
     EXPECT_NE(EventsOf(element + " n7='x'/>").find("!Attribute appears twice"), std::string::npos);
     EXPECT_NE(EventsOf(element + " n99='x'/>").find("!Attribute appears twice"), std::string::npos);
+}
+
+/// An element with all that may stand in one, sometimes wrong, but with every quote closed.
+std::string RandomElement(std::mt19937& dice, int depth) {
+    const auto one = [&](std::vector<std::string> texts) { return texts[dice() % texts.size()]; };
+    const auto anything = [&](const std::string& without) {
+        std::string text;
+        for (auto length = dice() % 40; length != 0; --length) {
+            const char c = dice() % 8 == 0 ? static_cast<char>(dice()) : "abc XYZ.-\n"[dice() % 10];
+            if (c != '\0' && without.find(c) == std::string::npos) text += c;
+        }
+        return text;
+    };
+    const std::string name = one({"a", "Bc", "VALUE", "PROPERTY.REFERENCE", "A.long_name:with-Everything.in.it"});
+    std::string text = "<" + name;
+    for (const char* attribute : {"Name", "TYPE", "x", "Superclass"}) {
+        const std::string quote = one({"'", "\""});
+        if (dice() % 2 == 0) text += one({" ", "\n", "\t "}) + attribute + "=" + quote + anything("<&" + quote) + quote;
+    }
+    text += ">";
+    for (auto children = dice() % 4; children != 0; --children) {
+        text +=
+            one({anything("<&"), "&lt;", "&QUOT;", "&#65;", "&#0;", "<!-- c -->", "\n", dice() % 40 == 0 ? "&x;" : ""});
+        if (depth != 0) text += RandomElement(dice, depth - 1);
+    }
+    return text + "</" + name + one({"", "", "", "", " ", "x", dice() % 40 == 0 ? "?" : ""}) + ">";
+}
+
+// Most of a document is read in blocks, its end byte by byte.
+TEST(TXmlParser, ReadsTheEndAsAllTheRest) {
+    std::mt19937 dice;
+    size_t refused = 0;
+    for (int i = 0; i < 5000; ++i) {
+        const std::string document = RandomElement(dice, i % 3);
+        const std::string events = EventsOf(document);
+        ASSERT_EQ(EventsOf(document + std::string(64, ' ')), events) << testing::PrintToString(document);
+        refused += events.find('!') != std::string::npos;
+    }
+    EXPECT_GT(refused, 100u);
+    EXPECT_LT(refused, 4000u);
 }
 
 TEST(TXmlParser, OffersItsStepsOneByOne) {
