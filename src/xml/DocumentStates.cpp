@@ -7,16 +7,16 @@
 #include "xml/WrapperStates.h"
 
 // cim
-void TCIMXMLParser::TStateStart::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "cim")) return parser.Enter<TStateCIM>(attributes);
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateStart::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eCIM) return parser.Enter<TStateCIM>(attributes);
+    parser.Unexpected();
 }
 
 // (declaration | message)*
-void TCIMXMLParser::TStateCIM::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "declaration")) return parser.Enter<TStateDeclaration>(attributes);
-    if (Is(name, "message")) return parser.Enter<TStateMessage>(attributes);
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateCIM::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eDeclaration) return parser.Enter<TStateDeclaration>(attributes);
+    if (element == EElement::eMessage) return parser.Enter<TStateMessage>(attributes);
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateCIM::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
@@ -27,68 +27,70 @@ void TCIMXMLParser::TStateCIM::HandleAttrs(TCIMXMLParser& parser, TAttributes& a
 }
 
 // (declgroup | declgroup.withname | declgroup.withpath)*
-void TCIMXMLParser::TStateDeclaration::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "declgroup")) return parser.Enter<TStateDeclGroup>(attributes);
-    if (Is(name, "declgroup.withname")) return parser.Enter<TStateDeclGroupWithName>(attributes);
-    if (Is(name, "declgroup.withpath")) return parser.Enter<TStateDeclGroupWithPath>(attributes);
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateDeclaration::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eDeclGroup) return parser.Enter<TStateDeclGroup>(attributes);
+    if (element == EElement::eDeclGroupWithName) return parser.Enter<TStateDeclGroupWithName>(attributes);
+    if (element == EElement::eDeclGroupWithPath) return parser.Enter<TStateDeclGroupWithPath>(attributes);
+    parser.Unexpected();
 }
 
 // (namespacepath | localnamespacepath)?, qualifier.declaration*, object*
-void TCIMXMLParser::TStateDeclGroup::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateDeclGroup::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     switch (fPhase) {
         case 0:
             fPhase = 1;
-            if (Is(name, "namespacepath")) return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
-            if (Is(name, "localnamespacepath")) return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
+            if (element == EElement::eNamespacePath)
+                return parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
+            if (element == EElement::eLocalNamespacePath)
+                return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
             [[fallthrough]];
         case 1:
-            if (Is(name, "qualifier.declaration")) return parser.Enter<TStateQualifierDeclaration>(attributes);
+            if (element == EElement::eQualifierDeclaration) return parser.Enter<TStateQualifierDeclaration>(attributes);
             fPhase = 2;
             [[fallthrough]];
         case 2:
-            if (EnterObject(parser, name, attributes)) return;
-            parser.Unexpected(name);
+            if (EnterObject(parser, element, attributes)) return;
+            parser.Unexpected();
         default:
             parser.Corrupt();
     }
 }
 
-bool TCIMXMLParser::TStateDeclGroup::EnterObject(TCIMXMLParser& parser, const std::string& name,
-                                                 TAttributes& attributes) {
-    if (!Is(name, "value.object")) return false;
+bool TCIMXMLParser::TStateDeclGroup::EnterObject(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eValueObject) return false;
     parser.Enter<TStateValueObject>(attributes);
     return true;
 }
 
-bool TCIMXMLParser::TStateDeclGroupWithName::EnterObject(TCIMXMLParser& parser, const std::string& name,
+bool TCIMXMLParser::TStateDeclGroupWithName::EnterObject(TCIMXMLParser& parser, EElement element,
                                                          TAttributes& attributes) {
-    if (!Is(name, "value.namedobject")) return false;
+    if (element != EElement::eValueNamedObject) return false;
     parser.Enter<TStateValueNamedObject>(attributes);
     return true;
 }
 
 // (value.objectwithpath | value.objectwithlocalpath)*
-void TCIMXMLParser::TStateDeclGroupWithPath::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStateDeclGroupWithPath::StartElement(TCIMXMLParser& parser, EElement element,
                                                           TAttributes& attributes) {
-    if (Is(name, "value.objectwithpath")) return parser.Enter<TStateValueObjectWithPath>(attributes);
-    if (Is(name, "value.objectwithlocalpath")) return parser.Enter<TStateValueObjectWithLocalPath>(attributes);
-    parser.Unexpected(name);
+    if (element == EElement::eValueObjectWithPath) return parser.Enter<TStateValueObjectWithPath>(attributes);
+    if (element == EElement::eValueObjectWithLocalPath) return parser.Enter<TStateValueObjectWithLocalPath>(attributes);
+    parser.Unexpected();
 }
 
 // nothing | scope, (value | value.array)*
-void TCIMXMLParser::TStateQualifierDeclaration::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStateQualifierDeclaration::StartElement(TCIMXMLParser& parser, EElement element,
                                                              TAttributes& attributes) {
     switch (fPhase) {
         case 0:
-            if (!Is(name, "scope")) parser.FatalError("Expected SCOPE element");
+            if (element != EElement::eScope) parser.FatalError("Expected SCOPE element");
             fPhase = 1;
             return parser.Enter<TStateScope>(attributes, *this);
         case 1:
             fHasValue = true;
-            if (Is(name, "value")) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
-            if (Is(name, "value.array")) return parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
-            parser.Unexpected(name);
+            if (element == EElement::eValue) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
+            if (element == EElement::eValueArray)
+                return parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+            parser.Unexpected();
         default:
             parser.Corrupt();
     }

@@ -5,27 +5,27 @@
 
 class TCIMXMLParser::TStateStart : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateCIM : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateDeclaration : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateDeclGroup : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
 protected:
     /// Enters a child that holds an object; false if this group does not allow this element.
-    virtual bool EnterObject(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes);
+    virtual bool EnterObject(TCIMXMLParser& parser, EElement element, TAttributes& attributes);
 
 private:
     // Read to check the syntax only; all objects go into the one container.
@@ -35,17 +35,17 @@ private:
 
 class TCIMXMLParser::TStateDeclGroupWithName : public TCIMXMLParser::TStateDeclGroup {
 protected:
-    bool EnterObject(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterObject(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateDeclGroupWithPath : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateQualifierDeclaration : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 

@@ -3,10 +3,10 @@
 #include "xml/PathStates.h"
 
 // (simplereq | multireq)*
-void TCIMXMLParser::TStateMessage::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "simplereq")) return parser.Enter<TStateSimpleReq>(attributes);
-    if (Is(name, "multireq")) return parser.Enter<TStateMultiReq>(attributes);
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateMessage::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eSimpleReq) return parser.Enter<TStateSimpleReq>(attributes);
+    if (element == EElement::eMultiReq) return parser.Enter<TStateMultiReq>(attributes);
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateMessage::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
@@ -15,9 +15,9 @@ void TCIMXMLParser::TStateMessage::HandleAttrs(TCIMXMLParser& parser, TAttribute
 }
 
 // simplereq, simplereq+
-void TCIMXMLParser::TStateMultiReq::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateMultiReq::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     if (fPhase < 0 || fPhase > 2) parser.Corrupt();
-    if (!Is(name, "simplereq")) parser.Unexpected(name);
+    if (element != EElement::eSimpleReq) parser.Unexpected();
     if (fPhase != 2) ++fPhase;
     parser.Enter<TStateSimpleReq>(attributes);
 }
@@ -28,25 +28,25 @@ void TCIMXMLParser::TStateMultiReq::EndElement(TCIMXMLParser& parser) {
 }
 
 // imethodcall*
-void TCIMXMLParser::TStateSimpleReq::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "imethodcall")) return parser.Enter<TStateIMethodCall>(attributes);
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateSimpleReq::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eIMethodCall) return parser.Enter<TStateIMethodCall>(attributes);
+    parser.Unexpected();
 }
 
 // nothing | localnamespacepath, iparamvalue*
-void TCIMXMLParser::TStateIMethodCall::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateIMethodCall::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     switch (fPhase) {
         case 0:
-            if (!Is(name, "localnamespacepath")) break;
+            if (element != EElement::eLocalNamespacePath) break;
             fPhase = 1;
             return parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
         case 1:
-            if (Is(name, "iparamvalue")) return parser.Enter<TStateIParamValue>(attributes);
+            if (element == EElement::eIParamValue) return parser.Enter<TStateIParamValue>(attributes);
             break;
         default:
             parser.Corrupt();
     }
-    parser.Unexpected(name);
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateIMethodCall::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {

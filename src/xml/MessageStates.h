@@ -5,24 +5,24 @@
 
 class TCIMXMLParser::TStateMessage : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateMultiReq : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 };
 
 class TCIMXMLParser::TStateSimpleReq : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 };
 
 class TCIMXMLParser::TStateIMethodCall : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 private:

@@ -28,23 +28,24 @@ void LogMissing(const char* text, const std::string& name, TAction&& action) {
 }  // namespace
 
 // qualifier*, (property | property.array | property.reference)*, method*
-void TCIMXMLParser::TStateClass::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateClass::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     switch (fPhase) {
         case 0:
-            if (Is(name, "qualifier")) return parser.Enter<TStateQualifier>(attributes, **fOut);
+            if (element == EElement::eQualifier) return parser.Enter<TStateQualifier>(attributes, **fOut);
             fPhase = 1;
             [[fallthrough]];
         case 1:
-            if (Is(name, "property")) return parser.Enter<TStatePropertyDecl>(attributes, **fOut);
-            if (Is(name, "property.array")) return parser.Enter<TStatePropertyArrayDecl>(attributes, **fOut);
-            if (Is(name, "property.reference")) return parser.Enter<TStatePropertyReferenceDecl>(attributes, **fOut);
+            if (element == EElement::eProperty) return parser.Enter<TStatePropertyDecl>(attributes, **fOut);
+            if (element == EElement::ePropertyArray) return parser.Enter<TStatePropertyArrayDecl>(attributes, **fOut);
+            if (element == EElement::ePropertyReference)
+                return parser.Enter<TStatePropertyReferenceDecl>(attributes, **fOut);
             fPhase = 2;
             [[fallthrough]];
         case 2:
             // Compatibility: METHOD has no state, so that its attributes replace the class by an empty one named like
             // the method; see docs/oddities.md.
-            if (Is(name, "method")) return parser.HandleAttrsOnTop(attributes);
-            parser.Unexpected(name);
+            if (element == EElement::eMethod) return parser.HandleAttrsOnTop(attributes);
+            parser.Unexpected();
         default:
             parser.Corrupt();
     }
@@ -60,18 +61,19 @@ void TCIMXMLParser::TStateClass::HandleAttrs(TCIMXMLParser& parser, TAttributes&
 }
 
 // qualifier*, (property | property.array | property.reference)*
-void TCIMXMLParser::TStateInstance::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateInstance::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     switch (fPhase) {
         case 0:
             // Compatibility: QUALIFIER has no state here and makes the instance anew; see docs/oddities.md.
-            if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
+            if (element == EElement::eQualifier) return parser.HandleAttrsOnTop(attributes);
             fPhase = 1;
             [[fallthrough]];
         case 1:
-            if (Is(name, "property")) return parser.Enter<TStateProperty>(attributes, **fOut);
-            if (Is(name, "property.array")) return parser.Enter<TStatePropertyArray>(attributes, **fOut);
-            if (Is(name, "property.reference")) return parser.Enter<TStatePropertyReference>(attributes, **fOut);
-            parser.Unexpected(name);
+            if (element == EElement::eProperty) return parser.Enter<TStateProperty>(attributes, **fOut);
+            if (element == EElement::ePropertyArray) return parser.Enter<TStatePropertyArray>(attributes, **fOut);
+            if (element == EElement::ePropertyReference)
+                return parser.Enter<TStatePropertyReference>(attributes, **fOut);
+            parser.Unexpected();
         default:
             parser.Corrupt();
     }
@@ -89,11 +91,11 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser, TAttribut
 }
 
 // (value | value.array)*
-void TCIMXMLParser::TStateQualifier::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateQualifier::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     fHasValue = true;
-    if (Is(name, "value")) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
-    if (Is(name, "value.array")) return parser.Enter<TStateValueArray>(attributes, fValue, fType, 0u);
-    parser.Unexpected(name);
+    if (element == EElement::eValue) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
+    if (element == EElement::eValueArray) return parser.Enter<TStateValueArray>(attributes, fValue, fType, 0u);
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateQualifier::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
@@ -137,9 +139,9 @@ void TCIMXMLParser::TStateAnyPropertyDecl::MakeDeclaration() {
     fDeclaration.reset(new TCIMPropertyDecl(fName, fClass, TCIMValue()));
 }
 
-bool TCIMXMLParser::TStateAnyPropertyDecl::EnterQualifier(TCIMXMLParser& parser, const std::string& name,
+bool TCIMXMLParser::TStateAnyPropertyDecl::EnterQualifier(TCIMXMLParser& parser, EElement element,
                                                           TAttributes& attributes) {
-    if (!Is(name, "qualifier")) return false;
+    if (element != EElement::eQualifier) return false;
     parser.Enter<TStateQualifier>(attributes, *fDeclaration);
     return true;
 }
@@ -152,10 +154,9 @@ void TCIMXMLParser::TStateAnyPropertyDecl::EndElement(TCIMXMLParser& parser) {
 }
 
 // (qualifier | value)*
-void TCIMXMLParser::TStatePropertyDecl::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                     TAttributes& attributes) {
-    if (EnterQualifier(parser, name, attributes)) return;
-    if (!Is(name, "value")) parser.Unexpected(name);
+void TCIMXMLParser::TStatePropertyDecl::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (EnterQualifier(parser, element, attributes)) return;
+    if (element != EElement::eValue) parser.Unexpected();
     fHasValue = true;
     parser.Enter<TStateValue>(attributes, parser, fValue, fType);
 }
@@ -169,10 +170,10 @@ void TCIMXMLParser::TStatePropertyDecl::HandleAttrs(TCIMXMLParser&, TAttributes&
 void TCIMXMLParser::TStatePropertyDecl::SetNullValue(TCIMXMLParser&) { fValue = TCIMValue(fType, 0); }
 
 // (qualifier | value.array)*
-void TCIMXMLParser::TStatePropertyArrayDecl::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStatePropertyArrayDecl::StartElement(TCIMXMLParser& parser, EElement element,
                                                           TAttributes& attributes) {
-    if (EnterQualifier(parser, name, attributes)) return;
-    if (!Is(name, "value.array")) parser.Unexpected(name);
+    if (EnterQualifier(parser, element, attributes)) return;
+    if (element != EElement::eValueArray) parser.Unexpected();
     fHasValue = true;
     parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
 }
@@ -188,10 +189,10 @@ void TCIMXMLParser::TStatePropertyArrayDecl::SetNullValue(TCIMXMLParser&) {
 }
 
 // (qualifier | value.reference)*
-void TCIMXMLParser::TStatePropertyReferenceDecl::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStatePropertyReferenceDecl::StartElement(TCIMXMLParser& parser, EElement element,
                                                               TAttributes& attributes) {
-    if (EnterQualifier(parser, name, attributes)) return;
-    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    if (EnterQualifier(parser, element, attributes)) return;
+    if (element != EElement::eValueReference) parser.Unexpected();
     fHasValue = true;
     parser.Enter<TStateValueReference>(attributes, fValue);
 }
@@ -224,9 +225,9 @@ TCIMProperty& TCIMXMLParser::TStateProperty::GetProperty() {
 // (qualifier | value)*
 // Compatibility: QUALIFIER has no state here. Its attributes are taken for those of the property, and its end tag ends
 // the property. See docs/oddities.md.
-void TCIMXMLParser::TStateProperty::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
-    if (!Is(name, "value")) parser.Unexpected(name);
+void TCIMXMLParser::TStateProperty::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eQualifier) return parser.HandleAttrsOnTop(attributes);
+    if (element != EElement::eValue) parser.Unexpected();
     fHasValue = true;
     parser.Enter<TStateValue>(attributes, parser, fValue, GetProperty().GetType());
 }
@@ -249,10 +250,10 @@ void TCIMXMLParser::TStateProperty::EndElement(TCIMXMLParser& parser) {
 }
 
 // (qualifier | value.array)*
-void TCIMXMLParser::TStatePropertyArray::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStatePropertyArray::StartElement(TCIMXMLParser& parser, EElement element,
                                                       TAttributes& attributes) {
-    if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
-    if (!Is(name, "value.array")) parser.Unexpected(name);
+    if (element == EElement::eQualifier) return parser.HandleAttrsOnTop(attributes);
+    if (element != EElement::eValueArray) parser.Unexpected();
     fHasValue = true;
     parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
 }
@@ -269,10 +270,10 @@ void TCIMXMLParser::TStatePropertyArray::EndElement(TCIMXMLParser& parser) {
 }
 
 // (qualifier | value.reference)*
-void TCIMXMLParser::TStatePropertyReference::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStatePropertyReference::StartElement(TCIMXMLParser& parser, EElement element,
                                                           TAttributes& attributes) {
-    if (Is(name, "qualifier")) return parser.HandleAttrsOnTop(attributes);
-    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    if (element == EElement::eQualifier) return parser.HandleAttrsOnTop(attributes);
+    if (element != EElement::eValueReference) parser.Unexpected();
     fHasValue = true;
     parser.Enter<TStateValueReference>(attributes, fValue);
 }

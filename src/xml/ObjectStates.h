@@ -14,7 +14,7 @@ class TCIMQualifier;
 class TCIMXMLParser::TStateClass : public TCIMXMLParser::TParseState {
 public:
     explicit TStateClass(TCIMClass** out) : fOut(out) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 private:
@@ -26,7 +26,7 @@ private:
 class TCIMXMLParser::TStateInstance : public TCIMXMLParser::TParseState {
 public:
     explicit TStateInstance(TCIMInstance** out) : fOut(out) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 private:
@@ -37,7 +37,7 @@ private:
 class TCIMXMLParser::TStateQualifier : public TCIMXMLParser::TParseState {
 public:
     explicit TStateQualifier(ICIMAllowQualifiers& target) : fTarget(target) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
@@ -64,7 +64,7 @@ public:
 protected:
     bool HandleCommonAttr(TAttribute attribute);
     void MakeDeclaration();
-    bool EnterQualifier(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes);
+    bool EnterQualifier(TCIMXMLParser& parser, EElement element, TAttributes& attributes);
     virtual void SetNullValue(TCIMXMLParser& parser) = 0;
 
     TCIMValue fValue;
@@ -81,7 +81,7 @@ private:
 class TCIMXMLParser::TStatePropertyDecl : public TCIMXMLParser::TStateAnyPropertyDecl {
 public:
     using TStateAnyPropertyDecl::TStateAnyPropertyDecl;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 protected:
@@ -94,7 +94,7 @@ private:
 class TCIMXMLParser::TStatePropertyArrayDecl : public TCIMXMLParser::TStateAnyPropertyDecl {
 public:
     using TStateAnyPropertyDecl::TStateAnyPropertyDecl;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 protected:
@@ -108,7 +108,7 @@ private:
 class TCIMXMLParser::TStatePropertyReferenceDecl : public TCIMXMLParser::TStateAnyPropertyDecl {
 public:
     using TStateAnyPropertyDecl::TStateAnyPropertyDecl;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 protected:
@@ -140,7 +140,7 @@ private:
 class TCIMXMLParser::TStateProperty : public TCIMXMLParser::TStateAnyProperty {
 public:
     using TStateAnyProperty::TStateAnyProperty;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
@@ -153,7 +153,7 @@ private:
 class TCIMXMLParser::TStatePropertyArray : public TCIMXMLParser::TStateAnyProperty {
 public:
     using TStateAnyProperty::TStateAnyProperty;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
@@ -165,7 +165,7 @@ private:
 class TCIMXMLParser::TStatePropertyReference : public TCIMXMLParser::TStateAnyProperty {
 public:
     using TStateAnyProperty::TStateAnyProperty;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 

@@ -16,39 +16,37 @@ bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
 }  // namespace
 
-void TCIMXMLParser::TStateTwoElements::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateTwoElements::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     const int position = fPhase++;
-    if (position == 0 && EnterFirst(parser, name, attributes)) return;
-    if (position == 1 && EnterSecond(parser, name, attributes)) return;
-    parser.Unexpected(name);
+    if (position == 0 && EnterFirst(parser, element, attributes)) return;
+    if (position == 1 && EnterSecond(parser, element, attributes)) return;
+    parser.Unexpected();
 }
 
 // host, localnamespacepath
-void TCIMXMLParser::TStateNamespacePath::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStateNamespacePath::StartElement(TCIMXMLParser& parser, EElement element,
                                                       TAttributes& attributes) {
     // Compatibility: a third child is refused in other words than elsewhere; see docs/oddities.md.
     if (fPhase == 2) parser.Corrupt();
-    TStateTwoElements::StartElement(parser, name, attributes);
+    TStateTwoElements::StartElement(parser, element, attributes);
 }
 
-bool TCIMXMLParser::TStateNamespacePath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
-                                                    TAttributes& attributes) {
-    if (!Is(name, "host")) return false;
+bool TCIMXMLParser::TStateNamespacePath::EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eHost) return false;
     parser.Enter<TStateHost>(attributes, parser, fHost);
     return true;
 }
 
-bool TCIMXMLParser::TStateNamespacePath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
-                                                     TAttributes& attributes) {
-    if (!Is(name, "localnamespacepath")) return false;
+bool TCIMXMLParser::TStateNamespacePath::EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eLocalNamespacePath) return false;
     parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
     return true;
 }
 
 // namespace+
-void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStateLocalNamespacePath::StartElement(TCIMXMLParser& parser, EElement element,
                                                            TAttributes& attributes) {
-    if (!Is(name, "namespace")) parser.Unexpected(name);
+    if (element != EElement::eNamespace) parser.Unexpected();
     fSeen = true;
     fNamespace += fCurrent;
     parser.Enter<TStateNamespace>(attributes, fCurrent);
@@ -74,38 +72,35 @@ void TCIMXMLParser::TStateNamespace::HandleAttrs(TCIMXMLParser&, TAttributes& at
 }
 
 // namespacepath, classname
-bool TCIMXMLParser::TStateClassPath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
-                                                TAttributes& attributes) {
-    if (!Is(name, "namespacepath")) return false;
+bool TCIMXMLParser::TStateClassPath::EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eNamespacePath) return false;
     parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
     return true;
 }
 
-bool TCIMXMLParser::TStateClassPath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
-                                                 TAttributes& attributes) {
-    if (!Is(name, "classname")) return false;
+bool TCIMXMLParser::TStateClassPath::EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eClassName) return false;
     parser.Enter<TStateClassName>(attributes, fClassName);
     return true;
 }
 
 // localnamespacepath, classname
-bool TCIMXMLParser::TStateLocalClassPath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
-                                                     TAttributes& attributes) {
-    if (!Is(name, "localnamespacepath")) return false;
+bool TCIMXMLParser::TStateLocalClassPath::EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eLocalNamespacePath) return false;
     parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
     return true;
 }
 
-bool TCIMXMLParser::TStateLocalClassPath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+bool TCIMXMLParser::TStateLocalClassPath::EnterSecond(TCIMXMLParser& parser, EElement element,
                                                       TAttributes& attributes) {
-    if (!Is(name, "classname")) return false;
+    if (element != EElement::eClassName) return false;
     parser.Enter<TStateClassName>(attributes, fClassName);
     return true;
 }
 
 // nothing
-void TCIMXMLParser::TStateClassName::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes&) {
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateClassName::StartElement(TCIMXMLParser& parser, EElement, TAttributes&) {
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
@@ -114,54 +109,51 @@ void TCIMXMLParser::TStateClassName::HandleAttrs(TCIMXMLParser&, TAttributes& at
 }
 
 // namespacepath, instancename
-bool TCIMXMLParser::TStateInstancePath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
-                                                   TAttributes& attributes) {
-    if (!Is(name, "namespacepath")) return false;
+bool TCIMXMLParser::TStateInstancePath::EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eNamespacePath) return false;
     parser.Enter<TStateNamespacePath>(attributes, fHost, fNamespace);
     return true;
 }
 
-bool TCIMXMLParser::TStateInstancePath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
-                                                    TAttributes& attributes) {
-    if (!Is(name, "instancename")) return false;
+bool TCIMXMLParser::TStateInstancePath::EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eInstanceName) return false;
     parser.Enter<TStateInstanceName>(attributes, fReference);
     return true;
 }
 
 // localnamespacepath, instancename
-bool TCIMXMLParser::TStateLocalInstancePath::EnterFirst(TCIMXMLParser& parser, const std::string& name,
+bool TCIMXMLParser::TStateLocalInstancePath::EnterFirst(TCIMXMLParser& parser, EElement element,
                                                         TAttributes& attributes) {
-    if (!Is(name, "localnamespacepath")) return false;
+    if (element != EElement::eLocalNamespacePath) return false;
     parser.Enter<TStateLocalNamespacePath>(attributes, fNamespace);
     return true;
 }
 
-bool TCIMXMLParser::TStateLocalInstancePath::EnterSecond(TCIMXMLParser& parser, const std::string& name,
+bool TCIMXMLParser::TStateLocalInstancePath::EnterSecond(TCIMXMLParser& parser, EElement element,
                                                          TAttributes& attributes) {
-    if (!Is(name, "instancename")) return false;
+    if (element != EElement::eInstanceName) return false;
     parser.Enter<TStateInstanceName>(attributes, fReference);
     return true;
 }
 
 // keybinding* | keyvalue | value.reference
-void TCIMXMLParser::TStateInstanceName::StartElement(TCIMXMLParser& parser, std::string& name,
-                                                     TAttributes& attributes) {
+void TCIMXMLParser::TStateInstanceName::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     if (fPhase < 0 || fPhase > 2) parser.Corrupt();
-    if (fPhase != 2 && Is(name, "keybinding")) {
+    if (fPhase != 2 && element == EElement::eKeyBinding) {
         fPhase = 1;
         return parser.Enter<TStateKeyBinding>(attributes, fClass, fReference);
     }
-    if (fPhase == 0 && Is(name, "keyvalue")) {
+    if (fPhase == 0 && element == EElement::eKeyValue) {
         fPhase = 2;
         fHasKeyValue = true;
         return parser.Enter<TStateKeyValue>(attributes, parser, fKeyText);
     }
-    if (fPhase == 0 && Is(name, "value.reference")) {
+    if (fPhase == 0 && element == EElement::eValueReference) {
         fPhase = 2;
         fHasReference = true;
         return parser.Enter<TStateValueReference>(attributes, fValue);
     }
-    parser.Unexpected(name);
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateInstanceName::HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) {
@@ -193,9 +185,9 @@ void TCIMXMLParser::TStateInstanceName::BindFirstKey(TCIMXMLParser& parser) {
 }
 
 // (keyvalue | value.reference)*
-void TCIMXMLParser::TStateKeyBinding::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "keyvalue")) return parser.Enter<TStateKeyValue>(attributes, parser, fKeyText);
-    if (!Is(name, "value.reference")) parser.Unexpected(name);
+void TCIMXMLParser::TStateKeyBinding::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eKeyValue) return parser.Enter<TStateKeyValue>(attributes, parser, fKeyText);
+    if (element != EElement::eValueReference) parser.Unexpected();
     fIsReference = true;
     parser.Enter<TStateValueReference>(attributes, fValue);
 }
@@ -232,8 +224,10 @@ void TCIMXMLParser::TStateKeyValue::EndElement(TCIMXMLParser& parser) {
 }
 
 // (instancepath | classpath)*
-void TCIMXMLParser::TStateObjectPath::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (Is(name, "instancepath")) return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
-    if (Is(name, "classpath")) return parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
-    parser.Unexpected(name);
+void TCIMXMLParser::TStateObjectPath::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element == EElement::eInstancePath)
+        return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
+    if (element == EElement::eClassPath)
+        return parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
+    parser.Unexpected();
 }

@@ -9,22 +9,22 @@
 /// An element whose content is two elements in a fixed order.
 class TCIMXMLParser::TStateTwoElements : public TCIMXMLParser::TParseState {
 public:
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
 private:
     /// Each enters the child with this name; false if another one must stand here.
-    virtual bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) = 0;
-    virtual bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) = 0;
+    virtual bool EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) = 0;
+    virtual bool EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) = 0;
 };
 
 class TCIMXMLParser::TStateNamespacePath : public TCIMXMLParser::TStateTwoElements {
 public:
     TStateNamespacePath(std::string& host, std::string& nameSpace) : fHost(host), fNamespace(nameSpace) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
 private:
-    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
-    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string& fHost;
     std::string& fNamespace;
@@ -33,7 +33,7 @@ private:
 class TCIMXMLParser::TStateLocalNamespacePath : public TCIMXMLParser::TParseState {
 public:
     explicit TStateLocalNamespacePath(std::string& nameSpace) : fNamespace(nameSpace) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
 private:
@@ -67,8 +67,8 @@ public:
         : fHost(host), fNamespace(nameSpace), fClassName(className) {}
 
 private:
-    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
-    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string& fHost;
     std::string& fNamespace;
@@ -81,8 +81,8 @@ public:
         : fNamespace(nameSpace), fClassName(className) {}
 
 private:
-    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
-    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string& fNamespace;
     std::string& fClassName;
@@ -91,7 +91,7 @@ private:
 class TCIMXMLParser::TStateClassName : public TCIMXMLParser::TParseState {
 public:
     explicit TStateClassName(std::string& name) : fName(name) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
 
 private:
@@ -104,8 +104,8 @@ public:
         : fHost(host), fNamespace(nameSpace), fReference(reference) {}
 
 private:
-    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
-    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string& fHost;
     std::string& fNamespace;
@@ -118,8 +118,8 @@ public:
         : fNamespace(nameSpace), fReference(reference) {}
 
 private:
-    bool EnterFirst(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
-    bool EnterSecond(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    bool EnterFirst(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
+    bool EnterSecond(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string& fNamespace;
     TCIMReference& fReference;
@@ -128,7 +128,7 @@ private:
 class TCIMXMLParser::TStateInstanceName : public TCIMXMLParser::TParseState {
 public:
     explicit TStateInstanceName(TCIMReference& reference) : fReference(reference) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
@@ -147,7 +147,7 @@ private:
 class TCIMXMLParser::TStateKeyBinding : public TCIMXMLParser::TParseState {
 public:
     TStateKeyBinding(TCIMClass* cls, TCIMReference& reference) : fClass(cls), fReference(reference) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
@@ -176,7 +176,7 @@ class TCIMXMLParser::TStateObjectPath : public TCIMXMLParser::TParseState {
 public:
     TStateObjectPath(std::string& host, std::string& nameSpace, TCIMReference& reference, const std::string& className)
         : fHost(host), fNamespace(nameSpace), fReference(reference), fClassName(className) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
 private:
     std::string& fHost;

@@ -9,6 +9,8 @@
 
 namespace {
 
+std::size_t Byte(char c) { return static_cast<unsigned char>(c); }
+
 template <std::size_t kSize>
 bool TakeText(TCIMXMLParser::TAttribute attribute, const char (&name)[kSize], std::string* target) {
     if (!Is(attribute->first, name)) return false;
@@ -24,10 +26,23 @@ TCIMXMLParser::~TCIMXMLParser() {
     while (!fStates.empty()) fStates.pop();  // children before parents, whose members they refer to
 }
 
-std::string& TCIMXMLParser::LowerCase(const char* name) {
-    fName.resize(strlen(name));
-    for (char& c : fName) c = ToLower(*name++);
-    return fName;
+std::string TCIMXMLParser::LowerCase(const char* name) const {
+    std::string lower = name;
+    for (char& c : lower) c = ToLower(c);
+    return lower;
+}
+
+EElement TCIMXMLParser::ElementOf(const char* name) {
+    const std::size_t length = strlen(name);
+    if (length == 0 || length > TWrittenName::kLongest) return EElement::eUnknown;  // longer than all known ones
+    // Numbers that give the usual names places of their own.
+    const std::size_t place = 3 * (Byte(name[0]) + Byte(name[length - 1])) + 19 * length;
+    TWrittenName& written = fWrittenNames[place % std::size(fWrittenNames)];
+    if (written.length == length && memcmp(written.text, name, length) == 0) return written.element;
+    written.element = FindElement(LowerCase(name));
+    written.length = length;
+    memcpy(written.text, name, length);
+    return written.element;
 }
 
 // A child element without a state of its own has an end tag all the same, which pops its parent. The stack is then
@@ -35,7 +50,8 @@ std::string& TCIMXMLParser::LowerCase(const char* name) {
 void TCIMXMLParser::StartElement(const char* name, TAttributes& attributes) {
     if (fStates.empty()) return;
     try {
-        fStates.top()->StartElement(*this, LowerCase(name), attributes);
+        fName = name;
+        fStates.top()->StartElement(*this, ElementOf(name), attributes);
     } catch (const TKYRException& e) {
         ReportAndThrow(e);
     }
@@ -68,7 +84,7 @@ void TCIMXMLParser::FatalError(const char* message) {
 
 void TCIMXMLParser::FatalError(const std::string& message) { FatalError(message.c_str()); }
 
-void TCIMXMLParser::Unexpected(const std::string& name) { FatalError("Unexpected element " + name); }
+void TCIMXMLParser::Unexpected() { FatalError("Unexpected element " + LowerCase(fName)); }
 
 void TCIMXMLParser::Corrupt() { FatalError("Parser state corrupt"); }
 
@@ -147,7 +163,7 @@ bool TCIMXMLParser::HandleQualifierFlavor(TAttribute attribute, TCIMQualifierDec
 
 TCIMXMLParser::TParseState::~TParseState() = default;
 
-void TCIMXMLParser::TParseState::StartElement(TCIMXMLParser&, std::string&, TAttributes&) {}
+void TCIMXMLParser::TParseState::StartElement(TCIMXMLParser&, EElement, TAttributes&) {}
 
 void TCIMXMLParser::TParseState::EndElement(TCIMXMLParser& parser) {
     if (!parser.fStates.empty()) parser.fStates.pop();

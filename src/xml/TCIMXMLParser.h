@@ -14,6 +14,7 @@
 #include "kyr/TCIMQualifierDecl.h"
 #include "kyr/TCIMValue.h"
 #include "kyr/TKYRException.h"
+#include "xml/ElementName.h"
 #include "xml/TStateMemory.h"
 #include "xml/TXmlParser.h"
 
@@ -70,7 +71,7 @@ protected:
         TParseState& operator=(const TParseState&) = delete;
         virtual ~TParseState();
 
-        virtual void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes);
+        virtual void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes);
         /// Pops this state off the stack, which destroys it: the last call in every override.
         virtual void EndElement(TCIMXMLParser& parser);
         virtual void HandleAttrs(TCIMXMLParser& parser, TAttributes& attributes);
@@ -162,11 +163,12 @@ protected:
     }
 
     [[noreturn]] void FatalError(const std::string& message);
-    [[noreturn]] void Unexpected(const std::string& name);
+    /// Refuses the element that is being started.
+    [[noreturn]] void Unexpected();
     [[noreturn]] void Corrupt();
 
     TStateMemory fMemory;  // of the states
-    std::stack<boost::shared_ptr<TParseState>> fStates;
+    std::stack<boost::shared_ptr<TParseState>, std::vector<boost::shared_ptr<TParseState>>> fStates;
     TContainer* fContainer;
     std::vector<TCIMClass*> fClassesCollected;
     std::string fText;
@@ -188,11 +190,22 @@ private:
         unsigned int& fCount;
     };
 
-    std::string& LowerCase(const char* name);
+    /// The name of an element as it was written. Most are written alike, so that few names have to be lower-cased.
+    struct TWrittenName {
+        static constexpr std::size_t kLongest = 32;
+
+        EElement element = EElement::eUnknown;
+        std::size_t length = 0;
+        char text[kLongest];
+    };
+
+    std::string LowerCase(const char* name) const;
+    EElement ElementOf(const char* name);
     [[noreturn]] void ReportAndThrow(const TKYRException& e);
 
     unsigned int fTextReaders = 0;
-    std::string fName;  // of the current element, in lower case
+    const char* fName = "";  // of the element that is being started, as written
+    TWrittenName fWrittenNames[64];
 };
 
 /// Compares a name with a literal.

@@ -25,8 +25,8 @@ void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser) {
 }
 
 // value*
-void TCIMXMLParser::TStateValueArray::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
-    if (!Is(name, "value")) parser.Unexpected(name);
+void TCIMXMLParser::TStateValueArray::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
+    if (element != EElement::eValue) parser.Unexpected();
     if (fElements.size() == fElements.capacity()) Grow(fElements);
     fElements.emplace_back(fType, 0);
     parser.Enter<TStateValue>(attributes, parser, fElements.back(), fType);
@@ -40,29 +40,31 @@ void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser) {
 // (classpath | localclasspath | classname | instancepath | localinstancepath | instancename)*
 // Compatibility: within a path the reference has no container, so that the document is refused; only CLASSNAME and
 // INSTANCENAME work. See docs/oddities.md.
-void TCIMXMLParser::TStateValueReference::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStateValueReference::StartElement(TCIMXMLParser& parser, EElement element,
                                                        TAttributes& attributes) {
-    if (Is(name, "instancename")) {
+    if (element == EElement::eInstanceName) {
         fReference.SetContainer(parser.fContainer);
         fIsInstanceName = true;
         return parser.Enter<TStateInstanceName>(attributes, fReference);
     }
-    if (Is(name, "instancepath")) return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
-    if (Is(name, "localinstancepath")) return parser.Enter<TStateLocalInstancePath>(attributes, fNamespace, fReference);
-    if (Is(name, "classname")) {
+    if (element == EElement::eInstancePath)
+        return parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
+    if (element == EElement::eLocalInstancePath)
+        return parser.Enter<TStateLocalInstancePath>(attributes, fNamespace, fReference);
+    if (element == EElement::eClassName) {
         fReference.SetContainer(parser.fContainer);
         fIsClassRef = true;
         return parser.Enter<TStateClassName>(attributes, fClassName);
     }
-    if (Is(name, "classpath")) {
+    if (element == EElement::eClassPath) {
         fIsClassRef = true;
         return parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
     }
-    if (Is(name, "localclasspath")) {
+    if (element == EElement::eLocalClassPath) {
         fIsClassRef = true;
         return parser.Enter<TStateLocalClassPath>(attributes, fNamespace, fClassName);
     }
-    parser.Unexpected(name);
+    parser.Unexpected();
 }
 
 void TCIMXMLParser::TStateValueReference::EndElement(TCIMXMLParser& parser) {
@@ -72,9 +74,9 @@ void TCIMXMLParser::TStateValueReference::EndElement(TCIMXMLParser& parser) {
 }
 
 // value.reference*
-void TCIMXMLParser::TStateValueRefArray::StartElement(TCIMXMLParser& parser, std::string& name,
+void TCIMXMLParser::TStateValueRefArray::StartElement(TCIMXMLParser& parser, EElement element,
                                                       TAttributes& attributes) {
-    if (!Is(name, "value.reference")) parser.Unexpected(name);
+    if (element != EElement::eValueReference) parser.Unexpected();
     fElements.emplace_back(TCIMValue::TCIMType(TCIMValue::TCIMType::eCIMReference), 0);
     parser.Enter<TStateValueReference>(attributes, fElements.back());
 }

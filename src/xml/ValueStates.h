@@ -20,7 +20,7 @@ class TCIMXMLParser::TStateValueArray : public TCIMXMLParser::TParseState {
 public:
     TStateValueArray(TCIMValue& target, TCIMValue::TCIMType type, unsigned int arraySize)
         : fTarget(&target), fType(type), fArraySize(arraySize) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
 private:
@@ -33,7 +33,7 @@ private:
 class TCIMXMLParser::TStateValueReference : public TCIMXMLParser::TParseState {
 public:
     explicit TStateValueReference(TCIMValue& target) : fTarget(&target) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
 private:
@@ -49,7 +49,7 @@ private:
 class TCIMXMLParser::TStateValueRefArray : public TCIMXMLParser::TParseState {
 public:
     explicit TStateValueRefArray(TCIMValue& target) : fTarget(&target) {}
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
 private:

@@ -15,18 +15,17 @@ TCIMXMLParser::TStateAnyWrapper::~TStateAnyWrapper() {
 }
 
 // (a name or path)?, (class | instance)
-void TCIMXMLParser::TStateAnyWrapper::StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) {
+void TCIMXMLParser::TStateAnyWrapper::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     const EObject allowed = std::exchange(fAllowed, eNoObject);
     const bool isPathAllowed = std::exchange(fIsPathAllowed, false);
-    if ((allowed & eClass) != 0 && Is(name, "class")) return parser.Enter<TStateClass>(attributes, &fClass);
-    if ((allowed & eInstance) != 0 && Is(name, "instance")) return parser.Enter<TStateInstance>(attributes, &fInstance);
-    if (isPathAllowed) fAllowed = EnterPath(parser, name, attributes);
-    if (fAllowed == eNoObject) parser.Unexpected(name);
+    if ((allowed & eClass) != 0 && element == EElement::eClass) return parser.Enter<TStateClass>(attributes, &fClass);
+    if ((allowed & eInstance) != 0 && element == EElement::eInstance)
+        return parser.Enter<TStateInstance>(attributes, &fInstance);
+    if (isPathAllowed) fAllowed = EnterPath(parser, element, attributes);
+    if (fAllowed == eNoObject) parser.Unexpected();
 }
 
-auto TCIMXMLParser::TStateAnyWrapper::EnterPath(TCIMXMLParser&, const std::string&, TAttributes&) -> EObject {
-    return eNoObject;
-}
+auto TCIMXMLParser::TStateAnyWrapper::EnterPath(TCIMXMLParser&, EElement, TAttributes&) -> EObject { return eNoObject; }
 
 TCIMClass* TCIMXMLParser::TStateAnyWrapper::AddToContainer(TCIMXMLParser& parser) {
     if (fClass == nullptr && fInstance == nullptr) parser.FatalError("CIM element syntax error");
@@ -56,41 +55,41 @@ void TCIMXMLParser::TStateAnyWrapper::EndElement(TCIMXMLParser& parser) {
 }
 
 // class | (instancename, instance)
-auto TCIMXMLParser::TStateValueNamedObject::EnterPath(TCIMXMLParser& parser, const std::string& name,
-                                                      TAttributes& attributes) -> EObject {
-    if (!Is(name, "instancename")) return eNoObject;
+auto TCIMXMLParser::TStateValueNamedObject::EnterPath(TCIMXMLParser& parser, EElement element, TAttributes& attributes)
+    -> EObject {
+    if (element != EElement::eInstanceName) return eNoObject;
     parser.Enter<TStateInstanceName>(attributes, fReference);
     return eInstance;
 }
 
 // (classpath, class) | (instancepath, instance)
-auto TCIMXMLParser::TStateValueObjectWithPath::EnterPath(TCIMXMLParser& parser, const std::string& name,
+auto TCIMXMLParser::TStateValueObjectWithPath::EnterPath(TCIMXMLParser& parser, EElement element,
                                                          TAttributes& attributes) -> EObject {
-    if (Is(name, "classpath")) {
+    if (element == EElement::eClassPath) {
         parser.Enter<TStateClassPath>(attributes, fHost, fNamespace, fClassName);
         return eClass;
     }
-    if (!Is(name, "instancepath")) return eNoObject;
+    if (element != EElement::eInstancePath) return eNoObject;
     parser.Enter<TStateInstancePath>(attributes, fHost, fNamespace, fReference);
     return eInstance;
 }
 
 // (localclasspath, class) | (localinstancepath, instance)
-auto TCIMXMLParser::TStateValueObjectWithLocalPath::EnterPath(TCIMXMLParser& parser, const std::string& name,
+auto TCIMXMLParser::TStateValueObjectWithLocalPath::EnterPath(TCIMXMLParser& parser, EElement element,
                                                               TAttributes& attributes) -> EObject {
-    if (Is(name, "localclasspath")) {
+    if (element == EElement::eLocalClassPath) {
         parser.Enter<TStateLocalClassPath>(attributes, fNamespace, fClassName);
         return eClass;
     }
-    if (!Is(name, "localinstancepath")) return eNoObject;
+    if (element != EElement::eLocalInstancePath) return eNoObject;
     parser.Enter<TStateLocalInstancePath>(attributes, fNamespace, fReference);
     return eInstance;
 }
 
 // instancename, instance
-auto TCIMXMLParser::TStateValueNamedInstance::EnterPath(TCIMXMLParser& parser, const std::string& name,
+auto TCIMXMLParser::TStateValueNamedInstance::EnterPath(TCIMXMLParser& parser, EElement element,
                                                         TAttributes& attributes) -> EObject {
-    if (!Is(name, "instancename")) return eNoObject;
+    if (element != EElement::eInstanceName) return eNoObject;
     parser.Enter<TStateInstanceName>(attributes, fReference);
     return eInstance;
 }

@@ -9,7 +9,7 @@
 class TCIMXMLParser::TStateAnyWrapper : public TCIMXMLParser::TParseState {
 public:
     ~TStateAnyWrapper() override;
-    void StartElement(TCIMXMLParser& parser, std::string& name, TAttributes& attributes) override;
+    void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
 protected:
@@ -22,7 +22,7 @@ protected:
 
 private:
     /// Enters a name or path and returns the object that must follow it; eNoObject if this is another element.
-    virtual EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes);
+    virtual EObject EnterPath(TCIMXMLParser& parser, EElement element, TAttributes& attributes);
     void AddClass();
 
     EObject fAllowed;  // as the next child
@@ -41,7 +41,7 @@ public:
     TStateValueNamedObject() : TStateAnyWrapper(eClass) {}
 
 private:
-    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    EObject EnterPath(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     TCIMReference fReference = nullptr;
 };
@@ -51,7 +51,7 @@ public:
     TStateValueObjectWithPath() : TStateAnyWrapper(eNoObject) {}
 
 private:
-    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    EObject EnterPath(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string fHost;
     std::string fNamespace;
@@ -64,7 +64,7 @@ public:
     TStateValueObjectWithLocalPath() : TStateAnyWrapper(eNoObject) {}
 
 private:
-    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    EObject EnterPath(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     std::string fNamespace;
     std::string fClassName;
@@ -76,7 +76,7 @@ public:
     TStateValueNamedInstance() : TStateAnyWrapper(eNoObject) {}
 
 private:
-    EObject EnterPath(TCIMXMLParser& parser, const std::string& name, TAttributes& attributes) override;
+    EObject EnterPath(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
 
     TCIMReference fReference = nullptr;
 };
