@@ -35,10 +35,10 @@ char* SkipAll(char* next, EByteClass kind) {
     return next;
 }
 
-/// std::string_view::compare with a fast path, since names mostly differ in their first character.
+/// std::string_view::compare with fast paths, since names mostly differ in their first character or are the same.
 int Compare(std::string_view a, std::string_view b) {
     if (!a.empty() && a[0] != b[0]) return static_cast<unsigned char>(a[0]) - static_cast<unsigned char>(b[0]);
-    return a.compare(b);
+    return a == b ? 0 : a.compare(b);
 }
 
 __m128i Load(const char* bytes) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)); }
@@ -307,7 +307,9 @@ bool TXmlParser::ParseAttribute(TAttributes& attributes) {
 /// ValidateName, which also turns the name into lower case.
 bool TXmlParser::ParseAttributeName() {
     if (!kBytes.Is(*fNext, eNameStart)) return ValidateName();
-    while (const char lower = fLowerInName[static_cast<unsigned char>(*fNext)]) *fNext++ = lower;
+    char* next = fNext;
+    while (const char lower = fLowerInName[static_cast<unsigned char>(*next)]) *next++ = lower;
+    fNext = next;
     if (*fNext == '\0') UngetChar();
     return true;
 }

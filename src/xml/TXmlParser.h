@@ -85,7 +85,7 @@ private:
     inline bool TakeAttribute(TAttributes& attributes, const TAttribute& attribute);
     inline void FillAttributes(TAttributes& attributes);
     inline bool ParseText();
-    inline bool ParseElementEnd(const char* name, std::size_t length);
+    [[gnu::always_inline]] inline bool ParseElementEnd(const char* name, std::size_t length);
     inline char HideByte(char* position);
     inline void ShowByte(char* position, char byte);
 
