@@ -89,7 +89,7 @@ void TCIMXMLParser::TStateQualifierDeclaration::StartElement(TCIMXMLParser& pars
             fHasValue = true;
             if (element == EElement::eValue) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
             if (element == EElement::eValueArray)
-                return parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+                return parser.Enter<TStateValueArray>(attributes, parser, fValue, fType, fArraySize);
             parser.Unexpected();
         default:
             parser.Corrupt();

@@ -94,7 +94,7 @@ void TCIMXMLParser::TStateInstance::HandleAttrs(TCIMXMLParser& parser, TAttribut
 void TCIMXMLParser::TStateQualifier::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     fHasValue = true;
     if (element == EElement::eValue) return parser.Enter<TStateValue>(attributes, parser, fValue, fType);
-    if (element == EElement::eValueArray) return parser.Enter<TStateValueArray>(attributes, fValue, fType, 0u);
+    if (element == EElement::eValueArray) return parser.Enter<TStateValueArray>(attributes, parser, fValue, fType, 0u);
     parser.Unexpected();
 }
 
@@ -175,7 +175,7 @@ void TCIMXMLParser::TStatePropertyArrayDecl::StartElement(TCIMXMLParser& parser,
     if (EnterQualifier(parser, element, attributes)) return;
     if (element != EElement::eValueArray) parser.Unexpected();
     fHasValue = true;
-    parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+    parser.Enter<TStateValueArray>(attributes, parser, fValue, fType, fArraySize);
 }
 
 void TCIMXMLParser::TStatePropertyArrayDecl::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {
@@ -255,7 +255,7 @@ void TCIMXMLParser::TStatePropertyArray::StartElement(TCIMXMLParser& parser, EEl
     if (element == EElement::eQualifier) return parser.HandleAttrsOnTop(attributes);
     if (element != EElement::eValueArray) parser.Unexpected();
     fHasValue = true;
-    parser.Enter<TStateValueArray>(attributes, fValue, fType, fArraySize);
+    parser.Enter<TStateValueArray>(attributes, parser, fValue, fType, fArraySize);
 }
 
 void TCIMXMLParser::TStatePropertyArray::HandleAttrs(TCIMXMLParser&, TAttributes& attributes) {

@@ -172,6 +172,7 @@ protected:
     TContainer* fContainer;
     std::vector<TCIMClass*> fClassesCollected;
     std::string fText;
+    std::vector<TCIMValue> fElements;  // of the array being read: arrays do not nest
     bool fTR907Mode = false;
 
 private:

@@ -5,15 +5,15 @@
 
 namespace {
 
-/// Grows the vector by moving its values; std::vector would copy them, since TCIMValue cannot be moved.
-void Grow(std::vector<TCIMValue>& values) {
-    std::vector<TCIMValue> larger;
-    larger.reserve(2 * values.size() + 4);
+/// Moves the values into a vector of that capacity; std::vector would copy them, since TCIMValue cannot be moved.
+std::vector<TCIMValue> Moved(std::vector<TCIMValue>& values, std::size_t capacity) {
+    std::vector<TCIMValue> moved;
+    moved.reserve(capacity);
     for (TCIMValue& value : values) {
-        larger.emplace_back();
-        if (value.GetType() != TCIMValue::TCIMType::eCIMNone) TCIMValueTransfer::TakeOver(larger.back(), value);
+        moved.emplace_back();
+        if (value.GetType() != TCIMValue::TCIMType::eCIMNone) TCIMValueTransfer::TakeOver(moved.back(), value);
     }
-    values.swap(larger);
+    return moved;
 }
 
 }  // namespace
@@ -27,13 +27,14 @@ void TCIMXMLParser::TStateValue::EndElement(TCIMXMLParser& parser) {
 // value*
 void TCIMXMLParser::TStateValueArray::StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) {
     if (element != EElement::eValue) parser.Unexpected();
-    if (fElements.size() == fElements.capacity()) Grow(fElements);
+    if (fElements.size() == fElements.capacity()) fElements = Moved(fElements, 2 * fElements.size() + 16);
     fElements.emplace_back(fType, 0);
     parser.Enter<TStateValue>(attributes, parser, fElements.back(), fType);
 }
 
 void TCIMXMLParser::TStateValueArray::EndElement(TCIMXMLParser& parser) {
-    TCIMValueTransfer::SetArray(*fTarget, fType, fArraySize, fElements);
+    std::vector<TCIMValue> elements = Moved(fElements, fElements.size());
+    TCIMValueTransfer::SetArray(*fTarget, fType, fArraySize, elements);
     TParseState::EndElement(parser);
 }
 

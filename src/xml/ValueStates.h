@@ -18,8 +18,10 @@ private:
 
 class TCIMXMLParser::TStateValueArray : public TCIMXMLParser::TParseState {
 public:
-    TStateValueArray(TCIMValue& target, TCIMValue::TCIMType type, unsigned int arraySize)
-        : fTarget(&target), fType(type), fArraySize(arraySize) {}
+    TStateValueArray(TCIMXMLParser& parser, TCIMValue& target, TCIMValue::TCIMType type, unsigned int arraySize)
+        : fTarget(&target), fType(type), fArraySize(arraySize), fElements(parser.fElements) {
+        fElements.clear();
+    }
     void StartElement(TCIMXMLParser& parser, EElement element, TAttributes& attributes) override;
     void EndElement(TCIMXMLParser& parser) override;
 
@@ -27,7 +29,7 @@ private:
     TCIMValue* fTarget;
     TCIMValue::TCIMType fType;
     unsigned int fArraySize;
-    std::vector<TCIMValue> fElements;  // must not grow while a TStateValue points to the last element
+    std::vector<TCIMValue>& fElements;  // must not grow while a TStateValue points to the last element
 };
 
 class TCIMXMLParser::TStateValueReference : public TCIMXMLParser::TParseState {
