@@ -14,6 +14,7 @@
 #include "Races.h"
 #include "Records.h"
 #include "Tokeniser.h"
+#include "Words.h"
 #include "kyr/TContainer.h"
 #include "xml/TCIMXMLParser.h"
 
@@ -63,6 +64,8 @@ void CountProperties() {
     Count({"build records", [&] { records->Add(kRecords); }, empty}, "property", properties);
     Count({"set one property", [&] { records->SetOneProperty(kRecords); }, fill}, "property", kRecords);
     Count({"display records", [&] { records->DisplayAll(); }, fill}, "property", properties);
+    const TWords words(kRecords);
+    Count({"display words", [&] { words.DisplayAll(); }}, "property", kRecords);
 }
 
 void CountWalks() {
@@ -76,6 +79,8 @@ void CountWalks() {
 void PrintCounted() {
     CountReading("schema", SchemaDocument(kBytes));
     CountReading("data", DataDocument(kBytes / 790));
+    CountReading("full schema", SchemaDocument(kBytes, EDocument::eFull));
+    CountReading("full data", DataDocument(kBytes / 1950, EDocument::eFull));
     CountProperties();
     CountWalks();
 }

@@ -77,12 +77,20 @@ std::string PlainProperty(TDice& dice, const std::string& name) {
            (isText ? Qualifier("MaxLen", "uint32", "256") : Qualifier("Units", "string", "Bytes")) + "</PROPERTY>\n";
 }
 
-std::string Class(TDice& dice, unsigned number) {
-    std::string text = "<VALUE.OBJECT>\n<CLASS NAME=\"Bench_Class" + std::to_string(number) +
-                       "\" SUPERCLASS=\"Bench_Element\">\n" +
+std::string ClassName(unsigned number) { return "Bench_Class" + std::to_string(number); }
+
+// In a full document each class has up to four subclasses.
+std::string SuperClassName(unsigned number, EDocument kind) {
+    return kind == EDocument::eFull && number > 0 ? ClassName((number - 1) / 4) : "Bench_Element";
+}
+
+std::string Class(TDice& dice, unsigned number, EDocument kind) {
+    const std::string prefix = kind == EDocument::eFull ? "Property" + std::to_string(number) + "_" : "Property";
+    std::string text = "<VALUE.OBJECT>\n<CLASS NAME=\"" + ClassName(number) + "\" SUPERCLASS=\"" +
+                       SuperClassName(number, kind) + "\">\n" +
                        Qualifier("Description", "string", Sentence(dice, dice.Between(40, 120)));
     for (unsigned i = 0, count = dice.Between(3, 9); i < count; ++i) {
-        const std::string name = "Property" + std::to_string(i);
+        const std::string name = prefix + std::to_string(i);
         text += dice.Below(3) == 0 ? EnumeratedProperty(dice, name) : PlainProperty(dice, name);
     }
     return text + "</CLASS>\n</VALUE.OBJECT>\n";
@@ -105,6 +113,7 @@ constexpr TField kFields[] = {
     {"Voltage", "real32"},    {"Frequency", "real64"},        {"InstallDate", "datetime"}, {"Uptime", "datetime"},
     {"Location", "string"},
 };
+constexpr TField kInheritedFields[] = {{"CreationClassName", "string"}, {"SystemName", "string"}};
 constexpr TField kArrays[] = {{"Capabilities", "uint16"}, {"Names", "string"}};
 
 std::string ValueText(TDice& dice, const std::string& type) {
@@ -118,28 +127,40 @@ std::string ValueText(TDice& dice, const std::string& type) {
 
 std::string Value(TDice& dice, const std::string& type) { return "<VALUE>" + ValueText(dice, type) + "</VALUE>"; }
 
-std::string RecordClass() {
+std::string Declaration(const TField& field) {
+    return std::string("<PROPERTY NAME=\"") + field.name + "\" TYPE=\"" + field.type + "\"></PROPERTY>\n";
+}
+
+std::string Setting(TDice& dice, const TField& field) {
+    return std::string("<PROPERTY NAME=\"") + field.name + "\" TYPE=\"" + field.type + "\">" + Value(dice, field.type) +
+           "</PROPERTY>\n";
+}
+
+std::string RecordClasses(EDocument kind) {
     std::string fields;
-    for (const TField& field : kFields) {
-        fields += std::string("<PROPERTY NAME=\"") + field.name + "\" TYPE=\"" + field.type + "\"></PROPERTY>\n";
-    }
+    for (const TField& field : kFields) fields += Declaration(field);
     for (const TField& field : kArrays) {
         fields +=
             std::string("<PROPERTY.ARRAY NAME=\"") + field.name + "\" TYPE=\"" + field.type + "\"></PROPERTY.ARRAY>\n";
     }
-    return KeyedClass("Bench_Record", fields);
+    if (kind == EDocument::ePlain) return KeyedClass("Bench_Record", fields);
+    std::string inherited;
+    for (const TField& field : kInheritedFields) inherited += Declaration(field);
+    return KeyedClass("Bench_Base", inherited) +
+           "<VALUE.OBJECT>\n<CLASS NAME=\"Bench_Record\" SUPERCLASS=\"Bench_Base\">\n" + fields +
+           "</CLASS>\n</VALUE.OBJECT>\n";
 }
 
-void AppendInstance(TDice& dice, unsigned number, std::string& text) {
+void AppendInstance(TDice& dice, unsigned number, EDocument kind, std::string& text) {
+    const auto isSet = [&](unsigned percent) { return kind == EDocument::eFull || dice.Below(100) < percent; };
     text += "<VALUE.OBJECT>\n<INSTANCE CLASSNAME=\"Bench_Record\">\n<PROPERTY NAME=\"Id\" TYPE=\"string\"><VALUE>id-" +
             std::to_string(number) + "</VALUE></PROPERTY>\n";
-    for (const TField& field : kFields) {
-        if (dice.Below(100) >= 43) continue;
-        text += std::string("<PROPERTY NAME=\"") + field.name + "\" TYPE=\"" + field.type + "\">" +
-                Value(dice, field.type) + "</PROPERTY>\n";
-    }
+    if (kind == EDocument::eFull)
+        for (const TField& field : kInheritedFields) text += Setting(dice, field);
+    for (const TField& field : kFields)
+        if (isSet(43)) text += Setting(dice, field);
     for (const TField& field : kArrays) {
-        if (dice.Below(100) >= 33) continue;
+        if (!isSet(33)) continue;
         text += std::string("<PROPERTY.ARRAY NAME=\"") + field.name + "\" TYPE=\"" + field.type + "\"><VALUE.ARRAY>" +
                 Value(dice, field.type) + Value(dice, field.type) + "</VALUE.ARRAY></PROPERTY.ARRAY>\n";
     }
@@ -148,18 +169,18 @@ void AppendInstance(TDice& dice, unsigned number, std::string& text) {
 
 }  // namespace
 
-std::string SchemaDocument(std::size_t bytes) {
+std::string SchemaDocument(std::size_t bytes, EDocument kind) {
     TDice dice;
     std::string text = kHead + QualifierDeclarations() + KeyedClass("Bench_Element", "");
-    for (unsigned number = 0; text.size() < bytes; ++number) text += Class(dice, number);
+    for (unsigned number = 0; text.size() < bytes; ++number) text += Class(dice, number, kind);
     return text + kTail;
 }
 
-std::string DataDocument(unsigned instances) {
+std::string DataDocument(unsigned instances, EDocument kind) {
     TDice dice;
-    std::string text = kHead + QualifierDeclarations() + RecordClass();
+    std::string text = kHead + QualifierDeclarations() + RecordClasses(kind);
     text.reserve(text.size() + instances * std::size_t{800});
-    for (unsigned number = 0; number < instances; ++number) AppendInstance(dice, number, text);
+    for (unsigned number = 0; number < instances; ++number) AppendInstance(dice, number, kind, text);
     return text + kTail;
 }
 

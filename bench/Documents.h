@@ -5,12 +5,15 @@
 #include <string>
 #include <vector>
 
-/// A CIM-XML schema with many qualifiers and long descriptions, of about this size. The same text each time.
-std::string SchemaDocument(std::size_t bytes);
+/// In a full document classes inherit from one another, and instances set all their properties.
+enum class EDocument { ePlain, eFull };
 
-/// CIM-XML with one class of 20 properties of all types, and instances that set about half of them, about 790 bytes
-/// each. The same text each time.
-std::string DataDocument(unsigned instances);
+/// A CIM-XML schema with many qualifiers and long descriptions, of about this size. The same text each time.
+std::string SchemaDocument(std::size_t bytes, EDocument kind = EDocument::ePlain);
+
+/// CIM-XML with instances of a class with properties of all types: of 20 about half are set, 790 bytes an instance; in
+/// a full document all 22, 1,950 bytes. The same text each time.
+std::string DataDocument(unsigned instances, EDocument kind = EDocument::ePlain);
 
 /// A writable copy of a text with a NUL before and after it, as TXmlParser::Parse requires.
 class TEditableText {
