@@ -8,7 +8,7 @@
 /// does not allocate. Raises kyrStatusInvalidCIMName for a malformed name.
 class TNormalizedName {
 public:
-    explicit TNormalizedName(const std::string& name);
+    explicit TNormalizedName(std::string_view name);
     TNormalizedName(const TNormalizedName&) = delete;
     TNormalizedName& operator=(const TNormalizedName&) = delete;
 
@@ -17,8 +17,8 @@ public:
 private:
     static constexpr size_t kShort = 64;
 
-    char fBuffer[kShort];
-    std::string fLong;  // used instead of the buffer for a longer name
+    char fBuffer[kShort + 16];  // the fast road writes 16 bytes at a time
+    std::string fLong;          // used instead of the buffer for a longer name
     std::string_view fView;
 };
 

@@ -2,6 +2,7 @@
 #define KYR_MODEL_TPROPERTYLAYOUT_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,7 +26,13 @@ public:
     bool HasSameNames(const TPropertyLayout& other) const;
 
 private:
+    void FillSlots();
+    uint32_t SlotAt(size_t slot) const { return fSlots[slot & (fSlots.size() - 1)]; }
+    size_t Search(std::string_view name) const;
+
     std::vector<std::pair<std::string, const TCIMPropertyDecl*>> fEntries;  // sorted by name
+    // A hash table of indices. A name is in one of kProbes slots, and is searched for by halves if all have others.
+    std::vector<uint32_t> fSlots;
 };
 
 #endif
