@@ -76,11 +76,23 @@ kyrStatusCode AddKey(kyrCIMReference reference, const char* key, const TValue& v
     });
 }
 
-/// Compatibility: the text is built even if it is not logged, so that a value without a text raises; see
-/// docs/oddities.md.
+bool IsTraced() { return TRootObject::GetCoreLogger()->GetLogThreshold() >= kyrLogVerbose; }
+
 void Trace(const kyriIOHandle& handle, std::initializer_list<std::string_view> parts) {
+    if (!IsTraced()) return;
     const TTraceText text(parts);
     TRootObject::GetCoreLogger()->OutputLogEntry(handle.fPlugin, kyrLogVerbose, *text);
+}
+
+bool AlwaysHasText(const TCIMValue& value) {
+    const auto type = value.GetType();
+    return !value.IsNull() && (type <= TCIMValue::TCIMType::eCIMReal64 || type == TCIMValue::TCIMType::eCIMString);
+}
+
+/// Compatibility: a value without a text raises even if nothing is logged; see docs/oddities.md.
+void TraceValue(const kyriIOHandle& handle, const char* name, const TCIMValue& value) {
+    if (!IsTraced() && AlwaysHasText(value)) return;
+    Trace(handle, {"kyrAdd<>Property(", name, ", value=", value.ToString(10), ")"});
 }
 
 /// Common part of all calls that add a property from a value; set(instance, name) stores it.
@@ -88,7 +100,7 @@ template <typename TSet>
 kyrStatusCode AddValue(kyrIOHandle handle, const char* name, const TCIMValue* value, TSet&& set) {
     if (!handle) return Refuse(nullptr, "kyrAddCIMValueProperty: NULL kyrIOHandle parameter");
     if (!name) return Refuse(handle->fPlugin, "kyrAddCIMValueProperty: NULL name parameter");
-    Trace(*handle, {"kyrAdd<>Property(", name, ", value=", value->ToString(10), ")"});
+    TraceValue(*handle, name, *value);
     TCIMInstance* instance = handle->fCurrentInstance;
     if (!instance) return Fail(kyrStatusInvalidClass, "kyrAddProperty: no current instance");
     try {
@@ -224,7 +236,7 @@ kyrStatusCode kyrAddProperty(kyrIOHandle handle, const char* name, const char* v
 
 kyrStatusCode kyrAddCIMValueProperty(kyrIOHandle handle, const char* name, kyrCIMValue value) {
     return AddValue(handle, name, value, [value](TCIMInstance& instance, const char* property) {
-        instance.SetPropertyValue(property, *value);
+        TCIMInstanceImpl::Of(instance).SetPropertyValue(property, *value);
     });
 }
 

@@ -38,31 +38,31 @@ void TCIMInstanceImpl::AddToContainer() {
     fClass->AddInstance(*fHandle);
 }
 
-TCIMProperty* TCIMInstanceImpl::FindProperty(const std::string& name) const {
+TCIMProperty* TCIMInstanceImpl::FindProperty(std::string_view name) const {
     const size_t index = fLayout->Find(TNormalizedName(name).View());
     return index == TPropertyLayout::kNone ? nullptr : &PropertyAt(index);
 }
 
-TCIMProperty* TCIMInstanceImpl::GetProperty(const std::string& name) const {
+TCIMProperty* TCIMInstanceImpl::GetProperty(std::string_view name) const {
     if (TCIMProperty* found = FindProperty(name)) return found;
     throw TKYRException(kyrStatusNotFound);
 }
 
 void TCIMInstanceImpl::SetProperty(const TCIMProperty& property) { *GetProperty(property.GetName()) = property; }
 
-void TCIMInstanceImpl::SetPropertyValue(const std::string& name, const TCIMValue& value) {
+void TCIMInstanceImpl::SetPropertyValue(std::string_view name, const TCIMValue& value) {
     GetProperty(name)->SetValue(value);
 }
 
-void TCIMInstanceImpl::TakePropertyValue(const std::string& name, TCIMValue& value) {
+void TCIMInstanceImpl::TakePropertyValue(std::string_view name, TCIMValue& value) {
     GetProperty(name)->GetBody()->TakeValue(value);
 }
 
-void TCIMInstanceImpl::SetPrevPropertyValue(const std::string& name, const TCIMValue& value) {
+void TCIMInstanceImpl::SetPrevPropertyValue(std::string_view name, const TCIMValue& value) {
     GetProperty(name)->SetPrevValue(value);
 }
 
-void TCIMInstanceImpl::SetPrevPropertyValue(const std::string& name) { GetProperty(name)->SetPrevValue(); }
+void TCIMInstanceImpl::SetPrevPropertyValue(std::string_view name) { GetProperty(name)->SetPrevValue(); }
 
 std::vector<const TCIMProperty*> TCIMInstanceImpl::EnumerateProperties() const {
     std::vector<const TCIMProperty*> properties;

@@ -3,6 +3,7 @@
 
 #include <boost/weak_ptr.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kyr/TCIMInstance.h"
@@ -26,14 +27,14 @@ public:
     void AddToContainer();
     TCIMClass* GetClass() const { return fClass; }
 
-    TCIMProperty* GetProperty(const std::string& name) const;
-    TCIMProperty* FindProperty(const std::string& name) const;
+    TCIMProperty* GetProperty(std::string_view name) const;
+    TCIMProperty* FindProperty(std::string_view name) const;
     void SetProperty(const TCIMProperty& property);
-    void SetPropertyValue(const std::string& name, const TCIMValue& value);
+    void SetPropertyValue(std::string_view name, const TCIMValue& value);
     /// Like SetPropertyValue, but may move the value's content.
-    void TakePropertyValue(const std::string& name, TCIMValue& value);
-    void SetPrevPropertyValue(const std::string& name, const TCIMValue& value);
-    void SetPrevPropertyValue(const std::string& name);
+    void TakePropertyValue(std::string_view name, TCIMValue& value);
+    void SetPrevPropertyValue(std::string_view name, const TCIMValue& value);
+    void SetPrevPropertyValue(std::string_view name);
     std::vector<const TCIMProperty*> EnumerateProperties() const;
     TCIMReference BuildPath() const;
     /// The text of that path. In the usual case no reference is made for it.

@@ -85,11 +85,40 @@ TEST_F(InstanceCallsTest, WhatCannotBeTracedLeavesTheCallAsAnException) {
     TCIMDateTime never;
     TCIMReference classless(&fContainer);
     std::vector<TCIMValue> list = {TCIMValue(1u)};
-    EXPECT_EQ(StatusOf([&] { kyrAddCIMValueProperty(io, "Size", &null); }), kyrStatusValueIsNULL);
-    EXPECT_EQ(StatusOf([&] { kyrAddDateTimeProperty(io, "Date", &never); }), kyrStatusInvalidDateTime);
-    EXPECT_EQ(StatusOf([&] { kyrAddReferenceProperty(io, "Date", &classless); }), kyrStatusInvalidReference);
-    EXPECT_EQ(StatusOf([&] { kyrAddArrayProperty(io, "Lists", &list); }), kyrStatusNotFound);
-    EXPECT_EQ(StatusOf([&] { kyrAddArrayProperty(io, "List", &list); }), kyrStatusInvalidProperty);
+    // The lines are dropped at the first threshold.
+    for (const kyrLogSeverity threshold : {kyrLogDebug, kyrLogVerbose}) {
+        fLog.Logger().SetLogThreshold(threshold);
+        EXPECT_EQ(StatusOf([&] { kyrAddCIMValueProperty(io, "Size", &null); }), kyrStatusValueIsNULL);
+        EXPECT_EQ(StatusOf([&] { kyrAddDateTimeProperty(io, "Date", &never); }), kyrStatusInvalidDateTime);
+        EXPECT_EQ(StatusOf([&] { kyrAddReferenceProperty(io, "Date", &classless); }), kyrStatusInvalidReference);
+        EXPECT_EQ(StatusOf([&] { kyrAddArrayProperty(io, "Lists", &list); }), kyrStatusNotFound);
+        EXPECT_EQ(StatusOf([&] { kyrAddArrayProperty(io, "List", &list); }), kyrStatusInvalidProperty);
+    }
+}
+
+TEST_F(InstanceCallsTest, ThresholdChangesNoOutcome) {
+    std::vector<TCIMValue> values = {TCIMValue("a"), TCIMValue(1u), TCIMValue(0.5f), TCIMValue(To(fDisk)),
+                                     TCIMValue(TCIMDateTime())};
+    for (int type = CIM::eCIMBoolean; type <= CIM::eCIMReference; ++type) {
+        const auto scalar = static_cast<CIM::ECIMType>(type);
+        if (scalar == CIM::eCIMChar) continue;  // cannot be copied
+        values.push_back(Null(scalar));
+        values.push_back(Null(scalar, 1));
+        values.push_back(TCIMValue(scalar, 0, {Null(scalar)}));
+    }
+    Open();
+    const auto outcomes = [&](kyrLogSeverity threshold) {
+        fLog.Logger().SetLogThreshold(threshold);
+        TLines texts;
+        for (TCIMValue& value : values)
+            for (const char* name : {"Name", "Size", "List", "None", "no name"})
+                texts.push_back(Outcome([&] {
+                    const kyrStatusCode status = kyrAddCIMValueProperty(&fHandle, name, &value);
+                    fLog.Logger().OutputLogEntry(nullptr, kyrLogError, kyrTranslateStatusCode(status));
+                }));
+        return texts;
+    };
+    EXPECT_EQ(outcomes(kyrLogError), outcomes(kyrLogVerbose));
 }
 
 TEST_F(InstanceCallsTest, TheNextClassStoresTheOpenInstanceFirst) {
