@@ -190,8 +190,23 @@ boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
     if (!fLayout || fLayoutRenameCount != renameCount) {
         fLayout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
         fLayoutRenameCount = renameCount;
+        fHasRenamedDecls = HasRenamedDecls();
     }
     return fLayout;
+}
+
+/// Compares the names in fLayout, which come from the declarations, with those under which they are stored.
+bool TCIMClassImpl::HasRenamedDecls() const {
+    if (fLayout->Size() != fPropertyDecls.size()) return true;
+    size_t index = 0;
+    for (const auto& entry : fPropertyDecls)
+        if (fLayout->NameAt(index++) != entry.first) return true;
+    return false;
+}
+
+bool TCIMClassImpl::IsPresentLayout(const TPropertyLayout& layout) const {
+    return &layout == fLayout.get() && !fHasRenamedDecls &&
+           fLayoutRenameCount == TCIMPropertyDeclImpl::GetRenameCount();
 }
 
 void TCIMClassImpl::AddInstance(TCIMInstance& instance) {

@@ -53,6 +53,8 @@ public:
     std::vector<const TCIMPropertyDecl*> EnumerateKeyDecls() const;
     /// The layout for new instances.
     boost::shared_ptr<const TPropertyLayout> GetPropertyLayout();
+    /// True if the layout holds the present declarations, each by the name under which this class finds it.
+    bool IsPresentLayout(const TPropertyLayout& layout) const;
 
     void AddInstance(TCIMInstance& instance);
     void RemoveInstance(TCIMInstance& instance);
@@ -68,6 +70,7 @@ private:
     using TPropertyDecls = std::map<std::string, boost::shared_ptr<TCIMPropertyDecl>, std::less<>>;
 
     void RegisterWithReferencedClasses();
+    bool HasRenamedDecls() const;
     void RemoveOverriddenDecl(TPropertyDecls::iterator existing, const TCIMPropertyDecl& declaration);
     [[noreturn]] void RefuseDecl(kyrStatusCode code, const std::string& attempt, const TCIMPropertyDecl& declaration,
                                  const std::string& relation, const std::string& reason) const;
@@ -87,6 +90,7 @@ private:
     std::multimap<std::string, boost::shared_ptr<TCIMInstance>> fInstances;  // by object path
     boost::shared_ptr<const TPropertyLayout> fLayout;  // null: must be rebuilt, the declarations changed
     unsigned long fLayoutRenameCount = 0;              // of TCIMPropertyDeclImpl::GetRenameCount when fLayout was built
+    bool fHasRenamedDecls = false;                     // when fLayout was built
     bool fAdded = false;
 };
 

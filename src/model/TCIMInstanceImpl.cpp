@@ -8,11 +8,30 @@
 #include "kyr/TKYRException.h"
 #include "kyr/TOSSpecific.h"
 #include "model/TCIMClassImpl.h"
+#include "model/TCIMPropertyDeclImpl.h"
 #include "model/TCIMPropertyImpl.h"
-#include "model/TCIMQualifierImpl.h"
 #include "model/TCIMReferenceImpl.h"
 #include "model/TNormalizedName.h"
 #include "platform/CoreLog.h"
+
+/// The keys of an instance as indices of its layout.
+class TCIMInstanceImpl::TKeys {
+public:
+    /// False if there is no room.
+    bool Add(size_t index) {
+        if (fCount == kMost) return false;
+        fIndices[fCount++] = index;
+        return true;
+    }
+    size_t* begin() { return fIndices; }
+    size_t* end() { return fIndices + fCount; }
+
+private:
+    static constexpr size_t kMost = 8;
+
+    size_t fIndices[kMost];
+    size_t fCount = 0;
+};
 
 TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance& handle, TCIMClass* cls)
     : fHandle(&handle), fClass(cls), fLayout(TCIMClassImpl::Of(*cls).GetPropertyLayout()) {
@@ -24,11 +43,19 @@ TCIMInstanceImpl::TCIMInstanceImpl(TCIMInstance& handle, TCIMClass* cls)
 
 void TCIMInstanceImpl::Validate() const {
     if (GetContainer()->isDiffContainer()) return;
-    for (const TCIMPropertyDecl* key : TCIMClassImpl::Of(*fClass).EnumerateKeyDecls()) {
-        if (!GetProperty(key->GetName())->GetBody()->Value().IsNull()) continue;
-        LogAndThrow(kyrStatusInvalidInstance,
-                    "Instance " + fClass->GetName() + ": key property " + key->GetName() + " is NULL");
+    TKeys keys;
+    if (CollectKeys(keys)) {
+        for (const size_t index : keys) RequireKey(fLayout->DeclarationAt(index), ValueAt(index));
+        return;
     }
+    for (const TCIMPropertyDecl* key : TCIMClassImpl::Of(*fClass).EnumerateKeyDecls())
+        RequireKey(*key, GetProperty(key->GetName())->GetBody()->Value());
+}
+
+void TCIMInstanceImpl::RequireKey(const TCIMPropertyDecl& key, const TCIMValue& value) const {
+    if (!value.IsNull()) return;
+    LogAndThrow(kyrStatusInvalidInstance,
+                "Instance " + fClass->GetName() + ": key property " + key.GetName() + " is NULL");
 }
 
 TContainer* TCIMInstanceImpl::GetContainer() const { return fClass->GetContainer(); }
@@ -80,30 +107,38 @@ TCIMReference TCIMInstanceImpl::BuildPath() const {
 }
 
 std::string TCIMInstanceImpl::BuildPathText() const {
-    TKeyValues keys;
-    if (!CollectKeyValues(keys)) return BuildPath().GetPath();
+    TKeys keys;
+    if (!CollectBoundKeys(keys)) return BuildPath().GetPath();
     std::string path = fClass->GetName();
-    if (keys.empty()) return path;
+    if (keys.begin() == keys.end()) return path;
     path += '.';
-    for (const auto& [name, value] : keys) TCIMReferenceImpl::AppendBinding(path, *name, *value);
+    for (const size_t index : keys) TCIMReferenceImpl::AppendBinding(path, NameAt(index), ValueAt(index));
     path.pop_back();
     return path;
 }
 
-/// Collects what a reference to this instance would bind. False if a reference might refuse a key or bind it under
-/// another name; the caller must then make the reference, so that the same failures are raised and logged.
-bool TCIMInstanceImpl::CollectKeyValues(TKeyValues& keys) const {
-    for (const TCIMPropertyDecl* key : TCIMClassImpl::Of(*fClass).EnumerateKeyDecls()) {
-        const size_t index = fLayout->Find(TNormalizedName(key->GetName()).View());
-        if (index == TPropertyLayout::kNone || &fLayout->DeclarationAt(index) != key) return false;
-        if (fClass->FindPropertyDecl(key->GetName()) != key) return false;
-        const TCIMValue& value = PropertyAt(index).GetBody()->Value();
-        if (value.GetType() != key->GetType()) return false;
-        keys.emplace_back(&key->GetName(), &value);
-    }
-    std::sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) { return *a.first < *b.first; });
+/// Collects the keys without looking them up by name. False if declarations or their names have changed since the
+/// instance was made, or if there are too many keys: the caller must then look them up.
+bool TCIMInstanceImpl::CollectKeys(TKeys& keys) const {
+    if (!TCIMClassImpl::Of(*fClass).IsPresentLayout(*fLayout)) return false;
+    for (size_t index = 0; index < fLayout->Size(); ++index)
+        if (TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).IsKey() && !keys.Add(index)) return false;
     return true;
 }
+
+/// The same in the order in which a reference to this instance binds them. False also if a reference might refuse a
+/// key; the caller must then make the reference, so that the same failures are raised and logged.
+bool TCIMInstanceImpl::CollectBoundKeys(TKeys& keys) const {
+    if (!CollectKeys(keys)) return false;
+    for (const size_t index : keys)
+        if (ValueAt(index).GetType() != fLayout->DeclarationAt(index).GetType()) return false;
+    std::sort(keys.begin(), keys.end(), [this](size_t a, size_t b) { return NameAt(a) < NameAt(b); });
+    return true;
+}
+
+const TCIMValue& TCIMInstanceImpl::ValueAt(size_t index) const { return PropertyAt(index).GetBody()->Value(); }
+
+const std::string& TCIMInstanceImpl::NameAt(size_t index) const { return fLayout->DeclarationAt(index).GetName(); }
 
 boost::shared_ptr<TCIMInstance> TCIMInstanceImpl::Adopt() {
     boost::shared_ptr<TCIMInstance> owner = fOwner.lock();

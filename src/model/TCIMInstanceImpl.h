@@ -50,10 +50,14 @@ public:
     bool operator==(const TCIMInstanceImpl& other) const;
 
 private:
-    using TKeyValues = std::vector<std::pair<const std::string*, const TCIMValue*>>;
+    class TKeys;
 
     TCIMProperty& PropertyAt(size_t index) const { return fProperties[index]; }
-    bool CollectKeyValues(TKeyValues& keys) const;
+    const TCIMValue& ValueAt(size_t index) const;
+    const std::string& NameAt(size_t index) const;
+    void RequireKey(const TCIMPropertyDecl& key, const TCIMValue& value) const;
+    bool CollectKeys(TKeys& keys) const;
+    bool CollectBoundKeys(TKeys& keys) const;
     bool IsReferredToBy(const TCIMInstance& association, const std::string& role) const;
     bool IsReferredToBy(const TCIMProperty& property) const;
     void AddOtherEnds(const TCIMInstance& association, const TCIMClass& resultClass, const std::string& role,

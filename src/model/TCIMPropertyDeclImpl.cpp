@@ -1,7 +1,6 @@
 #include "model/TCIMPropertyDeclImpl.h"
 
 #include "kyr/TCIMClass.h"
-#include "model/TCIMQualifierImpl.h"
 
 std::atomic<unsigned long> TCIMPropertyDeclImpl::fgRenameCount = 0;
 
@@ -14,5 +13,3 @@ void TCIMPropertyDeclImpl::SetName(const std::string& name) {
     fName = name;
     ++fgRenameCount;
 }
-
-bool TCIMPropertyDeclImpl::IsKey() const { return TCIMQualifierImpl::IsTrue(fQualifiers.GetKey()); }

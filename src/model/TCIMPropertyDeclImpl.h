@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kyr/TCIMPropertyDecl.h"
+#include "model/TCIMQualifierImpl.h"
 #include "model/TQualifierMap.h"
 
 class TCIMPropertyDeclImpl {
@@ -24,7 +25,7 @@ public:
     TCIMClass* GetClass() const { return fClass; }
     TQualifierMap& Qualifiers() { return fQualifiers; }
     /// Raises kyrStatusTypeMismatch if the qualifier KEY is not boolean.
-    bool IsKey() const;
+    bool IsKey() const { return fQualifiers.GetKey() != nullptr && TCIMQualifierImpl::IsTrue(fQualifiers.GetKey()); }
 
 private:
     static std::atomic<unsigned long> fgRenameCount;  // of every container, and so of every thread

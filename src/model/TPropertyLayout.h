@@ -21,6 +21,7 @@ public:
 
     size_t Size() const { return fEntries.size(); }
     const TCIMPropertyDecl& DeclarationAt(size_t index) const { return *fEntries[index].second; }
+    const std::string& NameAt(size_t index) const { return fEntries[index].first; }
     /// The index of a normalised name, or kNone.
     size_t Find(std::string_view name) const;
     bool HasSameNames(const TPropertyLayout& other) const;

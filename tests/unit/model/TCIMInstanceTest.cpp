@@ -1,4 +1,9 @@
+#include <random>
+
 #include "kyr/TCIMDateTime.h"
+#include "kyr/TRootObject.h"
+#include "model/TCIMInstanceImpl.h"
+#include "support/OddLocale.h"
 #include "support/SchemaBuilder.h"
 
 namespace {
@@ -186,6 +191,108 @@ TEST_F(TCIMInstanceTest, ComparesClassAndOwnValues) {
     EXPECT_EQ(Order(*a, *b), "") << "a value that equals the default is a value of its own";
     a->SetPropertyValue("Size", TCIMValue(5u));
     EXPECT_EQ(Order(*a, *b), "==");
+}
+
+/// A class that changes in many ways while it has an instance.
+class TChangingClass {
+public:
+    TChangingClass(const SchemaBuilder& schema, TContainer& container, unsigned int seed)
+        : fSchema(schema), fClass(container, "Changing", nullptr), fRandom(seed) {
+        for (unsigned int i = Below(12); i != 0; --i) Try([this] { AddProperty(); });
+        Renew();
+    }
+
+    void Change() {
+        const auto declarations = fClass.EnumeratePropertyDecls();
+        if (declarations.empty() || Below(8) == 0) return Try([this] { AddProperty(); });
+        TCIMPropertyDecl& declaration =
+            const_cast<TCIMPropertyDecl&>(*declarations[Below(static_cast<unsigned int>(declarations.size()))]);
+        Try([&] { Change(declaration); });
+    }
+    const TCIMInstance& Instance() const { return *fInstance; }
+    /// As Validate does it, by names alone.
+    void ValidateByNames() const {
+        for (const std::string& name : fClass.EnumerateKeyNames()) {
+            if (!fInstance->GetProperty(name)->GetValue().IsNull()) continue;
+            TRootObject::GetCoreLogger()->OutputLogEntry(nullptr, kyrLogError,
+                                                         "Instance Changing: key property " + name + " is NULL");
+            throw TKYRException(kyrStatusInvalidInstance);
+        }
+    }
+
+private:
+    unsigned int Below(unsigned int limit) { return static_cast<unsigned int>(fRandom() % limit); }
+    template <typename TAction>
+    static void Try(TAction&& action) {
+        (void)StatusOf(action);
+    }
+    std::string AnyName() {
+        static const char* const kNames[] = {"ID", "iD", "Beta", "alpha", "_x", "Q", "", "no name"};
+        const unsigned int number = Below(20);
+        return number < std::size(kNames) ? kNames[number] : "Property" + std::to_string(number);
+    }
+    TCIMValue AnyKey() {
+        const TCIMValue kValues[] = {TCIMValue(false), Null(CIM::eCIMBoolean), TCIMValue("x")};
+        const unsigned int number = Below(12);
+        return number < std::size(kValues) ? kValues[number] : TCIMValue(true);
+    }
+    TCIMValue AnyValue() { return Below(3) == 0 ? Null(CIM::eCIMUint32) : TCIMValue(Below(3)); }
+
+    void AddProperty() {
+        TCIMPropertyDecl& added = fSchema.AddProperty(fClass, {AnyName(), AnyValue()});
+        if (Below(2) == 0) fSchema.Qualify(added, "Key", AnyKey());
+    }
+    void Change(TCIMPropertyDecl& declaration) {
+        TCIMQualifier* const key = declaration.FindQualifier("Key");
+        switch (Below(8)) {
+            case 0:
+                return declaration.SetName(AnyName());
+            case 1:
+                return declaration.SetValue(Below(4) == 0 ? TCIMValue("text") : AnyValue());
+            case 2:
+                fClass.RemovePropertyDecl(declaration);
+                return Renew();  // the old one may point to a declaration that is gone
+            case 3:
+                return key == nullptr ? void(fSchema.Qualify(declaration, "Key", AnyKey())) : key->SetValue(AnyKey());
+            case 4:
+                return key == nullptr ? void() : declaration.RemoveQualifier(*key);
+            case 5:
+                return Renew();
+            default:
+                return fInstance->SetPropertyValue(declaration.GetName(), AnyValue());
+        }
+    }
+    /// Gives all properties good names first if none can be made of theirs.
+    void Renew() {
+        const auto make = [this] { fInstance = std::make_unique<TCIMInstance>(&fClass); };
+        if (StatusOf(make) == kyrStatusOK) return;
+        unsigned int number = 0;
+        for (const TCIMPropertyDecl* declaration : fClass.EnumeratePropertyDecls())
+            const_cast<TCIMPropertyDecl*>(declaration)->SetName("Good" + std::to_string(++number));
+        make();
+    }
+
+    const SchemaBuilder& fSchema;
+    TCIMClass fClass;
+    std::unique_ptr<TCIMInstance> fInstance;
+    std::mt19937 fRandom;
+};
+
+TEST_F(TCIMInstanceTest, FindsItsKeysAsByNamesWhateverHasChanged) {
+    for (unsigned int seed = 0; seed < 200; ++seed) {
+        const std::unique_ptr<TOddLocale> locale(seed % 2 != 0 ? new TOddLocale : nullptr);
+        TChangingClass changing(fSchema, fContainer, seed);
+        for (int i = 0; i < 30; ++i) {
+            const TCIMInstance& instance = changing.Instance();
+            std::string text, path;
+            const std::string textOutcome = Outcome([&] { text = TCIMInstanceImpl::Of(instance).BuildPathText(); });
+            const std::string pathOutcome = Outcome([&] { path = instance.BuildPath().GetPath(); });
+            ASSERT_EQ(text + textOutcome, path + pathOutcome) << seed << ' ' << i;
+            ASSERT_EQ(Outcome([&] { instance.Validate(); }), Outcome([&] { changing.ValidateByNames(); }))
+                << seed << ' ' << i;
+            changing.Change();
+        }
+    }
 }
 
 }  // namespace
