@@ -38,12 +38,12 @@ TWords::TWords(unsigned count) {
         instance->SetPropertyValue("Id", TCIMValue(i));
         instance->SetPropertyValue("State", TCIMValue(static_cast<unsigned short>(i % kWords)));
         instance->AddToContainer();
+        fStates.push_back(instance->GetProperty("State"));
     }
 }
 
 std::size_t TWords::DisplayAll() const {
     std::size_t length = 0;
-    for (const TCIMInstance* instance : fContainer.GetClass("Bench_Device")->EnumerateInstances(false))
-        length += instance->GetProperty("State")->ToString().size();
+    for (const TCIMProperty* state : fStates) length += state->ToString().size();
     return length;
 }

@@ -3,7 +3,11 @@
 
 #include <cstddef>
 
+#include <vector>
+
 #include "kyr/TContainer.h"
+
+class TCIMProperty;
 
 /// A container with instances of a class, each with a number that is displayed as one of twenty words.
 class TWords {
@@ -15,6 +19,7 @@ public:
 
 private:
     TContainer fContainer;
+    std::vector<const TCIMProperty*> fStates;
 };
 
 #endif

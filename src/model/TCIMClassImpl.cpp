@@ -92,9 +92,13 @@ std::vector<TCIMClass*> TCIMClassImpl::EnumerateSubClasses(bool deep) const {
     return subClasses;
 }
 
-bool TCIMClassImpl::IsAssociation() const { return TCIMQualifierImpl::IsTrue(fQualifiers.Find("ASSOCIATION")); }
+bool TCIMClassImpl::IsAssociation() const {
+    return TCIMQualifierImpl::IsTrue(fQualifiers.Find(TLiteralName{"ASSOCIATION", "association"}));
+}
 
-bool TCIMClassImpl::IsAbstract() const { return TCIMQualifierImpl::IsTrue(fQualifiers.Find("ABSTRACT")); }
+bool TCIMClassImpl::IsAbstract() const {
+    return TCIMQualifierImpl::IsTrue(fQualifiers.Find(TLiteralName{"ABSTRACT", "abstract"}));
+}
 
 bool TCIMClassImpl::IsSubclassOf(const TCIMClass* other) const {
     const TCIMClass* root = fContainer->GetRootClass();
@@ -120,7 +124,7 @@ void TCIMClassImpl::AddPropertyDecl(TCIMPropertyDecl& declaration) {
         RefuseDecl(kyrStatusNotAssociation, "add reference property ", declaration, " to non-association class ", "");
     const TNormalizedName name(declaration.GetName());
     const auto existing = fPropertyDecls.find(name.View());
-    if (declaration.FindQualifier("OVERRIDE") != nullptr)
+    if (TCIMPropertyDeclImpl::Of(declaration).Qualifiers().Find(TLiteralName{"OVERRIDE", "override"}) != nullptr)
         RemoveOverriddenDecl(existing, declaration);
     else if (existing != fPropertyDecls.end())
         RefuseDecl(kyrStatusAlreadyExists, "add property ", declaration, " to class ", ": already exists");

@@ -20,12 +20,12 @@ void TCIMPropertyDecl::SetValue(const TCIMValue& value) { fBody->SetValue(value)
 TCIMValue::TCIMType TCIMPropertyDecl::GetType() const { return fBody->GetValue().GetType(); }
 bool TCIMPropertyDecl::IsArray() const { return fBody->GetValue().IsArray(); }
 TCIMClass* TCIMPropertyDecl::GetClass() const { return fBody->GetClass(); }
-void TCIMPropertyDecl::AddQualifier(TCIMQualifier& qualifier) { fBody->Qualifiers().Add(qualifier); }
+void TCIMPropertyDecl::AddQualifier(TCIMQualifier& qualifier) { fBody->AddQualifier(qualifier); }
 TCIMQualifier* TCIMPropertyDecl::GetQualifier(const std::string& name) const { return fBody->Qualifiers().Get(name); }
 std::vector<const TCIMQualifier*> TCIMPropertyDecl::EnumerateQualifiers() const {
     return fBody->Qualifiers().Enumerate();
 }
-void TCIMPropertyDecl::RemoveQualifier(TCIMQualifier& qualifier) { fBody->Qualifiers().Remove(qualifier); }
+void TCIMPropertyDecl::RemoveQualifier(TCIMQualifier& qualifier) { fBody->RemoveQualifier(qualifier); }
 TCIMQualifier* TCIMPropertyDecl::FindQualifier(const std::string& name) const { return fBody->Qualifiers().Find(name); }
 bool TCIMPropertyDecl::operator==(const TCIMPropertyDecl& other) const {
     return TContainerImpl::CompareNames(GetName(), other.GetName()) == 0;

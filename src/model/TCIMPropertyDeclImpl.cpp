@@ -1,6 +1,15 @@
 #include "model/TCIMPropertyDeclImpl.h"
 
+#include <utility>
+
 #include "kyr/TCIMClass.h"
+#include "model/TNormalizedName.h"
+
+namespace {
+
+constexpr unsigned long kOutdated = ~0ul;  // words by names that the usual locale does not give
+
+}  // namespace
 
 std::atomic<unsigned long> TCIMPropertyDeclImpl::fgRenameCount = 0;
 
@@ -12,4 +21,25 @@ void TCIMPropertyDeclImpl::AddToContainer() const {
 void TCIMPropertyDeclImpl::SetName(const std::string& name) {
     fName = name;
     ++fgRenameCount;
+}
+
+void TCIMPropertyDeclImpl::AddQualifier(TCIMQualifier& qualifier) {
+    fWords.reset();
+    fQualifiers.Add(qualifier);
+}
+
+void TCIMPropertyDeclImpl::RemoveQualifier(TCIMQualifier& qualifier) {
+    fWords.reset();
+    fQualifiers.Remove(qualifier);
+}
+
+const TValueWords* TCIMPropertyDeclImpl::FindWords() const {
+    const bool isPresent = fWordsChangeCount == TCIMQualifierImpl::GetChangeCount();
+    return isPresent && TNormalizedName::IsUsualLocale() ? fWords.get() : nullptr;
+}
+
+const TValueWords& TCIMPropertyDeclImpl::KeepWords(std::unique_ptr<const TValueWords> words) const {
+    fWords = std::move(words);
+    fWordsChangeCount = TNormalizedName::IsUsualLocale() ? TCIMQualifierImpl::GetChangeCount() : kOutdated;
+    return *fWords;
 }

@@ -2,11 +2,13 @@
 #define KYR_MODEL_TCIMPROPERTYDECLIMPL_H
 
 #include <atomic>
+#include <memory>
 #include <string>
 
 #include "kyr/TCIMPropertyDecl.h"
 #include "model/TCIMQualifierImpl.h"
 #include "model/TQualifierMap.h"
+#include "model/ValueMapTable.h"
 
 class TCIMPropertyDeclImpl {
 public:
@@ -23,7 +25,12 @@ public:
     const TCIMValue& GetValue() const { return fValue; }
     void SetValue(const TCIMValue& value) { fValue = value; }
     TCIMClass* GetClass() const { return fClass; }
-    TQualifierMap& Qualifiers() { return fQualifiers; }
+    const TQualifierMap& Qualifiers() const { return fQualifiers; }
+    void AddQualifier(TCIMQualifier& qualifier);
+    void RemoveQualifier(TCIMQualifier& qualifier);
+    /// The words that were kept; null if a qualifier has changed since, or the locale is not the usual one.
+    const TValueWords* FindWords() const;
+    const TValueWords& KeepWords(std::unique_ptr<const TValueWords> words) const;
     /// Raises kyrStatusTypeMismatch if the qualifier KEY is not boolean.
     bool IsKey() const { return fQualifiers.GetKey() != nullptr && TCIMQualifierImpl::IsTrue(fQualifiers.GetKey()); }
 
@@ -35,6 +42,8 @@ private:
     TCIMClass* fClass;  // not owned
     TCIMValue fValue;   // carries the type, the default and the referenced class
     TQualifierMap fQualifiers;
+    mutable std::unique_ptr<const TValueWords> fWords;  // null: not made since a qualifier was added or removed
+    mutable unsigned long fWordsChangeCount = 0;        // of TCIMQualifierImpl::GetChangeCount when fWords was made
 };
 
 #endif

@@ -1,9 +1,11 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMQualifier.h"
 #include "model/TCIMArrayValueImpl.h"
+#include "model/TCIMPropertyDeclImpl.h"
 #include "model/TCIMPropertyImpl.h"
 #include "model/TCIMQualifierImpl.h"
 #include "model/TCIMStringValueImpl.h"
+#include "model/TNormalizedName.h"
 #include "model/UnitDisplay.h"
 #include "model/ValueMapTable.h"
 #include "platform/CoreLog.h"
@@ -11,22 +13,31 @@
 namespace {
 using TType = TCIMValue::TCIMType;
 
+constexpr TLiteralName kAbbreviateUnits{"ABBREVIATEUNITS", "abbreviateunits"};
+constexpr TLiteralName kBase{"BASE", "base"};
+constexpr TLiteralName kDisplayCPUTime{"DISPLAYCPUTIME", "displaycputime"};
+constexpr TLiteralName kDisplayFixedUnits{"DISPLAYFIXEDUNITS", "displayfixedunits"};
+constexpr TLiteralName kNullDisplay{"NULLDISPLAY", "nulldisplay"};
+constexpr TLiteralName kUnits{"UNITS", "units"};
+constexpr TLiteralName kValueMap{"ValueMap", "valuemap"};
+constexpr TLiteralName kValues{"Values", "values"};
+
 // The value of a qualifier; null if the declaration does not have it or its value is NULL.
-const TCIMValue* FindValue(const TCIMPropertyDecl& declaration, const char* name) {
-    const TCIMQualifier* const qualifier = declaration.FindQualifier(name);
+const TCIMValue* FindValue(const TCIMPropertyDecl& declaration, const TLiteralName& name) {
+    const TCIMQualifier* const qualifier = TCIMPropertyDeclImpl::Of(declaration).Qualifiers().Find(name);
     if (qualifier == nullptr) return nullptr;
     const TCIMValue& value = TCIMQualifierImpl::ValueOf(*qualifier);
     return value.IsNull() ? nullptr : &value;
 }
 
-const std::string* FindText(const TCIMPropertyDecl& declaration, const char* name) {
+const std::string* FindText(const TCIMPropertyDecl& declaration, const TLiteralName& name) {
     const TCIMValue* const value = FindValue(declaration, name);
     if (value == nullptr || value->GetType() != TType::eCIMString) return nullptr;
     return &TCIMStringValueImpl::TextOf(*value);
 }
 
 std::string NullText(const TCIMPropertyDecl& declaration) {
-    const std::string* const text = FindText(declaration, "NULLDISPLAY");
+    const std::string* const text = FindText(declaration, kNullDisplay);
     return text != nullptr ? *text : std::string();
 }
 
@@ -88,29 +99,29 @@ std::string TCIMPropertyImpl::ToStringWithQualifiers(const TCIMValue& value) con
     if (value.IsNull()) return NullText(*fDeclaration);
     unsigned long number = 0;
     if (value.GetType() == TType::eCIMBoolean || !ReadUnsigned(value, number)) return ToStringWithBase(value);
-    const std::string* const units = FindText(*fDeclaration, "UNITS");
+    const std::string* const units = FindText(*fDeclaration, kUnits);
     if (units == nullptr) return ToStringWithBase(value);
     const TDeclaredUnit unit = ReadUnit(*units);
     if (unit.name == "Seconds")
-        return DisplayTimeSpan(number, unit.magnitude, FindValue(*fDeclaration, "DISPLAYCPUTIME") != nullptr);
+        return DisplayTimeSpan(number, unit.magnitude, FindValue(*fDeclaration, kDisplayCPUTime) != nullptr);
     const TScaledUnit* const scaled = FindScaledUnit(unit.name);
     if (scaled == nullptr) return ToStringWithBase(value);
-    const std::string* const fixed = FindText(*fDeclaration, "DISPLAYFIXEDUNITS");
+    const std::string* const fixed = FindText(*fDeclaration, kDisplayFixedUnits);
     return DisplayScaled(number, unit.magnitude, *scaled, fixed != nullptr ? FindFixedMagnitude(*fixed) : std::nullopt,
-                         FindValue(*fDeclaration, "ABBREVIATEUNITS") != nullptr);
+                         FindValue(*fDeclaration, kAbbreviateUnits) != nullptr);
 }
 
 std::string TCIMPropertyImpl::ToStringWithBase(const TCIMValue& value) const {
-    const TCIMValue* const base = FindValue(*fDeclaration, "BASE");
+    const TCIMValue* const base = FindValue(*fDeclaration, kBase);
     if (base == nullptr || base->GetType() != TType::eCIMUint8) return value.ToString(10);
     return value.ToString(static_cast<unsigned char>(*base));
 }
 
 bool TCIMPropertyImpl::BuildValueMapEntryArray(std::vector<TValueMapEntry>& table, std::string& defaultText) const {
-    const TCIMValue* const values = FindValue(*fDeclaration, "Values");
+    const TCIMValue* const values = FindValue(*fDeclaration, kValues);
     if (values == nullptr) return false;
     if (!IsStringArray(*values)) return Complain(*fDeclaration, " has a VALUE qualifier that isn't a string!");
-    const TCIMValue* const valueMap = FindValue(*fDeclaration, "ValueMap");
+    const TCIMValue* const valueMap = FindValue(*fDeclaration, kValueMap);
     if (valueMap != nullptr && !IsStringArray(*valueMap))
         return Complain(*fDeclaration, " has a VALUEMAP qualifier that isn't a string!");
 
@@ -130,7 +141,7 @@ bool TCIMPropertyImpl::BuildValueMapEntryArray(std::vector<TValueMapEntry>& tabl
     return true;
 }
 
-std::string TCIMPropertyImpl::LookupInTable(const TCIMValue& value, std::vector<TValueMapEntry>& table,
+std::string TCIMPropertyImpl::LookupInTable(const TCIMValue& value, const std::vector<TValueMapEntry>& table,
                                             const std::string& defaultText) const {
     unsigned long number = 0;
     if (!ReadUnsigned(value, number)) return value.ToString(10);
@@ -138,24 +149,27 @@ std::string TCIMPropertyImpl::LookupInTable(const TCIMValue& value, std::vector<
     return defaultText.empty() ? value.ToString(10) : defaultText;
 }
 
+// Null if the declaration has no words, or no valid ones; the latter is logged each time.
+const TValueWords* TCIMPropertyImpl::FindWords() const {
+    if (!HasWords(fDeclaration->GetType())) return nullptr;
+    const TCIMPropertyDeclImpl& declaration = TCIMPropertyDeclImpl::Of(*fDeclaration);
+    if (const TValueWords* const kept = declaration.FindWords()) return kept;
+    TValueWords words;
+    if (!BuildValueMapEntryArray(words.table, words.defaultText)) return nullptr;
+    return &declaration.KeepWords(std::make_unique<TValueWords>(std::move(words)));
+}
+
 std::string TCIMPropertyImpl::DisplayText(const TCIMValue& value) const {
-    std::vector<TValueMapEntry> table;
-    std::string defaultText;
-    if (!value.IsNull() && !fDeclaration->IsArray() && HasWords(fDeclaration->GetType()) &&
-        BuildValueMapEntryArray(table, defaultText))
-        return LookupInTable(value, table, defaultText);
-    return ToStringWithQualifiers(value);
+    const TValueWords* const words = value.IsNull() || fDeclaration->IsArray() ? nullptr : FindWords();
+    return words != nullptr ? LookupInTable(value, words->table, words->defaultText) : ToStringWithQualifiers(value);
 }
 
 std::vector<std::string> TCIMPropertyImpl::DisplayTexts(const TCIMValue& value) const {
-    std::vector<TValueMapEntry> table;
-    std::string defaultText;
-    if (value.IsNull() || !fDeclaration->IsArray() || !HasWords(fDeclaration->GetType()) ||
-        !BuildValueMapEntryArray(table, defaultText))
-        return PlainTexts(value);
+    const TValueWords* const words = value.IsNull() || !fDeclaration->IsArray() ? nullptr : FindWords();
+    if (words == nullptr) return PlainTexts(value);
     std::vector<std::string> texts;
     for (const TCIMValue& element : static_cast<std::vector<TCIMValue>&>(value))
-        texts.push_back(LookupInTable(element, table, defaultText));
+        texts.push_back(LookupInTable(element, words->table, words->defaultText));
     return texts;
 }
 

@@ -9,6 +9,8 @@
 #include "kyr/TCIMProperty.h"
 #include "model/TSmallObject.h"
 
+struct TValueWords;
+
 class TCIMPropertyImpl : public TSmallObject {
 public:
     /// One entry of ValueMap and Values: a range of numbers and its text.
@@ -58,7 +60,7 @@ public:
     /// Fills the table from Values and ValueMap, and the text for numbers that are not in it. False if the declaration
     /// has no valid table.
     bool BuildValueMapEntryArray(std::vector<TValueMapEntry>& table, std::string& defaultText) const;
-    std::string LookupInTable(const TCIMValue& value, std::vector<TValueMapEntry>& table,
+    std::string LookupInTable(const TCIMValue& value, const std::vector<TValueMapEntry>& table,
                               const std::string& defaultText) const;
 
 private:
@@ -67,6 +69,7 @@ private:
     std::string DisplayText(const TCIMValue& value) const;
     std::vector<std::string> DisplayTexts(const TCIMValue& value) const;
     std::vector<std::string> PlainTexts(const TCIMValue& value) const;
+    const TValueWords* FindWords() const;
 
     TCIMProperty* fOwner;
     const TCIMPropertyDecl* fDeclaration;  // its class owns it

@@ -1,5 +1,7 @@
 #include "model/TCIMQualifierImpl.h"
 
+std::atomic<unsigned long> TCIMQualifierImpl::fgChangeCount = 0;
+
 bool TCIMQualifierImpl::IsTrue(const TCIMQualifier* qualifier) {
     if (qualifier == nullptr) return false;
     const TCIMValue& value = ValueOf(*qualifier);
@@ -7,6 +9,7 @@ bool TCIMQualifierImpl::IsTrue(const TCIMQualifier* qualifier) {
 }
 
 void TCIMQualifierImpl::SetValue(const TCIMValue& value) {
+    ++fgChangeCount;
     fValue = value;
     fPropagated = false;
 }

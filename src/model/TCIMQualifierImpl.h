@@ -1,6 +1,8 @@
 #ifndef KYR_MODEL_TCIMQUALIFIERIMPL_H
 #define KYR_MODEL_TCIMQUALIFIERIMPL_H
 
+#include <atomic>
+
 #include "kyr/TCIMQualifier.h"
 #include "model/TCIMValueTransfer.h"
 
@@ -21,6 +23,8 @@ public:
     static const TCIMValue& ValueOf(const TCIMQualifier& handle) { return handle.fBody->fValue; }
     /// True if there is a qualifier and its value is true. Raises kyrStatusTypeMismatch if it is not boolean.
     static bool IsTrue(const TCIMQualifier* qualifier);
+    /// Counts the changes of the values of all qualifiers. What was made of a value at another count may be outdated.
+    static unsigned long GetChangeCount() { return fgChangeCount.load(std::memory_order_relaxed); }
 
     const TCIMQualifierDecl& GetDeclaration() const { return *fDeclaration; }
     const TCIMValue& Value() const { return fValue; }
@@ -36,6 +40,8 @@ public:
     void SetAdopted() { fAdopted = true; }
 
 private:
+    static std::atomic<unsigned long> fgChangeCount;  // of every container, and so of every thread
+
     const TCIMQualifierDecl* fDeclaration;  // the container's; must outlive the qualifier
     TCIMValue fValue;
     TCIMQualifierDecl::EFlavor fFlavor;

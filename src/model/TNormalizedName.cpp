@@ -4,6 +4,7 @@
 #include <emmintrin.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstring>
 
 #include "platform/CoreLog.h"
@@ -63,7 +64,7 @@ std::atomic<const unsigned short*> gUsualClasses = nullptr;
     return true;
 }
 
-bool IsUsual(const TCharacterTables& tables) {
+bool IsUsualASCII(const TCharacterTables& tables) {
     return (tables.lower == gUsualLower.load(std::memory_order_relaxed) &&
             tables.classes == gUsualClasses.load(std::memory_order_relaxed)) ||
            CheckTables(tables);
@@ -77,26 +78,48 @@ __m128i IsInRange(__m128i bytes, char first, char count) {
     return _mm_cmplt_epi8(shifted, _mm_set1_epi8(static_cast<char>(-128 + count)));
 }
 
-/// False if a byte cannot stand in a name of ASCII characters.
-bool NormalizeBlock(__m128i bytes, char* target) {
-    const __m128i isUpper = IsInRange(bytes, 'A', 26);
-    const __m128i lower = _mm_or_si128(bytes, _mm_and_si128(isUpper, _mm_set1_epi8('a' - 'A')));
-    const __m128i isLetter = IsInRange(lower, 'a', 26);
-    const __m128i isOther = _mm_or_si128(IsInRange(bytes, '0', 10), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_')));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), lower);
-    return _mm_movemask_epi8(_mm_or_si128(isLetter, isOther)) == 0xffff;
+/// False if a character cannot stand in a name of ASCII characters.
+bool NormalizeBlock(__m128i& block) {
+    const __m128i isDigit = IsInRange(block, '0', 10), isUnderscore = _mm_cmpeq_epi8(block, _mm_set1_epi8('_'));
+    block = _mm_or_si128(block, _mm_and_si128(IsInRange(block, 'A', 26), _mm_set1_epi8('a' - 'A')));
+    const __m128i isLetter = IsInRange(block, 'a', 26);
+    return _mm_movemask_epi8(_mm_or_si128(isLetter, _mm_or_si128(isDigit, isUnderscore))) == 0xffff;
 }
 
-/// The same for a name of ASCII characters alone, a block at a time; the target has room for whole blocks. False if the
-/// tables have to decide about the name.
+/// The same for the first and the last characters of a name, as many as a T has bytes; they may overlap.
+template <typename T>
+bool NormalizeEnds(std::string_view name, char* target) {
+    constexpr size_t kSize = sizeof(T);
+    const size_t last = name.size() - kSize;
+    T ends[2];
+    std::memcpy(&ends[0], name.data(), kSize);
+    std::memcpy(&ends[1], name.data() + last, kSize);
+    __m128i block;
+    for (size_t at = 0; at < kBlock; at += sizeof ends)
+        std::memcpy(reinterpret_cast<char*>(&block) + at, ends, sizeof ends);
+    const bool isName = NormalizeBlock(block);
+    std::memcpy(ends, &block, sizeof ends);
+    std::memcpy(target, &ends[0], kSize);
+    std::memcpy(target + last, &ends[1], kSize);
+    return isName;
+}
+
+bool NormalizeBlockAt(const char* source, char* target) {
+    __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+    const bool isName = NormalizeBlock(block);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(target), block);
+    return isName;
+}
+
+/// Writes a name of ASCII characters in lower case, a block at a time. False if the tables have to decide about it.
 bool NormalizeASCII(std::string_view name, char* target) {
-    if (name.empty()) return true;
-    if (IsDigit(name.front())) return false;
-    for (; name.size() >= kBlock; name.remove_prefix(kBlock), target += kBlock)
-        if (!NormalizeBlock(_mm_loadu_si128(reinterpret_cast<const __m128i*>(name.data())), target)) return false;
-    __m128i rest = _mm_set1_epi8('a');
-    std::memcpy(&rest, name.data(), name.size());
-    return NormalizeBlock(rest, target);
+    if (name.size() < sizeof(uint32_t) || IsDigit(name.front())) return false;
+    if (name.size() < sizeof(uint64_t)) return NormalizeEnds<uint32_t>(name, target);
+    if (name.size() < kBlock) return NormalizeEnds<uint64_t>(name, target);
+    const size_t last = name.size() - kBlock;
+    for (size_t at = 0; at < last; at += kBlock)
+        if (!NormalizeBlockAt(name.data() + at, target + at)) return false;
+    return NormalizeBlockAt(name.data() + last, target + last);
 }
 
 [[noreturn]] void RefuseName(std::string_view name) {
@@ -108,10 +131,12 @@ bool NormalizeASCII(std::string_view name, char* target) {
 TNormalizedName::TNormalizedName(std::string_view name) {
     char* target = fBuffer;
     if (name.size() > kShort) {
-        fLong.resize(name.size() + kBlock);
+        fLong.resize(name.size());
         target = fLong.data();
     }
     const TCharacterTables tables;
-    if (!(IsUsual(tables) && NormalizeASCII(name, target)) && !Normalize(name, tables, target)) RefuseName(name);
+    if (!(IsUsualASCII(tables) && NormalizeASCII(name, target)) && !Normalize(name, tables, target)) RefuseName(name);
     fView = std::string_view(target, name.size());
 }
+
+bool TNormalizedName::IsUsualLocale() { return IsUsualASCII(TCharacterTables()); }

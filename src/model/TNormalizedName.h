@@ -13,13 +13,22 @@ public:
     TNormalizedName& operator=(const TNormalizedName&) = delete;
 
     std::string_view View() const { return fView; }
+    /// False if the host's locale treats ASCII otherwise than the C locale does. A Turkish one makes another letter of
+    /// I.
+    static bool IsUsualLocale();
 
 private:
     static constexpr size_t kShort = 64;
 
-    char fBuffer[kShort + 16];  // the fast road writes 16 bytes at a time
-    std::string fLong;          // used instead of the buffer for a longer name
+    char fBuffer[kShort];
+    std::string fLong;  // used instead of the buffer for a longer name
     std::string_view fView;
+};
+
+/// A name that the core itself looks for, and what TNormalizedName makes of it in the usual locale.
+struct TLiteralName {
+    const char* written;
+    std::string_view normalized;
 };
 
 #endif

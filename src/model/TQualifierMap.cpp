@@ -53,6 +53,12 @@ TCIMQualifier* TQualifierMap::Find(const std::string& name) const {
     return found == fMap.end() ? nullptr : found->second.get();
 }
 
+TCIMQualifier* TQualifierMap::Find(const TLiteralName& name) const {
+    if (!TNormalizedName::IsUsualLocale()) return Find(std::string(name.written));
+    const auto found = fMap.find(name.normalized);
+    return found == fMap.end() ? nullptr : found->second.get();
+}
+
 TCIMQualifier* TQualifierMap::Get(const std::string& name) const {
     if (TCIMQualifier* found = Find(name)) return found;
     throw TKYRException(kyrStatusNotFound);

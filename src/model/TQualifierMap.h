@@ -11,6 +11,7 @@
 #include "model/TSmallObject.h"
 
 class TCIMQualifier;
+struct TLiteralName;
 
 /// The qualifiers of a class or a property declaration by normalised name, and the rule by which one replaces another.
 class TQualifierMap {
@@ -18,6 +19,7 @@ public:
     void Add(TCIMQualifier& qualifier);
     TCIMQualifier* Get(const std::string& name) const;
     TCIMQualifier* Find(const std::string& name) const;
+    TCIMQualifier* Find(const TLiteralName& name) const;
     std::vector<const TCIMQualifier*> Enumerate() const;
     void Remove(TCIMQualifier& qualifier);
     /// Adds copies of the superclass's qualifiers that propagate to subclasses.

@@ -6,6 +6,12 @@
 
 #include "model/TCIMPropertyImpl.h"
 
+/// The words for the numbers of a property.
+struct TValueWords {
+    std::vector<TCIMPropertyImpl::TValueMapEntry> table;
+    std::string defaultText;  // for numbers that are not in the table, unless it is empty
+};
+
 /// Reads the entries of a ValueMap in order and fills a table with their ranges and texts.
 class TValueMapReader {
 public:

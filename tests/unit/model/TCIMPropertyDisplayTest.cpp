@@ -1,3 +1,7 @@
+#include <random>
+
+#include "model/TCIMPropertyImpl.h"
+#include "support/OddLocale.h"
 #include "support/SchemaBuilder.h"
 
 namespace {
@@ -21,11 +25,25 @@ protected:
         const std::string outcome = Outcome([&] { text = Property(value, qualifiers).ToString(); });
         return text + outcome;
     }
+    std::string Shown() {
+        std::string text;
+        const std::string outcome = Outcome([&] { text = fProperty->ToString(); });
+        return text + outcome;
+    }
+    std::string ShownWithoutKeptWords() {
+        const TCIMPropertyImpl& body = *fProperty->GetBody();
+        std::vector<TCIMPropertyImpl::TValueMapEntry> table;
+        std::string text;
+        const std::string outcome = Outcome([&] {
+            text = body.BuildValueMapEntryArray(table, text) ? body.LookupInTable(body.Value(), table, text)
+                                                             : body.ToStringWithQualifiers(body.Value());
+        });
+        return text + outcome;
+    }
     TLines Listed(const TCIMValue& value, const TQualifiers& qualifiers) {
         return Property(value, qualifiers).ToStringVector();
     }
 
-private:
     std::unique_ptr<TCIMPropertyDecl> fDeclaration;
     std::unique_ptr<TCIMProperty> fProperty;
 };
@@ -150,4 +168,48 @@ TEST_F(TCIMPropertyDisplayTest, FallsBackToTheNumberWhenATableIsBroken) {
     };
     // clang-format on
     for (const auto& [qualifiers, shown] : cases) EXPECT_EQ(Shown(1u, qualifiers), shown);
+}
+
+TEST_F(TCIMPropertyDisplayTest, LooksForQualifiersByTheNamesOfTheLocale) {
+    const std::tuple<TQualifiers, const char*, const char*> cases[] = {
+        {{{"UNITS", "Bytes"}}, "2 Kilobytes", "2048"},
+        {{{"VALUES", Words({"no"})}, {"VALUEMAP", Words({"2048"})}}, "no", "2048"},
+    };
+    for (const auto& [qualifiers, found, notFound] : cases) {
+        EXPECT_EQ(Shown(2048u, qualifiers), found);
+        {
+            const TOddLocale locale;
+            EXPECT_EQ(Shown(), notFound) << "attached under another name";
+            EXPECT_EQ(Shown(2048u, qualifiers), found);
+        }
+        EXPECT_EQ(Shown(), notFound);
+    }
+}
+
+// A declaration keeps its words until a qualifier changes. A change of a qualifier elsewhere has them made anew, so
+// that both can be compared.
+TEST_F(TCIMPropertyDisplayTest, KeptWordsAreThoseThatWouldBeMade) {
+    std::mt19937 random;
+    const auto below = [&](unsigned int limit) { return static_cast<unsigned int>(random() % limit); };
+    const auto anyWords = [&] {
+        static const char* const kTexts[] = {"1", "2..", "..", "..3", "0", "word"};
+        TLines texts(below(2) + 1);
+        for (std::string& text : texts) text = kTexts[below(std::size(kTexts))];
+        return below(8) == 0 ? TCIMValue("text") : Words(texts);
+    };
+    for (int round = 0; round < 100; ++round) {
+        Property(TCIMValue(1u), {});
+        std::unique_ptr<TOddLocale> locale;
+        for (int i = 0; i < 40; ++i) {
+            const char* const name = below(2) == 0 ? "Values" : "VALUEMAP";
+            TCIMQualifier* const present = fDeclaration->FindQualifier(name);
+            const unsigned int change = below(8);
+            if (change == 0) locale.reset(locale ? nullptr : new TOddLocale);
+            if (change == 1 && present != nullptr) fDeclaration->RemoveQualifier(*present);
+            if (change < 4 && present != nullptr && change > 1) present->SetValue(anyWords());
+            if (change == 4) fSchema.Qualify(*fDeclaration, name, anyWords());
+            fProperty->SetValue(TCIMValue(below(4)));
+            ASSERT_EQ(Shown(), ShownWithoutKeptWords()) << round << ' ' << i;
+        }
+    }
 }
