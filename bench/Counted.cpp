@@ -22,7 +22,6 @@ namespace {
 
 constexpr std::size_t kBytes = 500'000;
 constexpr unsigned kRecords = 500;
-constexpr unsigned kLinks = 500;
 
 // Runs the case twice: the first run counts memory and fills what is initialised only once, the second counts
 // instructions.
@@ -69,9 +68,12 @@ void CountProperties() {
 }
 
 void CountWalks() {
-    const TLinks links(kLinks);
-    Count({"walk references", [&] { links.WalkReferences(); }}, "link", 1.0 * kLinks * kWalks);
-    Count({"walk associators", [&] { links.WalkAssociators(); }}, "link", 1.0 * kLinks * kWalks);
+    for (const unsigned count : {500, 5000}) {
+        const TLinks links(count);
+        const std::string among = std::to_string(count);
+        Count({"references in " + among, [&] { links.WalkReferences(); }}, "walk", kWalks);
+        Count({"associators in " + among, [&] { links.WalkAssociators(); }}, "walk", kWalks);
+    }
 }
 
 }  // namespace

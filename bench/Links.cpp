@@ -46,29 +46,25 @@ TLinks::TLinks(unsigned count) {
         AddReference(handle, "Dependent", "Bench_Back", i);
     }
     handle.fCurrentInstance->AddToContainer();
-}
 
-std::vector<TCIMInstance*> TLinks::Starts() const {
-    const std::vector<TCIMInstance*> all = fContainer.GetClass("Bench_Front")->EnumerateInstances(false);
-    std::vector<TCIMInstance*> starts;
-    for (unsigned i = 0; i < kWalks; ++i) starts.push_back(all[i * all.size() / kWalks]);
-    return starts;
+    const std::vector<TCIMInstance*> all = front.EnumerateInstances(false);
+    for (unsigned i = 0; i < kWalks; ++i) fStarts.push_back(all[i * all.size() / kWalks]);
 }
 
 std::vector<std::string> TLinks::StartPaths() const {
     std::vector<std::string> paths;
-    for (const TCIMInstance* start : Starts()) paths.push_back(start->BuildPath().GetPath());
+    for (const TCIMInstance* start : fStarts) paths.push_back(start->BuildPath().GetPath());
     return paths;
 }
 
 std::size_t TLinks::WalkReferences() const {
     std::size_t found = 0;
-    for (const TCIMInstance* start : Starts()) found += start->References("", "").size();
+    for (const TCIMInstance* start : fStarts) found += start->References("", "").size();
     return found;
 }
 
 std::size_t TLinks::WalkAssociators() const {
     std::size_t found = 0;
-    for (const TCIMInstance* start : Starts()) found += start->Associators("", "", "", "").size();
+    for (const TCIMInstance* start : fStarts) found += start->Associators("", "", "", "").size();
     return found;
 }

@@ -13,20 +13,18 @@ class TLinks {
 public:
     explicit TLinks(unsigned count);
 
-    /// Follows the association from kWalks instances; each walk visits every instance of the association. Returns how
-    /// many results were found, which is one for each walk.
+    /// Follows the association from kWalks instances. Returns how many results were found, which is one for each walk.
     std::size_t WalkReferences() const;
     std::size_t WalkAssociators() const;
     /// The object paths of the instances from which the walks start.
     std::vector<std::string> StartPaths() const;
 
 private:
-    std::vector<TCIMInstance*> Starts() const;
-
     TContainer fContainer;
+    std::vector<TCIMInstance*> fStarts;
 };
 
-constexpr unsigned kWalks = 10;
+constexpr unsigned kWalks = 100;
 
 std::string FrontPath(unsigned number);
 std::string BackPath(unsigned number);

@@ -6,9 +6,9 @@
 void RaceTokenisers(TTable& table);
 void RacePopulating(TTable& table, unsigned instances);
 void RaceProperties(TTable& table, unsigned records);
-/// With `large` up to 1,000,000 instances, which needs several gigabytes of memory.
+// With `large` up to 1,000,000 instances, which needs several gigabytes of memory.
 void RaceScale(TTable& table, bool large);
-void RaceAssociations(TTable& table);
+void RaceAssociations(TTable& table, bool large);
 /// What it costs kyr to run each of 20 small plugins in a process of its own.
 void RaceIsolation(const TTable& table);
 

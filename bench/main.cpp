@@ -11,7 +11,7 @@ constexpr const char* kUsage =
     "kyr-bench [--rounds N] [--instances N] [--large] [--only TEXT] | --counted\n"
     "  --rounds N     how often each contender runs; the medians are told (5)\n"
     "  --instances N  in the document that fills a container (100000)\n"
-    "  --large        also with 1,000,000 instances stored\n"
+    "  --large        also with 1,000,000 instances or links stored\n"
     "  --only TEXT    only the races whose name holds the text\n"
     "  --counted      the small fixed pieces of work that scripts/bench counts under callgrind\n";
 
@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
     RacePopulating(table, options.instances);
     RaceProperties(table, options.instances);
     RaceScale(table, options.large);
-    RaceAssociations(table);
+    RaceAssociations(table, options.large);
     RaceIsolation(table);
     table.PrintTargets();
 }

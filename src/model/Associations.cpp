@@ -99,10 +99,23 @@ void TCIMClassImpl::AddOtherEnds(const TCIMClass& association, const TCIMClass& 
 std::vector<TCIMInstance*> TCIMInstanceImpl::References(const std::string& assocClass, const std::string& role) const {
     std::vector<TCIMInstance*> found;
     for (const TCIMClass* association : fClass->References(assocClass, role)) {
-        for (TCIMInstance* instance : association->EnumerateInstances(false))
-            if (IsReferredToBy(*instance, role)) found.push_back(instance);
+        std::vector<TCIMInstance*> instances;
+        const bool areFound = TCIMClassImpl::Of(*association).FindReferring(*fHandle, instances) && role.empty();
+        for (TCIMInstance* instance : instances)
+            if (areFound || IsReferredToBy(*instance, role)) found.push_back(instance);
     }
     return found;
+}
+
+bool TCIMInstanceImpl::CollectTargets(std::vector<const ICIMElement*>& targets) const {
+    for (const TCIMProperty& property : fProperties) {
+        const TCIMValue& value = ValueOf(property);
+        if (!value.IsReference()) continue;
+        if (value.IsNull()) return false;
+        targets.push_back(TCIMReferenceImpl::Of(TCIMReferenceValueImpl::ReferenceOf(value)).GetKnownElement());
+        if (targets.back() == nullptr) return false;
+    }
+    return true;
 }
 
 bool TCIMInstanceImpl::IsReferredToBy(const TCIMInstance& association, const std::string& role) const {

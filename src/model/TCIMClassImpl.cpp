@@ -217,9 +217,11 @@ void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
     // Owned before the path is built, so that an instance whose path cannot be built is destroyed.
     const boost::shared_ptr<TCIMInstance> owner = TCIMInstanceImpl::Of(instance).Adopt();
     fInstances.emplace(TCIMInstanceImpl::Of(instance).BuildPathText(), owner);
+    fReferenceIndex.reset();
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
+    fReferenceIndex.reset();
     fInstances.erase(TCIMInstanceImpl::Of(instance).BuildPathText());
 }
 
@@ -242,4 +244,14 @@ std::vector<TCIMInstance*> TCIMClassImpl::EnumerateInstances(bool deep) const {
     for (const TCIMClass* subClass : EnumerateSubClasses(true))
         for (const auto& entry : Of(*subClass).fInstances) instances.push_back(entry.second.get());
     return instances;
+}
+
+bool TCIMClassImpl::FindReferring(const TCIMInstance& target, std::vector<TCIMInstance*>& instances) {
+    if (!fReferenceIndex) fReferenceIndex = std::make_unique<TReferenceIndex>();
+    const bool areKnown = fReferenceIndex->Prepare(fInstances);
+    if (areKnown)
+        fReferenceIndex->Find(target, instances);
+    else
+        instances = EnumerateInstances(false);
+    return areKnown;
 }

@@ -2,6 +2,7 @@
 #define KYR_MODEL_TCIMCLASSIMPL_H
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "model/TCIMElementImpl.h"
 #include "model/TPropertyLayout.h"
 #include "model/TQualifierMap.h"
+#include "model/TReferenceIndex.h"
 
 class TCIMClassImpl : public TCIMElementImpl {
 public:
@@ -61,6 +63,9 @@ public:
     TCIMInstance* GetInstance(const TCIMReference& reference) const;
     TCIMInstance* FindInstance(const TCIMReference& reference) const;
     std::vector<TCIMInstance*> EnumerateInstances(bool deep) const;
+    /// Gives those instances that refer to the target, in the order of EnumerateInstances(false), or if they are not
+    /// known all instances and false.
+    bool FindReferring(const TCIMInstance& target, std::vector<TCIMInstance*>& instances);
 
     std::vector<TCIMClass*> References(const std::string& assocClass, const std::string& role) const;
     std::vector<TCIMClass*> Associators(const std::string& assocClass, const std::string& resultClass,
@@ -84,10 +89,11 @@ private:
     std::string fName;       // as written
     TCIMClass* fSuperClass;  // not owned; null for the root class alone
     TQualifierMap fQualifiers;
-    TPropertyDecls fPropertyDecls;          // by normalised name; inherited ones are shared
-    std::vector<TCIMClass*> fChildClasses;  // not owned, in the order of joining
-    std::set<TCIMClass*> fAssociations;     // not owned: the associations that reference this class
-    std::multimap<std::string, boost::shared_ptr<TCIMInstance>> fInstances;  // by object path
+    TPropertyDecls fPropertyDecls;                     // by normalised name; inherited ones are shared
+    std::vector<TCIMClass*> fChildClasses;             // not owned, in the order of joining
+    std::set<TCIMClass*> fAssociations;                // not owned: the associations that reference this class
+    TReferenceIndex::TInstances fInstances;            // by object path
+    std::unique_ptr<TReferenceIndex> fReferenceIndex;  // null: nobody asked since fInstances changed
     boost::shared_ptr<const TPropertyLayout> fLayout;  // null: must be rebuilt, the declarations changed
     unsigned long fLayoutRenameCount = 0;              // of TCIMPropertyDeclImpl::GetRenameCount when fLayout was built
     bool fHasRenamedDecls = false;                     // when fLayout was built

@@ -43,6 +43,8 @@ public:
     boost::shared_ptr<TCIMInstance> Adopt();
     bool IsAdopted() const { return !fOwner.expired(); }
 
+    /// Adds what the references refer to. False if one is NULL or has not been looked up.
+    bool CollectTargets(std::vector<const ICIMElement*>& targets) const;
     std::vector<TCIMInstance*> References(const std::string& assocClass, const std::string& role) const;
     std::vector<TCIMInstance*> Associators(const std::string& assocClass, const std::string& resultClass,
                                            const std::string& role, const std::string& resultRole) const;

@@ -4,6 +4,7 @@
 
 #include "kyr/TCIMPropertyDecl.h"
 #include "model/TCIMPropertyImpl.h"
+#include "model/TReferenceIndex.h"
 
 TCIMProperty::TCIMProperty(const TCIMPropertyDecl& declaration) : fBody(new TCIMPropertyImpl(*this, declaration)) {}
 TCIMProperty::TCIMProperty(const TCIMPropertyDecl& declaration, const TCIMValue& value) : TCIMProperty(declaration) {
@@ -16,6 +17,7 @@ TCIMProperty& TCIMProperty::operator=(const TCIMProperty& other) {
         std::make_unique<TCIMPropertyImpl>(*other.fBody);  // before anything is changed, because the copy may raise
     delete fBody;
     fBody = body.release();
+    TReferenceIndex::NoteChange();
     return *this;
 }
 TCIMProperty::~TCIMProperty() { delete fBody; }

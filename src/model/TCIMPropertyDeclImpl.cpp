@@ -4,6 +4,7 @@
 
 #include "kyr/TCIMClass.h"
 #include "model/TNormalizedName.h"
+#include "model/TReferenceIndex.h"
 
 namespace {
 
@@ -21,6 +22,11 @@ void TCIMPropertyDeclImpl::AddToContainer() const {
 void TCIMPropertyDeclImpl::SetName(const std::string& name) {
     fName = name;
     ++fgRenameCount;
+}
+
+void TCIMPropertyDeclImpl::SetValue(const TCIMValue& value) {
+    if (value.IsReference() || fValue.IsReference()) TReferenceIndex::NoteChange();
+    fValue = value;
 }
 
 void TCIMPropertyDeclImpl::AddQualifier(TCIMQualifier& qualifier) {

@@ -23,7 +23,7 @@ public:
     const std::string& GetName() const { return fName; }
     void SetName(const std::string& name);
     const TCIMValue& GetValue() const { return fValue; }
-    void SetValue(const TCIMValue& value) { fValue = value; }
+    void SetValue(const TCIMValue& value);
     TCIMClass* GetClass() const { return fClass; }
     const TQualifierMap& Qualifiers() const { return fQualifiers; }
     void AddQualifier(TCIMQualifier& qualifier);

@@ -3,6 +3,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "model/TCIMValueTransfer.h"
+#include "model/TReferenceIndex.h"
 #include "model/TypeName.h"
 #include "platform/CoreLog.h"
 
@@ -37,6 +38,7 @@ void TCIMPropertyImpl::TakeValue(TCIMValue& value) {
 }
 
 void TCIMPropertyImpl::Store(TCIMValue& value) {
+    if (value.IsReference() || (fValue && fValue->IsReference())) TReferenceIndex::NoteChange();
     if (value.GetType() == TCIMValue::TCIMType::eCIMNone || value.GetType() == TCIMValue::TCIMType::eCIMChar) {
         fValue.emplace(value);
         return;

@@ -9,6 +9,7 @@
 #include "kyr/TKYRException.h"
 #include "model/TCIMPropertyDeclImpl.h"
 #include "model/TCIMQualifierImpl.h"
+#include "model/TReferenceIndex.h"
 #include "platform/CoreLog.h"
 
 namespace {
@@ -91,7 +92,9 @@ std::string TCIMReferenceImpl::GetPath() const {
 
 ICIMElement* TCIMReferenceImpl::FindCIMElement() const {
     if (fBindings.empty()) return fClass;
-    if (fElement == nullptr) fElement = GetClass()->FindInstance(*fHandle);
+    if (fElement != nullptr) return fElement;
+    fElement = GetClass()->FindInstance(*fHandle);
+    if (fElement != nullptr) TReferenceIndex::NoteLookUp();
     return fElement;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "kyr/TCIMClass.h"
 #include "kyr/TCIMReference.h"
 
 class TCIMReferenceImpl {
@@ -33,6 +34,8 @@ public:
     ICIMElement* GetCIMElement() const;
     /// Like GetCIMElement, but null where that raises kyrStatusNotFound.
     ICIMElement* FindCIMElement() const;
+    /// What FindCIMElement gives without a look-up; null if it needs one.
+    ICIMElement* GetKnownElement() const { return fBindings.empty() ? fClass : fElement; }
     bool operator==(const TCIMReferenceImpl& other) const;
     bool operator<(const TCIMReferenceImpl& other) const;
 

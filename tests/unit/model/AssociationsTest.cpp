@@ -1,6 +1,11 @@
 #include <map>
+#include <random>
 #include <set>
 
+#include "model/TCIMInstanceImpl.h"
+#include "model/TCIMPropertyImpl.h"
+#include "model/TCIMReferenceImpl.h"
+#include "model/TCIMReferenceValueImpl.h"
 #include "support/SchemaBuilder.h"
 
 using TSorted = std::multiset<std::string>;
@@ -145,6 +150,129 @@ TEST_F(AssociationsTest, NullReferenceFailsTheCallThatMeetsIt) {
     tie.SetPropertyValue("Before", To(fLone, "l"));
     EXPECT_EQ(Names(a.References("", "")), TSorted{"odd"}) << "the hit comes before the other NULL";
     EXPECT_EQ(Names(a.Associators("", "", "Part", "Before")), TSorted{"l"});
+}
+
+TEST_F(AssociationsTest, InstanceFindsAReferenceThatTookTheDefault) {
+    TCIMInstance& b = (Add(fDisk, "a"), Add(fDisk, "b"));
+    TCIMClass& tied =
+        fSchema.AddClass("Tied", {Key("ID"), {"Part", TCIMValue(To(fDisk, "b"))}}, nullptr, {"ASSOCIATION"});
+    TCIMInstance &own = Tie("own", tied, {{"ID", "1"}, {"Part", To(fDisk, "a")}}),
+                 &none = Tie("none", tied, {{"ID", "2"}});
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(Names(b.References("", "")), TSorted{"none"});
+    *own.GetProperty("Part") = *none.GetProperty("Part");
+    EXPECT_EQ(Names(b.References("", "")), (TSorted{"none", "own"}));
+}
+
+/// A container that the same numbers change in the same way as another one.
+class TTwin {
+public:
+    struct TChange {
+        unsigned int kind, first, second, third;
+    };
+
+    void Apply(const TChange& change) {
+        const auto [kind, first, second, third] = change;
+        TCIMInstance* const link = fLinks.empty() ? nullptr : fLinks[first % fLinks.size()];
+        if (kind < 3) return Add(fDisks, fSchema.NewInstance(fDisk, {{"ID", Id(first)}}).release());
+        if (kind < 6 || link == nullptr) return AddLink(first, second, third);
+        if (kind == 6) return (void)StatusOf([&] { link->SetPropertyValue("Part", ValueTo(second)); });
+        const char* const end = second % 2 == 0 ? "Group" : "Part";
+        if (kind == 7) return link->SetProperty(*fLinks[second % fLinks.size()]->GetProperty(end));
+        if (kind == 8) return fLink.GetPropertyDecl("Group")->SetValue(ValueTo(second));
+        if (kind == 9) return link->AddToContainer();
+        if (kind == 10) return link->GetClass()->RemoveInstance(*link);
+        if (!fDisks.empty()) fDisk.RemoveInstance(*fDisks[first % fDisks.size()]);
+    }
+
+    const TCIMInstance* Disk(unsigned int number) const {
+        return fDisks.empty() ? nullptr : fDisks[number % fDisks.size()];
+    }
+    std::string NumbersOf(const std::vector<TCIMInstance*>& links) const {
+        std::string text;
+        for (const TCIMInstance* link : links)
+            text += std::to_string(std::find(fLinks.begin(), fLinks.end(), link) - fLinks.begin()) + ' ';
+        return text;
+    }
+
+private:
+    static TCIMValue Id(unsigned int number) { return TCIMValue(std::to_string(number % 6)); }
+    TCIMValue ValueTo(unsigned int number) {
+        if (number % 20 == 0) return NullReferenceTo(fDisk);
+        if (number % 9 == 1) return TCIMValue(To(fDisk));
+        return TCIMValue(To(fDisk, std::to_string(number % 6).c_str()));
+    }
+    void AddLink(unsigned int first, unsigned int second, unsigned int third) {
+        std::unique_ptr<TCIMInstance> link = fSchema.NewInstance(third % 3 == 0 ? fMirror : fLink, {{"ID", Id(first)}});
+        if (third % 7 != 0) link->SetPropertyValue("Group", ValueTo(second));
+        link->SetPropertyValue("Part", ValueTo(third));
+        Add(fLinks, link.release());
+    }
+    /// Keeps it alive beyond its removal, so that no other one gets its address.
+    void Add(std::vector<TCIMInstance*>& list, TCIMInstance* instance) {
+        instance->AddToContainer();
+        list.push_back(instance);
+        fOwners.push_back(TCIMInstanceImpl::Of(*instance).Adopt());
+    }
+
+    TContainer fContainer;
+    SchemaBuilder fSchema{fContainer};
+    TCIMClass& fDisk = fSchema.AddClass("Disk", {Key("ID")});
+    TCIMClass& fLink =
+        fSchema.AddClass("Link", {Key("ID"), {"Group", NullReferenceTo(fDisk)}, {"Part", NullReferenceTo(fDisk)}},
+                         nullptr, {"ASSOCIATION"});
+    TCIMClass& fMirror =
+        fSchema.AddClass("Mirror", {Key("ID"), {"Group", NullReferenceTo(fDisk)}, {"Part", NullReferenceTo(fDisk)}},
+                         nullptr, {"ASSOCIATION"});
+    std::vector<boost::shared_ptr<TCIMInstance>> fOwners;
+    std::vector<TCIMInstance*> fDisks, fLinks;
+};
+
+bool RefersTo(const TCIMProperty& property, const TCIMInstance& target) {
+    const TCIMValue& value = property.GetBody()->Value();
+    if (!value.IsReference()) return false;
+    if (value.IsNull()) throw TKYRException(kyrStatusValueIsNULL);
+    return TCIMReferenceImpl::Of(TCIMReferenceValueImpl::ReferenceOf(value)).FindCIMElement() == &target;
+}
+
+bool RefersTo(const TCIMInstance& link, const TCIMInstance& target, const std::string& role) {
+    if (!role.empty()) return RefersTo(*link.GetProperty(role), target);
+    for (const TCIMProperty* property : link.EnumerateProperties())
+        if (RefersTo(*property, target)) return true;
+    return false;
+}
+
+/// References by a look at every instance.
+std::vector<TCIMInstance*> Scan(const TCIMInstance& target, const std::string& assocClass, const std::string& role) {
+    std::vector<TCIMInstance*> found;
+    for (const TCIMClass* association : target.GetClass()->References(assocClass, role))
+        for (TCIMInstance* link : association->EnumerateInstances(false))
+            if (RefersTo(*link, target, role)) found.push_back(link);
+    return found;
+}
+
+TEST_F(AssociationsTest, InstanceFindsWhatALookAtEveryInstanceFinds) {
+    for (unsigned int seed = 0; seed < 60; ++seed) {
+        std::mt19937 random(seed);
+        const auto number = [&] { return static_cast<unsigned int>(random() % 1000); };
+        TTwin found, scanned;
+        for (int i = 0; i < 60; ++i) {
+            const TTwin::TChange change = {number() % (seed % 2 == 0 ? 12 : 7), number(), number(), number()};
+            found.Apply(change);
+            scanned.Apply(change);
+            for (int walk = 0; walk < 4; ++walk) {
+                const unsigned int disk = number();
+                const std::string assocClass = number() % 2 == 0 ? "Link" : "Mirror",
+                                  role = number() % 3 == 0 ? "Part" : "";
+                if (found.Disk(disk) == nullptr) continue;
+                std::string numbers, expected;
+                const std::string outcome =
+                    Outcome([&] { numbers = found.NumbersOf(found.Disk(disk)->References(assocClass, role)); });
+                const std::string expectedOutcome =
+                    Outcome([&] { expected = scanned.NumbersOf(Scan(*scanned.Disk(disk), assocClass, role)); });
+                ASSERT_EQ(numbers + outcome, expected + expectedOutcome) << seed << ' ' << i;
+            }
+        }
+    }
 }
 
 }  // namespace
