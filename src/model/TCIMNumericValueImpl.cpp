@@ -4,7 +4,6 @@
 #include <type_traits>
 
 #include "kyr/TKYRException.h"
-#include "model/TCIMValueTransfer.h"
 
 namespace {
 constexpr size_t kLongestNumber = 24;
@@ -48,66 +47,19 @@ std::string Print(T value, unsigned char base) {
 }  // namespace
 
 template <typename T>
-T TCIMNumericValueImpl::Read(T TNumber::*member, TType::ECIMType type) const {
-    if (fType != type) throw TKYRException(kyrStatusTypeMismatch);
-    return fNumber.*member;
-}
-
-template <typename TVisitor>
-auto TCIMNumericValueImpl::Visit(TVisitor visit) const {
-    switch (fType) {
-        case TType::eCIMBoolean:
-            return visit(&TNumber::fBoolean);
-        case TType::eCIMUint8:
-            return visit(&TNumber::fUint8);
-        case TType::eCIMSint8:
-            return visit(&TNumber::fSint8);
-        case TType::eCIMUint16:
-            return visit(&TNumber::fUint16);
-        case TType::eCIMSint16:
-            return visit(&TNumber::fSint16);
-        case TType::eCIMUint32:
-            return visit(&TNumber::fUint32);
-        case TType::eCIMSint32:
-            return visit(&TNumber::fSint32);
-        case TType::eCIMUint64:
-            return visit(&TNumber::fUint64);
-        case TType::eCIMSint64:
-            return visit(&TNumber::fSint64);
-        case TType::eCIMReal32:
-            return visit(&TNumber::fReal32);
-        case TType::eCIMReal64:
-            return visit(&TNumber::fReal64);
-        default:
-            throw TKYRException(kyrStatusNotImplemented);
-    }
-}
-
-TCIMNumericValueImpl::operator bool() const { return Read(&TNumber::fBoolean, TType::eCIMBoolean); }
-TCIMNumericValueImpl::operator unsigned char() const { return Read(&TNumber::fUint8, TType::eCIMUint8); }
-TCIMNumericValueImpl::operator signed char() const { return Read(&TNumber::fSint8, TType::eCIMSint8); }
-TCIMNumericValueImpl::operator unsigned short() const { return Read(&TNumber::fUint16, TType::eCIMUint16); }
-TCIMNumericValueImpl::operator short() const { return Read(&TNumber::fSint16, TType::eCIMSint16); }
-TCIMNumericValueImpl::operator unsigned int() const { return Read(&TNumber::fUint32, TType::eCIMUint32); }
-TCIMNumericValueImpl::operator int() const { return Read(&TNumber::fSint32, TType::eCIMSint32); }
-TCIMNumericValueImpl::operator unsigned long() const { return Read(&TNumber::fUint64, TType::eCIMUint64); }
-TCIMNumericValueImpl::operator long() const { return Read(&TNumber::fSint64, TType::eCIMSint64); }
-TCIMNumericValueImpl::operator float() const { return Read(&TNumber::fReal32, TType::eCIMReal32); }
-TCIMNumericValueImpl::operator double() const { return Read(&TNumber::fReal64, TType::eCIMReal64); }
-
-std::string TCIMNumericValueImpl::ToString(unsigned char base) const {
+std::string TCIMNumericValueImpl<T>::ToString(unsigned char base) const {
     if (base != 8 && base != 10 && base != 16) throw TKYRException(kyrStatusNotSupported);
-    return Visit([&](auto member) { return Print(fNumber.*member, base); });
+    return Print(fNumber, base);
 }
 
-bool TCIMNumericValueImpl::operator==(const TCIMValue& other) const {
-    if (other.GetType() != fType) return false;
-    const TNumber& number = TCIMValueTransfer::BodyOf<TCIMNumericValueImpl>(other).fNumber;
-    return Visit([&](auto member) { return fNumber.*member == number.*member; });
-}
-
-bool TCIMNumericValueImpl::operator<(const TCIMValue& other) const {
-    if (other.GetType() != fType) return false;
-    const TNumber& number = TCIMValueTransfer::BodyOf<TCIMNumericValueImpl>(other).fNumber;
-    return Visit([&](auto member) { return fNumber.*member < number.*member; });
-}
+template class TCIMNumericValueImpl<bool>;
+template class TCIMNumericValueImpl<unsigned char>;
+template class TCIMNumericValueImpl<signed char>;
+template class TCIMNumericValueImpl<unsigned short>;
+template class TCIMNumericValueImpl<short>;
+template class TCIMNumericValueImpl<unsigned int>;
+template class TCIMNumericValueImpl<int>;
+template class TCIMNumericValueImpl<unsigned long>;
+template class TCIMNumericValueImpl<long>;
+template class TCIMNumericValueImpl<float>;
+template class TCIMNumericValueImpl<double>;

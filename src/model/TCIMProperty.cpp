@@ -6,7 +6,7 @@
 #include "model/TCIMPropertyImpl.h"
 #include "model/TReferenceIndex.h"
 
-TCIMProperty::TCIMProperty(const TCIMPropertyDecl& declaration) : fBody(new TCIMPropertyImpl(*this, declaration)) {}
+TCIMProperty::TCIMProperty(const TCIMPropertyDecl& declaration) : fBody(new TCIMPropertyImpl(declaration)) {}
 TCIMProperty::TCIMProperty(const TCIMPropertyDecl& declaration, const TCIMValue& value) : TCIMProperty(declaration) {
     SetValue(value);
 }

@@ -13,18 +13,14 @@ std::string NameOf(const TCIMClass* cls) { return cls == nullptr ? std::string()
 
 }  // namespace
 
-TCIMPropertyImpl::TCIMPropertyImpl(const TCIMPropertyImpl& other, TCIMProperty& owner)
-    : TCIMPropertyImpl(owner, *other.fDeclaration) {
+TCIMPropertyImpl::TCIMPropertyImpl(const TCIMPropertyImpl& other) : TCIMPropertyImpl(*other.fDeclaration) {
     if (other.fValue) SetValue(*other.fValue);
-    if (other.fIsPrevSet) SetPrevValue(other.PrevValue());
+    if (other.fPrevValue) SetPrevValue(*other.fPrevValue);
 }
 
 const TCIMValue& TCIMPropertyImpl::Value() const { return fValue ? *fValue : fDeclaration->GetValue(); }
 
-const TCIMValue& TCIMPropertyImpl::PrevValue() const {
-    if (!fIsPrevSet) return Value();
-    return fPrevValue ? *fPrevValue : fDeclaration->GetValue();
-}
+const TCIMValue& TCIMPropertyImpl::PrevValue() const { return fPrevValue ? *fPrevValue : Value(); }
 
 void TCIMPropertyImpl::SetValue(const TCIMValue& value) {
     CheckValue(value, "SetValue");
@@ -50,13 +46,9 @@ void TCIMPropertyImpl::Store(TCIMValue& value) {
 void TCIMPropertyImpl::SetPrevValue(const TCIMValue& value) {
     if (!value.IsNull()) CheckValue(value, "SetPrevValue");
     fPrevValue = std::make_unique<TCIMValue>(value);
-    fIsPrevSet = true;
 }
 
-void TCIMPropertyImpl::SetPrevValue() {
-    fPrevValue = std::make_unique<TCIMValue>();
-    fIsPrevSet = true;
-}
+void TCIMPropertyImpl::SetPrevValue() { fPrevValue = std::make_unique<TCIMValue>(); }
 
 void TCIMPropertyImpl::CheckValue(const TCIMValue& value, const char* operation) const {
     const TCIMValue& declared = fDeclaration->GetValue();

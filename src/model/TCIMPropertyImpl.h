@@ -20,11 +20,8 @@ public:
         std::string fText;
     };
 
-    TCIMPropertyImpl(TCIMProperty& owner, const TCIMPropertyDecl& declaration)
-        : fOwner(&owner), fDeclaration(&declaration) {}
-    TCIMPropertyImpl(const TCIMPropertyImpl& other, TCIMProperty& owner);
-    /// Copies the pointer to the owner, which may dangle: a copy without an owner of its own never uses it.
-    TCIMPropertyImpl(const TCIMPropertyImpl& other) : TCIMPropertyImpl(other, *other.fOwner) {}
+    explicit TCIMPropertyImpl(const TCIMPropertyDecl& declaration) : fDeclaration(&declaration) {}
+    TCIMPropertyImpl(const TCIMPropertyImpl& other);
     TCIMPropertyImpl& operator=(const TCIMPropertyImpl&) = delete;
 
     const TCIMPropertyDecl& GetDeclaration() const { return *fDeclaration; }
@@ -39,7 +36,7 @@ public:
     void TakeValue(TCIMValue& value);
     void SetPrevValue(const TCIMValue& value);
     void SetPrevValue();
-    bool IsPrevValueDifferent() const { return fIsPrevSet; }
+    bool IsPrevValueDifferent() const { return fPrevValue != nullptr; }
     bool GetPropagated() const { return !fValue.has_value(); }
     bool operator==(const TCIMPropertyImpl& other) const;
     bool operator<(const TCIMPropertyImpl& other) const;
@@ -71,11 +68,9 @@ private:
     std::vector<std::string> PlainTexts(const TCIMValue& value) const;
     const TValueWords* FindWords() const;
 
-    TCIMProperty* fOwner;
     const TCIMPropertyDecl* fDeclaration;  // its class owns it
     std::optional<TCIMValue> fValue;
-    std::unique_ptr<TCIMValue> fPrevValue;
-    bool fIsPrevSet = false;
+    std::unique_ptr<TCIMValue> fPrevValue;  // null: not set
 };
 
 #endif

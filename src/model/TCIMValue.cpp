@@ -24,17 +24,27 @@ TCIMValueImpl* CopyOf(const TCIMValueImpl* source, TType type) {
     if (type & TType::eCIMArrayFlag) return CopyAs<TCIMArrayValueImpl>(source);
     switch (type) {
         case TType::eCIMBoolean:
+            return CopyAs<TCIMNumericValueImpl<bool>>(source);
         case TType::eCIMUint8:
+            return CopyAs<TCIMNumericValueImpl<unsigned char>>(source);
         case TType::eCIMSint8:
+            return CopyAs<TCIMNumericValueImpl<signed char>>(source);
         case TType::eCIMUint16:
+            return CopyAs<TCIMNumericValueImpl<unsigned short>>(source);
         case TType::eCIMSint16:
+            return CopyAs<TCIMNumericValueImpl<short>>(source);
         case TType::eCIMUint32:
+            return CopyAs<TCIMNumericValueImpl<unsigned int>>(source);
         case TType::eCIMSint32:
+            return CopyAs<TCIMNumericValueImpl<int>>(source);
         case TType::eCIMUint64:
+            return CopyAs<TCIMNumericValueImpl<unsigned long>>(source);
         case TType::eCIMSint64:
+            return CopyAs<TCIMNumericValueImpl<long>>(source);
         case TType::eCIMReal32:
+            return CopyAs<TCIMNumericValueImpl<float>>(source);
         case TType::eCIMReal64:
-            return CopyAs<TCIMNumericValueImpl>(source);
+            return CopyAs<TCIMNumericValueImpl<double>>(source);
         case TType::eCIMString:
             return CopyAs<TCIMStringValueImpl>(source);
         case TType::eCIMDateTime:
