@@ -195,6 +195,7 @@ boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
         fLayout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
         fLayoutRenameCount = renameCount;
         fHasRenamedDecls = HasRenamedDecls();
+        CollectKeyCandidates();
     }
     return fLayout;
 }
@@ -211,6 +212,18 @@ bool TCIMClassImpl::HasRenamedDecls() const {
 bool TCIMClassImpl::IsPresentLayout(const TPropertyLayout& layout) const {
     return &layout == fLayout.get() && !fHasRenamedDecls &&
            fLayoutRenameCount == TCIMPropertyDeclImpl::GetRenameCount();
+}
+
+const std::vector<size_t>& TCIMClassImpl::GetKeyCandidates() {
+    if (fKeyChangeCount != TCIMPropertyDeclImpl::GetKeyChangeCount()) CollectKeyCandidates();
+    return fKeyCandidates;
+}
+
+void TCIMClassImpl::CollectKeyCandidates() {
+    fKeyCandidates.clear();
+    for (size_t index = 0; index < fLayout->Size(); ++index)
+        if (TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).HasKeyQualifier()) fKeyCandidates.push_back(index);
+    fKeyChangeCount = TCIMPropertyDeclImpl::GetKeyChangeCount();
 }
 
 void TCIMClassImpl::AddInstance(TCIMInstance& instance) {

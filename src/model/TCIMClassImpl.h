@@ -57,6 +57,8 @@ public:
     boost::shared_ptr<const TPropertyLayout> GetPropertyLayout();
     /// True if the layout holds the present declarations, each by the name under which this class finds it.
     bool IsPresentLayout(const TPropertyLayout& layout) const;
+    /// The indices in that layout of the declarations that have the qualifier KEY, which need not be true.
+    const std::vector<size_t>& GetKeyCandidates();
 
     void AddInstance(TCIMInstance& instance);
     void RemoveInstance(TCIMInstance& instance);
@@ -76,6 +78,7 @@ private:
 
     void RegisterWithReferencedClasses();
     bool HasRenamedDecls() const;
+    void CollectKeyCandidates();
     void RemoveOverriddenDecl(TPropertyDecls::iterator existing, const TCIMPropertyDecl& declaration);
     [[noreturn]] void RefuseDecl(kyrStatusCode code, const std::string& attempt, const TCIMPropertyDecl& declaration,
                                  const std::string& relation, const std::string& reason) const;
@@ -97,6 +100,8 @@ private:
     boost::shared_ptr<const TPropertyLayout> fLayout;  // null: must be rebuilt, the declarations changed
     unsigned long fLayoutRenameCount = 0;              // of TCIMPropertyDeclImpl::GetRenameCount when fLayout was built
     bool fHasRenamedDecls = false;                     // when fLayout was built
+    std::vector<size_t> fKeyCandidates;                // of fLayout
+    unsigned long fKeyChangeCount = 0;  // of TCIMPropertyDeclImpl::GetKeyChangeCount when they were collected
     bool fAdded = false;
 };
 

@@ -120,8 +120,9 @@ std::string TCIMInstanceImpl::BuildPathText() const {
 /// Collects the keys without looking them up by name. False if declarations or their names have changed since the
 /// instance was made, or if there are too many keys: the caller must then look them up.
 bool TCIMInstanceImpl::CollectKeys(TKeys& keys) const {
-    if (!TCIMClassImpl::Of(*fClass).IsPresentLayout(*fLayout)) return false;
-    for (size_t index = 0; index < fLayout->Size(); ++index)
+    TCIMClassImpl& cls = TCIMClassImpl::Of(*fClass);
+    if (!cls.IsPresentLayout(*fLayout)) return false;
+    for (const size_t index : cls.GetKeyCandidates())
         if (TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).IsKey() && !keys.Add(index)) return false;
     return true;
 }

@@ -13,6 +13,22 @@ constexpr unsigned long kOutdated = ~0ul;  // words by names that the usual loca
 }  // namespace
 
 std::atomic<unsigned long> TCIMPropertyDeclImpl::fgRenameCount = 0;
+std::atomic<unsigned long> TCIMPropertyDeclImpl::fgKeyChangeCount = 0;
+
+/// Counts a change of the qualifier KEY when it ends, also by an exception.
+class TCIMPropertyDeclImpl::TKeyWatch {
+public:
+    explicit TKeyWatch(const TQualifierMap& qualifiers) : fQualifiers(qualifiers), fBefore(qualifiers.GetKey()) {}
+    ~TKeyWatch() {
+        if (fQualifiers.GetKey() != fBefore) ++fgKeyChangeCount;
+    }
+    TKeyWatch(const TKeyWatch&) = delete;
+    TKeyWatch& operator=(const TKeyWatch&) = delete;
+
+private:
+    const TQualifierMap& fQualifiers;
+    const TCIMQualifier* fBefore;
+};
 
 void TCIMPropertyDeclImpl::AddToContainer() const {
     fHandle->Validate();
@@ -30,11 +46,13 @@ void TCIMPropertyDeclImpl::SetValue(const TCIMValue& value) {
 }
 
 void TCIMPropertyDeclImpl::AddQualifier(TCIMQualifier& qualifier) {
+    const TKeyWatch watch(fQualifiers);
     fWords.reset();
     fQualifiers.Add(qualifier);
 }
 
 void TCIMPropertyDeclImpl::RemoveQualifier(TCIMQualifier& qualifier) {
+    const TKeyWatch watch(fQualifiers);
     fWords.reset();
     fQualifiers.Remove(qualifier);
 }

@@ -18,6 +18,8 @@ public:
     static TCIMPropertyDeclImpl& Of(const TCIMPropertyDecl& handle) { return *handle.fBody; }
     /// Counts the renamings of all declarations. A layout built at another count may hold old names.
     static unsigned long GetRenameCount() { return fgRenameCount; }
+    /// Counts how often a declaration gained or lost a qualifier KEY.
+    static unsigned long GetKeyChangeCount() { return fgKeyChangeCount; }
 
     void AddToContainer() const;
     const std::string& GetName() const { return fName; }
@@ -31,11 +33,16 @@ public:
     /// The words that were kept; null if a qualifier has changed since, or the locale is not the usual one.
     const TValueWords* FindWords() const;
     const TValueWords& KeepWords(std::unique_ptr<const TValueWords> words) const;
+    bool HasKeyQualifier() const { return fQualifiers.GetKey() != nullptr; }
     /// Raises kyrStatusTypeMismatch if the qualifier KEY is not boolean.
-    bool IsKey() const { return fQualifiers.GetKey() != nullptr && TCIMQualifierImpl::IsTrue(fQualifiers.GetKey()); }
+    bool IsKey() const { return HasKeyQualifier() && TCIMQualifierImpl::IsTrue(fQualifiers.GetKey()); }
 
 private:
-    static std::atomic<unsigned long> fgRenameCount;  // of every container, and so of every thread
+    class TKeyWatch;
+
+    // Of every container, and so of every thread.
+    static std::atomic<unsigned long> fgRenameCount;
+    static std::atomic<unsigned long> fgKeyChangeCount;
 
     TCIMPropertyDecl* fHandle;
     std::string fName;  // as written
