@@ -214,7 +214,16 @@ private:
         fOwners.push_back(TCIMInstanceImpl::Of(*instance).Adopt());
     }
 
-    TContainer fContainer;
+    /// Makes instances of a host's own class.
+    struct THost : TContainer {
+        struct TTagged : TCIMInstance {
+            using TCIMInstance::TCIMInstance;
+            std::string fTag = "the host's";
+        };
+        TCIMInstance* AllocateInstance(TCIMClass* cls) const override { return new TTagged(cls); }
+    };
+
+    THost fContainer;
     SchemaBuilder fSchema{fContainer};
     TCIMClass& fDisk = fSchema.AddClass("Disk", {Key("ID")});
     TCIMClass& fLink =

@@ -264,7 +264,13 @@ private:
     }
     /// Gives all properties good names first if none can be made of theirs.
     void Renew() {
-        const auto make = [this] { fInstance = std::make_unique<TCIMInstance>(&fClass); };
+        struct THosts : TCIMInstance {
+            using TCIMInstance::TCIMInstance;
+            std::string fTag = "the host's";
+        };
+        const auto make = [this] {
+            fInstance = Below(2) == 0 ? std::make_unique<THosts>(&fClass) : std::make_unique<TCIMInstance>(&fClass);
+        };
         if (StatusOf(make) == kyrStatusOK) return;
         unsigned int number = 0;
         for (const TCIMPropertyDecl* declaration : fClass.EnumeratePropertyDecls())

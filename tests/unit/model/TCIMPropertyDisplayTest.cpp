@@ -197,8 +197,16 @@ TEST_F(TCIMPropertyDisplayTest, KeptWordsAreThoseThatWouldBeMade) {
         for (std::string& text : texts) text = kTexts[below(std::size(kTexts))];
         return below(8) == 0 ? TCIMValue("text") : Words(texts);
     };
+    struct THosts : TCIMPropertyDecl {
+        using TCIMPropertyDecl::TCIMPropertyDecl;
+        void AddQualifier(TCIMQualifier& qualifier) override { TCIMPropertyDecl::AddQualifier(qualifier); }
+    };
     for (int round = 0; round < 100; ++round) {
         Property(TCIMValue(1u), {});
+        if (round % 2 == 0) {
+            fDeclaration = std::make_unique<THosts>("Hosts", *fContainer.GetRootClass(), TCIMValue(1u));
+            fProperty = std::make_unique<TCIMProperty>(*fDeclaration);
+        }
         std::unique_ptr<TOddLocale> locale;
         for (int i = 0; i < 40; ++i) {
             const char* const name = below(2) == 0 ? "Values" : "VALUEMAP";
