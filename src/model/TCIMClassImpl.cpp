@@ -32,6 +32,10 @@ void KeepMostGeneral(std::vector<TCIMClass*>& classes) {
     }
 }
 
+bool IsASCII(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 }  // namespace
 
 TCIMClassImpl::TCIMClassImpl(TCIMClass& handle, TContainer& container, std::string name, TCIMClass* superClass)
@@ -194,24 +198,24 @@ boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
     if (!fLayout || fLayoutRenameCount != renameCount) {
         fLayout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
         fLayoutRenameCount = renameCount;
-        fHasRenamedDecls = HasRenamedDecls();
+        fHasSettledNames = HasSettledNames();
         CollectKeyCandidates();
     }
     return fLayout;
 }
 
-/// Compares the names in fLayout, which come from the declarations, with those under which they are stored.
-bool TCIMClassImpl::HasRenamedDecls() const {
-    if (fLayout->Size() != fPropertyDecls.size()) return true;
+/// True if fLayout has each declaration under the name under which it is stored, in any usual locale.
+bool TCIMClassImpl::HasSettledNames() const {
+    if (!TNormalizedName::IsUsualLocale() || fLayout->Size() != fPropertyDecls.size()) return false;
     size_t index = 0;
-    for (const auto& entry : fPropertyDecls)
-        if (fLayout->NameAt(index++) != entry.first) return true;
-    return false;
+    for (const auto& [name, declaration] : fPropertyDecls)
+        if (fLayout->NameAt(index++) != name || !IsASCII(declaration->GetName())) return false;
+    return true;
 }
 
 bool TCIMClassImpl::IsPresentLayout(const TPropertyLayout& layout) const {
-    return &layout == fLayout.get() && !fHasRenamedDecls &&
-           fLayoutRenameCount == TCIMPropertyDeclImpl::GetRenameCount();
+    return &layout == fLayout.get() && fHasSettledNames &&
+           fLayoutRenameCount == TCIMPropertyDeclImpl::GetRenameCount() && TNormalizedName::IsUsualLocale();
 }
 
 const std::vector<size_t>& TCIMClassImpl::GetKeyCandidates() {

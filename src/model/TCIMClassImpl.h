@@ -55,7 +55,7 @@ public:
     std::vector<const TCIMPropertyDecl*> EnumerateKeyDecls() const;
     /// The layout for new instances.
     boost::shared_ptr<const TPropertyLayout> GetPropertyLayout();
-    /// True if the layout holds the present declarations, each by the name under which this class finds it.
+    /// True if the layout holds the present declarations, and if the layout and this class find each by its name.
     bool IsPresentLayout(const TPropertyLayout& layout) const;
     /// The indices in that layout of the declarations that have the qualifier KEY, which need not be true.
     const std::vector<size_t>& GetKeyCandidates();
@@ -77,7 +77,7 @@ private:
     using TPropertyDecls = std::map<std::string, boost::shared_ptr<TCIMPropertyDecl>, std::less<>>;
 
     void RegisterWithReferencedClasses();
-    bool HasRenamedDecls() const;
+    bool HasSettledNames() const;
     void CollectKeyCandidates();
     void RemoveOverriddenDecl(TPropertyDecls::iterator existing, const TCIMPropertyDecl& declaration);
     [[noreturn]] void RefuseDecl(kyrStatusCode code, const std::string& attempt, const TCIMPropertyDecl& declaration,
@@ -99,7 +99,7 @@ private:
     std::unique_ptr<TReferenceIndex> fReferenceIndex;  // null: nobody asked since fInstances changed
     boost::shared_ptr<const TPropertyLayout> fLayout;  // null: must be rebuilt, the declarations changed
     unsigned long fLayoutRenameCount = 0;              // of TCIMPropertyDeclImpl::GetRenameCount when fLayout was built
-    bool fHasRenamedDecls = false;                     // when fLayout was built
+    bool fHasSettledNames = false;                     // when fLayout was built
     std::vector<size_t> fKeyCandidates;                // of fLayout
     unsigned long fKeyChangeCount = 0;  // of TCIMPropertyDeclImpl::GetKeyChangeCount when they were collected
     bool fAdded = false;

@@ -25,7 +25,7 @@
 namespace {
 
 constexpr std::size_t kSlabSize = 32 * 1024;  // and its alignment, so that an object's slab follows from its address
-constexpr std::size_t kGrain = 8;  // of sizes; also the alignment of the objects
+constexpr std::size_t kGrain = 8;             // of sizes; also the alignment of the objects
 constexpr std::size_t kLargest = 128;
 constexpr std::uint64_t kNoThread = ~std::uint64_t{0};
 
