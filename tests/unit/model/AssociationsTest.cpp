@@ -175,7 +175,7 @@ public:
         TCIMInstance* const link = fLinks.empty() ? nullptr : fLinks[first % fLinks.size()];
         if (kind < 3) return Add(fDisks, fSchema.NewInstance(fDisk, {{"ID", Id(first)}}).release());
         if (kind < 6 || link == nullptr) return AddLink(first, second, third);
-        if (kind == 6) return (void)StatusOf([&] { link->SetPropertyValue("Part", ValueTo(second)); });
+        if (kind == 6) return (void)StatusOf([&] { link->SetPropertyValue("Part", ValueTo(change.second)); });
         const char* const end = second % 2 == 0 ? "Group" : "Part";
         if (kind == 7) return link->SetProperty(*fLinks[second % fLinks.size()]->GetProperty(end));
         if (kind == 8) return fLink.GetPropertyDecl("Group")->SetValue(ValueTo(second));
