@@ -63,6 +63,7 @@ void RaceWalks(TTable& table, const std::string& name, unsigned count) {
     TRace race{name, "walk", kWalks};
     race.contenders = {{"kyrcore, References", [&links] { Expect(links.WalkReferences()); }},
                        {"kyrcore, Associators", [&links] { Expect(links.WalkAssociators()); }}};
+    race.targets = {{"kyrcore, References", TTarget::eMicrosecondsForEach, 2, 0.5}};
 #ifdef KYR_BENCH_SQLITE
     const TSqliteLinks sqlite(count, links.StartPaths());
     race.contenders.push_back({"SQLite without index", [&sqlite] { Expect(sqlite.Walk()); }});

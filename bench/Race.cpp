@@ -69,13 +69,26 @@ std::string Met(const TTarget& target, double ratio, double limit) {
     if (limit == 0) return "-";
     char text[32];
     std::snprintf(text, sizeof text, "%.2f %s", limit,
-                  (target.measure == TTarget::eGrowth ? ratio <= limit : ratio >= limit) ? "met" : "missed");
+                  (target.measure < TTarget::eGrowth ? ratio >= limit : ratio <= limit) ? "met" : "missed");
     return text;
 }
 
+double FigureFor(const TRace& race, TTarget::EMeasure measure, const TFigures& peer, const TFigures& ours) {
+    switch (measure) {
+        case TTarget::eMemory:
+            return peer.peak / ours.peak;
+        case TTarget::eBytesForEach:
+            return peer.peak / race.amount;
+        case TTarget::eMicrosecondsForEach:
+            return peer.Median() / race.amount / 1e3;
+        default:
+            return peer.Median() / ours.Median();
+    }
+}
+
 std::string Judge(const TRace& race, const TTarget& target, const TFigures& peer, const TFigures& ours) {
-    static const char* const kMeasures[] = {"time", "memory", "growth"};
-    const double ratio = target.measure == TTarget::eMemory ? peer.peak / ours.peak : peer.Median() / ours.Median();
+    static const char* const kMeasures[] = {"time", "memory", "growth", "bytes", "us"};
+    const double ratio = FigureFor(race, target.measure, peer, ours);
     char text[160];
     std::snprintf(text, sizeof text, "%-22s %-26s %-8s %6.2f  %-14s %-14s", race.name.c_str(), target.peer.c_str(),
                   kMeasures[target.measure], ratio, Met(target, ratio, target.required).c_str(),
@@ -108,6 +121,6 @@ void TTable::Run(const TRace& race) {
 }
 
 void TTable::PrintTargets() const {
-    std::printf("\n%-22s %-26s %-8s %6s  %-14s %-14s\n", "race", "beside", "in", "x ours", "asked", "hoped");
+    std::printf("\n%-22s %-26s %-8s %6s  %-14s %-14s\n", "race", "beside", "in", "figure", "asked", "hoped");
     for (const std::string& target : fTargets) std::printf("%s\n", target.c_str());
 }

@@ -13,11 +13,12 @@ struct TContender {
     std::function<void()> finish = [] {};
 };
 
-/// A target of a comparison: the figure of a peer divided by ours must be at least `required` (0: no requirement) and
-/// should be `wanted`.
+/// A target of a comparison: the figure must reach `required` (0: no requirement) and should reach `wanted`. Of time
+/// and memory it is that of a peer divided by ours, and must be at least that; of growth the same quotient of times, at
+/// most that. The others are of our contender named: the peak of memory for each unit, and the microseconds for each.
 struct TTarget {
     std::string peer;
-    enum EMeasure { eTime, eMemory, eGrowth } measure;  ///< eGrowth: time, but the quotient must be at most that
+    enum EMeasure { eTime, eMemory, eGrowth, eBytesForEach, eMicrosecondsForEach } measure;
     double required;
     double wanted;
 };
