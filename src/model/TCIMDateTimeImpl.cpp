@@ -25,9 +25,8 @@ unsigned long Magnitude(long value) {
     return value < 0 ? 0 - bits : bits;
 }
 
-// Seconds since 1970 of a local time without daylight saving. mktime returns -1 for a failure and for the second before
-// 1970; both are refused, see docs/oddities.md.
-long StandardTime(unsigned short year, unsigned short month, unsigned int day, unsigned short hour, int minute,
+// A local time without daylight saving.
+tm StandardFields(unsigned short year, unsigned short month, unsigned int day, unsigned short hour, int minute,
                   unsigned short second) {
     tm fields{};
     fields.tm_year = year - 1900;
@@ -37,6 +36,12 @@ long StandardTime(unsigned short year, unsigned short month, unsigned int day, u
     fields.tm_min = minute;
     fields.tm_sec = second;
     fields.tm_isdst = 0;
+    return fields;
+}
+
+// Seconds since 1970. mktime returns -1 for a failure and for the second before 1970; both are refused, see
+// docs/oddities.md.
+long StandardTime(tm fields) {
     const time_t seconds = SecondsOf(fields);
     if (seconds == -1) Refuse();
     return seconds;
@@ -91,7 +96,8 @@ TCIMDateTimeImpl TCIMDateTimeImpl::Interval(unsigned long seconds, unsigned int 
 
 void TCIMDateTimeImpl::Set(unsigned short year, unsigned short month, unsigned int day, unsigned short hour,
                            unsigned short minute, unsigned short second, unsigned int microSeconds, short utcOffset) {
-    StandardTime(year, month, day, hour, minute - utcOffset, second);
+    const tm fields = StandardFields(year, month, day, hour, minute - utcOffset, second);
+    if (!IsPlainStandardTime(fields)) StandardTime(fields);
     fYear = year;
     fMonth = month;
     fDay = day;
@@ -230,10 +236,12 @@ void TCIMDateTimeImpl::RequireSameKind(const TCIMDateTimeImpl& other) const {
 
 TCIMDateTimeImpl::TSeconds TCIMDateTimeImpl::Seconds() const {
     if (fInterval) return {IntervalSeconds(), fMicroSeconds};
-    return {StandardTime(fYear, fMonth, fDay, fHour, fMinute - fUTCOffset, fSecond), fMicroSeconds};
+    return {StandardTime(StandardFields(fYear, fMonth, fDay, fHour, fMinute - fUTCOffset, fSecond)), fMicroSeconds};
 }
 
-long TCIMDateTimeImpl::LocalSeconds() const { return StandardTime(fYear, fMonth, fDay, fHour, fMinute, fSecond); }
+long TCIMDateTimeImpl::LocalSeconds() const {
+    return StandardTime(StandardFields(fYear, fMonth, fDay, fHour, fMinute, fSecond));
+}
 
 // Compatibility: in 32 bits, which wrap after 49710 days; see docs/oddities.md.
 unsigned int TCIMDateTimeImpl::IntervalSeconds() const {

@@ -3,6 +3,8 @@
 #include <stdlib.h>
 #include <time.h>
 
+#include <random>
+
 #include "support/TestSupport.h"
 
 namespace {
@@ -130,4 +132,43 @@ TEST_F(TCIMDateTimeTest, CalculatesInStandardTime) {
     EXPECT_EQ(Sum("20260701120000.000000+060", "00000000010000.000000:000"), "20260701130000.000000+060");
     EXPECT_EQ(Sum("20260101120000.000000+060", "00000000010000.000000:000"), "20260101130000.000000+060");
     EXPECT_EQ(Difference("20260701120000.000000+060", "00000181000000.000000:000"), "20260101120000.000000+060");
+}
+
+// mktime decides, though it is asked as rarely as possible.
+TEST_F(TCIMDateTimeTest, IsRefusedWhereTheCLibraryRefusesIt) {
+    const char* const zones[] = {
+        nullptr,          "UTC",          "EST5EDT,M3.2.0,M11.1.0", "XST-13:45XDT,M9.5.0/2:45,M4.1.0/3:45",
+        "Europe/Berlin",  "Pacific/Apia", "Africa/Monrovia",        "right/Asia/Tokyo",
+        ":/etc/localtime"};
+    std::mt19937 random(1);
+    const auto below = [&](unsigned int end) { return static_cast<unsigned int>(random() % end); };
+    size_t refused = 0;
+    for (int i = 0; i < 60000; ++i) {
+        if (below(30) == 0) {
+            const char* const zone = zones[below(std::size(zones))];
+            zone == nullptr ? unsetenv("TZ") : setenv("TZ", zone, 1);
+            if (below(2) == 0) tzset();
+        }
+        const bool isNear1970 = below(4) == 0;
+        const auto year = static_cast<unsigned short>(isNear1970 ? 1969 + below(2) : below(3000));
+        const auto month = static_cast<unsigned short>(isNear1970 ? 1 + below(2) * 11 : 1 + below(13));
+        const unsigned int day = isNear1970 ? 31 - below(2) * 30 : below(40);
+        const auto hour = static_cast<unsigned short>(isNear1970 ? 23 * below(2) : below(30));
+        const auto minute = static_cast<unsigned short>(isNear1970 ? 59 * below(2) : below(61));
+        const auto second = static_cast<unsigned short>(isNear1970 ? 59 : below(62));
+        const auto offset = static_cast<short>(isNear1970 ? 0 : static_cast<int>(below(1800)) - 900);
+        TDate dateTime;
+        const bool isSet =
+            StatusOf([&] { dateTime.Set(year, month, day, hour, minute, second, 0, offset); }) == kyrStatusOK;
+        tm fields{};
+        fields.tm_year = year - 1900;
+        fields.tm_mon = month - 1;
+        fields.tm_mday = static_cast<int>(day);
+        fields.tm_hour = hour;
+        fields.tm_min = minute - offset;
+        fields.tm_sec = second;
+        ASSERT_EQ(isSet, mktime(&fields) != -1) << year << '-' << month << '-' << day << ' ' << hour << ':' << minute;
+        refused += !isSet;
+    }
+    EXPECT_GT(refused, 10u);
 }
