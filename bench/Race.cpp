@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "Memory.h"
@@ -39,8 +40,16 @@ void MeasureMemory(const TContender& contender, TFigures& figures) {
     contender.finish();
 }
 
+// malloc joins the small blocks that were freed when it is asked for a large one. Those of another contender are joined
+// before the time of this one.
+void JoinFreeBlocks() {
+    void* volatile block = std::malloc(1 << 16);
+    std::free(block);
+}
+
 void MeasureTime(const TContender& contender, TFigures& figures) {
     contender.prepare();
+    JoinFreeBlocks();
     const double start = Now();
     contender.run();
     figures.nanoseconds.push_back(Now() - start);
