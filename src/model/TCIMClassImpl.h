@@ -1,6 +1,7 @@
 #ifndef KYR_MODEL_TCIMCLASSIMPL_H
 #define KYR_MODEL_TCIMCLASSIMPL_H
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
@@ -60,6 +61,10 @@ public:
     /// The indices in that layout of the declarations that have the qualifier KEY, which need not be true.
     const std::vector<size_t>& GetKeyCandidates();
 
+    /// How long the path of an instance may become, by those that were made before.
+    size_t GetLongestPath() const { return fLongestPath; }
+    void NotePath(size_t length) { fLongestPath = std::max(fLongestPath, std::min(length, kLongestNotedPath)); }
+
     void AddInstance(TCIMInstance& instance);
     void RemoveInstance(TCIMInstance& instance);
     TCIMInstance* GetInstance(const TCIMReference& reference) const;
@@ -74,6 +79,8 @@ public:
                                         const std::string& role, const std::string& resultRole) const;
 
 private:
+    static constexpr size_t kLongestNotedPath = 256;
+
     using TPropertyDecls = std::map<std::string, boost::shared_ptr<TCIMPropertyDecl>, std::less<>>;
 
     void RegisterWithReferencedClasses();
@@ -101,6 +108,7 @@ private:
     unsigned long fLayoutRenameCount = 0;              // of TCIMPropertyDeclImpl::GetRenameCount when fLayout was built
     bool fHasSettledNames = false;                     // when fLayout was built
     std::vector<size_t> fKeyCandidates;                // of fLayout
+    size_t fLongestPath = 0;                           // of its instances, in characters
     unsigned long fKeyChangeCount = 0;  // of TCIMPropertyDeclImpl::GetKeyChangeCount when they were collected
     bool fAdded = false;
 };

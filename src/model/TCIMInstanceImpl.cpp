@@ -109,10 +109,14 @@ TCIMReference TCIMInstanceImpl::BuildPath() const {
 std::string TCIMInstanceImpl::BuildPathText() const {
     TKeys keys;
     if (!CollectBoundKeys(keys)) return BuildPath().GetPath();
-    std::string path = fClass->GetName();
+    TCIMClassImpl& cls = TCIMClassImpl::Of(*fClass);
+    std::string path;
+    path.reserve(cls.GetLongestPath());
+    path = fClass->GetName();
     if (keys.begin() == keys.end()) return path;
     path += '.';
     for (const size_t index : keys) TCIMReferenceImpl::AppendBinding(path, NameAt(index), ValueAt(index));
+    cls.NotePath(path.size());
     path.pop_back();
     return path;
 }

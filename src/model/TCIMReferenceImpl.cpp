@@ -9,6 +9,7 @@
 #include "kyr/TKYRException.h"
 #include "model/TCIMPropertyDeclImpl.h"
 #include "model/TCIMQualifierImpl.h"
+#include "model/TCIMStringValueImpl.h"
 #include "model/TReferenceIndex.h"
 #include "platform/CoreLog.h"
 
@@ -72,12 +73,15 @@ void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& va
 
 void TCIMReferenceImpl::AppendBinding(std::string& path, const std::string& name, const TCIMValue& value) {
     if (value.IsNull()) return;
-    std::string text;
+    if (value.GetType() == TCIMValue::TCIMType::eCIMString)
+        return AppendBinding(path, name, TCIMStringValueImpl::TextOf(value));
     try {
-        text = value.ToString(10);
+        AppendBinding(path, name, value.ToString(10));
     } catch (const TKYRException&) {
-        return;
     }
+}
+
+void TCIMReferenceImpl::AppendBinding(std::string& path, const std::string& name, const std::string& text) {
     path.append(name).append("=\"").append(text).append("\",");
 }
 

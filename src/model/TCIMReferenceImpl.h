@@ -20,6 +20,7 @@ public:
     static TCIMReferenceImpl& Of(const TCIMReference& handle) { return *handle.fBody; }
     /// Appends `name="value",` to an object path; nothing for a value that has no text.
     static void AppendBinding(std::string& path, const std::string& name, const TCIMValue& value);
+    static void AppendBinding(std::string& path, const std::string& name, const std::string& text);
 
     void SetContainer(const TContainer* container) { fContainer = container; }
     void Clear();
