@@ -23,6 +23,10 @@ public:
         if (fBlock.size() == kBlockSize) WriteBlock();
         fBlock += c;
     }
+    void Append(std::string_view text) {
+        if (fBlock.size() + text.size() > kBlockSize) WriteBlock();
+        text.size() > kBlockSize ? fOutput.Write(text) : (void)fBlock.append(text);
+    }
     // RapidJSON calls it once, at the end of the document.
     void Flush() {
         Put('\n');
@@ -56,7 +60,26 @@ struct TCautiousEncoding : rapidjson::UTF8<> {
     }
 };
 
-using TWriter = rapidjson::PrettyWriter<TStream, rapidjson::UTF8<>, TCautiousEncoding>;
+/// Whether the text stands in JSON as it is.
+bool IsPlain(std::string_view text) {
+    bool isPlain = true;
+    for (const char c : text) isPlain &= c >= 0x20 && c < static_cast<char>(kDelete) && c != '"' && c != '\\';
+    return isPlain;
+}
+
+/// RapidJSON's writer, which goes through a text character by character, with a way round for most texts.
+class TWriter : public rapidjson::PrettyWriter<TStream, rapidjson::UTF8<>, TCautiousEncoding> {
+public:
+    explicit TWriter(TStream& stream) : PrettyWriter(stream) {}
+
+    void PlainString(std::string_view text) {
+        PrettyPrefix(rapidjson::kStringType);
+        os_->Put('"');
+        os_->Append(text);
+        os_->Put('"');
+        EndValue(true);
+    }
+};
 
 rapidjson::SizeType SizeOf(std::string_view text) { return static_cast<rapidjson::SizeType>(text.size()); }
 
@@ -70,6 +93,7 @@ public:
     }
 
     void String(std::string_view text) {
+        if (IsPlain(text)) return fWriter.PlainString(text);
         const std::string valid = ValidText(text);
         fWriter.String(valid.data(), SizeOf(valid));
     }
