@@ -1,8 +1,10 @@
 #include "saved/DocumentScan.h"
 
+#include <emmintrin.h>
 #include <strings.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "saved/DocumentText.h"
 
@@ -20,22 +22,56 @@ bool IsTagOf(std::string_view tag, std::string_view name) {
     return tag.size() == name.size() || std::string_view(" \t\r\n/.").find(tag[name.size()]) != kNone;
 }
 
-// Where the tag ends, with its '>'; kNone if that is not in the text, or behind a value that is not closed there.
-size_t FindEndOfTag(std::string_view text, size_t at) {
-    for (; at < text.size() && text[at] != '>'; ++at) {
-        if (text[at] != '"' && text[at] != '\'') continue;
-        at = text.find(text[at], at + 1);
-        if (at == kNone) return kNone;
-    }
-    return at < text.size() ? at : kNone;
-}
-
-size_t FindBehind(std::string_view text, std::string_view mark, size_t from) {
-    const size_t found = text.find(mark, from);
-    return found == kNone ? kNone : found + mark.size();
-}
-
 }  // namespace
+
+/// Goes from one '<', '>' and quote of a text to the next, 64 bytes at a time: the rest of the text does not matter.
+class TDocumentScan::TMarks {
+public:
+    explicit TMarks(std::string_view text) : fText(text) { Load(); }
+
+    /// The place of the next one; kNone if there is none.
+    size_t Next() {
+        while (fFound == 0) {
+            if (fText.size() - fBlock <= kBlock) return kNone;
+            fBlock += kBlock;
+            Load();
+        }
+        const size_t place = fBlock + static_cast<size_t>(__builtin_ctzll(fFound));
+        fFound &= fFound - 1;
+        return place;
+    }
+    size_t NextOf(char mark) {
+        size_t place = Next();
+        while (place != kNone && fText[place] != mark) place = Next();
+        return place;
+    }
+
+private:
+    static constexpr size_t kBlock = 64;
+
+    void Load() {
+        char last[kBlock] = {};
+        const char* block = fText.data() + fBlock;
+        if (fText.size() - fBlock < kBlock) {
+            std::copy(block, fText.data() + fText.size(), last);
+            block = last;
+        }
+        fFound = 0;
+        for (size_t at = 0; at < kBlock; at += sizeof(__m128i)) fFound |= MarksIn(block + at) << at;
+    }
+
+    static uint64_t MarksIn(const char* bytes) {
+        const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+        const auto equals = [&text](char mark) { return _mm_cmpeq_epi8(text, _mm_set1_epi8(mark)); };
+        const __m128i found =
+            _mm_or_si128(_mm_or_si128(equals('<'), equals('>')), _mm_or_si128(equals('"'), equals('\'')));
+        return static_cast<uint32_t>(_mm_movemask_epi8(found));
+    }
+
+    const std::string_view fText;
+    size_t fBlock = 0;
+    uint64_t fFound = 0;  // a bit for each byte of the block, without those that were given
+};
 
 void TDocumentScan::Add(std::string_view piece) {
     fSize += piece.size();
@@ -43,9 +79,9 @@ void TDocumentScan::Add(std::string_view piece) {
     if (fIsUnusual) return;
     const std::string joined = fRest.empty() ? "" : fRest.append(piece);
     if (!joined.empty()) piece = joined;
-    size_t at = piece.find('<');
-    for (size_t end = 0; at != kNone && !fIsUnusual; at = piece.find('<', end))
-        if (end = Pass(piece, at); end == kNone) break;
+    TMarks marks(piece);
+    size_t at = marks.NextOf('<');
+    while (at != kNone && !fIsUnusual && Pass(piece, at, marks)) at = marks.NextOf('<');
     fRest = at == kNone ? "" : piece.substr(at);
     fIsUnusual |= fRest.size() > kLongestTag;
 }
@@ -56,26 +92,35 @@ bool TDocumentScan::IsHarmless(size_t mostForEachByte) const {
            fInstances * fProperties <= most && fClasses * (fProperties + fQualifiers) <= most;
 }
 
-// Gives where the text goes on behind the tag; kNone if its end is not in the text.
-size_t TDocumentScan::Pass(std::string_view text, size_t at) {
+// Returns whether the end of the tag is in the text.
+bool TDocumentScan::Pass(std::string_view text, size_t at, TMarks& marks) {
     constexpr std::string_view kComment = "<!--";
-    if (text.size() - at < kComment.size()) return kNone;
-    if (text[at + 1] == '?') return FindBehind(text, "?>", at);
-    if (text[at + 1] != '!') return PassTag(text, at);
-    if (text.substr(at, kComment.size()) == kComment) return FindBehind(text, "-->", at + kComment.size());
+    if (text.size() - at < kComment.size()) return false;
+    if (text[at + 1] == '?') return PassTo("?>", text, at + 1, marks);
+    if (text[at + 1] != '!') return PassTag(text, at, marks);
+    if (text.substr(at, kComment.size()) == kComment) return PassTo("-->", text, at + kComment.size(), marks);
     fIsUnusual = true;
-    return kNone;
+    return false;
 }
 
-size_t TDocumentScan::PassTag(std::string_view text, size_t at) {
-    const size_t end = FindEndOfTag(text, at);
-    if (end == kNone) return kNone;
+// Goes to the end of what ends so, which begins there at the earliest.
+bool TDocumentScan::PassTo(std::string_view end, std::string_view text, size_t from, TMarks& marks) {
+    for (size_t at = marks.NextOf('>'); at != kNone; at = marks.NextOf('>'))
+        if (at + 1 >= from + end.size() && text.substr(at + 1 - end.size(), end.size()) == end) return true;
+    return false;
+}
+
+bool TDocumentScan::PassTag(std::string_view text, size_t at, TMarks& marks) {
+    size_t end = marks.Next();
+    for (; end != kNone && text[end] != '>'; end = marks.Next())
+        if (text[end] != '<' && marks.NextOf(text[end]) == kNone) return false;  // a value that is not closed here
+    if (end == kNone) return false;
     const std::string_view tag = text.substr(at + 1, end - at - 1);
     if (tag.empty() || tag[0] == '/')
         EndElement();
     else
         StartElement(tag, tag.back() == '/');
-    return end + 1;
+    return true;
 }
 
 void TDocumentScan::StartElement(std::string_view tag, bool isEmpty) {

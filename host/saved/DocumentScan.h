@@ -18,8 +18,11 @@ public:
     bool IsHarmless(size_t mostForEachByte) const;
 
 private:
-    size_t Pass(std::string_view text, size_t at);
-    size_t PassTag(std::string_view text, size_t at);
+    class TMarks;
+
+    bool Pass(std::string_view text, size_t at, TMarks& marks);
+    static bool PassTo(std::string_view end, std::string_view text, size_t from, TMarks& marks);
+    bool PassTag(std::string_view text, size_t at, TMarks& marks);
     void StartElement(std::string_view tag, bool isEmpty);
     void CountDeclaration(std::string_view tag);
     void EndElement();
