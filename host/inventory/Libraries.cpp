@@ -146,14 +146,18 @@ std::vector<std::string> FindDocuments(const std::list<TPluginLibrary>& librarie
 
 // Whether all of them are plainly harmless, and too small to take more memory than they may.
 bool AreHarmless(const std::vector<std::string>& documents) {
-    constexpr std::uintmax_t kMostInAll = 2 << 20, kMostInOne = 256 << 10;
-    std::uintmax_t all = 0;
-    return std::all_of(documents.begin(), documents.end(), [&all](const std::string& document) {
+    constexpr std::uintmax_t kMostBytesScanned = 2 << 20;
+    constexpr TScanLimits kLimits = {500, 1'000'000, size_t{32} << 20};
+    std::uintmax_t bytes = 0;
+    TDocumentScan scan;
+    for (const std::string& document : documents) {
         std::error_code error;
-        const std::uintmax_t size = fs::file_size(document, error);
-        all += size;
-        return !error && size <= kMostInOne && all <= kMostInAll && IsHarmlessDocument(document, 1);
-    });
+        bytes += fs::file_size(document, error);
+        const auto add = [&scan](std::string_view piece) { scan.Add(piece); };
+        if (error || bytes > kMostBytesScanned || !ForEachPiece(document, add)) return false;
+        scan.EndDocument();
+    }
+    return scan.IsHarmless(kLimits);
 }
 
 // Adds those that are endless, or that a child process could not read.

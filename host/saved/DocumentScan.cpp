@@ -1,28 +1,88 @@
 #include "saved/DocumentScan.h"
 
 #include <emmintrin.h>
-#include <strings.h>
 
 #include <algorithm>
-#include <cstdint>
-
-#include "saved/DocumentText.h"
+#include <array>
 
 namespace {
 
 constexpr size_t kNone = std::string_view::npos;
 constexpr size_t kDeepest = 100;
-constexpr size_t kMostClasses = 2000;
 constexpr size_t kLongestTag = 1 << 16;
-
-// The reader takes names of elements without regard to case.
-bool IsTagOf(std::string_view tag, std::string_view name) {
-    if (tag.size() < name.size() || (tag[0] | 0x20) != (name[0] | 0x20)) return false;
-    if (strncasecmp(tag.data(), name.data(), name.size()) != 0) return false;
-    return tag.size() == name.size() || std::string_view(" \t\r\n/.").find(tag[name.size()]) != kNone;
-}
+constexpr size_t kMostForEachByte = 6;  // of products; a saved collection of a real machine has about two
+// The reader compares all classes that an association refers to with each other, and with what they derive from.
+constexpr size_t kMostComparisons = 20'000'000;
 
 }  // namespace
+
+enum TDocumentScan::EPlace : uint8_t {
+    eRoot,
+    eCIM,
+    eDeclaration,
+    eDeclGroup,
+    eQualifierDeclaration,
+    eScope,
+    eObject,
+    eClass,
+    eDeclaredProperty,
+    eDeclaredArray,
+    eDeclaredReference,
+    eQualifier,
+    eInstance,
+    eProperty,
+    eArray,
+    eReference,
+    eValue,
+    eValueArray,
+    eValueReference,
+    eInstanceName,
+    eKeyBinding,
+    eKeyValue,
+    kPlaces
+};
+
+struct TDocumentScan::TChild {
+    std::string_view name;  // empty: there are no more
+    EPlace place;
+};
+
+// Which elements belong into which, and with what a scan counts there.
+const TDocumentScan::TChild* TDocumentScan::FindChild(EPlace place, std::string_view tag) {
+    using TChildren = std::array<TChild, 5>;
+    static constexpr std::array<TChildren, kPlaces> kChildren = [] {
+        std::array<TChildren, kPlaces> all{};
+        all[eRoot] = {{{"CIM", eCIM}}};
+        all[eCIM] = {{{"DECLARATION", eDeclaration}}};
+        all[eDeclaration] = {{{"DECLGROUP", eDeclGroup}}};
+        all[eDeclGroup] = {{{"VALUE.OBJECT", eObject}, {"QUALIFIER.DECLARATION", eQualifierDeclaration}}};
+        all[eQualifierDeclaration] = {{{"SCOPE", eScope}, {"VALUE", eValue}, {"VALUE.ARRAY", eValueArray}}};
+        all[eObject] = {{{"INSTANCE", eInstance}, {"CLASS", eClass}}};
+        all[eClass] = {{{"PROPERTY", eDeclaredProperty},
+                        {"QUALIFIER", eQualifier},
+                        {"PROPERTY.ARRAY", eDeclaredArray},
+                        {"PROPERTY.REFERENCE", eDeclaredReference}}};
+        all[eDeclaredProperty] = {{{"QUALIFIER", eQualifier}, {"VALUE", eValue}}};
+        all[eDeclaredArray] = {{{"QUALIFIER", eQualifier}, {"VALUE.ARRAY", eValueArray}}};
+        all[eDeclaredReference] = {{{"QUALIFIER", eQualifier}, {"VALUE.REFERENCE", eValueReference}}};
+        all[eQualifier] = {{{"VALUE", eValue}, {"VALUE.ARRAY", eValueArray}}};
+        all[eInstance] = {{{"PROPERTY", eProperty}, {"PROPERTY.ARRAY", eArray}, {"PROPERTY.REFERENCE", eReference}}};
+        all[eProperty] = {{{"VALUE", eValue}}};
+        all[eArray] = {{{"VALUE.ARRAY", eValueArray}}};
+        all[eReference] = {{{"VALUE.REFERENCE", eValueReference}}};
+        all[eValueArray] = {{{"VALUE", eValue}}};
+        all[eValueReference] = {{{"INSTANCENAME", eInstanceName}}};
+        all[eInstanceName] = {{{"KEYBINDING", eKeyBinding}}};
+        all[eKeyBinding] = {{{"KEYVALUE", eKeyValue}, {"VALUE.REFERENCE", eValueReference}}};
+        return all;
+    }();
+    const std::string_view name = tag.substr(0, tag.find_first_of(" \t\r\n/"));
+    for (const TChild& child : kChildren[place]) {
+        if (child.name == name) return &child;
+        if (child.name.empty()) break;
+    }
+    return nullptr;
+}
 
 /// Goes from one '<', '>' and quote of a text to the next, 64 bytes at a time: the rest of the text does not matter.
 class TDocumentScan::TMarks {
@@ -86,10 +146,14 @@ void TDocumentScan::Add(std::string_view piece) {
     fIsUnusual |= fRest.size() > kLongestTag;
 }
 
-bool TDocumentScan::IsHarmless(size_t mostForEachByte) const {
-    const size_t most = mostForEachByte * fSize;
-    return !fIsUnusual && fRest.empty() && fDepth == 0 && fClasses <= kMostClasses && fDeepest <= kDeepest &&
-           fInstances * fProperties <= most && fClasses * (fProperties + fQualifiers) <= most;
+void TDocumentScan::EndDocument() { fIsUnusual |= !fRest.empty() || !fPlaces.empty(); }
+
+bool TDocumentScan::IsHarmless(const TScanLimits& limits) const {
+    const size_t mostProducts = std::min(limits.products, kMostForEachByte * fSize);
+    return !fIsUnusual && fClasses <= limits.classes && fInstances * fProperties <= mostProducts &&
+           fClasses * (fProperties + fQualifiers) <= mostProducts &&
+           fClasses * fQualifierBytes <= limits.qualifierBytes &&
+           fClasses * fClasses * fReferences.size() * fReferences.size() <= kMostComparisons;
 }
 
 // Returns whether the end of the tag is in the text.
@@ -116,37 +180,60 @@ bool TDocumentScan::PassTag(std::string_view text, size_t at, TMarks& marks) {
         if (text[end] != '<' && marks.NextOf(text[end]) == kNone) return false;  // a value that is not closed here
     if (end == kNone) return false;
     const std::string_view tag = text.substr(at + 1, end - at - 1);
-    if (tag.empty() || tag[0] == '/')
-        EndElement();
+    const size_t offset = fSize - (text.size() - at);
+    if (!tag.empty() && tag[0] == '/')
+        EndElement(offset);
     else
-        StartElement(tag, tag.back() == '/');
+        StartElement(tag, offset);
     return true;
 }
 
-void TDocumentScan::StartElement(std::string_view tag, bool isEmpty) {
-    if (fInstanceDepth == 0) CountDeclaration(tag);
-    if (IsTagOf(tag, "INSTANCE")) {
-        ++fInstances;
-        if (fInstanceDepth == 0 && !isEmpty) fInstanceDepth = fDepth + 1;
+void TDocumentScan::StartElement(std::string_view tag, size_t offset) {
+    const TChild* const child = FindChild(fPlaces.empty() ? eRoot : fPlaces.back(), tag);
+    fIsUnusual |= child == nullptr || fPlaces.size() >= kDeepest;
+    if (fIsUnusual) return;
+    Count(child->place, tag, offset);
+    if (tag.back() != '/') fPlaces.push_back(child->place);
+}
+
+void TDocumentScan::EndElement(size_t offset) {
+    fIsUnusual |= fPlaces.empty();
+    if (fIsUnusual) return;
+    if (fPlaces.back() == eQualifier) fQualifierBytes += offset - fQualifierStart;
+    fPlaces.pop_back();
+}
+
+void TDocumentScan::Count(EPlace place, std::string_view tag, size_t offset) {
+    switch (place) {
+        case eClass:
+            ++fClasses;
+            break;
+        case eInstance:
+            ++fInstances;
+            break;
+        case eQualifier:
+            ++fQualifiers;
+            fQualifierStart = offset;
+            break;
+        case eDeclaredReference:
+            NoteReference(tag);
+            [[fallthrough]];
+        case eDeclaredProperty:
+        case eDeclaredArray:
+            ++fProperties;
+            break;
+        default:
+            break;
     }
-    if (!isEmpty) fDeepest = std::max(fDeepest, ++fDepth);
 }
 
-void TDocumentScan::CountDeclaration(std::string_view tag) {
-    fClasses += IsTagOf(tag, "CLASS");
-    fProperties += IsTagOf(tag, "PROPERTY");
-    fQualifiers += IsTagOf(tag, "QUALIFIER");
-}
-
-void TDocumentScan::EndElement() {
-    if (fDepth == 0) {
+// A class has no more of them than there are names.
+void TDocumentScan::NoteReference(std::string_view tag) {
+    constexpr std::string_view kStart = "PROPERTY.REFERENCE NAME=\"";
+    const size_t end = tag.find('"', kStart.size());
+    if (tag.substr(0, kStart.size()) != kStart || end == kNone)
         fIsUnusual = true;
-        return;
-    }
-    if (fDepth-- == fInstanceDepth) fInstanceDepth = 0;
-}
-
-bool IsHarmlessDocument(const std::string& path, size_t mostForEachByte) {
-    TDocumentScan scan;
-    return ForEachPiece(path, [&scan](std::string_view piece) { scan.Add(piece); }) && scan.IsHarmless(mostForEachByte);
+    else if (const std::string_view name = tag.substr(kStart.size(), end - kStart.size());
+             fReferences.find(name) == fReferences.end())
+        fReferences.emplace(name);
 }

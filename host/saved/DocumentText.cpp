@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <functional>
 #include <memory>
@@ -16,8 +17,7 @@ namespace {
 constexpr size_t kNone = std::string_view::npos;
 constexpr size_t kPieceSize = 1 << 16;
 constexpr size_t kEndSize = 4096;
-// A saved collection of a real machine has about two properties for each byte, counted as TDocumentScan does.
-constexpr size_t kMostForEachByte = 6;
+constexpr TScanLimits kScanLimits = {2000, SIZE_MAX, size_t{64} << 20};
 
 using TGzipFile = std::unique_ptr<gzFile_s, int (*)(gzFile)>;
 
@@ -151,7 +151,8 @@ TDocumentEnds ReadDocumentEnds(const std::string& path) {
         AddPiece(ends, piece);
         scan.Add(piece);
     });
-    ends.isHarmless = scan.IsHarmless(kMostForEachByte);
+    scan.EndDocument();
+    ends.isHarmless = scan.IsHarmless(kScanLimits);
     return isRead ? ends : TDocumentEnds();
 }
 

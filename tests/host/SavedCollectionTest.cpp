@@ -326,7 +326,8 @@ bool IsHarmless(const std::string& document, size_t pieceSize = 1 << 16) {
     TDocumentScan scan;
     for (size_t at = 0; at < document.size(); at += pieceSize)
         scan.Add(std::string_view(document).substr(at, pieceSize));
-    return scan.IsHarmless(6);
+    scan.EndDocument();
+    return scan.IsHarmless({2000, 1'000'000, 1'000'000});
 }
 
 std::string Repeated(size_t count, const std::string& text) {
@@ -335,25 +336,56 @@ std::string Repeated(size_t count, const std::string& text) {
     return all;
 }
 
+std::string In(std::initializer_list<const char*> elements, const std::string& text) {
+    std::string start, end;
+    for (const std::string name : elements) {
+        start += "<" + name + ">";
+        end.insert(0, "</" + name + ">");
+    }
+    return start + text + end;
+}
+
 TEST(DocumentScanTest, ClearsOnlyWhatIsPlainlyReadToItsEnd) {
-    const auto inRoot = [](const std::string& text) { return "<?xml version='1.0'?>\n<CIM>" + text + "</CIM>\n"; };
+    const auto inGroup = [](const std::string& text) {
+        return "<?xml version='1.0'?>\n" + In({"CIM", "DECLARATION", "DECLGROUP"}, text) + "\n";
+    };
+    const std::string cls = In({"VALUE.OBJECT", "CLASS"}, "<PROPERTY/>"),
+                      instance = In({"VALUE.OBJECT"}, "<INSTANCE/>");
+    const std::string key = "<INSTANCENAME><KEYBINDING><VALUE.REFERENCE>";
+    const auto named = [](int i) { return "<PROPERTY.REFERENCE NAME=\"a" + std::to_string(i) + "\"/>"; };
+    std::string references;
+    for (int i = 0; i < 300; ++i) references += named(i);
     const std::pair<std::string, bool> cases[] = {
-        {inRoot("<a b='>\"' c=\"'\"/>text 'with \"quotes<!-- a > 'comment' < -->"), true},
-        {inRoot(Repeated(99, "<a>") + Repeated(99, "</a>")), true},
-        {inRoot(Repeated(100, "<a>") + Repeated(100, "</a>")), false},
-        {inRoot("<a>"), false},
-        {inRoot("</a>"), false},
-        {inRoot("<a b='>"), false},
-        {inRoot("<![CDATA[]]>"), false},
-        {inRoot("<!-- "), false},
-        {inRoot(std::string(1, '\0')), false},
-        {"<!DOCTYPE a>" + inRoot(""), false},
-        {inRoot(Repeated(100, "<CLASS><PROPERTY/></CLASS>")), true},
-        {inRoot(Repeated(3000, "<class/>")), false},
-        {inRoot(Repeated(200, "<CLASS><PROPERTY/></CLASS>")), false},
-        {inRoot(Repeated(200, "<property.array/>") + Repeated(200, "<INSTANCE/>")), false},
-        {inRoot(Repeated(200, "<INSTANCE><PROPERTY/></INSTANCE>")), true},
-        {inRoot(Repeated(200, "<INSTANCENAME/>") + Repeated(200, "<PROPERTY/>")), true},
+        {inGroup("<VALUE.OBJECT b='>\"' c=\"'\"/>text 'with \"quotes<!-- a > 'comment' < -->"), true},
+        {inGroup("<VALUE.OBJECT>"), false},
+        {inGroup("</VALUE.OBJECT>"), false},
+        {inGroup("<VALUE.OBJECT b='>"), false},
+        {inGroup("<value.object/>"), false},
+        {inGroup("<METHOD/>"), false},
+        {inGroup("<![CDATA[]]>"), false},
+        {inGroup("<!-- "), false},
+        {inGroup(std::string(1, '\0')), false},
+        {"<!DOCTYPE a>" + inGroup(""), false},
+        {inGroup(Repeated(100, cls)), true},
+        {inGroup(Repeated(2001, In({"VALUE.OBJECT"}, "<CLASS/>"))), false},
+        {inGroup(Repeated(900, cls)), false},
+        {inGroup(Repeated(800, cls) + Repeated(800, instance)), false},
+        {inGroup(Repeated(900, In({"VALUE.OBJECT", "INSTANCE"}, "<PROPERTY/>"))), true},
+        {inGroup(In({"VALUE.OBJECT", "INSTANCE"}, "<QUALIFIER/>")), false},
+        {inGroup(In({"VALUE.OBJECT", "INSTANCE", "PROPERTY"}, "<QUALIFIER/>")), false},
+        {inGroup(
+             In({"VALUE.OBJECT", "INSTANCE", "PROPERTY.REFERENCE", "VALUE.REFERENCE", "INSTANCENAME"}, "<KEYVALUE/>")),
+         false},
+        {inGroup(In({"VALUE.OBJECT", "INSTANCE", "PROPERTY.REFERENCE", "VALUE.REFERENCE"},
+                    Repeated(40, key) + Repeated(40, "</VALUE.REFERENCE></KEYBINDING></INSTANCENAME>"))),
+         false},
+        {inGroup(In({"VALUE.OBJECT", "CLASS", "QUALIFIER", "VALUE"}, std::string(2000, 'x')) + Repeated(300, cls)),
+         true},
+        {inGroup(In({"VALUE.OBJECT", "CLASS", "QUALIFIER", "VALUE"}, std::string(4000, 'x')) + Repeated(300, cls)),
+         false},
+        {inGroup(In({"VALUE.OBJECT", "CLASS"}, "<PROPERTY.REFERENCE X='' NAME=\"a\"/>")), false},
+        {inGroup(In({"VALUE.OBJECT", "CLASS"}, references)), true},
+        {inGroup(In({"VALUE.OBJECT", "CLASS"}, references) + Repeated(20, cls)), false},
     };
     for (const auto& [document, isHarmless] : cases) EXPECT_EQ(IsHarmless(document), isHarmless) << document;
 }
