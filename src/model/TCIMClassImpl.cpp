@@ -32,6 +32,8 @@ void KeepMostGeneral(std::vector<TCIMClass*>& classes) {
     }
 }
 
+constexpr unsigned long kOutdated = ~0ul;  // no count of changes
+
 bool IsASCII(const std::string& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
@@ -197,6 +199,7 @@ boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
     const unsigned long renameCount = TCIMPropertyDeclImpl::GetRenameCount();
     if (!fLayout || fLayoutRenameCount != renameCount) {
         fLayout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
+        fKeyChangeCount = kOutdated;
         fLayoutRenameCount = renameCount;
         fHasSettledNames = HasSettledNames();
         CollectKeyCandidates();
@@ -208,8 +211,11 @@ boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
 bool TCIMClassImpl::HasSettledNames() const {
     if (!TNormalizedName::IsUsualLocale() || fLayout->Size() != fPropertyDecls.size()) return false;
     size_t index = 0;
-    for (const auto& [name, declaration] : fPropertyDecls)
-        if (fLayout->NameAt(index++) != name || !IsASCII(declaration->GetName())) return false;
+    for (const auto& [name, declaration] : fPropertyDecls) {
+        const bool isSame = fLayout->NameAt(index) == name && &fLayout->DeclarationAt(index) == declaration.get();
+        if (!isSame || !IsASCII(declaration->GetName())) return false;
+        ++index;
+    }
     return true;
 }
 
@@ -224,9 +230,10 @@ const std::vector<size_t>& TCIMClassImpl::GetKeyCandidates() {
 }
 
 void TCIMClassImpl::CollectKeyCandidates() {
-    fKeyCandidates.clear();
+    std::vector<size_t> candidates;
     for (size_t index = 0; index < fLayout->Size(); ++index)
-        if (TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).HasKeyQualifier()) fKeyCandidates.push_back(index);
+        if (TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).HasKeyQualifier()) candidates.push_back(index);
+    fKeyCandidates = std::move(candidates);
     fKeyChangeCount = TCIMPropertyDeclImpl::GetKeyChangeCount();
 }
 
@@ -238,8 +245,8 @@ void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
-    fReferenceIndex.reset();
     fInstances.erase(TCIMInstanceImpl::Of(instance).BuildPathText());
+    fReferenceIndex.reset();  // what the instance's end may have asked for, too
 }
 
 TCIMInstance* TCIMClassImpl::FindInstance(const TCIMReference& reference) const {

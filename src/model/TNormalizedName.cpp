@@ -65,7 +65,8 @@ std::atomic<const unsigned short*> gUsualClasses = nullptr;
 }
 
 bool IsUsualASCII(const TCharacterTables& tables) {
-    return (tables.lower == gUsualLower.load(std::memory_order_relaxed) &&
+    // The tables of a locale that was freed may have been where those of another one are now.
+    return (tables.lower == gUsualLower.load(std::memory_order_relaxed) && tables.lower['I'] == 'i' &&
             tables.classes == gUsualClasses.load(std::memory_order_relaxed)) ||
            CheckTables(tables);
 }

@@ -32,15 +32,18 @@ public:
         fHasName = name != nullptr;
         std::strcpy(fName, fHasName ? name : "");
         for (int i = 0; i < 2; ++i) fAbbreviations[i] = tzname[i];
+        fTimeZone = timezone;
         fOffset = standardTime.tm_gmtoff;
         fUses = 0;
     }
 
     bool IsPresent() {
         if (!fIsKnown || ++fUses > kMostUses) return false;
-        if (tzname[0] != fAbbreviations[0] || tzname[1] != fAbbreviations[1]) return false;
         const char* const name = std::getenv("TZ");
-        return fHasName ? name != nullptr && std::strcmp(name, fName) == 0 : name == nullptr;
+        const bool isSame = fHasName ? name != nullptr && std::strcmp(name, fName) == 0 : name == nullptr;
+        if (isSame && fHasName)
+            tzset();  // the host may have used another zone meanwhile; it looks at no file for this one
+        return isSame && tzname[0] == fAbbreviations[0] && tzname[1] == fAbbreviations[1] && timezone == fTimeZone;
     }
 
     long Offset() const { return fOffset; }
@@ -50,6 +53,7 @@ private:
     bool fHasName = false;  // TZ is set
     char fName[64] = {};
     const char* fAbbreviations[2] = {};  // the C library has others when it has read another zone
+    long fTimeZone = 0;
     long fOffset = 0;
     unsigned int fUses = 0;
 };
@@ -81,7 +85,8 @@ bool IsPlainStandardTime(const tm& fields) {
     const time_t seconds = days * kDay + fields.tm_hour * 3600L + fields.tm_min * 60L + fields.tm_sec - gZone.Offset();
     tm found;
     if (std::labs(seconds) < kFar || localtime_r(&seconds, &found) == nullptr) return false;
-    return found.tm_isdst == 0 && found.tm_gmtoff == gZone.Offset();
+    // In a zone that counts leap seconds the seconds differ.
+    return found.tm_isdst == 0 && found.tm_gmtoff == gZone.Offset() && found.tm_sec == fields.tm_sec;
 }
 
 bool BreakDown(time_t seconds, tm& fields) {

@@ -1,9 +1,12 @@
 #include "xml/ObjectStates.h"
 
+#include <typeinfo>
+
 #include "kyr/ICIMAllowQualifiers.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMQualifier.h"
 #include "kyr/TContainer.h"
 #include "model/TCIMInstanceImpl.h"
@@ -124,9 +127,13 @@ void TCIMXMLParser::TStateQualifier::AddQualifier() {
     if (IsAdopted(*qualifier)) qualifier.release();
 }
 
-/// False if an equal qualifier was kept instead. A carrier of the host's may own it without the core's knowing.
+/// False if an equal qualifier was kept instead. A carrier of a class of the host's is asked, since it may own the
+/// qualifier without the core's knowing, and may watch what it is asked for.
 bool TCIMXMLParser::TStateQualifier::IsAdopted(const TCIMQualifier& qualifier) const {
-    return TCIMQualifierImpl::Of(qualifier).IsAdopted() || fTarget.GetQualifier(qualifier.GetName()) == &qualifier;
+    const std::type_info& carrier = typeid(fTarget);
+    const bool isOwn = carrier == typeid(TCIMPropertyDecl) || carrier == typeid(TCIMClass);
+    if (isOwn && TCIMQualifierImpl::Of(qualifier).IsAdopted()) return true;
+    return fTarget.GetQualifier(qualifier.GetName()) == &qualifier;
 }
 
 bool TCIMXMLParser::TStateAnyPropertyDecl::HandleCommonAttr(TAttribute attribute) {

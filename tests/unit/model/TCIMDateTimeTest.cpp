@@ -138,7 +138,7 @@ TEST_F(TCIMDateTimeTest, CalculatesInStandardTime) {
 TEST_F(TCIMDateTimeTest, IsRefusedWhereTheCLibraryRefusesIt) {
     const char* const zones[] = {
         nullptr,          "UTC",          "EST5EDT,M3.2.0,M11.1.0", "XST-13:45XDT,M9.5.0/2:45,M4.1.0/3:45",
-        "Europe/Berlin",  "Pacific/Apia", "Africa/Monrovia",        "right/Asia/Tokyo",
+        "Europe/Berlin",  "Pacific/Apia", "Africa/Monrovia",        "right/Pacific/Fakaofo",
         ":/etc/localtime"};
     std::mt19937 random(1);
     const auto below = [&](unsigned int end) { return static_cast<unsigned int>(random() % end); };

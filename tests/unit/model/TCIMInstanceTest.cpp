@@ -182,6 +182,15 @@ TEST_F(TCIMInstanceTest, AddedTwiceHasTwoEntriesAndOneLife) {
     EXPECT_TRUE(watch.expired());
 }
 
+TEST_F(TCIMInstanceTest, KeysAreOfTheirOwnDeclarationsAfterNamesWereExchanged) {
+    TCIMClass& cls = fSchema.AddClass("Exchanged", {{"alpha", TCIMValue(1u), {"Key"}}, {"beta", TCIMValue("x"), {}}});
+    TCIMPropertyDecl &alpha = *cls.GetPropertyDecl("alpha"), &beta = *cls.GetPropertyDecl("beta");
+    alpha.SetName("beta");
+    beta.SetName("alpha");
+    EXPECT_EQ(Outcome([&] { fContainer.AllocateInstance(&cls)->AddToContainer(); }),
+              "kyrStatusTypeMismatch 0:Declaration type: string Value type: uint32");
+}
+
 TEST_F(TCIMInstanceTest, ComparesClassAndOwnValues) {
     const std::unique_ptr<TCIMInstance> a = New(fDisk, "1"), b = New(fDisk, "1"), other = New(fNVMe, "1");
     EXPECT_EQ(Order(*a, *other), &fDisk < &fNVMe ? "<" : ">");
