@@ -150,6 +150,7 @@ void TCIMClassImpl::RemoveOverriddenDecl(TPropertyDecls::iterator existing, cons
         RefuseDecl(kyrStatusAlreadyExists, kOverride, declaration, kInClass, ": original was defined in this class");
     if (&inherited == &declaration)  // a second shared_ptr to the same object would destroy it twice
         RefuseDecl(kyrStatusAlreadyExists, "add property ", declaration, " to class ", ": already exists");
+    fLayout.reset();  // the end of a declaration of the host's may make instances
     fPropertyDecls.erase(existing);
 }
 
@@ -178,6 +179,7 @@ std::vector<const TCIMPropertyDecl*> TCIMClassImpl::EnumeratePropertyDecls() con
 void TCIMClassImpl::RemovePropertyDecl(TCIMPropertyDecl& declaration) {
     const auto found = fPropertyDecls.find(TNormalizedName(declaration.GetName()).View());
     if (found == fPropertyDecls.end()) throw TKYRException(kyrStatusNotFound);
+    fLayout.reset();  // the end of a declaration of the host's may make instances
     fPropertyDecls.erase(found);
     fLayout.reset();
 }
@@ -196,14 +198,14 @@ std::vector<std::string> TCIMClassImpl::EnumerateKeyNames() const {
 }
 
 boost::shared_ptr<const TPropertyLayout> TCIMClassImpl::GetPropertyLayout() {
-    const unsigned long renameCount = TCIMPropertyDeclImpl::GetRenameCount();
-    if (!fLayout || fLayoutRenameCount != renameCount) {
-        fLayout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
+    if (fLayout && IsPresentLayout(*fLayout)) return fLayout;
+    const auto layout = boost::make_shared<TPropertyLayout>(EnumeratePropertyDecls());
+    if (!fLayout || *layout != *fLayout) {
+        fLayout = layout;
         fKeyChangeCount = kOutdated;
-        fLayoutRenameCount = renameCount;
-        fHasSettledNames = HasSettledNames();
-        CollectKeyCandidates();
     }
+    fLayoutRenameCount = TCIMPropertyDeclImpl::GetRenameCount();
+    fHasSettledNames = HasSettledNames();
     return fLayout;
 }
 
@@ -245,8 +247,12 @@ void TCIMClassImpl::AddInstance(TCIMInstance& instance) {
 }
 
 void TCIMClassImpl::RemoveInstance(TCIMInstance& instance) {
-    fInstances.erase(TCIMInstanceImpl::Of(instance).BuildPathText());
-    fReferenceIndex.reset();  // what the instance's end may have asked for, too
+    auto [next, end] = fInstances.equal_range(TCIMInstanceImpl::Of(instance).BuildPathText());
+    while (next != end) {
+        fReferenceIndex.reset();  // the end of an instance of the host's may ask who refers to others
+        next = fInstances.erase(next);
+    }
+    fReferenceIndex.reset();
 }
 
 TCIMInstance* TCIMClassImpl::FindInstance(const TCIMReference& reference) const {

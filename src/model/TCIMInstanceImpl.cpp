@@ -11,6 +11,7 @@
 #include "model/TCIMPropertyDeclImpl.h"
 #include "model/TCIMPropertyImpl.h"
 #include "model/TCIMReferenceImpl.h"
+#include "model/TCIMReferenceValueImpl.h"
 #include "model/TNormalizedName.h"
 #include "platform/CoreLog.h"
 
@@ -49,7 +50,7 @@ void TCIMInstanceImpl::Validate() const {
         return;
     }
     for (const TCIMPropertyDecl* key : TCIMClassImpl::Of(*fClass).EnumerateKeyDecls())
-        RequireKey(*key, GetProperty(key->GetName())->GetBody()->Value());
+        RequireKey(*key, GetProperty(key->GetName())->GetValue());
 }
 
 void TCIMInstanceImpl::RequireKey(const TCIMPropertyDecl& key, const TCIMValue& value) const {
@@ -126,9 +127,17 @@ std::string TCIMInstanceImpl::BuildPathText() const {
 bool TCIMInstanceImpl::CollectKeys(TKeys& keys) const {
     TCIMClassImpl& cls = TCIMClassImpl::Of(*fClass);
     if (!cls.IsPresentLayout(*fLayout)) return false;
-    for (const size_t index : cls.GetKeyCandidates())
-        if (TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).IsKey() && !keys.Add(index)) return false;
+    for (const size_t index : cls.GetKeyCandidates()) {
+        if (!TCIMPropertyDeclImpl::Of(fLayout->DeclarationAt(index)).IsKey()) continue;
+        if (!keys.Add(index) || !IsLikeCopied(ValueAt(index))) return false;
+    }
     return true;
+}
+
+/// Does what copying the value would do besides: it looks the target of a reference up. False if copying would fail.
+bool TCIMInstanceImpl::IsLikeCopied(const TCIMValue& value) {
+    if (value.IsReference() && !value.IsNull()) TCIMReferenceValueImpl::LookUpTarget(value);
+    return value.GetType() != TCIMValue::TCIMType::eCIMChar;
 }
 
 /// The same in the order in which a reference to this instance binds them. False also if a reference might refuse a
@@ -154,7 +163,11 @@ boost::shared_ptr<TCIMInstance> TCIMInstanceImpl::Adopt() {
 }
 
 bool TCIMInstanceImpl::operator==(const TCIMInstanceImpl& other) const {
-    return fClass == other.fClass && fLayout->HasSameNames(*other.fLayout) && fProperties == other.fProperties;
+    if (fClass != other.fClass || fLayout->Size() != other.fLayout->Size()) return false;
+    // Pair by pair, since comparing values may fail.
+    for (size_t i = 0; i < fLayout->Size(); ++i)
+        if (fLayout->NameAt(i) != other.fLayout->NameAt(i) || !(fProperties[i] == other.fProperties[i])) return false;
+    return true;
 }
 
 void CloseInstance(TCIMInstance*& instance) {

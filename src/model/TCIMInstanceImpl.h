@@ -59,6 +59,7 @@ private:
     const std::string& NameAt(size_t index) const;
     void RequireKey(const TCIMPropertyDecl& key, const TCIMValue& value) const;
     bool CollectKeys(TKeys& keys) const;
+    static bool IsLikeCopied(const TCIMValue& value);
     bool CollectBoundKeys(TKeys& keys) const;
     bool IsReferredToBy(const TCIMInstance& association, const std::string& role) const;
     bool IsReferredToBy(const TCIMProperty& property) const;

@@ -5,7 +5,7 @@
 #include "model/TCIMValueTransfer.h"
 
 namespace {
-const TCIMReference& LookUpTarget(const TCIMReference& reference) {
+const TCIMReference& WithTarget(const TCIMReference& reference) {
     try {
         TCIMReferenceImpl::Of(reference).FindCIMElement();
     } catch (const TKYRException&) {
@@ -15,8 +15,10 @@ const TCIMReference& LookUpTarget(const TCIMReference& reference) {
 }
 }  // namespace
 
-TCIMReferenceValueImpl::TCIMReferenceValueImpl(const TCIMReference& reference) : fReference(LookUpTarget(reference)) {}
+TCIMReferenceValueImpl::TCIMReferenceValueImpl(const TCIMReference& reference) : fReference(WithTarget(reference)) {}
 
 const TCIMReference& TCIMReferenceValueImpl::ReferenceOf(const TCIMValue& value) {
     return TCIMValueTransfer::BodyOf<TCIMReferenceValueImpl>(value).fReference;
 }
+
+void TCIMReferenceValueImpl::LookUpTarget(const TCIMValue& value) { WithTarget(ReferenceOf(value)); }

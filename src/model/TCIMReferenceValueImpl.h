@@ -12,6 +12,8 @@ public:
     TCIMReferenceValueImpl(const TCIMReferenceValueImpl& other) : TCIMReferenceValueImpl(other.fReference) {}
 
     static const TCIMReference& ReferenceOf(const TCIMValue& value);
+    /// What a copy of the value would do.
+    static void LookUpTarget(const TCIMValue& value);
 
     operator TCIMReference() const override { return fReference; }
     std::string ToString(unsigned char) const override { return fReference.GetPath(); }

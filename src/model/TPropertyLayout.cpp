@@ -76,9 +76,3 @@ size_t TPropertyLayout::Search(std::string_view name) const {
     if (found == fEntries.end() || found->first != name) return kNone;
     return static_cast<size_t>(found - fEntries.begin());
 }
-
-bool TPropertyLayout::HasSameNames(const TPropertyLayout& other) const {
-    const auto sameName = [](const auto& a, const auto& b) { return a.first == b.first; };
-    return this == &other ||
-           std::equal(fEntries.begin(), fEntries.end(), other.fEntries.begin(), other.fEntries.end(), sameName);
-}

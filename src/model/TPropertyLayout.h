@@ -24,7 +24,7 @@ public:
     const std::string& NameAt(size_t index) const { return fEntries[index].first; }
     /// The index of a normalised name, or kNone.
     size_t Find(std::string_view name) const;
-    bool HasSameNames(const TPropertyLayout& other) const;
+    bool operator!=(const TPropertyLayout& other) const { return fEntries != other.fEntries; }
 
 private:
     void FillSlots();

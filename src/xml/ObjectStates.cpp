@@ -9,6 +9,7 @@
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMQualifier.h"
 #include "kyr/TContainer.h"
+#include "kyr/TKYRException.h"
 #include "model/TCIMInstanceImpl.h"
 #include "model/TCIMPropertyImpl.h"
 #include "model/TCIMQualifierImpl.h"
@@ -124,16 +125,22 @@ void TCIMXMLParser::TStateQualifier::AddQualifier() {
     std::unique_ptr<TCIMQualifier> qualifier(new TCIMQualifier(*fDeclaration, TCIMValue(), fFlavor));
     TCIMQualifierImpl::Of(*qualifier).TakeValue(fValue);
     fTarget.AddQualifier(*qualifier);
-    if (IsAdopted(*qualifier)) qualifier.release();
+    if (IsAdopted(qualifier.get())) qualifier.release();
 }
 
 /// False if an equal qualifier was kept instead. A carrier of a class of the host's is asked, since it may own the
-/// qualifier without the core's knowing, and may watch what it is asked for.
-bool TCIMXMLParser::TStateQualifier::IsAdopted(const TCIMQualifier& qualifier) const {
+/// qualifier without the core's knowing, and may watch what it is asked for. One that has none of that name has taken
+/// the qualifier elsewhere, and may have destroyed it.
+bool TCIMXMLParser::TStateQualifier::IsAdopted(const TCIMQualifier* qualifier) const {
     const std::type_info& carrier = typeid(fTarget);
     const bool isOwn = carrier == typeid(TCIMPropertyDecl) || carrier == typeid(TCIMClass);
-    if (isOwn && TCIMQualifierImpl::Of(qualifier).IsAdopted()) return true;
-    return fTarget.GetQualifier(qualifier.GetName()) == &qualifier;
+    if (isOwn && TCIMQualifierImpl::Of(*qualifier).IsAdopted()) return true;
+    try {
+        return fTarget.GetQualifier(fDeclaration->GetName()) == qualifier;
+    } catch (const TKYRException& e) {
+        if (isOwn || e.fCode != kyrStatusNotFound) throw;
+        return true;
+    }
 }
 
 bool TCIMXMLParser::TStateAnyPropertyDecl::HandleCommonAttr(TAttribute attribute) {

@@ -43,7 +43,7 @@ public:
 
 private:
     void AddQualifier();
-    bool IsAdopted(const TCIMQualifier& qualifier) const;
+    bool IsAdopted(const TCIMQualifier* qualifier) const;
 
     ICIMAllowQualifiers& fTarget;
     std::string fName;

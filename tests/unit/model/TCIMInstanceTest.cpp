@@ -1,3 +1,4 @@
+#include <functional>
 #include <random>
 
 #include "kyr/TCIMDateTime.h"
@@ -309,6 +310,90 @@ TEST_F(TCIMInstanceTest, FindsItsKeysAsByNamesWhateverHasChanged) {
             changing.Change();
         }
     }
+}
+
+/// Of the host's; tells what it sees when it ends.
+struct TWatchingInstance : TCIMInstance {
+    TWatchingInstance(TCIMClass& cls, std::function<void()> atEnd) : TCIMInstance(&cls), fAtEnd(std::move(atEnd)) {}
+    ~TWatchingInstance() override { fAtEnd(); }
+    std::function<void()> fAtEnd;
+};
+struct TWatchingDecl : TCIMPropertyDecl {
+    TWatchingDecl(TCIMClass& cls, std::function<void()> atEnd)
+        : TCIMPropertyDecl("Watched", cls, TCIMValue(1u)), fAtEnd(std::move(atEnd)) {}
+    ~TWatchingDecl() override { fAtEnd(); }
+    std::function<void()> fAtEnd;
+};
+
+TEST_F(TCIMInstanceTest, RemovedOnesAreSeenNowhereWhileTheyEnd) {
+    TCIMClass& link = fSchema.AddClass("Link", {Key("ID"), {"Part", NullReferenceTo(fDisk)}}, nullptr, {"ASSOCIATION"});
+    TCIMInstance& disk = Add(fDisk, "1");
+    std::vector<size_t> referring, others;
+    const auto note = [&] {
+        referring.push_back(disk.References("", "").size());
+        others.push_back(link.EnumerateInstances(false).size());
+    };
+    TCIMInstance* last = nullptr;
+    for (int i = 0; i < 3; ++i) {
+        last = new TWatchingInstance(link, note);
+        last->SetPropertyValue("ID", TCIMValue("same"));
+        last->SetPropertyValue("Part", TCIMValue(To(fDisk, "1")));
+        last->AddToContainer();
+    }
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(disk.References("", "").size(), 3u) << "from now on they are indexed";
+    link.RemoveInstance(*last);
+    EXPECT_THAT(others, ElementsAre(2, 1, 0));
+    EXPECT_EQ(referring, others);
+}
+
+TEST_F(TCIMInstanceTest, HasNoPropertyOfADeclarationThatEnds) {
+    size_t properties = 0;
+    auto* const declaration =
+        new TWatchingDecl(fDisk, [&] { properties = fSchema.NewInstance(fDisk)->EnumerateProperties().size(); });
+    fDisk.AddPropertyDecl(*declaration);
+    EXPECT_EQ(fSchema.NewInstance(fDisk)->EnumerateProperties().size(), 4u);
+    fDisk.RemovePropertyDecl(*declaration);
+    EXPECT_EQ(properties, 3u);
+    EXPECT_EQ(fSchema.NewInstance(fDisk)->EnumerateProperties().size(), 3u);
+}
+
+TEST_F(TCIMInstanceTest, NormalisesItsNamesByTheLocaleOfItsMaking) {
+    EXPECT_NO_THROW(New(fDisk, "usual"));
+    const TOddLocale locale;
+    EXPECT_NO_THROW(New(fDisk, "odd")) << "ID has another lower case now";
+}
+
+TEST_F(TCIMInstanceTest, TargetsOfKeysAreLookedUpWhenItIsAdded) {
+    TCIMClass& link = fSchema.AddClass("Link", {KeyReference("Part", fDisk)}, nullptr, {"ASSOCIATION"});
+    TCIMInstance& disk = *New(fDisk, "1").release();
+    std::unique_ptr<TCIMInstance> made = fSchema.NewInstance(link, {{"Part", TCIMValue(disk.BuildPath())}});
+    disk.AddToContainer();
+    made.release()->AddToContainer();
+    // The disk goes on under another path.
+    disk.SetPropertyValue("ID", TCIMValue("2"));
+    disk.AddToContainer();
+    disk.SetPropertyValue("ID", TCIMValue("1"));
+    fDisk.RemoveInstance(disk);
+    EXPECT_EQ(disk.References("", "").size(), 1u);
+}
+
+TEST_F(TCIMInstanceTest, ComparesPairByPair) {
+    TCIMPropertyDecl& last = fSchema.AddProperty(fDisk, {"Zone", TCIMValue(1u)});
+    fSchema.AddProperty(fDisk, {"Moment", Null(CIM::eCIMDateTime)});
+    const std::unique_ptr<TCIMInstance> one = New(fDisk, "1");
+    last.SetName("Zoned");
+    const std::unique_ptr<TCIMInstance> two = New(fDisk, "1");
+    one->SetPropertyValue("Moment", TCIMValue(TCIMDateTime("20041231235959.000000+060")));
+    two->SetPropertyValue("Moment", TCIMValue(TCIMDateTime("00000001020304.000005:000")));
+    EXPECT_EQ(StatusOf([&] { (void)(*one == *two); }), kyrStatusInvalidDateTime) << "before the names differ";
+}
+
+TEST_F(TCIMInstanceTest, IsRefusedWhereTheDefaultOfAKeyCannotBeCopied) {
+    TCIMPropertyDecl& key = *fDisk.GetPropertyDecl("ID");
+    EXPECT_EQ(StatusOf([&] { key.SetValue(Null(CIM::eCIMChar)); }), kyrStatusTypeMismatch);
+    const std::unique_ptr<TCIMInstance> disk = fSchema.NewInstance(fDisk);
+    EXPECT_EQ(StatusOf([&] { disk->Validate(); }), kyrStatusTypeMismatch);
+    EXPECT_EQ(StatusOf([&] { disk->BuildPath(); }), kyrStatusTypeMismatch);
 }
 
 }  // namespace

@@ -34,6 +34,17 @@ struct TOwningContainer : TContainer {
     }
 };
 
+/// A host's classes, which take qualifiers and have no use for them.
+struct TDroppingContainer : TContainer {
+    struct TDroppingClass : TCIMClass {
+        using TCIMClass::TCIMClass;
+        void AddQualifier(TCIMQualifier& qualifier) override { delete &qualifier; }
+    };
+    TCIMClass* AllocateClass(const std::string& name, TCIMClass* superclass) const override {
+        return new TDroppingClass(const_cast<TDroppingContainer&>(*this), name, superclass);
+    }
+};
+
 /// Declarations of qualifiers, and abstract classes that carry them in any combination, refused ones among them.
 std::string RandomQualifiers(unsigned int seed) {
     std::mt19937 dice(seed);
@@ -149,13 +160,15 @@ TEST_F(QualifiersOfHosts, AreTheSameWhoeverOwnsThem) {
 TEST_F(QualifiersOfHosts, AreLeftToTheHostThatOwnsThem) {
     const std::string text = "<QUALIFIER NAME='Text' TYPE='string'><VALUE>text</VALUE></QUALIFIER>";
     const std::string key = "<QUALIFIER NAME='Key' TYPE='boolean'><VALUE>true</VALUE></QUALIFIER>";
-    const std::string outcome = Read<TOwningContainer>(
+    const std::string document =
         "<CIM><DECLARATION><DECLGROUP><QUALIFIER.DECLARATION NAME='Text' TYPE='string'/>"
         "<QUALIFIER.DECLARATION NAME='Key' TYPE='boolean'/>" +
         Class("C", text + text + "<PROPERTY NAME='P' TYPE='string'>" + key + "</PROPERTY>", "") +
-        "</DECLGROUP></DECLARATION></CIM>");
-    EXPECT_THAT(outcome, testing::StartsWith("\n"));
-    EXPECT_THAT(outcome, testing::HasSubstr("class C : <root>\n declares P"));
+        "</DECLGROUP></DECLARATION></CIM>";
+    for (const std::string& outcome : {Read<TOwningContainer>(document), Read<TDroppingContainer>(document)}) {
+        EXPECT_THAT(outcome, testing::StartsWith("\n"));
+        EXPECT_THAT(outcome, testing::HasSubstr("class C : <root>\n declares P"));
+    }
 }
 
 // After a rename the path of an instance cannot be built any more, and the failure destroys the instance.
