@@ -1,6 +1,8 @@
 #include "base/NaturalOrder.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 namespace {
 
@@ -53,7 +55,21 @@ int CompareWords(std::string_view a, std::string_view b) {
     return CompareSizes(a.size(), b.size());
 }
 
+// How many characters are the same in both at the start, up to the word in which they begin to differ.
+size_t LengthOfEqualWords(std::string_view a, std::string_view b) {
+    const size_t most = std::min(a.size(), b.size());
+    size_t length = 0;
+    constexpr size_t kStep = sizeof(uint64_t);
+    while (length + kStep <= most && std::memcmp(a.data() + length, b.data() + length, kStep) == 0) length += kStep;
+    while (length < most && a[length] == b[length]) ++length;
+    while (length > 0 && IsWordCharacter(a[length - 1])) --length;
+    return length;
+}
+
 int CompareTexts(std::string_view a, std::string_view b) {
+    const size_t same = LengthOfEqualWords(a, b);
+    a.remove_prefix(same);
+    b.remove_prefix(same);
     while (!a.empty() && !b.empty()) {
         const std::string_view wordA = StartOf(a, IsWordCharacter), wordB = StartOf(b, IsWordCharacter);
         const bool areWords = !wordA.empty() && !wordB.empty();

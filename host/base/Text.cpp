@@ -75,10 +75,18 @@ size_t AppendValid(std::string& result, std::string_view text) {
 
 bool IsPrintableAscii(char c) { return c >= 0x20 && c < 0x7F; }
 
+// Without an early end, so that the compiler looks at many characters at once.
+bool IsPrintableAscii(std::string_view text) {
+    bool isPrintable = true;
+    for (const char c : text) isPrintable &= IsPrintableAscii(c);
+    return isPrintable;
+}
+
 // Most texts are printable ASCII, which needs no conversion: its start is copied as a whole.
 template <typename TAppend>
 std::string Converted(std::string_view text, TAppend append) {
-    const auto plain = std::find_if_not(text.begin(), text.end(), IsPrintableAscii);
+    if (IsPrintableAscii(text)) return std::string(text);
+    const auto plain = std::find_if_not(text.begin(), text.end(), [](char c) { return IsPrintableAscii(c); });
     std::string result(text.begin(), plain);
     text.remove_prefix(result.size());
     while (!text.empty()) text.remove_prefix(append(result, text));
@@ -136,6 +144,7 @@ bool IsHiddenCharacter(unsigned int codePoint) {
 std::string EscapedCharacter(unsigned int codePoint) { return Escape("\\u%04X", codePoint); }
 
 size_t ColumnsOf(std::string_view visible) {
+    if (IsPrintableAscii(visible)) return visible.size();
     size_t columns = 0;
     while (!visible.empty()) {
         const TExtent next = ExtentOfFirst(visible);

@@ -18,6 +18,11 @@ const TCIMQualifier* FindQualifier(const ICIMAllowQualifiers& carrier, const cha
     return nullptr;
 }
 
+TCIMValue ValueOf(const TCIMQualifier* qualifier, TCIMValue::TCIMType::ECIMType type) {
+    const bool suits = qualifier != nullptr && qualifier->GetType() == type;
+    return suits ? qualifier->GetValue() : TCIMValue(type, 0);
+}
+
 template <typename TCarrier>
 bool IsTrue(const TCarrier& carrier, const char* name) {
     const TCIMQualifier* const qualifier = carrier.FindQualifier(name);
@@ -27,9 +32,7 @@ bool IsTrue(const TCarrier& carrier, const char* name) {
 }  // namespace
 
 TCIMValue QualifierValue(const ICIMAllowQualifiers& carrier, const char* name, TCIMValue::TCIMType::ECIMType type) {
-    const TCIMQualifier* const qualifier = FindQualifier(carrier, name);
-    const bool suits = qualifier != nullptr && qualifier->GetType() == type;
-    return suits ? qualifier->GetValue() : TCIMValue(type, 0);
+    return ValueOf(FindQualifier(carrier, name), type);
 }
 
 std::string QualifierString(const ICIMAllowQualifiers& carrier, const char* name) {
@@ -71,10 +74,13 @@ bool IsVolatile(const TCIMPropertyDecl& declaration) { return IsTrue(declaration
 
 bool IsCompanion(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Companion"); }
 
-bool IsCounted(const TCIMPropertyDecl& declaration) {
-    const std::string unit = QualifierText(declaration, "Units");
-    return !unit.empty() && unit != "Identifier";
+std::string UnitOf(const TCIMPropertyDecl& declaration) {
+    const TCIMValue value = ValueOf(declaration.FindQualifier("Units"), TCIMValue::TCIMType::eCIMString);
+    const std::string unit = value.IsNull() ? "" : VisibleText(static_cast<std::string>(value));
+    return unit == "Identifier" ? "" : unit;
 }
+
+bool IsCounted(const TCIMPropertyDecl& declaration) { return !UnitOf(declaration).empty(); }
 
 bool IsIdentity(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Identity"); }
 

@@ -34,6 +34,9 @@ bool IsKey(const TCIMPropertyDecl& declaration);
 bool IsVolatile(const TCIMPropertyDecl& declaration);
 /// Whether it describes other properties of the instance: where they were read, or why they have no value.
 bool IsCompanion(const TCIMPropertyDecl& declaration);
+/// The unit of what its value counts, safe for a terminal. Empty if it has none, also for "Identifier", which marks a
+/// number that counts nothing.
+std::string UnitOf(const TCIMPropertyDecl& declaration);
 /// Whether its value is a number that counts something, and no word.
 bool IsCounted(const TCIMPropertyDecl& declaration);
 

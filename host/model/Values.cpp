@@ -49,10 +49,9 @@ std::string DateTimeText(const TCIMDateTime& moment) {
 }
 
 std::string TextForPeople(const TCIMProperty& property) {
-    if (property.GetValue().IsNull()) return property.ToString();
-    return VisitType(property.GetType(),
-                     TOverloads{[&](TContentType<TCIMDateTime>) { return DateTimeText(property.GetValue()); },
-                                [&](auto) { return property.ToString(); }});
+    if (property.GetType() != TCIMValue::TCIMType::eCIMDateTime) return property.ToString();
+    const TCIMValue value = property.GetValue();
+    return value.IsNull() ? property.ToString() : DateTimeText(value);
 }
 
 std::string TrimmedVisible(std::string text) {
@@ -63,11 +62,12 @@ std::string TrimmedVisible(std::string text) {
 bool IsBareNumber(const std::string& text) { return text.find_first_not_of("-+.0123456789e") == std::string::npos; }
 
 // The core's display text names the unit of bytes, bits and seconds. For other units it is the number alone, so the
-// unit is appended here. "Identifier" marks a number that counts nothing and has no unit.
+// unit is appended here.
 std::string WithUnit(std::string text, const TCIMProperty& property) {
     if (!IsBareNumber(text) || text.empty()) return text;
-    const std::string unit = QualifierText(property.GetDeclaration(), "Units");
-    return unit.empty() || unit == "Identifier" ? text : text + " " + unit;
+    const std::string unit = UnitOf(property.GetDeclaration());
+    if (!unit.empty()) text.append(" ").append(unit);
+    return text;
 }
 
 constexpr const char* kNamingProperties[] = {"Caption", "Name", "ElementName", "DeviceID"};

@@ -59,8 +59,7 @@ TLines ListLines(TLines elements, size_t width) {
 }
 
 // The property's value as visible lines of at most that width. A long list is folded; with raw, nothing is left out.
-TLines ValueLines(const TCIMProperty& property, bool raw, size_t width) {
-    const bool isNull = property.GetValue().IsNull();
+TLines ValueLines(const TCIMProperty& property, bool isNull, bool raw, size_t width) {
     if (property.IsArray() && !raw && !isNull) return ListLines(DisplayElements(property), width);
     const std::string text = isNull && raw ? "-" : raw ? RawText(property.GetValue()) : DisplayText(property);
     if (!text.empty()) return WrapText(text, width);
@@ -169,25 +168,30 @@ private:
         const std::string name = property.GetName();
         if (!property.GetValue().IsNull()) {
             const std::string source = provenance == nullptr ? "" : provenance->SourceOf(name);
-            return PrintLines(name, ValueLines(property, fOptions.raw, fValueWidth), VisibleText(source));
+            return PrintLines(name, ValueLines(property, false, fOptions.raw, fValueWidth), VisibleText(source));
         }
         std::string absence = provenance == nullptr ? "" : provenance->AbsenceOf(name);
         if (absence.empty() && provenance != nullptr && fInstances.size() == 1) absence = NullMeaning(name);
         if (!absence.empty())
             PrintLines(name, WrapText("not available (" + VisibleText(absence) + ")", fValueWidth), "");
         else if (fOptions.null)
-            PrintLines(name, ValueLines(property, fOptions.raw, fValueWidth), "");
+            PrintLines(name, ValueLines(property, true, fOptions.raw, fValueWidth), "");
     }
 
-    void PrintLines(std::string name, std::vector<std::string> lines, const std::string& source) const {
+    void PrintLines(const std::string& name, std::vector<std::string> lines, const std::string& source) const {
         const bool isShort = lines.size() == 1 && name.size() + 4 + ColumnsOf(lines.front()) <= fOutput.Width();
         const bool isBelow = fStacked && (!isShort || !source.empty());
         if (!source.empty()) AddSource(lines, source);
-        const std::string indent(fColumn, ' ');
-        if (isBelow) fOutput.Write("  " + name + "\n");
-        name.resize(fStacked ? name.size() + 2 : fColumn - 2, ' ');
-        for (size_t i = 0; i < lines.size(); ++i)
-            fOutput.Write((i == 0 && !isBelow ? "  " + name : indent) + lines[i] + "\n");
+        std::string text = "  " + name;
+        if (isBelow)
+            text += '\n';
+        else
+            text.resize(fStacked ? text.size() + 2 : fColumn, ' ');
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (i > 0 || isBelow) text.append(fColumn, ' ');
+            text.append(lines[i]) += '\n';
+        }
+        fOutput.Write(text);
     }
 
     // The source stands behind the value, or below it if it does not fit there.
