@@ -1,5 +1,6 @@
 #include "model/TCIMReferenceImpl.h"
 
+#include <boost/make_shared.hpp>
 #include <functional>
 
 #include "kyr/TCIMClass.h"
@@ -29,13 +30,16 @@ TCIMReferenceImpl::TCIMReferenceImpl(TCIMReference& handle, const TCIMReferenceI
       fContainer(other.fContainer),
       fClass(other.fClass),
       fBindings(other.fBindings),
-      fElement(other.fElement) {}
+      fIsShared(true),
+      fElement(other.fElement) {
+    other.fIsShared = true;
+}
 
 void TCIMReferenceImpl::Clear() {
     fContainer = nullptr;
     fClass = nullptr;
     fElement = nullptr;
-    fBindings.clear();
+    fBindings.reset();
 }
 
 void TCIMReferenceImpl::SetPath(const std::string&) const {
@@ -51,12 +55,13 @@ TCIMClass* TCIMReferenceImpl::GetClass() const {
 
 void TCIMReferenceImpl::SetClassName(const std::string& name) {
     if (fContainer == nullptr) LogAndThrow(kyrStatusInvalidOpSequence, "SetClassName() called before container set");
-    if (!fBindings.empty()) LogAndThrow(kyrStatusInvalidOpSequence, "SetClassName() called with keybindings filled in");
+    if (!Bindings().empty())
+        LogAndThrow(kyrStatusInvalidOpSequence, "SetClassName() called with keybindings filled in");
     fClass = fContainer->GetClass(name);
 }
 
 void TCIMReferenceImpl::SetClass(TCIMClass& cls) {
-    if (!fBindings.empty()) LogAndThrow(kyrStatusInvalidOpSequence, "SetClass() called with keybindings filled in");
+    if (!Bindings().empty()) LogAndThrow(kyrStatusInvalidOpSequence, "SetClass() called with keybindings filled in");
     fClass = &cls;
 }
 
@@ -68,7 +73,22 @@ void TCIMReferenceImpl::AddKeyValue(const std::string& name, const TCIMValue& va
                                                " Value type: " + value.GetType().ToString());
     if (!IsPlainKey(declaration))
         LogAndThrow(kyrStatusInvalidOpSequence, "AddKeyValue() called with a non-key property " + name);
-    fBindings.emplace(name, value);
+    OwnBindings().emplace(name, value);
+}
+
+TCIMReferenceImpl::TBindings& TCIMReferenceImpl::OwnBindings() {
+    if (!fBindings || fIsShared) SetKeyBindings(Bindings());
+    return *fBindings;
+}
+
+const TCIMReferenceImpl::TBindings& TCIMReferenceImpl::Bindings() const {
+    static const TBindings kNone;
+    return fBindings ? *fBindings : kNone;
+}
+
+void TCIMReferenceImpl::SetKeyBindings(TBindings bindings) {
+    fBindings = boost::make_shared<TBindings>(std::move(bindings));
+    fIsShared = false;
 }
 
 void TCIMReferenceImpl::AppendBinding(std::string& path, const std::string& name, const TCIMValue& value) {
@@ -87,15 +107,15 @@ void TCIMReferenceImpl::AppendBinding(std::string& path, const std::string& name
 
 std::string TCIMReferenceImpl::GetPath() const {
     std::string path = GetClass()->GetName();
-    if (fBindings.empty()) return path;
+    if (Bindings().empty()) return path;
     path += '.';
-    for (const auto& [name, value] : fBindings) AppendBinding(path, name, value);
+    for (const auto& [name, value] : Bindings()) AppendBinding(path, name, value);
     path.pop_back();  // the last comma, or the dot if no binding has a text
     return path;
 }
 
 ICIMElement* TCIMReferenceImpl::FindCIMElement() const {
-    if (fBindings.empty()) return fClass;
+    if (Bindings().empty()) return fClass;
     if (fElement != nullptr) return fElement;
     fElement = GetClass()->FindInstance(*fHandle);
     if (fElement != nullptr) TReferenceIndex::NoteLookUp();
@@ -103,16 +123,16 @@ ICIMElement* TCIMReferenceImpl::FindCIMElement() const {
 }
 
 ICIMElement* TCIMReferenceImpl::GetCIMElement() const {
-    if (fBindings.empty()) return fClass;
+    if (Bindings().empty()) return fClass;
     if (ICIMElement* found = FindCIMElement()) return found;
     throw TKYRException(kyrStatusNotFound);
 }
 
 bool TCIMReferenceImpl::operator==(const TCIMReferenceImpl& other) const {
-    return fClass == other.fClass && fBindings == other.fBindings;
+    return fClass == other.fClass && Bindings() == other.Bindings();
 }
 
 bool TCIMReferenceImpl::operator<(const TCIMReferenceImpl& other) const {
     if (fClass != other.fClass) return std::less<const TCIMClass*>()(fClass, other.fClass);
-    return fBindings < other.fBindings;
+    return Bindings() < other.Bindings();
 }

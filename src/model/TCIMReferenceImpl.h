@@ -1,9 +1,9 @@
 #ifndef KYR_MODEL_TCIMREFERENCEIMPL_H
 #define KYR_MODEL_TCIMREFERENCEIMPL_H
 
+#include <boost/shared_ptr.hpp>
 #include <map>
 #include <string>
-#include <utility>
 
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMReference.h"
@@ -25,26 +25,33 @@ public:
     void SetContainer(const TContainer* container) { fContainer = container; }
     void Clear();
     [[noreturn]] void SetPath(const std::string& path) const;
+    bool HasClass() const { return fClass != nullptr; }
     TCIMClass* GetClass() const;
     void SetClassName(const std::string& name);
     void SetClass(TCIMClass& cls);
     void AddKeyValue(const std::string& name, const TCIMValue& value);
-    const TBindings& Bindings() const { return fBindings; }
-    void SetKeyBindings(TBindings bindings) { fBindings = std::move(bindings); }
+    const TBindings& Bindings() const;
+    void SetKeyBindings(TBindings bindings);
     std::string GetPath() const;
     ICIMElement* GetCIMElement() const;
     /// Like GetCIMElement, but null where that raises kyrStatusNotFound.
     ICIMElement* FindCIMElement() const;
     /// What FindCIMElement gives without a look-up; null if it needs one.
-    ICIMElement* GetKnownElement() const { return fBindings.empty() ? fClass : fElement; }
+    ICIMElement* GetKnownElement() const { return Bindings().empty() ? fClass : fElement; }
     bool operator==(const TCIMReferenceImpl& other) const;
     bool operator<(const TCIMReferenceImpl& other) const;
 
 private:
+    TBindings& OwnBindings();
+
     TCIMReference* fHandle;
-    const TContainer* fContainer;             // not owned; may be null
-    TCIMClass* fClass = nullptr;              // not owned; null until set
-    TBindings fBindings;                      // by name as passed, so that case matters
+    const TContainer* fContainer;  // not owned; may be null
+    TCIMClass* fClass = nullptr;   // not owned; null until set
+    // By name as passed, so that case matters; null for none. Copies share them until one of them binds a key.
+    boost::shared_ptr<TBindings> fBindings;
+    // Whether a copy may have them, too. Their count would not tell: what another thread has read of them before it let
+    // go of its copy is not ordered before a look at the count.
+    mutable bool fIsShared = false;
     mutable ICIMElement* fElement = nullptr;  // not owned: what the last GetCIMElement found
 };
 
