@@ -107,6 +107,7 @@ public:
 
 private:
     static constexpr int kTypeBits = 31;
+    static constexpr size_t kLeastBytes = 6;  // of a value on a record
 
     /// Counts a value as one within which others are read.
     class TNesting {
@@ -133,7 +134,7 @@ private:
             type, TOverloads{
                       [](TContentType<void>) -> TCIMValue { throw TRecordError(); },
                       [&](TContentType<bool>) { return TCIMValue(fRecord.TakeNumber<uint8_t>() != 0); },
-                      [&](TContentType<std::string>) { return TCIMValue(TakeText()); },
+                      [&](TContentType<std::string>) { return TCIMValue(TakeTextContent()); },
                       [&](TContentType<TCIMDateTime>) { return TCIMValue(TakeDateTime()); },
                       [&](TContentType<TCIMReference>) { return TCIMValue(TakeReference()); },
                       [&](TContentType<std::vector<TCIMValue>&>) { return TakeArray(type, maxSize); },
@@ -145,6 +146,13 @@ private:
         std::string text = fRecord.TakeText();
         Charge(WrittenSize(text));
         return text;
+    }
+
+    // Until the next one is taken.
+    const std::string& TakeTextContent() {
+        fRecord.TakeText(fText);
+        Charge(WrittenSize(fText));
+        return fText;
     }
 
     TCIMDateTime TakeDateTime() {
@@ -170,23 +178,26 @@ private:
         std::map<const std::string, const TCIMValue> bindings;
         for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) {
             Charge(kBindingSize);
-            const std::string name = TakeText();
-            bindings.emplace(name, TakeValue());
+            std::string name = TakeText();
+            bindings.emplace(std::move(name), TakeValue());
         }
-        reference.SetKeyBindings(bindings);
+        reference.SetKeyBindings(std::move(bindings));
         return reference;
     }
 
     TCIMValue TakeArray(CIM type, unsigned int maxSize) {
         Charge(kArraySize);
+        uint32_t count = fRecord.TakeNumber<uint32_t>();
         std::vector<TCIMValue> elements;
-        for (uint32_t count = fRecord.TakeNumber<uint32_t>(); count > 0; --count) elements.push_back(TakeValue());
+        elements.reserve(std::min<size_t>(count, fRecord.BytesLeft() / kLeastBytes));
+        for (; count > 0; --count) elements.push_back(TakeValue());
         return TCIMValue(static_cast<CIM::ECIMType>(type & ~CIM::eCIMArrayFlag), maxSize, elements);
     }
 
     TRecordReader& fRecord;
     TContainer& fContainer;
     size_t& fRoom;
+    std::string fText;
     int fDepth = 0;
 };
 
@@ -247,8 +258,8 @@ std::unique_ptr<TCIMInstance> TInstanceRecords::Take(TRecordReader& record, TCIM
     TValueReader value(record, fContainer, fRoom);
     value.Charge(SizeOfEmpty(*cls));
     std::unique_ptr<TCIMInstance> instance(fContainer.AllocateInstance(cls));
-    while (!record.IsAtEnd()) {
-        const std::string name = record.TakeText();
+    for (std::string name; !record.IsAtEnd();) {
+        record.TakeText(name);
         value.Charge(kPropertySize + name.size());
         instance->SetPropertyValue(name, value.TakeValue());
     }

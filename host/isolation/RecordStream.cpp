@@ -157,6 +157,8 @@ std::string_view TRecordReader::Take(size_t count) {
 
 std::string TRecordReader::TakeText() { return std::string(Take(TakeNumber<uint32_t>())); }
 
+void TRecordReader::TakeText(std::string& text) { text = Take(TakeNumber<uint32_t>()); }
+
 TRecordReader TRecordReader::TakeRecord(ERecord& kind) {
     TRecordReader record(Take(TakeNumber<uint32_t>()));
     kind = record.TakeNumber<ERecord>();

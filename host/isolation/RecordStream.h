@@ -119,6 +119,7 @@ public:
     bool IsAtEnd() const { return fRest.empty(); }
     size_t BytesLeft() const { return fRest.size(); }
     std::string TakeText();
+    void TakeText(std::string& text);
     template <typename TNumber>
     TNumber TakeNumber() {
         TNumber number{};
