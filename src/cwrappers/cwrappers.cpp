@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 #include <initializer_list>
@@ -22,7 +23,10 @@
 #include "kyr/TOSSpecific.h"
 #include "kyr/TRootObject.h"
 #include "kyr/kyrPlugin.h"
+#include "model/TCIMArrayValueImpl.h"
 #include "model/TCIMInstanceImpl.h"
+#include "model/TCIMReferenceImpl.h"
+#include "model/TCIMReferenceValueImpl.h"
 #include "platform/CoreLog.h"
 
 namespace {
@@ -62,8 +66,11 @@ kyrStatusCode Delete(TObject* object) {
     return kyrStatusOK;
 }
 
+// Room for most arrays comes at once, because growing copies all elements.
 template <typename TValue>
 kyrStatusCode Append(kyrCIMValueArray array, const TValue& value) {
+    constexpr size_t kUsual = 16;
+    if (array->capacity() == 0) array->reserve(kUsual);
     array->emplace_back(value);
     return kyrStatusOK;
 }
@@ -85,8 +92,14 @@ void Trace(const kyriIOHandle& handle, std::initializer_list<std::string_view> p
 }
 
 bool AlwaysHasText(const TCIMValue& value) {
-    const auto type = value.GetType();
-    return !value.IsNull() && (type <= TCIMValue::TCIMType::eCIMReal64 || type == TCIMValue::TCIMType::eCIMString);
+    using CIM = TCIMValue::TCIMType;
+    if (value.IsNull()) return false;
+    const CIM type = value.GetType();
+    if (type == CIM::eCIMReference) return TCIMReferenceImpl::Of(TCIMReferenceValueImpl::ReferenceOf(value)).HasClass();
+    if (type <= CIM::eCIMReal64 || type == CIM::eCIMString) return true;
+    if (!value.IsArray()) return false;
+    const std::vector<TCIMValue>& elements = TCIMArrayValueImpl::ElementsOf(value);
+    return std::all_of(elements.begin(), elements.end(), AlwaysHasText);
 }
 
 /// Compatibility: a value without a text raises even if nothing is logged; see docs/oddities.md.
