@@ -14,6 +14,12 @@ constexpr size_t kMostForEachByte = 6;  // of products; a saved collection of a 
 // The reader compares all classes that an association refers to with each other, and with what they derive from.
 constexpr size_t kMostComparisons = 20'000'000;
 
+bool HasName(std::string_view tag, std::string_view name) {
+    constexpr std::string_view kNameEnds = " \t\r\n/";
+    if (tag.substr(0, name.size()) != name) return false;
+    return tag.size() == name.size() || kNameEnds.find(tag[name.size()]) != kNone;
+}
+
 }  // namespace
 
 enum TDocumentScan::EPlace : uint8_t {
@@ -76,10 +82,9 @@ const TDocumentScan::TChild* TDocumentScan::FindChild(EPlace place, std::string_
         all[eKeyBinding] = {{{"KEYVALUE", eKeyValue}, {"VALUE.REFERENCE", eValueReference}}};
         return all;
     }();
-    const std::string_view name = tag.substr(0, tag.find_first_of(" \t\r\n/"));
     for (const TChild& child : kChildren[place]) {
-        if (child.name == name) return &child;
         if (child.name.empty()) break;
+        if (HasName(tag, child.name)) return &child;
     }
     return nullptr;
 }
