@@ -112,7 +112,7 @@ private:
         WriteText(fJson, "reasonCode", state.code);
         WriteText(fJson, "reason", state.outcome.text);
         fJson.Key("notSeen");
-        fJson.Json(std::to_string(notSeen));
+        fJson.Integer(std::to_string(notSeen));
         fJson.Key("unknownProperties");
         fJson.StartArray();
         for (const std::string& name : unknownProperties) fJson.String(name);

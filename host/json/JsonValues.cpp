@@ -73,7 +73,7 @@ void WriteValue(TJsonWriter& json, const TCIMValue& value) {
                                    [&](const TCIMDateTime& moment) { WriteDateTime(json, moment); },
                                    [&](const TCIMReference& reference) { WriteReference(json, reference); },
                                    [&](const std::vector<TCIMValue>& elements) { WriteArray(json, elements); },
-                                   [&](auto integer) { json.Json(std::to_string(integer)); }});
+                                   [&](auto integer) { json.Integer(std::to_string(integer)); }});
 }
 
 void WriteText(TJsonWriter& json, const char* key, const std::string& text) {

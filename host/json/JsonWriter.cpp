@@ -130,6 +130,9 @@ void TJsonWriter::Key(std::string_view name) { fBody->String(name); }
 void TJsonWriter::Null() { fBody->fWriter.Null(); }
 void TJsonWriter::Boolean(bool value) { fBody->fWriter.Bool(value); }
 void TJsonWriter::String(std::string_view text) { fBody->String(text); }
+void TJsonWriter::Integer(std::string_view digits) {
+    fBody->fWriter.RawValue(digits.data(), digits.size(), rapidjson::kNumberType);
+}
 void TJsonWriter::Real(float value) { fBody->Real(value); }
 void TJsonWriter::Real(double value) { fBody->Real(value); }
 void TJsonWriter::Json(std::string_view text) { fBody->Json(text); }

@@ -26,6 +26,8 @@ public:
     void Null();
     void Boolean(bool value);
     void String(std::string_view text);
+    /// An integer of any size, as digits.
+    void Integer(std::string_view digits);
     /// A number with as few digits as read back to the same one. JSON has no NaN and infinity: they are written as the
     /// strings "NaN", "Infinity" and "-Infinity".
     void Real(float value);

@@ -11,16 +11,14 @@
 
 namespace {
 
-// Null if there is none of that name.
+// Null if there is none of that name. The interface itself can only list all of them, which takes longer.
 const TCIMQualifier* FindQualifier(const ICIMAllowQualifiers& carrier, const char* name) {
+    if (const auto* const declaration = dynamic_cast<const TCIMPropertyDecl*>(&carrier))
+        return declaration->FindQualifier(name);
+    if (const auto* const cls = dynamic_cast<const TCIMClass*>(&carrier)) return cls->FindQualifier(name);
     for (const TCIMQualifier* qualifier : carrier.EnumerateQualifiers())
         if (IsSameName(qualifier->GetName(), name)) return qualifier;
     return nullptr;
-}
-
-TCIMValue ValueOf(const TCIMQualifier* qualifier, TCIMValue::TCIMType::ECIMType type) {
-    const bool suits = qualifier != nullptr && qualifier->GetType() == type;
-    return suits ? qualifier->GetValue() : TCIMValue(type, 0);
 }
 
 template <typename TCarrier>
@@ -32,7 +30,9 @@ bool IsTrue(const TCarrier& carrier, const char* name) {
 }  // namespace
 
 TCIMValue QualifierValue(const ICIMAllowQualifiers& carrier, const char* name, TCIMValue::TCIMType::ECIMType type) {
-    return ValueOf(FindQualifier(carrier, name), type);
+    const TCIMQualifier* const qualifier = FindQualifier(carrier, name);
+    const bool suits = qualifier != nullptr && qualifier->GetType() == type;
+    return suits ? qualifier->GetValue() : TCIMValue(type, 0);
 }
 
 std::string QualifierString(const ICIMAllowQualifiers& carrier, const char* name) {
@@ -75,8 +75,7 @@ bool IsVolatile(const TCIMPropertyDecl& declaration) { return IsTrue(declaration
 bool IsCompanion(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Companion"); }
 
 std::string UnitOf(const TCIMPropertyDecl& declaration) {
-    const TCIMValue value = ValueOf(declaration.FindQualifier("Units"), TCIMValue::TCIMType::eCIMString);
-    const std::string unit = value.IsNull() ? "" : VisibleText(static_cast<std::string>(value));
+    const std::string unit = QualifierText(declaration, "Units");
     return unit == "Identifier" ? "" : unit;
 }
 

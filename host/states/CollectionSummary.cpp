@@ -70,9 +70,9 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
     std::vector<std::string> sharing;
     std::vector<std::pair<std::string, TStoredOutcome>> others;
     for (const TCIMInstance* instance : StatesOf(container, kCollectedClassClass)) {
+        if (TextOf(*instance, "Plugin") != plugin) continue;
         const TStoredOutcome outcome = OutcomeOf(*instance);
-        if (TextOf(*instance, "Plugin") != plugin || !IsOutcomeMissing(outcome) || LacksSourcesOnly(*instance, outcome))
-            continue;
+        if (!IsOutcomeMissing(outcome) || LacksSourcesOnly(*instance, outcome)) continue;
         const std::string name = TextOf(*instance, "Name");
         if (IsSame(outcome, own))
             sharing.push_back(name);
