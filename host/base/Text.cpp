@@ -73,20 +73,13 @@ size_t AppendValid(std::string& result, std::string_view text) {
     return length;
 }
 
-bool IsPrintableAscii(char c) { return c >= 0x20 && c < 0x7F; }
-
-// Without an early end, so that the compiler looks at many characters at once.
-bool IsPrintableAscii(std::string_view text) {
-    bool isPrintable = true;
-    for (const char c : text) isPrintable &= IsPrintableAscii(c);
-    return isPrintable;
-}
+bool IsPrintable(char c) { return c >= 0x20 && c < 0x7F; }
 
 // Most texts are printable ASCII, which needs no conversion: its start is copied as a whole.
 template <typename TAppend>
 std::string Converted(std::string_view text, TAppend append) {
     if (IsPrintableAscii(text)) return std::string(text);
-    const auto plain = std::find_if_not(text.begin(), text.end(), [](char c) { return IsPrintableAscii(c); });
+    const auto plain = std::find_if_not(text.begin(), text.end(), IsPrintable);
     std::string result(text.begin(), plain);
     text.remove_prefix(result.size());
     while (!text.empty()) text.remove_prefix(append(result, text));
@@ -130,6 +123,13 @@ std::string_view WithoutBlanksAtEnd(std::string_view text) { return text.substr(
 bool IsContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 }  // namespace
+
+// Without an early end, so that the compiler looks at many characters at once.
+bool IsPrintableAscii(std::string_view text) {
+    bool isPrintable = true;
+    for (const char c : text) isPrintable &= IsPrintable(c);
+    return isPrintable;
+}
 
 std::string VisibleText(std::string_view text) { return Converted(text, AppendVisible); }
 

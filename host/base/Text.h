@@ -14,6 +14,8 @@ std::string VisibleText(std::string_view text);
 /// The text with only those bytes written as escapes that are not UTF-8.
 std::string ValidText(std::string_view text);
 
+bool IsPrintableAscii(std::string_view text);
+
 /// Whether a character beyond ASCII is a control character, or one that reorders or hides text.
 bool IsHiddenCharacter(unsigned int codePoint);
 /// The escape that is written for a character, such as "\u202E".

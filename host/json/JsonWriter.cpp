@@ -23,6 +23,10 @@ public:
         if (fBlock.size() == kBlockSize) WriteBlock();
         fBlock += c;
     }
+    void Fill(char c, size_t count) {
+        if (fBlock.size() + count > kBlockSize) WriteBlock();
+        fBlock.append(count, c);
+    }
     void Append(std::string_view text) {
         if (fBlock.size() + text.size() > kBlockSize) WriteBlock();
         text.size() > kBlockSize ? fOutput.Write(text) : (void)fBlock.append(text);
@@ -45,6 +49,9 @@ private:
     std::string fBlock;
 };
 
+/// RapidJSON indents by it.
+void PutN(TStream& stream, char c, size_t count) { stream.Fill(c, count); }
+
 constexpr unsigned int kDelete = 0x7F;
 
 /// RapidJSON's target encoding: UTF-8, except that hidden characters are escaped.
@@ -65,6 +72,17 @@ bool IsPlain(std::string_view text) {
     bool isPlain = true;
     for (const char c : text) isPlain &= c >= 0x20 && c < static_cast<char>(kDelete) && c != '"' && c != '\\';
     return isPlain;
+}
+
+// Of printable ASCII, which has no other characters that JSON escapes. Paths are full of quotes.
+std::string WithEscapes(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size() + text.size() / 4);
+    for (const char c : text) {
+        if (c == '"' || c == '\\') escaped += '\\';
+        escaped += c;
+    }
+    return escaped;
 }
 
 /// RapidJSON's writer, which goes through a text character by character, with a way round for most texts.
@@ -94,6 +112,7 @@ public:
 
     void String(std::string_view text) {
         if (IsPlain(text)) return fWriter.PlainString(text);
+        if (IsPrintableAscii(text)) return fWriter.PlainString(WithEscapes(text));
         const std::string valid = ValidText(text);
         fWriter.String(valid.data(), SizeOf(valid));
     }
