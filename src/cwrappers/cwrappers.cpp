@@ -91,12 +91,17 @@ void Trace(const kyriIOHandle& handle, std::initializer_list<std::string_view> p
     TRootObject::GetCoreLogger()->OutputLogEntry(handle.fPlugin, kyrLogVerbose, *text);
 }
 
+bool HavePartsText(const TCIMValue& value);
+
 bool AlwaysHasText(const TCIMValue& value) {
-    using CIM = TCIMValue::TCIMType;
+    const auto type = value.GetType();
     if (value.IsNull()) return false;
-    const CIM type = value.GetType();
-    if (type == CIM::eCIMReference) return TCIMReferenceImpl::Of(TCIMReferenceValueImpl::ReferenceOf(value)).HasClass();
-    if (type <= CIM::eCIMReal64 || type == CIM::eCIMString) return true;
+    return type <= TCIMValue::TCIMType::eCIMReal64 || type == TCIMValue::TCIMType::eCIMString || HavePartsText(value);
+}
+
+// The class of a reference, or the elements of an array.
+bool HavePartsText(const TCIMValue& value) {
+    if (value.IsReference()) return TCIMReferenceImpl::Of(TCIMReferenceValueImpl::ReferenceOf(value)).HasClass();
     if (!value.IsArray()) return false;
     const std::vector<TCIMValue>& elements = TCIMArrayValueImpl::ElementsOf(value);
     return std::all_of(elements.begin(), elements.end(), AlwaysHasText);

@@ -1,13 +1,14 @@
 #include "kyr/TCIMInstance.h"
 
 #include <boost/make_shared.hpp>
-
 #include <functional>
 
 #include "kyr/TKYRException.h"
 #include "model/TCIMInstanceImpl.h"
+#include "model/TSmallObject.h"
 
-TCIMInstance::TCIMInstance(TCIMClass* cls) : fBody(boost::make_shared<TCIMInstanceImpl>(*this, cls)) {}
+TCIMInstance::TCIMInstance(TCIMClass* cls)
+    : fBody(boost::allocate_shared<TCIMInstanceImpl>(TSmallObjectAllocator<TCIMInstanceImpl>(), *this, cls)) {}
 TCIMInstance::TCIMInstance(TCIMInstance&, TCIMClass&) { throw TKYRException(kyrStatusNotImplemented); }
 TCIMInstance::~TCIMInstance() = default;
 

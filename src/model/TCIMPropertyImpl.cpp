@@ -14,11 +14,11 @@ std::string NameOf(const TCIMClass* cls) { return cls == nullptr ? std::string()
 }  // namespace
 
 TCIMPropertyImpl::TCIMPropertyImpl(const TCIMPropertyImpl& other) : TCIMPropertyImpl(*other.fDeclaration) {
-    if (other.fValue) SetValue(*other.fValue);
+    if (other.fValue.HasValue()) SetValue(*other.fValue);
     if (other.fPrevValue) SetPrevValue(*other.fPrevValue);
 }
 
-const TCIMValue& TCIMPropertyImpl::Value() const { return fValue ? *fValue : fDeclaration->GetValue(); }
+const TCIMValue& TCIMPropertyImpl::Value() const { return fValue.HasValue() ? *fValue : fDeclaration->GetValue(); }
 
 const TCIMValue& TCIMPropertyImpl::PrevValue() const { return fPrevValue ? *fPrevValue : Value(); }
 
@@ -34,13 +34,12 @@ void TCIMPropertyImpl::TakeValue(TCIMValue& value) {
 }
 
 void TCIMPropertyImpl::Store(TCIMValue& value) {
-    if (value.IsReference() || (fValue && fValue->IsReference())) TReferenceIndex::NoteChange();
-    if (value.GetType() == TCIMValue::TCIMType::eCIMNone || value.GetType() == TCIMValue::TCIMType::eCIMChar) {
-        fValue.emplace(value);
-        return;
-    }
-    fValue.emplace();
-    TCIMValueTransfer::TakeOver(*fValue, value);
+    if (value.IsReference() || (*fValue).IsReference()) TReferenceIndex::NoteChange();
+    if (value.GetType() != TCIMValue::TCIMType::eCIMNone && value.GetType() != TCIMValue::TCIMType::eCIMChar)
+        return fValue.Take(value);
+    fValue.Reset();
+    TCIMValue copy(value);  // which raises for a NULL of type char
+    fValue.Take(copy);
 }
 
 void TCIMPropertyImpl::SetPrevValue(const TCIMValue& value) {
@@ -68,13 +67,13 @@ void TCIMPropertyImpl::CheckValue(const TCIMValue& value, const char* operation)
 // with a value.
 bool TCIMPropertyImpl::operator==(const TCIMPropertyImpl& other) const {
     if (!(*fDeclaration == *other.fDeclaration)) return false;
-    if (!fValue || !other.fValue) return fValue.has_value() == other.fValue.has_value();
+    if (GetPropagated() || other.GetPropagated()) return GetPropagated() == other.GetPropagated();
     return *fValue == *other.fValue;
 }
 
 bool TCIMPropertyImpl::operator<(const TCIMPropertyImpl& other) const {
     if (*fDeclaration < *other.fDeclaration) return true;
     if (!(*fDeclaration == *other.fDeclaration)) return false;
-    if (!fValue || !other.fValue) return !fValue && other.fValue;
+    if (GetPropagated() || other.GetPropagated()) return GetPropagated() && !other.GetPropagated();
     return *fValue < *other.fValue;
 }

@@ -2,11 +2,11 @@
 #define KYR_MODEL_TCIMPROPERTYIMPL_H
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "kyr/TCIMProperty.h"
+#include "model/TOptionalValue.h"
 #include "model/TSmallObject.h"
 
 struct TValueWords;
@@ -37,7 +37,7 @@ public:
     void SetPrevValue(const TCIMValue& value);
     void SetPrevValue();
     bool IsPrevValueDifferent() const { return fPrevValue != nullptr; }
-    bool GetPropagated() const { return !fValue.has_value(); }
+    bool GetPropagated() const { return !fValue.HasValue(); }
     bool operator==(const TCIMPropertyImpl& other) const;
     bool operator<(const TCIMPropertyImpl& other) const;
 
@@ -69,7 +69,7 @@ private:
     const TValueWords* FindWords() const;
 
     const TCIMPropertyDecl* fDeclaration;  // its class owns it
-    std::optional<TCIMValue> fValue;
+    TOptionalValue fValue;
     std::unique_ptr<TCIMValue> fPrevValue;  // null: not set
 };
 

@@ -21,11 +21,18 @@ bool CanBeCopied(const TCIMValue& value) {
 }
 }  // namespace
 
+void* TCIMValueTransfer::fgVoidClass = nullptr;
+
 void TCIMValueTransfer::TakeOver(TCIMValue& target, TCIMValue& source) {
     target.fType = std::exchange(source.fType, TType::eCIMNone);
     target.fMaxArraySize = std::exchange(source.fMaxArraySize, 0);
     target.fBody = std::exchange(source.fBody, nullptr);
     target.fReferencedClass = std::exchange(source.fReferencedClass, nullptr);
+}
+
+void TCIMValueTransfer::Replace(TCIMValue& target, TCIMValue& source) {
+    delete target.fBody;
+    TakeOver(target, source);
 }
 
 void TCIMValueTransfer::Assign(TCIMValue& target, TCIMValue& source) {

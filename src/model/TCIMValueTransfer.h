@@ -18,6 +18,13 @@ public:
     static void SetArray(TCIMValue& target, TCIMValue::TCIMType type, unsigned int maxArraySize,
                          std::vector<TCIMValue>& elements);
 
+    /// Like TakeOver, for a target that has had any value.
+    static void Replace(TCIMValue& target, TCIMValue& source);
+    /// Makes a default-constructed value one that no caller can make, which stands for none. Replace makes it an
+    /// ordinary one; it must not be copied.
+    static void MakeVoid(TCIMValue& value) { value.fReferencedClass = VoidClass(); }
+    static bool IsVoid(const TCIMValue& value) { return value.fReferencedClass == VoidClass(); }
+
     /// Gives target the type and the body, which it then owns; a null body makes a NULL value.
     static void Install(TCIMValue& target, TCIMValue::TCIMType type, TCIMValueImpl* body);
     /// The body of a value that is not NULL and whose type belongs to TBody; not checked.
@@ -25,6 +32,12 @@ public:
     static const TBody& BodyOf(const TCIMValue& value) {
         return static_cast<const TBody&>(*value.fBody);
     }
+
+private:
+    /// The address of no class.
+    static TCIMClass* VoidClass() { return reinterpret_cast<TCIMClass*>(&fgVoidClass); }
+
+    static void* fgVoidClass;
 };
 
 #endif

@@ -5,10 +5,13 @@
 #include <boost/shared_ptr.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "model/TSmallObject.h"
 
 class ICIMElement;
 class TCIMInstance;
@@ -18,7 +21,9 @@ class TCIMInstance;
 /// owner drops the index when an instance is added or removed.
 class TReferenceIndex {
 public:
-    using TInstances = std::multimap<std::string, boost::shared_ptr<TCIMInstance>>;
+    using TEntry = std::pair<const std::string, boost::shared_ptr<TCIMInstance>>;
+    using TInstances =
+        std::multimap<std::string, TEntry::second_type, std::less<std::string>, TSmallObjectAllocator<TEntry>>;
 
     /// To be called when the value of a property changes that is or was a reference.
     static void NoteChange() { ++fgChangeCount; }

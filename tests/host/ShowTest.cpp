@@ -45,6 +45,7 @@ TEST(ShowTest, OrderIsThatInWhichPeopleCount) {
         {"10.0.0.2", "10.0.0.10", "192.0.2.1"},
         {"/dev/sda", "/dev/sda1", "/dev/sda2", "/dev/sda10", "/dev/sdb", "/dev/sdaa"},
         {"bash", "sed", "vim", "zsh"},
+        {"cpu0/index9/a", "cpu0/index10/a", "cpu0/indexa", "cpu0/x"},
         {"cpu01", "cpu1", "cpu2", "cpu2/index0", "cpu10"},
         {"enp3s10", "enp10s3", "eth", "eth0"},
         {"nvme0n1", "nvme0n1p1", "nvme1n1"},

@@ -1,4 +1,5 @@
 #include <map>
+#include <memory>
 #include <random>
 #include <set>
 
@@ -6,6 +7,7 @@
 #include "model/TCIMPropertyImpl.h"
 #include "model/TCIMReferenceImpl.h"
 #include "model/TCIMReferenceValueImpl.h"
+#include "support/OddLocale.h"
 #include "support/SchemaBuilder.h"
 
 using TSorted = std::multiset<std::string>;
@@ -268,6 +270,7 @@ TEST_F(AssociationsTest, InstanceFindsWhatALookAtEveryInstanceFinds) {
             const TTwin::TChange change = {number() % (seed % 2 == 0 ? 12 : 7), number(), number(), number()};
             found.Apply(change);
             scanned.Apply(change);
+            const std::unique_ptr<TOddLocale> locale(number() % 3 == 0 ? new TOddLocale : nullptr);
             for (int walk = 0; walk < 4; ++walk) {
                 const unsigned int disk = number();
                 const std::string assocClass = number() % 2 == 0 ? "Link" : "Mirror",

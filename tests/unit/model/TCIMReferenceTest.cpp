@@ -82,6 +82,18 @@ TEST_F(TCIMReferenceTest, FirstBindingOfAnExactNameStays) {
     EXPECT_EQ(reference.GetPath(), "X.not a name=\"true\"");
 }
 
+TEST_F(TCIMReferenceTest, ACopyThatBindsAKeyLeavesTheOthersAlone) {
+    TCIMReference first = To(fX, "1", "a"), second(first), third(To(fX));
+    third = second;
+    second.AddKeyValue("A", TCIMValue("2"));
+    first.AddKeyValue("A", TCIMValue("3"));
+    const TCIMReference fourth(first);
+    first.SetKeyBindings({{"a", TCIMValue("4")}});
+    const TCIMReference* const all[] = {&first, &second, &third, &fourth};
+    const char* const paths[] = {"X.a=\"4\"", "X.A=\"2\",a=\"1\"", "X.a=\"1\"", "X.A=\"3\",a=\"1\""};
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(all[i]->GetPath(), paths[i]);
+}
+
 TEST_F(TCIMReferenceTest, PrintsItsPathWithoutEscapingAndLeavesOutWhatHasNoText) {
     const TCIMValue text("t"), five(5u), null = Null(CIM::eCIMUint32);
     const std::pair<TBindings, const char*> kCases[] = {
