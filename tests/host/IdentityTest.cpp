@@ -14,7 +14,7 @@ TEST(IdentityTest, PrintsWhatTheServerIs) {
         "Point release           12.5\n"
         "Kernel release          6.1.0-18-amd64\n"
         "Boot firmware           UEFI\n"
-        "Data source version     1.0.0\n";
+        "Data source version     " KYRCORE_VERSION "\n";
     EXPECT_THAT(RunKyrOn("server", "identity"), FieldsAre(0, told, _));
 }
 
@@ -32,7 +32,7 @@ TEST(IdentityTest, WhatCannotBeToldHasItsReason) {
         "Point release           not available (does not apply: it is not Debian)\n"
         "Kernel release          6.8.0-31-generic\n"
         "Boot firmware           not available (not present: /sys/firmware/efi)\n"
-        "Data source version     1.0.0\n";
+        "Data source version     " KYRCORE_VERSION "\n";
     EXPECT_THAT(RunKyrOn("virtual", "identity"), FieldsAre(0, told, _));
 }
 

@@ -9,7 +9,7 @@ TEST(MannersTest, HelpAndVersionGoToStandardOutput) {
         EXPECT_THAT(RunKyr(arguments), FieldsAre(0, HasSubstr("Usage: kyr"), "")) << arguments;
     EXPECT_EQ(RunKyr("help assoc").out, RunKyr("assoc --help").out);
     for (const char* arguments : {"--version", "collect --version", "show -V"})
-        EXPECT_THAT(RunKyr(arguments), FieldsAre(0, "kyr 1.0.0\n", _)) << arguments;
+        EXPECT_THAT(RunKyr(arguments), FieldsAre(0, "kyr " KYRCORE_VERSION "\n", _)) << arguments;
 }
 
 TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {

@@ -7,9 +7,9 @@ TEST(SchemaTest, TreeShowsEachClassBelowItsSuperclassWithItsPlugin) {
                                     "  CIM_ConcreteComponent (abstract) (association)\n"
                                     "  CIM_SystemComponent (abstract) (association)\n"
                                     "    CIM_InstalledOS (abstract) (association)\n"
-                                    "      MOLTA_InstalledOS (association)  [system 1.0.0]\n"));
+                                    "      MOLTA_InstalledOS (association)  [system " KYRCORE_VERSION "]\n"));
     EXPECT_THAT(run.out, HasSubstr("          CIM_ComputerSystem (abstract)\n"
-                                   "            MOLTA_ComputerSystem  [system 1.0.0]\n"));
+                                   "            MOLTA_ComputerSystem  [system " KYRCORE_VERSION "]\n"));
 }
 
 TEST(SchemaTest, ClassIsDescribedInFull) {
@@ -19,7 +19,7 @@ TEST(SchemaTest, ClassIsDescribedInFull) {
                                     "  The operating system that runs on the computer.\n"
                                     "\n"
                                     "Superclass  CIM_OperatingSystem\n"
-                                    "Plugin      system 1.0.0\n"
+                                    "Plugin      system " KYRCORE_VERSION "\n"
                                     "Qualifiers  Columns={ Caption, Version, PointRelease, KernelRelease, "
                                     "Architecture, BootFirmware, SystemUpTime, LastBootUpTime }, Rank=20\n"
                                     "\n"
