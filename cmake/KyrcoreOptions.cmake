@@ -6,6 +6,8 @@ add_library(kyrcore_options INTERFACE)
 target_compile_options(kyrcore_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wvla -UNDEBUG
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)
+# The folder of the sources stays out of assertions, so that it does not make builds differ.
+target_compile_options(kyrcore_options INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(KYRCORE_WERROR)
   target_compile_options(kyrcore_options INTERFACE -Werror)
 endif()

@@ -12,7 +12,7 @@ function(kyrcore_add_plugin name)
     message(FATAL_ERROR "kyrcore_add_plugin(${name}): SOURCES and DOCUMENT are required.")
   endif()
   if(NOT arg_OUTPUT)
-    set(arg_OUTPUT ${CMAKE_BINARY_DIR}/plugins)
+    set(arg_OUTPUT ${PROJECT_BINARY_DIR}/plugins)
   endif()
   set(folder ${arg_OUTPUT}/${name})
 
@@ -23,7 +23,8 @@ function(kyrcore_add_plugin name)
   target_compile_options(${name}_plugin PRIVATE $<$<COMPILE_LANGUAGE:C>:-fexceptions>)
   target_link_options(${name}_plugin PRIVATE -Wl,--no-undefined)
   set_target_properties(${name}_plugin PROPERTIES OUTPUT_NAME ${name} PREFIX lib SUFFIX .pi.so
-    LIBRARY_OUTPUT_DIRECTORY ${folder} C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden)
+    LIBRARY_OUTPUT_DIRECTORY ${folder} C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden
+    SKIP_BUILD_RPATH ON)  # the host has loaded the core already
 
   get_filename_component(document ${arg_DOCUMENT} ABSOLUTE)
   set(copy ${folder}/${name}.properties.xml)

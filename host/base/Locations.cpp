@@ -32,14 +32,16 @@ std::string FindBesideExecutable(std::initializer_list<const char*> candidates) 
 
 }  // namespace
 
-std::string FindDefaultPlugins() { return FindBesideExecutable({"../plugins", "../lib/kyrcore/plugins"}); }
+// The installed folders come first: what a build tree has beside bin/ may be anything in an installed one.
+
+std::string FindDefaultPlugins() { return FindBesideExecutable({KYR_INSTALLED_PLUGINS, "../plugins"}); }
 
 std::string FindDefaultSchema() {
-    return FindBesideExecutable({"../schema/kyrcore.xml", "../share/kyrcore/kyrcore.xml"});
+    return FindBesideExecutable({KYR_INSTALLED_SCHEMA "/kyrcore.xml", "../schema/kyrcore.xml"});
 }
 
 std::string FindStateDocument() {
-    const std::string path = FindBesideExecutable({"../schema/collection.xml", "../share/kyrcore/collection.xml"});
+    const std::string path = FindBesideExecutable({KYR_INSTALLED_SCHEMA "/collection.xml", "../schema/collection.xml"});
     if (path.empty()) throw TCommandError(eExitNothing, "no collection.xml found beside the program; install it whole");
     return path;
 }

@@ -13,6 +13,7 @@ guide, prefix, *expected = sys.argv[1:]
 with open(guide, encoding="utf-8") as file:
     blocks = re.findall(r"^```(\w+) ?(\S*)\n(.*?)^```$", file.read(), re.M | re.S)
 environment = {**os.environ, "PATH": f"{prefix}/bin:{os.environ['PATH']}", "CMAKE_PREFIX_PATH": prefix,
+               "PKG_CONFIG_PATH": next(at for at, _, files in os.walk(prefix) if "kyrcore.pc" in files),
                "CMAKE_GENERATOR": "Ninja"}  # as this tree is built: make need not be there
 printed = ""
 with tempfile.TemporaryDirectory() as folder:

@@ -1,0 +1,14 @@
+# Where things are installed: below the prefix, or absolute where the one who configures says so.
+include(GNUInstallDirs)
+set(KYRCORE_PLUGINS_DIR ${CMAKE_INSTALL_LIBDIR}/kyrcore/plugins)
+set(KYRCORE_SCHEMA_DIR ${CMAKE_INSTALL_DATADIR}/kyrcore)
+
+# kyrcore_way(<variable> <from> <to>): the relative path from one installed folder to another; it holds when the tree is
+# moved.
+function(kyrcore_way variable from to)
+  get_filename_component(from ${from} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
+  get_filename_component(to ${to} ABSOLUTE BASE_DIR ${CMAKE_INSTALL_PREFIX})
+  file(RELATIVE_PATH way ${from} ${to})
+  string(REGEX REPLACE "/$" "" way "${way}")
+  set(${variable} ${way} PARENT_SCOPE)
+endfunction()
