@@ -66,7 +66,7 @@ std::atomic<const unsigned short*> gUsualClasses = nullptr;
 
 bool IsUsualASCII(const TCharacterTables& tables) {
     // The tables of a locale that was freed may have been where those of another one are now.
-    return (tables.lower == gUsualLower.load(std::memory_order_relaxed) && tables.lower['I'] == 'i' &&
+    return (tables.lower == gUsualLower.load(std::memory_order_relaxed) && tables.lower[int{'I'}] == 'i' &&
             tables.classes == gUsualClasses.load(std::memory_order_relaxed)) ||
            CheckTables(tables);
 }
