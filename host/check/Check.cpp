@@ -1,0 +1,30 @@
+#include "check/Check.h"
+
+#include "base/ExitStatus.h"
+#include "base/Output.h"
+
+namespace {
+
+void CheckTarget(const TTarget& target, const TCheckContext& context, TFindings& findings) {
+    switch (target.kind) {
+        case TTarget::eDocument:
+            return CheckDocument(target.path, context, findings);
+        case TTarget::eLibrary:
+        case TTarget::eCollection:
+            return;
+    }
+}
+
+}  // namespace
+
+bool CheckTargets(const std::vector<TTarget>& targets, const TCheckContext& context, TFindings& findings) {
+    bool isRead = true;
+    for (const TTarget& target : targets) try {
+            CheckTarget(target, context, findings);
+        } catch (const TCommandError& e) {
+            PrintDiagnostic(e.what());
+            isRead = false;
+        }
+    findings.Sort();
+    return isRead;
+}

@@ -1,0 +1,40 @@
+#ifndef KYR_HOST_CHECK_CHECK_H
+#define KYR_HOST_CHECK_CHECK_H
+
+#include <string>
+#include <vector>
+
+#include "check/Findings.h"
+
+// kyr check looks at one file after another. What kind a file is, and which checker looks at it:
+//
+//     TTarget::eDocument    CheckDocument    rules D, S and V
+//     TTarget::eLibrary     CheckLibrary     rules L
+//     TTarget::eCollection  CheckCollection  rules R
+//
+// A folder stands for the documents and libraries in it and in its folders. A checker gets one file, adds its findings
+// (Findings.h says how), and raises TCommandError with eExitNothing only if it cannot read the file at all. To add one,
+// declare it below, call it in Check.cpp, and add its rules to Rules.cpp and docs/check.md.
+
+struct TTarget {
+    enum EKind { eDocument, eLibrary, eCollection };
+    EKind kind;
+    std::string path;
+};
+
+/// What is known beside the file that is checked.
+struct TCheckContext {
+    std::string schema;   ///< the base document
+    std::string plugins;  ///< the plugin folder, whose documents are known too; empty: none
+};
+
+/// The files that an argument stands for. Raises TCommandError with eExitNothing if there are none.
+std::vector<TTarget> FindTargets(const std::string& path);
+
+void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings);
+
+/// Checks all of them, and applies what suppresses findings. A file that cannot be read is told on standard error; then
+/// the result is false.
+bool CheckTargets(const std::vector<TTarget>& targets, const TCheckContext& context, TFindings& findings);
+
+#endif

@@ -1,0 +1,48 @@
+#include "check/Findings.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+bool IsBefore(const TFinding& a, const TFinding& b) {
+    const auto order = [](const TFinding& finding) {
+        return std::make_tuple(std::cref(finding.place.file), finding.place.line, std::string(finding.rule->id));
+    };
+    return order(a) < order(b);
+}
+
+const TRule& GetRule(const std::string& id) {
+    if (const TRule* const rule = FindRule(id)) return *rule;
+    throw std::logic_error("no rule " + id);
+}
+
+}  // namespace
+
+void TFindings::Add(const char* rule, TPlace place, const std::string& text, const std::string& remedy) {
+    if (++fCounts[{place.file, rule}] <= kMostOfARule)
+        fFindings.push_back({&GetRule(rule), std::move(place), text, remedy});
+}
+
+bool TFindings::IsFull(const char* rule, const std::string& file) const {
+    const auto count = fCounts.find({file, rule});
+    return count != fCounts.end() && count->second >= kMostOfARule;
+}
+
+void TFindings::Sort() {
+    for (const auto& [fileAndRule, count] : fCounts) {
+        if (count <= kMostOfARule) continue;
+        const std::string more = std::to_string(count - kMostOfARule) + " more of this rule are not listed";
+        fFindings.push_back(
+            {&GetRule(fileAndRule.second), {fileAndRule.first}, more, "mend those that are listed first"});
+    }
+    std::stable_sort(fFindings.begin(), fFindings.end(), IsBefore);
+}
+
+size_t TFindings::Count(ELevel level) const {
+    return static_cast<size_t>(std::count_if(fFindings.begin(), fFindings.end(), [level](const TFinding& finding) {
+        return finding.rule->level == level && finding.excuse.empty();
+    }));
+}

@@ -1,0 +1,55 @@
+#ifndef KYR_HOST_CHECK_FINDINGS_H
+#define KYR_HOST_CHECK_FINDINGS_H
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "check/Rules.h"
+
+/// Where something is wrong. What is not known, or does not apply, is empty or 0.
+struct TPlace {
+    std::string file = {};
+    size_t line = 0;  ///< from 1
+    std::string cls = {};
+    std::string property = {};
+};
+
+/// One violation of a rule.
+struct TFinding {
+    const TRule* rule;
+    TPlace place;
+    std::string text;         ///< what is wrong, naming the class, the property and the word
+    std::string remedy;       ///< what to do, with the nearest right word if there is one
+    std::string excuse = {};  ///< the reason that a suppression gives; such a finding does not count
+};
+
+/// What the checks have found. A checker adds its findings in any order:
+///
+///     findings.Add("L04", {library}, "the folder 'libfoo' has 'lib' in its name", "rename it to 'foo'");
+///
+/// The rule gives the level. Suppressions, sorting, printing and the exit status are not the checker's business.
+class TFindings {
+public:
+    /// Of one rule in one file at most this many are kept; one more finding tells how many others there are.
+    static constexpr size_t kMostOfARule = 500;
+
+    /// The id must be one of AllRules().
+    void Add(const char* rule, TPlace place, const std::string& text, const std::string& remedy);
+    /// Whether more of that rule in that file would only be counted, so that they need no text.
+    bool IsFull(const char* rule, const std::string& file) const;
+    /// Sorts by file, line and rule. Must be called once, when all was added.
+    void Sort();
+
+    std::vector<TFinding>& All() { return fFindings; }
+    const std::vector<TFinding>& All() const { return fFindings; }
+    /// How many of that level there are without an excuse.
+    size_t Count(ELevel level) const;
+
+private:
+    std::vector<TFinding> fFindings;
+    std::map<std::pair<std::string, std::string>, size_t> fCounts;  // by file and rule
+};
+
+#endif

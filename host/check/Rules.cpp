@@ -1,0 +1,203 @@
+#include "check/Rules.h"
+
+namespace {
+
+constexpr ELevel eNote = ELevel::eNote;
+constexpr ELevel eWarning = ELevel::eWarning;
+constexpr ELevel eError = ELevel::eError;
+
+}  // namespace
+
+const char* NameOf(ELevel level) {
+    constexpr const char* kNames[] = {"note", "warning", "error"};
+    return kNames[static_cast<int>(level)];
+}
+
+const std::vector<TRule>& AllRules() {
+    static const std::vector<TRule> kRules = {
+        {"D01", eError, "CDATA, another <! or an open comment",
+         "At CDATA, at any other <! that is no comment, and at a comment or instruction that is not closed, the reader "
+         "stops without a word: classes behind it are missing, and so is the one around it. Write < and & in texts as "
+         "&lt; and &amp;."},
+        {"D02", eError, "Value of an attribute is not closed",
+         "The quote behind the value of an attribute is missing. The value then runs into the next tag, where the "
+         "reader "
+         "refuses the document, or to the end of the document, where it would never stop; kyr refuses such a document "
+         "before it reads it. Close the value."},
+        {"D03", eError, "Comment where the reader takes none",
+         "In front of the root element, the reader wants nothing or at least two blank characters in front of a "
+         "comment or "
+         "an instruction: with one line end behind the XML declaration it takes the comment for something else and "
+         "refuses the document. Leave an empty line there, and begin the document with the XML declaration."},
+        {"D04", eError, "Reference or < in the value of an attribute",
+         "The reader refuses & and < in the value of an attribute, also where they are a reference such as &amp;. "
+         "Names, "
+         "types and numbers need neither; put texts into elements."},
+        {"D05", eWarning, "Numeric reference that is no ASCII character",
+         "The reader makes one byte of a numeric reference, its number modulo 256. Above 127 that is no UTF-8, and 0 "
+         "ends "
+         "the text. Write the character itself."},
+        {"D06", eError, "Encoding is not UTF-8 without a mark",
+         "Documents are read as UTF-8, whatever encoding they declare, and a byte order mark in front is refused. Save "
+         "the "
+         "document as UTF-8 without a mark."},
+        {"D07", eError, "Attribute stands twice",
+         "Names of attributes are the same in upper and lower case, so that the reader refuses NAME and Name in one "
+         "tag. "
+         "Remove one of them."},
+        {"D08", eError, "METHOD in a class",
+         "The reader does not know methods. It begins a new, empty class of the method's name, which takes the place "
+         "of "
+         "the class that the method stands in. Remove the method."},
+        {"D09", eWarning, "Something behind the root element",
+         "The reader does not look at what stands behind the root element. Comments may stand there; move the rest "
+         "into "
+         "the root element, or remove it."},
+        {"D10", eError, "SCOPE that says something else than it means",
+         "An attribute of SCOPE counts when it is there, even with the value false, and a child of SCOPE ends the "
+         "declaration of the qualifier, so that its default value is lost. Leave the attribute out, and write SCOPE as "
+         "an empty element."},
+        {"D11", eError, "Element in a value",
+         "An element inside VALUE ends the value early: what stands behind it is lost. Write < in a text as &lt;, and "
+         "values of an array as VALUE elements side by side in VALUE.ARRAY."},
+        {"D12", eError, "Qualifier of a class behind a property",
+         "The qualifiers of a class come first in it. The reader refuses one behind a property. Move it in front of "
+         "the "
+         "first property."},
+        {"D13", eError, "Reference to an object by a path",
+         "The value of a reference is read from INSTANCENAME or CLASSNAME. With a path around it the document fails. "
+         "Leave the path out."},
+        {"D15", eError, "Document and library do not belong together",
+         "The core finds the document of libfoo.pi.so as foo.properties.xml beside it. A document of any other name is "
+         "not "
+         "read, and the library has no classes. Rename the document."},
+        {"D16", eWarning, "Document over the size limit",
+         "kyr reads documents of plugins up to 8 MiB and 5000 classes. Split the document, and the plugin with it."},
+        {"D17", eError, "Document that the reader refuses",
+         "The core's reader takes this for no document: a tag, a reference or an element is not as it should be, or "
+         "not "
+         "where it should be. The finding tells what and where. Nothing behind the place is read, so that the plugin "
+         "has "
+         "no classes, or only some."},
+        {"D18", eError, "Element where the reader takes none",
+         "Each element takes only certain others, in a certain order: in DECLGROUP the QUALIFIER.DECLARATION elements "
+         "first and then the VALUE.OBJECT elements, in each of these one CLASS or INSTANCE, in CLASS the qualifiers "
+         "and "
+         "then the properties. The reader refuses the document at any other. Values of NULL have no element: leave "
+         "them "
+         "out."},
+        {"S01", eError, "Class is declared twice",
+         "Of two declarations of a class the one that is read first stands, and the other is dropped without an error. "
+         "If "
+         "they are in the documents of two plugins, only the first plugin is asked for the class. Remove one, or give "
+         "it a name of its own."},
+        {"S02", eError, "Superclass is not known",
+         "A class needs its superclass in the base document, in another plugin's document or in front of it in its "
+         "own. "
+         "Otherwise the reader ends there. Mend the name, or move the superclass in front of its subclasses."},
+        {"S03", eError, "Class without a key",
+         "A class that is not abstract needs at least one property with the qualifier Key, its own or an inherited "
+         "one, "
+         "since instances are told apart by their keys. The reader refuses it. Mark the properties that identify an "
+         "instance."},
+        {"S04", eError, "Override of a key is no key",
+         "A property that overrides another takes nothing over from it, also not the qualifier Key. So the class loses "
+         "the "
+         "key. Repeat the qualifier Key in the overriding property."},
+        {"S05", eError, "Override changes the type",
+         "A property that overrides another must have its type, and be an array if that is one. The reader refuses "
+         "others. "
+         "Use the inherited type, or another name without Override."},
+        {"S06", eError, "Override of nothing",
+         "The qualifier Override stands on a property whose name no superclass has. The reader refuses it. Mend the "
+         "name, "
+         "or remove the qualifier."},
+        {"S07", eError, "Inherited property is hidden",
+         "A class declares a property that it inherits, without the qualifier Override. The reader logs an error and "
+         "drops "
+         "the declaration with all its qualifiers. Add the qualifier Override, or remove the property."},
+        {"S08", eError, "Qualifier is not declared",
+         "A qualifier is used that neither the base document nor this document declares in front of it. The reader "
+         "ends "
+         "there. Mend the name, or declare the qualifier with QUALIFIER.DECLARATION."},
+        {"S10", eWarning, "Qualifier has another type than declared",
+         "The type of a qualifier is that of its use, whatever its declaration says. What reads it expects the "
+         "declared "
+         "type: it passes the qualifier over, or fails on it. Use the declared type."},
+        {"S12", eError, "Association with fewer than two references",
+         "An association ties instances by at least two properties of reference type, its own or inherited ones. With "
+         "fewer it ties nothing. Declare both ends with PROPERTY.REFERENCE."},
+        {"S13", eError, "Reference in a class that is no association",
+         "A property of reference type is taken only by a class with the qualifier Association. The reader refuses it "
+         "elsewhere. Make the class an association, with the qualifier in front of the properties."},
+        {"S14", eError, "Referenced class is not known",
+         "The class that a PROPERTY.REFERENCE refers to is neither in the base document nor in another plugin's, nor "
+         "in "
+         "front of this class. The reader ends there. Mend the name, or move the class in front."},
+        {"S19", eWarning, "No Description",
+         "A class or a property without Description tells its readers nothing: kyr schema prints what the document "
+         "says. "
+         "Say in a sentence what it is, and for a property what its values mean."},
+        {"S26", eError, "Type is not known",
+         "The types are boolean, uint8, sint8, uint16, sint16, uint32, sint32, uint64, sint64, real32, real64, string "
+         "and "
+         "datetime, written so. The reader ends at any other word. An array is a PROPERTY.ARRAY of one of these."},
+        {"S27", eError, "Declaration without a name",
+         "A class, property or qualifier has no NAME, or one that is no name of CIM: letters, digits and underscores, "
+         "no "
+         "digit first. Nothing can refer to it. Give it a name."},
+        {"V01", eError, "Values and ValueMap differ in length",
+         "Each entry of ValueMap has its word at the same place in Values. If they differ in length, no word is shown "
+         "at "
+         "all, only numbers. Add the word or the entry that is missing."},
+        {"V02", eWarning, "Entries of ValueMap overlap",
+         "Of entries that hold the same number the first one counts, and the word of the other is never shown. Mend "
+         "the "
+         "numbers."},
+        {"V03", eError, "Entry of ValueMap is no value of the type",
+         "An entry of ValueMap is outside the range of the property's type, or no number where the property is one, so "
+         "that no value ever matches it. Mend the entry or the type."},
+        {"V04", eWarning, "Range in ValueMap that is read otherwise",
+         "Of an entry N..M the core reads N alone, as if it were N.. without an end, and behind such an entry each "
+         "plain "
+         "number begins a range that ends in front of the next one. Write single numbers, or the ranges N.. last."},
+        {"V05", eNote, "Words of a type that shows none",
+         "The core shows words for booleans and unsigned numbers alone. For signed numbers, Values has no effect on "
+         "the "
+         "display. Use an unsigned type if no value is below 0."},
+        {"V06", eWarning, "Empty word",
+         "An entry of Values is empty, so that nothing is shown for its number. Give it a word, or leave out the entry "
+         "in "
+         "Values and ValueMap."},
+        {"V07", eWarning, "Number without a unit",
+         "A number has neither Units nor ValueMap or Values, so that nobody knows what it counts. Give it Units; for a "
+         "number that is a name and counts nothing, the unit Identifier."},
+        {"V08", eWarning, "Unit is not known",
+         "The unit is none that the display scales (Bytes, Bits, Bytes per Second, Bits per Second and Seconds, with "
+         "Kilo, "
+         "Mega and so on in front) and none of those of the CIM schema, so that most likely it is misspelt. Units are "
+         "written exactly so, with capitals."},
+        {"V10", eNote, "Name says another unit than Units",
+         "The property's name ends in a unit, and Units says another one. One of them is wrong, or will be taken for "
+         "wrong. Rename the property, or mend Units."},
+        {"V12", eNote, "Changing value is not Volatile",
+         "The name says that the value changes while the machine stays the same (Free, Used, Uptime, Current...), and "
+         "the "
+         "qualifier Volatile is missing. Then each kyr diff tells the property as changed, and kyr collect --stable "
+         "keeps "
+         "it. Add Volatile."},
+        {"V14", eError, "Key that is Volatile",
+         "The key tells which instance it is. If it changes by itself, no instance is ever found again. Choose another "
+         "key, or remove Volatile."},
+        {"X01", eWarning, "Suppression without use",
+         "A comment kyr-check or a line of kyr-check.allow suppresses nothing: what it excused has been mended or has "
+         "moved, or the suppression is misspelt or gives no reason. Remove or mend it."},
+    };
+    return kRules;
+}
+
+const TRule* FindRule(const std::string& id) {
+    for (const TRule& rule : AllRules())
+        if (rule.id == id) return &rule;
+    return nullptr;
+}

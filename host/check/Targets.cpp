@@ -1,0 +1,69 @@
+#include <algorithm>
+#include <filesystem>
+
+#include "base/ExitStatus.h"
+#include "base/Text.h"
+#include "check/Check.h"
+#include "kyr/TOSSpecific.h"
+#include "model/CollectionState.h"
+#include "saved/DocumentText.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void RaiseUnreadable(const std::string& path, const std::string& why) {
+    throw TCommandError(eExitNothing, path + ": " + why);
+}
+
+bool IsLibrary(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
+
+// Whether it holds instances that say how a collection went.
+bool IsCollection(const std::string& path) {
+    const std::string mark = std::string("<INSTANCE CLASSNAME=\"") + kCollectionClass + "\"";
+    std::string rest;
+    bool isFound = false;
+    const bool isRead = ForEachPiece(path, [&](std::string_view piece) {
+        if (isFound) return;
+        rest.append(piece);
+        isFound = rest.find(mark) != std::string::npos;
+        rest.erase(0, rest.size() - std::min(rest.size(), mark.size()));
+    });
+    if (!isRead) RaiseUnreadable(path, "cannot be read");
+    return isFound;
+}
+
+TTarget TargetAt(const fs::path& path) {
+    if (IsLibrary(path.filename().string())) return {TTarget::eLibrary, path.string()};
+    return {IsCollection(path.string()) ? TTarget::eCollection : TTarget::eDocument, path.string()};
+}
+
+bool IsOfPlugin(const std::string& name) {
+    return IsLibrary(name) || EndsWith(name, TOSSpecific::kSpecificationExtension);
+}
+
+void AddTargets(const fs::path& folder, bool withFolders, std::vector<TTarget>& targets) {
+    std::error_code error, ignored;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
+        if (entry.is_directory(ignored) && withFolders) AddTargets(entry.path(), false, targets);
+        if (entry.is_regular_file(ignored) && IsOfPlugin(entry.path().filename().string()))
+            targets.push_back(TargetAt(entry.path()));
+    }
+    if (error) RaiseUnreadable(folder.string(), "cannot be read: " + error.message());
+}
+
+}  // namespace
+
+std::vector<TTarget> FindTargets(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) RaiseUnreadable(path, error ? error.message() : "no such file or folder");
+    if (fs::is_regular_file(status)) return {TargetAt(path)};
+    if (!fs::is_directory(status)) RaiseUnreadable(path, "is neither a file nor a folder");
+    std::vector<TTarget> targets;
+    AddTargets(path, true, targets);
+    if (targets.empty())
+        RaiseUnreadable(path, "neither a document (NAME.properties.xml) nor a library (libNAME.pi.so) is in it");
+    std::sort(targets.begin(), targets.end(), [](const TTarget& a, const TTarget& b) { return a.path < b.path; });
+    return targets;
+}
