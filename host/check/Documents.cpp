@@ -1,25 +1,127 @@
+#include <filesystem>
+#include <list>
+#include <set>
+
 #include "base/ExitStatus.h"
+#include "base/Text.h"
 #include "check/Check.h"
-#include "check/Markup.h"
+#include "check/DocumentRules.h"
+#include "kyr/TOSSpecific.h"
 #include "saved/DocumentText.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
-constexpr size_t kMostBytes = size_t{32} << 20;
+constexpr size_t kMostBytes = size_t{32} << 20;     // that are checked
+constexpr size_t kMostBytesRead = size_t{8} << 20;  // of a plugin's document, by a host
+constexpr size_t kMostClasses = 5000;               // the same
+constexpr size_t kMostProducts = 50'000'000;        // of classes and what they declare
+constexpr size_t kMostNeighbours = 500;
 
-std::string ReadText(const std::string& path) {
-    std::string text;
-    const bool isRead = ForEachPiece(path, [&text](std::string_view piece) {
+/// Returns false if the reader cannot get it.
+bool ReadText(const std::string& path, std::string& text) {
+    return ForEachPiece(path, [&text](std::string_view piece) {
         if (text.size() <= kMostBytes) text.append(piece);
     });
-    if (!isRead) throw TCommandError(eExitNothing, path + ": cannot be read");
-    return text;
+}
+
+/// A document that is read before the one that is checked.
+struct TNeighbour {
+    explicit TNeighbour(const std::string& path) {
+        ReadText(path, text);
+        TFindings ofNobody;
+        markup = ReadMarkup(path, text, ofNobody);
+        schema = std::make_unique<TDocumentSchema>(markup);
+    }
+    std::string text;
+    TMarkup markup;
+    std::unique_ptr<TDocumentSchema> schema;
+};
+
+bool IsOfPlugin(const std::string& path) { return EndsWith(path, TOSSpecific::kSpecificationExtension); }
+
+// The documents in the folders of a plugin folder.
+std::set<std::string> DocumentsBelow(const fs::path& plugins) {
+    std::set<std::string> documents;
+    std::error_code error, ignored;
+    for (const fs::directory_entry& folder : fs::directory_iterator(plugins, error))
+        for (const fs::directory_entry& file : fs::directory_iterator(folder.path(), ignored))
+            if (IsOfPlugin(file.path().string()) && file.is_regular_file(ignored) &&
+                file.file_size(ignored) <= kMostBytesRead)
+                documents.insert(file.path().string());
+    return documents;
+}
+
+/// The documents that a host reads beside the one that is checked: first the base document, then those of plugins.
+class TNeighbours {
+public:
+    TNeighbours(const std::string& checked, const TCheckContext& context) {
+        fNames.insert(fs::path(checked).filename().string());
+        Add(context.schema);
+        if (IsOfPlugin(checked)) AddAll(fs::absolute(checked).parent_path().parent_path());
+        if (!context.plugins.empty()) AddAll(context.plugins);
+    }
+
+    void AddTo(TKnownSchema& known) const {
+        for (const TNeighbour& neighbour : fNeighbours) {
+            for (const TQualifierDeclaration& declaration : neighbour.schema->qualifiers) known.Add(declaration);
+            for (const TClassDeclaration& declaration : neighbour.schema->classes) known.Add(declaration);
+        }
+    }
+
+private:
+    void AddAll(const fs::path& plugins) {
+        for (const std::string& document : DocumentsBelow(plugins)) Add(document);
+    }
+
+    // Of documents of one name, such as one in the source tree and one that is installed, the first counts.
+    void Add(const std::string& path) {
+        if (fNeighbours.size() < kMostNeighbours && fNames.insert(fs::path(path).filename().string()).second)
+            fNeighbours.emplace_back(path);
+    }
+
+    std::set<std::string> fNames;
+    std::list<TNeighbour> fNeighbours;
+};
+
+bool IsBaseDocument(const TDocumentSchema& document) {
+    for (const TQualifierDeclaration& declaration : document.qualifiers)
+        if (LowerName(declaration.name) == "key") return true;
+    return false;
+}
+
+size_t CountDeclarations(const TDocumentSchema& document) {
+    size_t count = 0;
+    for (const TClassDeclaration& cls : document.classes) count += 1 + cls.properties.size();
+    return count;
+}
+
+// Returns whether the document is small enough for the rest of the rules.
+bool CheckSize(const std::string& path, const std::string& text, const TDocumentSchema& document, TFindings& findings) {
+    const size_t classes = document.classes.size();
+    if (text.size() > kMostBytesRead || classes > kMostClasses)
+        findings.Add("D16", {path},
+                     "the document has " + std::to_string(text.size() >> 20) + " MiB and " + std::to_string(classes) +
+                         " classes",
+                     "split it: kyr reads 8 MiB and 5000 classes at most");
+    return classes * CountDeclarations(document) <= kMostProducts;
 }
 
 }  // namespace
 
 void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings) {
-    (void)context;
-    const std::string text = ReadText(path);
+    std::string text;
+    if (!ReadText(path, text)) throw TCommandError(eExitNothing, path + ": cannot be read");
     const TMarkup markup = ReadMarkup(path, text, findings);
+    CheckStructure(markup, findings);
+    const TDocumentSchema document(markup);
+    if (!CheckSize(path, text, document, findings)) return;
+    TKnownSchema known;
+    std::unique_ptr<TNeighbours> neighbours;
+    if (!IsBaseDocument(document)) {
+        neighbours = std::make_unique<TNeighbours>(path, context);
+        neighbours->AddTo(known);
+    }
+    CheckSchema(markup, document, known, findings);
 }

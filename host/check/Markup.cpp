@@ -513,10 +513,6 @@ private:
     size_t fWaiting = 0;  // that many of the comments, the last ones, wait for their element
 };
 
-bool IsProperty(const TElement& element) {
-    return element.Is("PROPERTY") || element.Is("PROPERTY.ARRAY") || element.Is("PROPERTY.REFERENCE");
-}
-
 }  // namespace
 
 bool TElement::Is(std::string_view upperName) const { return EqualsUpper(name, upperName); }
@@ -530,6 +526,10 @@ std::string TElement::Get(std::string_view upperName) const {
 bool TElement::Has(std::string_view upperName) const {
     return std::any_of(attributes.begin(), attributes.end(),
                        [&](const TAttribute& attribute) { return EqualsUpper(attribute.name, upperName); });
+}
+
+bool IsProperty(const TElement& element) {
+    return element.Is("PROPERTY") || element.Is("PROPERTY.ARRAY") || element.Is("PROPERTY.REFERENCE");
 }
 
 TPlace TMarkup::PlaceOf(const TElement& element) const {

@@ -31,6 +31,8 @@ struct TElement {
     bool Has(std::string_view upperName) const;
 };
 
+bool IsProperty(const TElement& element);
+
 /// A comment that allows what the element behind it violates.
 struct TAllowingComment {
     size_t line;

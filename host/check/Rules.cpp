@@ -138,6 +138,11 @@ const std::vector<TRule>& AllRules() {
          "A class or a property without Description tells its readers nothing: kyr schema prints what the document "
          "says. "
          "Say in a sentence what it is, and for a property what its values mean."},
+        {"S24", eError, "Value is not of its type",
+         "A default, the value of a qualifier or a value of an instance is not of the type: text where a number should "
+         "be, "
+         "a number that is too large, anything but true and false for a boolean. The core takes it without a word and "
+         "makes another value of it: 0, false, 70000 as 4464. Mend the value or the type."},
         {"S26", eError, "Type is not known",
          "The types are boolean, uint8, sint8, uint16, sint16, uint32, sint32, uint64, sint64, real32, real64, string "
          "and "
@@ -146,6 +151,10 @@ const std::vector<TRule>& AllRules() {
          "A class, property or qualifier has no NAME, or one that is no name of CIM: letters, digits and underscores, "
          "no "
          "digit first. Nothing can refer to it. Give it a name."},
+        {"S28", eError, "Instance of something that is not declared",
+         "An instance in the document names a class or a property that is not declared, or gives a property another "
+         "type "
+         "than its declaration. The reader ends there. Mend the name or the type."},
         {"V01", eError, "Values and ValueMap differ in length",
          "Each entry of ValueMap has its word at the same place in Values. If they differ in length, no word is shown "
          "at "
