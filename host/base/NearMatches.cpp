@@ -20,8 +20,16 @@ bool IsTransposed(const std::string& from, size_t i, const std::string& to, size
     return i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j];
 }
 
-// How many characters must be inserted, deleted, replaced or exchanged with their neighbour to turn one text into the
-// other (the distance of Damerau and Levenshtein, no place edited twice).
+// Near is a name with a few typing errors, and one that contains the text: "Processor" finds CIM_Processor. The
+// distance is larger then, so that names with typing errors are listed first.
+bool IsNear(const std::string& name, const std::string& candidate, size_t distance) {
+    const size_t mostErrors = name.size() < 3 ? name.size() / 2 : std::max<size_t>(2, name.size() / 4);
+    if (distance <= mostErrors && distance < candidate.size()) return true;
+    return name.size() >= 3 && candidate.find(name) != std::string::npos;
+}
+
+}  // namespace
+
 size_t EditDistance(const std::string& from, const std::string& to) {
     std::vector<size_t> before, above(to.size() + 1), row(to.size() + 1);
     std::iota(row.begin(), row.end(), size_t{0});
@@ -35,16 +43,6 @@ size_t EditDistance(const std::string& from, const std::string& to) {
     }
     return row.back();
 }
-
-// Near is a name with a few typing errors, and one that contains the text: "Processor" finds CIM_Processor. The
-// distance is larger then, so that names with typing errors are listed first.
-bool IsNear(const std::string& name, const std::string& candidate, size_t distance) {
-    const size_t mostErrors = name.size() < 3 ? name.size() / 2 : std::max<size_t>(2, name.size() / 4);
-    if (distance <= mostErrors && distance < candidate.size()) return true;
-    return name.size() >= 3 && candidate.find(name) != std::string::npos;
-}
-
-}  // namespace
 
 std::vector<std::string> FindNearMatches(const std::string& name, const std::vector<std::string>& candidates) {
     const std::string wanted = ToLower(name);

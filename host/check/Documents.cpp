@@ -124,4 +124,5 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
         neighbours->AddTo(known);
     }
     CheckSchema(markup, document, known, findings);
+    CheckValues(markup, document, known, findings);
 }
