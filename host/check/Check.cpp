@@ -2,14 +2,17 @@
 
 #include "base/ExitStatus.h"
 #include "base/Output.h"
+#include "check/Allowances.h"
 
 namespace {
 
 void CheckTarget(const TTarget& target, const TCheckContext& context, TFindings& findings) {
     switch (target.kind) {
         case TTarget::eDocument:
+            CheckDocumentName(target.path, findings);
             return CheckDocument(target.path, context, findings);
         case TTarget::eLibrary:
+            return CheckLibraryName(target.path, findings);
         case TTarget::eCollection:
             return;
     }
@@ -25,6 +28,7 @@ bool CheckTargets(const std::vector<TTarget>& targets, const TCheckContext& cont
             PrintDiagnostic(e.what());
             isRead = false;
         }
+    ApplyAllowances(targets, findings);
     findings.Sort();
     return isRead;
 }

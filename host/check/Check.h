@@ -31,6 +31,9 @@ struct TCheckContext {
 /// The files that an argument stands for. Raises TCommandError with eExitNothing if there are none.
 std::vector<TTarget> FindTargets(const std::string& path);
 
+/// Whether document and library belong together by their names (D15).
+void CheckDocumentName(const std::string& path, TFindings& findings);
+void CheckLibraryName(const std::string& path, TFindings& findings);
 void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings);
 
 /// Checks all of them, and applies what suppresses findings. A file that cannot be read is told on standard error; then

@@ -4,8 +4,10 @@
 
 #include "base/ExitStatus.h"
 #include "base/Text.h"
+#include "check/Allowances.h"
 #include "check/Check.h"
 #include "check/DocumentRules.h"
+#include "check/ReaderTrial.h"
 #include "kyr/TOSSpecific.h"
 #include "saved/DocumentText.h"
 
@@ -70,6 +72,12 @@ public:
         }
     }
 
+    std::vector<std::string> Paths() const {
+        std::vector<std::string> paths;
+        for (const TNeighbour& neighbour : fNeighbours) paths.push_back(neighbour.markup.file);
+        return paths;
+    }
+
 private:
     void AddAll(const fs::path& plugins) {
         for (const std::string& document : DocumentsBelow(plugins)) Add(document);
@@ -114,6 +122,7 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
     std::string text;
     if (!ReadText(path, text)) throw TCommandError(eExitNothing, path + ": cannot be read");
     const TMarkup markup = ReadMarkup(path, text, findings);
+    AddAllowances(markup, findings);
     CheckStructure(markup, findings);
     const TDocumentSchema document(markup);
     if (!CheckSize(path, text, document, findings)) return;
@@ -125,4 +134,8 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
     }
     CheckSchema(markup, document, known, findings);
     CheckValues(markup, document, known, findings);
+    if (findings.HasErrorIn(path)) return;
+    const std::string refusal =
+        TryReader(neighbours ? neighbours->Paths() : std::vector<std::string>(), path, document.classes.size());
+    if (!refusal.empty()) findings.Add("D17", {path}, "the reader refuses it: " + refusal, "mend what it names");
 }

@@ -41,6 +41,12 @@ void TFindings::Sort() {
     std::stable_sort(fFindings.begin(), fFindings.end(), IsBefore);
 }
 
+bool TFindings::HasErrorIn(const std::string& file) const {
+    return std::any_of(fFindings.begin(), fFindings.end(), [&file](const TFinding& finding) {
+        return finding.rule->level == ELevel::eError && finding.place.file == file;
+    });
+}
+
 size_t TFindings::Count(ELevel level) const {
     return static_cast<size_t>(std::count_if(fFindings.begin(), fFindings.end(), [level](const TFinding& finding) {
         return finding.rule->level == level && finding.excuse.empty();

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "check/Rules.h"
@@ -20,9 +21,22 @@ struct TPlace {
 struct TFinding {
     const TRule* rule;
     TPlace place;
-    std::string text;         ///< what is wrong, naming the class, the property and the word
-    std::string remedy;       ///< what to do, with the nearest right word if there is one
-    std::string excuse = {};  ///< the reason that a suppression gives; such a finding does not count
+    std::string text;              ///< what is wrong, naming the class, the property and the word
+    std::string remedy;            ///< what to do, with the nearest right word if there is one
+    std::string excuse = {};       ///< the reason that a suppression gives; such a finding does not count
+    bool isExcusedInFile = false;  ///< by a comment in the file itself
+};
+
+/// Something that suppresses findings; see Allowances.h.
+struct TAllowance {
+    TPlace place = {};  ///< its own
+    std::string rule = {};
+    std::string reason = {};
+    size_t firstLine = 0;  ///< of a comment: what it allows in its own file
+    size_t lastLine = 0;
+    std::string folder = {};  ///< of a line in a file: what it allows in its folder
+    std::string what = {};
+    bool isUsed = false;
 };
 
 /// What the checks have found. A checker adds its findings in any order:
@@ -42,6 +56,11 @@ public:
     /// Sorts by file, line and rule. Must be called once, when all was added.
     void Sort();
 
+    void Allow(TAllowance allowance) { fAllowances.push_back(std::move(allowance)); }
+    std::vector<TAllowance>& Allowances() { return fAllowances; }
+
+    /// Whether an error in that file was added.
+    bool HasErrorIn(const std::string& file) const;
     std::vector<TFinding>& All() { return fFindings; }
     const std::vector<TFinding>& All() const { return fFindings; }
     /// How many of that level there are without an excuse.
@@ -49,6 +68,7 @@ public:
 
 private:
     std::vector<TFinding> fFindings;
+    std::vector<TAllowance> fAllowances;
     std::map<std::pair<std::string, std::string>, size_t> fCounts;  // by file and rule
 };
 

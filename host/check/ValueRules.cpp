@@ -99,6 +99,12 @@ bool IsSame(const std::optional<TRange>& a, const std::optional<TRange>& b) {
     return a->low == b->low && a->high == b->high;
 }
 
+// Whether only what is above all entries gets the word too.
+bool IsOpenEnd(const TRanges& meant, const TRanges& read, size_t i, uint64_t highest) {
+    return meant[i] && read[i] && meant[i]->low == read[i]->low && meant[i]->low < meant[i]->high &&
+           read[i]->high == highest;
+}
+
 std::string RangeText(const TRange& range) {
     const std::string low = std::to_string(range.low);
     return range.low == range.high ? low : low + " to " + std::to_string(range.high);
@@ -229,7 +235,7 @@ private:
                        "no word of " + fName + " is shown: an entry '..' stands behind a range that is open upwards",
                        "move the range to the end");
         for (size_t i = 0; i < meant.size(); ++i) {
-            if (IsSame(meant[i], (*read)[i])) continue;
+            if (IsSame(meant[i], (*read)[i]) || IsOpenEnd(meant, *read, i, highest)) continue;
             return Add("V04", *map.element,
                        "the entry " + Shown(map.values[i]) + " in ValueMap of " + fName + " is read as " +
                            RangeText(*(*read)[i]),

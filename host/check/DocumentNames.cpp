@@ -1,0 +1,71 @@
+#include <filesystem>
+#include <set>
+
+#include "base/Text.h"
+#include "check/Check.h"
+#include "kyr/TOSSpecific.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string& LibraryEnding() { return TOSSpecific::kPluginExtension; }
+const std::string& DocumentEnding() { return TOSSpecific::kSpecificationExtension; }
+
+std::string NameOf(const std::string& path) { return fs::path(path).filename().string(); }
+
+/// What stands beside a file.
+struct TFolder {
+    explicit TFolder(const std::string& file) {
+        std::error_code error;
+        const fs::path folder = fs::absolute(file, error).parent_path();
+        for (const fs::directory_entry& entry : fs::directory_iterator(folder, error))
+            names.insert(entry.path().filename().string());
+    }
+
+    bool Has(const std::string& name) const { return names.count(name) != 0; }
+
+    std::set<std::string> names;
+};
+
+// For "libfoo.pi.so", "foo.properties.xml".
+std::string DocumentOf(const std::string& library) {
+    const std::string stem = library.substr(0, library.size() - LibraryEnding().size());
+    return (StartsWith(stem, "lib") ? stem.substr(3) : stem) + DocumentEnding();
+}
+
+// The documents that libraries there want and that are not there.
+std::vector<std::string> MissingDocuments(const TFolder& folder) {
+    std::vector<std::string> documents;
+    for (const std::string& name : folder.names)
+        if (EndsWith(name, LibraryEnding()) && !folder.Has(DocumentOf(name))) documents.push_back(DocumentOf(name));
+    return documents;
+}
+
+bool HasLibrary(const TFolder& folder, const std::string& document) {
+    for (const std::string& name : folder.names)
+        if (EndsWith(name, LibraryEnding()) && DocumentOf(name) == document) return true;
+    return false;
+}
+
+}  // namespace
+
+void CheckDocumentName(const std::string& path, TFindings& findings) {
+    const TFolder folder(path);
+    const std::string name = NameOf(path);
+    const std::vector<std::string> missing = MissingDocuments(folder);
+    if (!missing.empty() && !HasLibrary(folder, name))
+        findings.Add("D15", {path}, "no library beside it reads a document of the name " + name,
+                     "rename it to " + Join(missing, " or "));
+}
+
+void CheckLibraryName(const std::string& path, TFindings& findings) {
+    const TFolder folder(path);
+    const std::string wanted = DocumentOf(NameOf(path));
+    if (!EndsWith(path, LibraryEnding()) || folder.Has(wanted)) return;
+    std::vector<std::string> others;
+    for (const std::string& name : folder.names)
+        if (EndsWith(name, ".xml") && !HasLibrary(folder, name)) others.push_back(name);
+    findings.Add("D15", {path}, "its document " + wanted + " is not beside it",
+                 others.empty() ? "put it there" : "rename " + Join(others, " or ") + " to " + wanted);
+}
