@@ -385,6 +385,7 @@ private:
 
     bool RefuseOpenValue(size_t start, size_t end, std::string_view name) {
         const bool isEndless = end == kNone && fText.find_first_of("<&", start) == kNone;
+        fIsEndless |= isEndless;
         Add("D02", start,
             "the value of " + std::string(name) + " is not closed" +
                 (isEndless ? ": the reader would never come to an end" : ""),
@@ -479,7 +480,7 @@ private:
 
     void ReportOpen() {
         const TElement& element = *fOpen.back();
-        if (fMarkup.isCut) return;
+        if (fMarkup.isCut || fIsEndless) return;
         TPlace place = fMarkup.PlaceOf(element);
         fFindings.Add("D17", place, "the element " + Quoted(element.name) + " is not closed before the document ends",
                       "close it with </" + std::string(element.name) + ">");
@@ -509,6 +510,7 @@ private:
     size_t fLine = 1;
     size_t fLineAt = 0;  // where fLine is the line
     size_t fParts = 0;
+    bool fIsEndless = false;
     std::vector<TElement*> fOpen;
     size_t fWaiting = 0;  // that many of the comments, the last ones, wait for their element
 };

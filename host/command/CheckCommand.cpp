@@ -4,6 +4,7 @@
 #include "base/NearMatches.h"
 #include "check/Check.h"
 #include "command/Command.h"
+#include "json/Json.h"
 #include "render/FindingsText.h"
 
 namespace {
@@ -44,6 +45,7 @@ public:
             ->type_name("LEVEL")
             ->check(CheckLevel)
             ->capture_default_str();
+        fApp.add_flag("--sarif", fSarif, "Print SARIF 2.1.0, which code hosts and editors read");
         fApp.add_flag("--rules", fRules, "List all rules");
         fApp.add_option("--explain", fRule, "Explain one rule")->type_name("RULE")->check(CheckRule);
     }
@@ -83,7 +85,10 @@ private:
         return CheckTargets(targets, {fSession.schema, fSession.plugins}, findings) && isRead;
     }
 
-    static void Print(const TFindings& findings, TOutput& output) { PrintFindings(findings, output); }
+    void Print(const TFindings& findings, TOutput& output) const {
+        if (fSarif) return WriteSarif(findings, output);
+        fJson ? WriteCheckJson(findings, output) : PrintFindings(findings, output);
+    }
 
     bool IsFailure(const TFindings& findings) const {
         for (const ELevel level : kLevels) {
@@ -97,6 +102,7 @@ private:
     std::string fFailOn = NameOf(ELevel::eError);
     std::string fRule;
     bool fRules = false;
+    bool fSarif = false;
 };
 
 }  // namespace

@@ -82,6 +82,9 @@ const TConflict kConflicts[] = {
     {"--table", kNoTable},
     {"--csv", kNoTable},
     {"--table", {"--columns"}, ": --columns alone prints a table"},
+    {"--sarif", {"--json"}},
+    {"--rules", {"PATH", "--explain", "--json", "--sarif"}},
+    {"--explain", {"PATH", "--json", "--sarif"}},
     {"--deep", {"--json", "--assoc-class", "--result-class", "--role", "--result-role"}},
 };
 

@@ -8,6 +8,7 @@
 #include "model/Reason.h"
 
 class TCIMClass;
+class TFindings;
 struct TAssociationLink;
 struct TDifference;
 class TCIMInstance;
@@ -37,8 +38,13 @@ void WriteIdentityJson(const std::vector<TIdentityFact>& facts, const TContainer
 void WriteDifferenceJson(const TDifference& difference, const TContainer& before, const TContainer& after,
                          TOutput& output);
 
-/// A JSON Schema of all of these documents. The instances of each class in the container have a definition of their
-/// own.
+/// What kyr check found.
+void WriteCheckJson(const TFindings& findings, TOutput& output);
+/// The same in the format for the results of checks that other programs read, SARIF 2.1.0.
+void WriteSarif(const TFindings& findings, TOutput& output);
+
+/// A JSON Schema of all of these documents but SARIF. The instances of each class in the container have a definition of
+/// their own.
 void WriteJsonSchema(const TContainer& container, TOutput& output);
 
 #endif

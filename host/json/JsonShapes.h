@@ -31,8 +31,8 @@ struct TJsonDocument {
     const char* version;
 };
 
-constexpr TJsonDocument kJsonDocuments[] = {
-    {"collection", "3"}, {"associations", "1"}, {"schema", "1"}, {"identity", "2"}, {"difference", "1"}};
+constexpr TJsonDocument kJsonDocuments[] = {{"collection", "3"}, {"associations", "1"}, {"schema", "1"},
+                                            {"identity", "2"},   {"difference", "1"},   {"check", "1"}};
 
 /// The values of the CIM types. Each may be null.
 extern const std::vector<TJsonDefinition> kJsonTypes;
