@@ -393,8 +393,7 @@ private:
         const size_t stop = std::min(fText.find_first_of(" \t\r\n>/", start), fText.size());
         AddAttribute(name, fText.substr(start + 1, stop - start - 1));
         fAt = stop;
-        SkipToEndOfTag();
-        return false;
+        return true;
     }
 
     void AddAttribute(std::string_view name, std::string_view value) {
