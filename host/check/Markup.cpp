@@ -106,13 +106,9 @@ private:
     // Before the root element
 
     void ReadProlog() {
-        constexpr std::string_view kMark = "\xEF\xBB\xBF";
+        if (!StartsAsText()) return Stop();
         CheckBytes();
-        if (IsAt(kMark)) {
-            Add("D06", 0, "the document begins with a byte order mark", "save it as UTF-8 without a mark");
-            fAt = kMark.size();
-        }
-        if (fAt < fText.size() && fText[fAt] != '<') RefuseText();
+        SkipBlanks();
         if (IsAt("<?"))
             ReadDeclaration();
         else if (IsAt("<!--"))
@@ -123,8 +119,28 @@ private:
         if (fAt < fText.size() && fText[fAt] != '<') RefuseText();
     }
 
+    // Returns whether a document may follow.
+    bool StartsAsText() {
+        constexpr std::string_view kMark = "\xEF\xBB\xBF";
+        if (IsAt("\xFF\xFE") || IsAt("\xFE\xFF")) {
+            Add("D06", 0, "the document is UTF-16", "save it as UTF-8 without a mark");
+            return false;
+        }
+        if (IsAt(kMark)) {
+            Add("D06", 0, "the document begins with a byte order mark", "save it as UTF-8 without a mark");
+            fAt = kMark.size();
+        }
+        const size_t start = fText.find_first_not_of(" \t\r\n", fAt);
+        if (start == kNone || fText[start] != '<') {
+            RefuseText();
+            return false;
+        }
+        if (start != fAt) Add("D17", fAt, "blanks stand in front of the first tag", "begin the document with the tag");
+        return true;
+    }
+
     void RefuseText() {
-        Add("D17", fAt, "text stands in front of the root element", "begin the document with <?xml or with <CIM>");
+        Add("D17", fAt, "this is no document: it does not begin with a tag", "begin it with <?xml or with <CIM>");
         Stop();
     }
 
@@ -330,28 +346,33 @@ private:
         if (fAt >= fText.size() || fText[fAt] == '>' || fText[fAt] == '/') return false;
         const size_t start = fAt;
         const std::string_view name = IsNameStart(fText[fAt]) ? ReadName() : std::string_view();
-        if (name.empty() || start == before) return RefuseAttribute(start, name);
+        if (name.empty()) return RefuseAttribute(start, name);
+        if (start == before)
+            Add("D17", start, "there is no blank in front of the attribute " + Quoted(name), "put one there");
         SkipBlanks();
-        if (!IsAt("=")) return RefuseValue(start, name);
+        if (!IsAt("=")) return RefuseValue(name);
         ++fAt;
         SkipBlanks();
-        if (!IsAt("\"") && !IsAt("'")) return RefuseValue(start, name);
+        if (!IsAt("\"") && !IsAt("'")) return RefuseValue(name);
         return ReadValue(name);
     }
 
     bool RefuseAttribute(size_t at, std::string_view name) {
         const std::string what = name.empty() ? std::string(1, fText[at]) : std::string(name);
-        Add("D17", at, Quoted(what) + " is where an attribute should be, with a blank in front of it",
+        Add("D17", at, Quoted(what) + " is where an attribute should be",
             "mend the tag: NAME=\"value\" NAME=\"value\"");
         SkipToEndOfTag();
         return false;
     }
 
-    bool RefuseValue(size_t at, std::string_view name) {
-        Add("D17", at, "the attribute " + Quoted(name) + " has no value in quotes",
+    // Takes the word in its place.
+    bool RefuseValue(std::string_view name) {
+        const size_t end = std::min(fText.find_first_of(" \t\r\n<>/", fAt), fText.size());
+        Add("D17", fAt, "the attribute " + Quoted(name) + " has no value in quotes",
             "write " + std::string(name) + "=\"...\"");
-        SkipToEndOfTag();
-        return false;
+        AddAttribute(name, fText.substr(fAt, end - fAt));
+        fAt = end;
+        return !fMarkup.isCut;
     }
 
     bool ReadValue(std::string_view name) {
@@ -444,17 +465,22 @@ private:
         const std::string_view name = ReadName();
         const size_t count = CountOpenUntil(name);
         // The reader compares as many characters as the start tag's name has.
-        if (count != 1 && !StartsWith(name, fOpen.back()->name))
-            Add("D17", start,
-                "</" + CutText(VisibleText(name), kLongestShown) + "> ends <" + std::string(fOpen.back()->name) +
-                    "> of line " + std::to_string(fOpen.back()->line),
-                "close the inner element first");
+        if (count != 1 && !StartsWith(name, fOpen.back()->name)) RefuseEndTag(start, name, count);
         SkipBlanks();
         if (IsAt(">"))
             ++fAt;
         else
             SkipPastEndTag(start);
-        Close(count != 0 ? count : StartsWith(name, fOpen.back()->name) ? 1 : 0);
+        Close(std::max(count, size_t{1}));  // a misspelt one is meant for the innermost element
+    }
+
+    void RefuseEndTag(size_t at, std::string_view name, size_t count) {
+        const std::string open(fOpen.back()->name);
+        Add("D17", at,
+            count == 0 ? "</" + CutText(VisibleText(name), kLongestShown) + "> ends no element that is open here"
+                       : "<" + open + "> of line " + std::to_string(fOpen.back()->line) +
+                             " is not closed in front of </" + std::string(name) + ">",
+            "close it with </" + open + ">");
     }
 
     void SkipPastEndTag(size_t start) {

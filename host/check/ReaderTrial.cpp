@@ -7,6 +7,7 @@
 
 #include "base/CoreLog.h"
 #include "base/ExitStatus.h"
+#include "base/Text.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "saved/DocumentProbe.h"
@@ -49,7 +50,7 @@ void ReadOthers(const std::vector<std::string>& others, TContainer& container) {
 std::string LastErrorIn(TLogCapture& log, const std::string& otherwise) {
     std::string text = otherwise;
     for (const TLogLine& line : log.Take())
-        if (line.severity == kyrLogError) text = line.text;
+        if (line.severity == kyrLogError && !StartsWith(line.text, "Previous error")) text = line.text;
     return text;
 }
 

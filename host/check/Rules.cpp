@@ -86,6 +86,10 @@ const std::vector<TRule>& AllRules() {
          "then the properties. The reader refuses the document at any other. Values of NULL have no element: leave "
          "them "
          "out."},
+        {"D19", eError, "Text where none is read",
+         "The reader takes the text of VALUE, KEYVALUE and HOST. It passes over any other without a word, so that a "
+         "value "
+         "without VALUE around it is lost. Put it into a VALUE."},
         {"S01", eError, "Class is declared twice",
          "Of two declarations of a class the one that is read first stands, and the other is dropped without an error. "
          "If "
@@ -151,10 +155,14 @@ const std::vector<TRule>& AllRules() {
          "A class, property or qualifier has no NAME, or one that is no name of CIM: letters, digits and underscores, "
          "no "
          "digit first. Nothing can refer to it. Give it a name."},
-        {"S28", eError, "Instance of something that is not declared",
-         "An instance in the document names a class or a property that is not declared, or gives a property another "
-         "type "
-         "than its declaration. The reader ends there. Mend the name or the type."},
+        {"S28", eError, "Instance that does not fit its class",
+         "An instance in the document names a class or a property that is not declared, gives a property another type "
+         "than its declaration, or gives a key no value. The reader ends there. Mend the name or the type, or add the "
+         "key."},
+        {"S29", eWarning, "Two instances of one key",
+         "Two instances of a class in the document have the same values in all keys. Both are kept, and whoever looks "
+         "for "
+         "one of them finds the first. Give them keys of their own."},
         {"V01", eError, "Values and ValueMap differ in length",
          "Each entry of ValueMap has its word at the same place in Values. If they differ in length, no word is shown "
          "at "

@@ -22,6 +22,8 @@ const std::map<std::string, const char*> kTypesElsewhere = {
     {"time", "datetime"},   {"timestamp", "datetime"}, {"char16", "string"}};
 
 std::string RemedyForType(const std::string& type) {
+    if (EndsWith(type, "[]")) return "declare it as PROPERTY.ARRAY with the type " + type.substr(0, type.size() - 2);
+    if (StartsWith(LowerName(type), "ref")) return "declare it as PROPERTY.REFERENCE with a REFERENCECLASS";
     const auto elsewhere = kTypesElsewhere.find(LowerName(type));
     if (elsewhere != kTypesElsewhere.end() && elsewhere->second == std::string("sint32"))
         return "write uint32, or sint32 if it may be below 0";
@@ -73,7 +75,7 @@ private:
             const TQualifierDeclaration& declaration = document.qualifiers[fQualifiers];
             CheckName(*declaration.element, declaration.name);
             CheckType(*declaration.element, declaration.type);
-            CheckValuesIn(*declaration.element, declaration.type);
+            CheckValuesIn(*declaration.element, declaration.type, "the qualifier " + declaration.name);
             fKnown.Add(declaration);
         }
     }
@@ -93,13 +95,13 @@ private:
     }
 
     // The values right in the element, and those in its array.
-    void CheckValuesIn(const TElement& element, const std::string& type) {
+    void CheckValuesIn(const TElement& element, const std::string& type, const std::string& of) {
         for (const TElement* child : element.children) {
-            if (child->Is("VALUE.ARRAY")) CheckValuesIn(*child, type);
+            if (child->Is("VALUE.ARRAY")) CheckValuesIn(*child, type, of);
             if (!child->Is("VALUE") || IsFull("S24")) continue;
             const std::string fault = FaultOfValue(type, child->text);
             if (!fault.empty())
-                Add("S24", *child, "the value " + Shown(child->text) + " " + fault,
+                Add("S24", *child, "the value " + Shown(child->text) + " of " + of + " " + fault,
                     "write a value of the type " + type);
         }
     }
@@ -177,7 +179,7 @@ private:
         CheckName(*property.element, property.name);
         if (!property.isReference) CheckType(*property.element, property.type);
         CheckQualifiers(property);
-        CheckValuesIn(*property.element, property.type);
+        CheckValuesIn(*property.element, property.type, cls.name + "." + property.name);
         if (property.isPropagated) return;
         CheckDescription(property, "property " + cls.name + "." + property.name);
         CheckOverride(cls, ancestry, property);
@@ -255,7 +257,7 @@ private:
     void CheckQualifier(const TCarrier& carrier, const TElement& element) {
         const std::string name = element.Get("NAME"), type = element.Get("TYPE");
         CheckType(element, type);
-        CheckValuesIn(element, type);
+        CheckValuesIn(element, type, "the qualifier " + name + " of " + carrier.name);
         const TQualifierDeclaration* const declaration = fKnown.FindQualifier(name);
         if (declaration == nullptr && !IsFull("S08"))
             Add("S08", element, "the qualifier " + Shown(name) + " of '" + carrier.name + "' is not declared",
@@ -289,8 +291,56 @@ private:
             return;
         }
         const TAncestry ancestry = fKnown.Ancestry(*cls);
+        if (!fKnown.IsWhole(ancestry)) return;
         for (const TElement* child : instance.children)
-            if (IsProperty(*child) && fKnown.IsWhole(ancestry)) CheckValue(*child, ancestry);
+            if (IsProperty(*child)) CheckValue(*child, ancestry);
+        CheckKeyValues(instance, ancestry);
+    }
+
+    // An instance without all keys is refused, and of two with the same ones only the first is found.
+    void CheckKeyValues(const TElement& instance, const TAncestry& ancestry) {
+        std::string path = LowerName(ancestry.front()->name);
+        for (const auto& [key, property] : KeysOf(ancestry)) {
+            const TElement* const value = FindValue(instance, key);
+            if (value == nullptr) return RefuseKeyless(instance, ancestry.front()->name, property->name);
+            if (value->Is("VALUE.REFERENCE")) return;
+            path += '\n' + key + '=' + value->text;
+        }
+        const auto [first, isNew] = fPaths.emplace(path, instance.line);
+        if (!isNew)
+            Add("S29", instance,
+                "this instance of " + ancestry.front()->name + " has the keys of the one in line " +
+                    std::to_string(first->second),
+                "give it a key of its own");
+    }
+
+    void RefuseKeyless(const TElement& instance, const std::string& cls, const std::string& key) {
+        if (!IsFull("S28"))
+            Add("S28", instance, "an instance of " + cls + " has no value for the key '" + key + "'",
+                "add a PROPERTY with its value");
+    }
+
+    // By their names in lower case. A key may have its value by default.
+    static std::map<std::string, const TPropertyDeclaration*> KeysOf(const TAncestry& ancestry) {
+        std::map<std::string, const TPropertyDeclaration*> keys;
+        for (const TClassDeclaration* cls : ancestry)
+            for (const auto& [name, property] : cls->taken)
+                if (property->isKey && TKnownSchema::FindProperty(ancestry, name) == property &&
+                    FindIn(*property->element) == nullptr)
+                    keys.emplace(name, property);
+        return keys;
+    }
+
+    static const TElement* FindIn(const TElement& property) {
+        for (const TElement* child : property.children)
+            if (child->Is("VALUE") || child->Is("VALUE.REFERENCE")) return child;
+        return nullptr;
+    }
+
+    static const TElement* FindValue(const TElement& instance, const std::string& lowerName) {
+        for (const TElement* child : instance.children)
+            if (IsProperty(*child) && LowerName(child->Get("NAME")) == lowerName) return FindIn(*child);
+        return nullptr;
     }
 
     void CheckValue(const TElement& element, const TAncestry& ancestry) {
@@ -307,14 +357,15 @@ private:
                 "the value of " + cls + "." + name + " has the type '" + element.Get("TYPE") +
                     "', and is declared as " + declaration->type,
                 "write TYPE=\"" + declaration->type + "\"");
-        CheckValuesIn(element, declaration->type);
+        CheckValuesIn(element, declaration->type, cls + "." + name);
     }
 
     const TMarkup& fMarkup;
     TKnownSchema& fKnown;
     TFindings& fFindings;
     std::map<std::string, const TClassDeclaration*> fOwn;
-    size_t fQualifiers = 0;  // that many of the document's are known
+    std::map<std::string, size_t> fPaths;  // of instances, with their lines
+    size_t fQualifiers = 0;                // that many of the document's are known
 };
 
 }  // namespace
@@ -322,6 +373,8 @@ private:
 std::string NearestOr(const std::string& word, const std::vector<std::string>& words, const std::string& otherwise) {
     constexpr size_t kLongest = 100;
     if (word.empty() || word.size() > kLongest) return otherwise;
+    for (const std::string& same : words)
+        if (LowerName(same) == LowerName(word)) return "write '" + same + "'";
     const std::vector<std::string> near = FindNearMatches(word, words);
     return near.empty() ? otherwise : "did you mean '" + Join(near, "' or '") + "'?";
 }

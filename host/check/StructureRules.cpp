@@ -72,6 +72,7 @@ public:
                 "the document has more than " + std::to_string(TMarkup::kMostParts) + " elements and attributes",
                 "split it; only its beginning was checked");
         const TElement* const root = fMarkup.Root();
+        if (root == nullptr && fFindings.HasErrorIn(fMarkup.file)) return;
         if (root != nullptr && !root->Is("CIM"))
             return Add("D17", *root, "the root element is " + Quoted(*root) + ", not CIM",
                        "put all into <CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">");
@@ -102,6 +103,18 @@ private:
         if (element.Is("DECLGROUP")) CheckGroup(element);
         if (element.Is("QUALIFIER.DECLARATION")) CheckDeclaration(element);
         if (element.Is("VALUE.OBJECT")) CheckObject(element);
+        CheckText(element);
+    }
+
+    void CheckText(const TElement& element) {
+        constexpr const char* kBlanks = " \t\r\n";
+        const std::string name = UpperName(element.name);
+        if (name == "VALUE" || name == "KEYVALUE" || name == "HOST" || TakenBy().count(name) == 0) return;
+        const size_t start = element.text.find_first_not_of(kBlanks);
+        if (start == std::string::npos) return;
+        const std::string text = element.text.substr(start, element.text.find_last_not_of(kBlanks) + 1 - start);
+        Add("D19", element, "the text '" + CutText(VisibleText(text), 60) + "' in " + Quoted(element) + " is not read",
+            "put values into VALUE, and the rest into comments");
     }
 
     void CheckPlace(const TElement& element, const TElement& parent) {

@@ -29,7 +29,7 @@ bool IsCollection(const std::string& path) {
         isFound = rest.find(mark) != std::string::npos;
         rest.erase(0, rest.size() - std::min(rest.size(), mark.size()));
     });
-    if (!isRead) RaiseUnreadable(path, "cannot be read");
+    if (!isRead) RaiseUnreadable(path, "cannot be read to its end: it is damaged, or not what its name says");
     return isFound;
 }
 
