@@ -107,13 +107,15 @@ size_t CountDeclarations(const TDocumentSchema& document) {
 
 // Returns whether the document is small enough for the rest of the rules.
 bool CheckSize(const std::string& path, const std::string& text, const TDocumentSchema& document, TFindings& findings) {
-    const size_t classes = document.classes.size();
-    if (text.size() > kMostBytesRead || classes > kMostClasses)
+    const size_t classes = document.classes.size(), declarations = CountDeclarations(document);
+    const bool isCheckable = text.size() <= kMostBytes && classes * declarations <= kMostProducts;
+    if (text.size() > kMostBytesRead || classes > kMostClasses || !isCheckable)
         findings.Add("D16", {path},
-                     "the document has " + std::to_string(text.size() >> 20) + " MiB and " + std::to_string(classes) +
-                         " classes",
+                     "the document has " + std::to_string(text.size() >> 20) + " MiB, " + std::to_string(classes) +
+                         " classes and " + std::to_string(declarations - classes) + " properties" +
+                         (isCheckable ? "" : ": too much to check the schema"),
                      "split it: kyr reads 8 MiB and 5000 classes at most");
-    return classes * CountDeclarations(document) <= kMostProducts;
+    return isCheckable;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 #include <tuple>
 #include <utility>
 
+#include "base/Text.h"
+
 namespace {
 
 bool IsBefore(const TFinding& a, const TFinding& b) {
@@ -22,8 +24,11 @@ const TRule& GetRule(const std::string& id) {
 }  // namespace
 
 void TFindings::Add(const char* rule, TPlace place, const std::string& text, const std::string& remedy) {
-    if (++fCounts[{place.file, rule}] <= kMostOfARule)
-        fFindings.push_back({&GetRule(rule), std::move(place), text, remedy});
+    constexpr size_t kLongest = 1000;
+    if (++fCounts[{place.file, rule}] > kMostOfARule) return;
+    place.cls = CutText(place.cls, kLongest);
+    place.property = CutText(place.property, kLongest);
+    fFindings.push_back({&GetRule(rule), std::move(place), CutText(text, kLongest), CutText(remedy, kLongest)});
 }
 
 bool TFindings::IsFull(const char* rule, const std::string& file) const {

@@ -65,9 +65,16 @@ public:
 private:
     // Adds a finding about the place in the text, and the elements that are open there.
     void Add(const char* rule, size_t at, const std::string& text, const std::string& remedy) {
+        if (++fMistakes > kMostMistakes) return Cut();
         TPlace place = fOpen.empty() ? TPlace{fMarkup.file} : fMarkup.PlaceOf(*fOpen.back());
         place.line = LineAt(at);
         fFindings.Add(rule, place, text, remedy);
+    }
+
+    // Gives up on the rest.
+    void Cut() {
+        fMarkup.isCut = true;
+        Stop();
     }
 
     // Counts from where it was asked last, which is near.
@@ -313,10 +320,7 @@ private:
         const size_t start = fAt++;
         const std::string_view name = fAt < fText.size() && IsNameStart(fText[fAt]) ? ReadName() : std::string_view();
         if (name.empty()) return RefuseTag(start);
-        if (++fParts > TMarkup::kMostParts) {
-            fMarkup.isCut = true;
-            return Stop();
-        }
+        if (++fParts > TMarkup::kMostParts) return Cut();
         Open(name, start);
         while (ReadAttribute()) {
         }
@@ -391,7 +395,7 @@ private:
                 "the reader takes neither & nor < in a value of an attribute: use other words");
         AddAttribute(name, value);
         fAt = end + 1;
-        return fParts <= TMarkup::kMostParts;
+        return !fMarkup.isCut;
     }
 
     // A value runs on to the next quote, so one that is not closed reaches into the next tag or the next attribute.
@@ -425,10 +429,7 @@ private:
                 "the attribute " + Quoted(name) + " stands twice: names in upper and lower case are the same",
                 "remove one of them");
         attributes.push_back({name, value});
-        if (++fParts > TMarkup::kMostParts) {
-            fMarkup.isCut = true;
-            Stop();
-        }
+        if (++fParts > TMarkup::kMostParts) Cut();
     }
 
     void SkipToEndOfTag() {
@@ -527,6 +528,7 @@ private:
     }
 
     static constexpr size_t kMostCompared = 50;
+    static constexpr size_t kMostMistakes = 10000;
 
     TMarkup& fMarkup;
     std::string_view fText;
@@ -535,6 +537,7 @@ private:
     size_t fLine = 1;
     size_t fLineAt = 0;  // where fLine is the line
     size_t fParts = 0;
+    size_t fMistakes = 0;
     bool fIsEndless = false;
     std::vector<TElement*> fOpen;
     size_t fWaiting = 0;  // that many of the comments, the last ones, wait for their element

@@ -45,7 +45,7 @@ struct TMarkup {
     std::string file;
     std::deque<TElement> elements = {};  ///< in the order of their start tags
     std::vector<TAllowingComment> comments = {};
-    bool isCut = false;  ///< there are more than kMostParts elements and attributes, the rest of which was not read
+    bool isCut = false;  ///< the rest was not read: there is too much of it, or too many mistakes
 
     static constexpr size_t kMostParts = 1'000'000;
 

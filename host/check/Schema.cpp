@@ -65,11 +65,10 @@ TClassDeclaration ReadClass(const TElement& element, const std::string& file) {
     declaration.qualifiers = ReadQualifiers(element);
     declaration.file = file;
     declaration.superclass = element.Get("SUPERCLASS");
-    for (const TElement* child : element.children) {
-        if (!IsProperty(*child)) continue;
-        const TPropertyDeclaration& property = declaration.properties.emplace_back(ReadProperty(*child));
+    for (const TElement* child : element.children)
+        if (IsProperty(*child)) declaration.properties.push_back(ReadProperty(*child));
+    for (const TPropertyDeclaration& property : declaration.properties)
         if (!property.isPropagated) declaration.taken.emplace(LowerName(property.name), &property);
-    }
     return declaration;
 }
 

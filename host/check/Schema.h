@@ -60,7 +60,7 @@ struct TPropertyDeclaration : TCarrier {
 struct TClassDeclaration : TCarrier {
     std::string file;
     std::string superclass;  ///< empty: none
-    std::deque<TPropertyDeclaration> properties = {};
+    std::vector<TPropertyDeclaration> properties = {};
     /// Those of them that the core takes, by their names in lower case: the first of each name, and none that is
     /// propagated.
     std::unordered_map<std::string, const TPropertyDeclaration*> taken = {};

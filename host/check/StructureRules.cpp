@@ -67,10 +67,9 @@ public:
 
     void Check() {
         if (fMarkup.isCut)
-            fFindings.Add(
-                "D16", {fMarkup.file},
-                "the document has more than " + std::to_string(TMarkup::kMostParts) + " elements and attributes",
-                "split it; only its beginning was checked");
+            fFindings.Add("D16", {fMarkup.file},
+                          "there is too much in the document, or too much wrong: its end was not checked",
+                          "mend what is told first, and split the document if it is that large");
         const TElement* const root = fMarkup.Root();
         if (root == nullptr && fFindings.HasErrorIn(fMarkup.file)) return;
         if (root != nullptr && !root->Is("CIM"))
