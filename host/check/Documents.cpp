@@ -118,6 +118,13 @@ bool CheckSize(const std::string& path, const std::string& text, const TDocument
     return isCheckable;
 }
 
+// The line that the reader names; 0 if none.
+size_t LineIn(const std::string& refusal) {
+    constexpr std::string_view kWords = "on line ";
+    const size_t words = refusal.find(kWords);
+    return words == std::string::npos ? 0 : std::strtoul(refusal.c_str() + words + kWords.size(), nullptr, 10);
+}
+
 }  // namespace
 
 void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings) {
@@ -137,7 +144,8 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
     CheckSchema(markup, document, known, findings);
     CheckValues(markup, document, known, findings);
     if (findings.HasErrorIn(path)) return;
-    const std::string refusal =
-        TryReader(neighbours ? neighbours->Paths() : std::vector<std::string>(), path, document.classes.size());
-    if (!refusal.empty()) findings.Add("D17", {path}, "the reader refuses it: " + refusal, "mend what it names");
+    const std::vector<std::string> others = neighbours ? neighbours->Paths() : std::vector<std::string>();
+    const std::string refusal = TryReader(others, path, document.classes.size());
+    if (!refusal.empty())
+        findings.Add("D17", {path, LineIn(refusal)}, "the reader refuses it: " + refusal, "mend what it names");
 }

@@ -128,6 +128,10 @@ const std::vector<TRule>& AllRules() {
          "The type of a qualifier is that of its use, whatever its declaration says. What reads it expects the "
          "declared "
          "type: it passes the qualifier over, or fails on it. Use the declared type."},
+        {"S11", eError, "Fixed qualifier is changed",
+         "A class inherits a qualifier that is declared with OVERRIDABLE false, such as Association, and gives it "
+         "another "
+         "value. The reader ends there. Remove the qualifier, or choose another superclass."},
         {"S12", eError, "Association with fewer than two references",
          "An association ties instances by at least two properties of reference type, its own or inherited ones. With "
          "fewer it ties nothing. Declare both ends with PROPERTY.REFERENCE."},

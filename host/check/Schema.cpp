@@ -26,9 +26,11 @@ TQualifierUse ReadQualifier(const TElement& element) {
 
 // A qualifier that is PROPAGATED adds nothing.
 std::vector<TQualifierUse> ReadQualifiers(const TElement& element) {
+    constexpr size_t kMost = 200;
     std::vector<TQualifierUse> uses;
     for (const TElement* child : element.children)
-        if (child->Is("QUALIFIER") && child->Get("PROPAGATED") != "true") uses.push_back(ReadQualifier(*child));
+        if (uses.size() < kMost && child->Is("QUALIFIER") && child->Get("PROPAGATED") != "true")
+            uses.push_back(ReadQualifier(*child));
     return uses;
 }
 
@@ -38,8 +40,12 @@ bool HasArray(const TElement& element) {
 }
 
 TQualifierDeclaration ReadQualifierDeclaration(const TElement& element) {
-    return {&element, element.Get("NAME"), element.Get("TYPE"), element.Get("ISARRAY") == "true" || HasArray(element),
-            element.Get("TOSUBCLASS") != "false"};
+    return {&element,
+            element.Get("NAME"),
+            element.Get("TYPE"),
+            element.Get("ISARRAY") == "true" || HasArray(element),
+            element.Get("TOSUBCLASS") != "false",
+            element.Get("OVERRIDABLE") != "false"};
 }
 
 TPropertyDeclaration ReadProperty(const TElement& element) {

@@ -28,7 +28,8 @@ struct TQualifierDeclaration {
     std::string name;
     std::string type;
     bool isArray;
-    bool isInherited;  ///< by subclasses
+    bool isInherited;    ///< by subclasses
+    bool isOverridable;  ///< by them
 };
 
 /// Classes and properties have qualifiers.

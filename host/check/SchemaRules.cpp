@@ -113,6 +113,7 @@ private:
         CheckDeclaredOnce(cls);
         CheckSuperclass(cls);
         CheckQualifiers(cls);
+        for (const TQualifierUse& use : cls.qualifiers) CheckFixed(cls, use);
         CheckDescription(cls, "class " + cls.name);
         const TAncestry ancestry = fKnown.Ancestry(cls);
         for (const TPropertyDeclaration& property : cls.properties) CheckProperty(cls, ancestry, property);
@@ -279,6 +280,23 @@ private:
                 declaration.isArray && !hasArray ? "put the values into VALUE.ARRAY" : "use the declared type");
     }
 
+    // An inherited qualifier that is not overridable keeps its value.
+    void CheckFixed(const TClassDeclaration& cls, const TQualifierUse& use) {
+        const TQualifierDeclaration* const declaration = fKnown.FindQualifier(use.name);
+        if (declaration == nullptr || declaration->isOverridable || !declaration->isInherited) return;
+        const TAncestry ancestry = fKnown.Ancestry(cls);
+        for (size_t i = 1; i < ancestry.size() && fLookUpsLeft > 0; ++i, --fLookUpsLeft) {
+            const TQualifierUse* const inherited = ancestry[i]->Find(use.name);
+            if (inherited == nullptr) continue;
+            if (inherited->values != use.values && !IsFull("S11"))
+                Add("S11", *use.element,
+                    "the qualifier " + use.name + " of " + cls.name + " has another value than in " +
+                        ancestry[i]->name + ", which fixes it",
+                    "remove it, or use another superclass");
+            return;
+        }
+    }
+
     // Instances
 
     void CheckInstance(const TElement& instance) {
@@ -365,6 +383,7 @@ private:
     TFindings& fFindings;
     std::map<std::string, const TClassDeclaration*> fOwn;
     std::map<std::string, size_t> fPaths;  // of instances, with their lines
+    size_t fLookUpsLeft = 200'000;         // of fixed qualifiers: a document may be made to need too many
     size_t fQualifiers = 0;                // that many of the document's are known
 };
 

@@ -59,6 +59,7 @@ TEST_F(JsonTest, EveryDocumentObeysTheGeneratedSchema) {
     const TRunResult difference =
         Run("diff --json --all --references " SAVED "/without-reason-codes.xml.gz " + saved, "");
     files += " " + fFiles.Write("difference.json", difference.out);
+    files += " " + fFiles.Write("check.json", RunKyr("check --json " SOURCES "/tests/host/plugins/unclosed.xml").out);
     const TRunResult validation = Validate(files);
     EXPECT_EQ(validation.status, 0);
     EXPECT_EQ(validation.out + validation.err, "");
