@@ -1,5 +1,5 @@
-// What kyr check reads of a document and finds in it. The input is a document. Whatever it is, checking it ends, findings
-// lie in the document, and what the core's reader takes has none of the mistakes that the reader would refuse.
+// What kyr check reads of a document and finds in it. The input is a document. Whatever it is, checking it ends,
+// findings lie in the document, and what the core's reader takes has none of the mistakes that the reader would refuse.
 #include <algorithm>
 #include <cstdint>
 #include <string>
