@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cwrappers/RefusedCall.h"
 #include "cwrappers/TCPluginCallbacks.h"
 #include "cwrappers/TraceText.h"
 #include "cwrappers/kyriIOHandle.h"
@@ -75,12 +76,26 @@ kyrStatusCode Append(kyrCIMValueArray array, const TValue& value) {
     return kyrStatusOK;
 }
 
+void AddKeyOrNote(TCIMReference& reference, const char* key, const TCIMValue& value) {
+    try {
+        reference.AddKeyValue(key, value);
+    } catch (const TKYRException& e) {
+        NoteRefusedKey(e.fCode, reference, key, value);
+        throw;
+    }
+}
+
 template <typename TValue>
 kyrStatusCode AddKey(kyrCIMReference reference, const char* key, const TValue& value) {
     return Silently([&] {
         const TCIMValue keyValue(value);
-        reference->AddKeyValue(key, keyValue);
+        AddKeyOrNote(*reference, key, keyValue);
     });
+}
+
+/// Notes what was given to a call that logs nothing itself, if it failed.
+kyrStatusCode Note(kyrStatusCode status, const char* call, const char* className, const char* given) {
+    return status == kyrStatusOK ? status : NoteRefusal(status, call, className, nullptr, given);
 }
 
 bool IsTraced() { return TRootObject::GetCoreLogger()->GetLogThreshold() >= kyrLogVerbose; }
@@ -110,7 +125,12 @@ bool HavePartsText(const TCIMValue& value) {
 /// Compatibility: a value without a text raises even if nothing is logged; see docs/oddities.md.
 void TraceValue(const kyriIOHandle& handle, const char* name, const TCIMValue& value) {
     if (!IsTraced() && AlwaysHasText(value)) return;
-    Trace(handle, {"kyrAdd<>Property(", name, ", value=", value.ToString(10), ")"});
+    try {
+        Trace(handle, {"kyrAdd<>Property(", name, ", value=", value.ToString(10), ")"});
+    } catch (const TKYRException& e) {
+        NoteRefusedValue(e.fCode, &handle, name, value);
+        throw;
+    }
 }
 
 /// Common part of all calls that add a property from a value; set(instance, name) stores it.
@@ -120,12 +140,17 @@ kyrStatusCode AddValue(kyrIOHandle handle, const char* name, const TCIMValue* va
     if (!name) return Refuse(handle->fPlugin, "kyrAddCIMValueProperty: NULL name parameter");
     TraceValue(*handle, name, *value);
     TCIMInstance* instance = handle->fCurrentInstance;
-    if (!instance) return Fail(kyrStatusInvalidClass, "kyrAddProperty: no current instance");
+    if (!instance) {
+        LogCoreError("kyrAddProperty: no current instance");
+        NoteRefusedValue(kyrStatusInvalidClass, handle, name, *value);
+        return kyrStatusInvalidClass;
+    }
     try {
         set(*instance, name);
     } catch (const TKYRException& e) {
-        return Fail(e.fCode,
-                    "AddProperty: CIM class " + instance->GetClass()->GetName() + " threw exception " + e.what());
+        LogCoreError("AddProperty: CIM class " + instance->GetClass()->GetName() + " threw exception " + e.what());
+        NoteRefusedValue(e.fCode, handle, name, *value);
+        return e.fCode;
     }
     return kyrStatusOK;
 }
@@ -144,11 +169,34 @@ void ParseAndSet(const kyriIOHandle& handle, const std::string& name, std::strin
     TCIMInstanceImpl::Of(instance).TakePropertyValue(name, value);
 }
 
+/// The reference as a value. Notes a failure and lets it through.
+TCIMValue ValueOf(const kyriIOHandle* handle, const char* name, const TCIMReference& reference) {
+    try {
+        return TCIMValue(reference);
+    } catch (const TKYRException& e) {
+        NoteRefusedText(e.fCode, "kyrAddReferenceProperty", handle, name, "reference to no class");
+        throw;
+    }
+}
+
+/// The array as a value of the declared type. Notes a failure and lets it through.
+TCIMValue ArrayFor(const kyriIOHandle& handle, const char* name, const std::vector<TCIMValue>& elements) {
+    TCIMValue::TCIMType type = TCIMValue::TCIMType::eCIMNone;
+    try {
+        type = handle.fCurrentInstance->GetClass()->GetPropertyDecl(name)->GetType();
+        return TCIMValue(type, 0, elements);
+    } catch (const TKYRException& e) {
+        NoteRefusedElements(e.fCode, handle, name, type, elements);
+        throw;
+    }
+}
+
 kyrStatusCode FindClass(const TContainer& container, const char* name, TCIMClass*& cls) {
     try {
         cls = container.GetClass(name);
     } catch (const TKYRException& e) {
-        return Fail(e.fCode, std::string("kyrAddClass: GetClass(") + name + ") threw exception " + e.what());
+        LogCoreError(std::string("kyrAddClass: GetClass(") + name + ") threw exception " + e.what());
+        return NoteRefusal(e.fCode, "kyrAddClass", name, nullptr, nullptr);
     }
     return kyrStatusOK;
 }
@@ -157,8 +205,8 @@ kyrStatusCode OpenInstance(kyriIOHandle& handle, TCIMClass& cls) {
     try {
         handle.fCurrentInstance = handle.fContainer->AllocateInstance(&cls);
     } catch (const TKYRException& e) {
-        return Fail(e.fCode,
-                    "kyrAddClass: Allocate instance (CIM class " + cls.GetName() + ") threw exception " + e.what());
+        LogCoreError("kyrAddClass: Allocate instance (CIM class " + cls.GetName() + ") threw exception " + e.what());
+        return NoteRefusal(e.fCode, "kyrAddClass", cls.GetName().c_str(), nullptr, nullptr);
     } catch (const std::bad_alloc&) {
         // Compatibility: names the class of the previous instance; see docs/oddities.md.
         const TCIMInstance* previous = handle.fCurrentInstance;
@@ -171,11 +219,11 @@ kyrStatusCode OpenInstance(kyriIOHandle& handle, TCIMClass& cls) {
 using TSystemFact = std::string (*)(TContainer*);
 
 /// Asks once and caches the answer. Plugins keep the pointer, so that the text is never freed or changed.
-kyrStatusCode GetSystemFact(char*& cache, TSystemFact ask, const char** name) {
+kyrStatusCode GetSystemFact(const char* call, char*& cache, TSystemFact ask, const char** name) {
     if (!cache) {
         std::string text;
         const kyrStatusCode status = Silently([&] { text = ask(TRootObject::GetPluginManager()->GetSchema()); });
-        if (status != kyrStatusOK) return status;
+        if (status != kyrStatusOK) return NoteRefusal(status, call, nullptr, nullptr, nullptr);
         cache = static_cast<char*>(std::memcpy(new char[text.size() + 1], text.c_str(), text.size() + 1));
     }
     *name = cache;
@@ -215,12 +263,13 @@ void kyrWriteLog(kyrPluginHandle handle, kyrLogSeverity severity, const char* te
 
 kyrStatusCode kyrGetSystemName(const char** name) {
     if (!name) return Refuse(nullptr, "kyrGetSystemName: NULL name parameter");
-    return GetSystemFact(gSystemName, TCIMSchemaHelper::GetSystemName, name);
+    return GetSystemFact("kyrGetSystemName", gSystemName, TCIMSchemaHelper::GetSystemName, name);
 }
 
 kyrStatusCode kyrGetSystemCreationClassName(const char** name) {
     if (!name) return Refuse(nullptr, "kyrGetSystemCreationClassName: NULL name parameter");
-    return GetSystemFact(gSystemCreationClassName, TCIMSchemaHelper::GetSystemCreationClassName, name);
+    return GetSystemFact("kyrGetSystemCreationClassName", gSystemCreationClassName,
+                         TCIMSchemaHelper::GetSystemCreationClassName, name);
 }
 
 // ---- Building instances -------------------------------------------------------------------------------------------
@@ -238,16 +287,21 @@ kyrStatusCode kyrAddClass(kyrIOHandle handle, const char* name) {
 
 kyrStatusCode kyrAddProperty(kyrIOHandle handle, const char* name, const char* value) {
     if (!handle) return Refuse(nullptr, "kyrAddProperty: NULL kyrIOHandle parameter");
-    if (!name || !value) return Refuse(handle->fPlugin, "kyrAddProperty: NULL name and/or value parameter");
+    if (!name || !value)
+        return NoteRefusedText(Refuse(handle->fPlugin, "kyrAddProperty: NULL name and/or value parameter"),
+                               "kyrAddProperty", handle, name, nullptr);
     Trace(*handle, {"kyrAddProperty(", name, ", value=", value, ")"});
-    if (!handle->fCurrentInstance) return Fail(kyrStatusInvalidClass, "kyrAddProperty: no current instance");
+    if (!handle->fCurrentInstance)
+        return NoteRefusedText(Fail(kyrStatusInvalidClass, "kyrAddProperty: no current instance"), "kyrAddProperty",
+                               handle, name, value);
     try {
         ParseAndSet(*handle, name, value);
     } catch (const TKYRException& e) {
         const std::string& cls = handle->fCurrentInstance->GetClass()->GetName();
         std::string text = "kyrAddProperty: CIM class " + cls + " threw exception " + e.what();
         if (e.fCode == kyrStatusNotFound) text.append(" name='").append(name).append("'");
-        return Fail(e.fCode, text);
+        LogCoreError(text);
+        return NoteRefusedText(e.fCode, "kyrAddProperty", handle, name, value);
     }
     return kyrStatusOK;
 }
@@ -295,26 +349,33 @@ kyrStatusCode kyrAddSint64Property(kyrIOHandle handle, const char* name, int64_t
 }
 
 kyrStatusCode kyrAddStringProperty(kyrIOHandle handle, const char* name, const char* value) {
-    if (!name || !value) return Refuse(nullptr, "kyrAddStringProperty: NULL value and/or name parameter");
+    if (!name || !value)
+        return NoteRefusedText(Refuse(nullptr, "kyrAddStringProperty: NULL value and/or name parameter"),
+                               "kyrAddStringProperty", handle, name, nullptr);
     return AddTemporary(handle, name, TCIMValue(value));
 }
 
 kyrStatusCode kyrAddReferenceProperty(kyrIOHandle handle, const char* name, kyrCIMReference reference) {
-    if (!name || !reference) return Refuse(nullptr, "kyrAddReferenceProperty: NULL name and/or pRef parameter");
-    return AddTemporary(handle, name, TCIMValue(*reference));
+    if (!name || !reference)
+        return NoteRefusedText(Refuse(nullptr, "kyrAddReferenceProperty: NULL name and/or pRef parameter"),
+                               "kyrAddReferenceProperty", handle, name, nullptr);
+    return AddTemporary(handle, name, ValueOf(handle, name, *reference));
 }
 
 kyrStatusCode kyrAddDateTimeProperty(kyrIOHandle handle, const char* name, kyrCIMDateTime datetime) {
-    if (!name || !datetime) return Refuse(nullptr, "kyrAddDateTimeProperty: NULL name and/or pDateTime parameter");
+    if (!name || !datetime)
+        return NoteRefusedText(Refuse(nullptr, "kyrAddDateTimeProperty: NULL name and/or pDateTime parameter"),
+                               "kyrAddDateTimeProperty", handle, name, nullptr);
     return AddTemporary(handle, name, TCIMValue(*datetime));
 }
 
 // Compatibility: handle and current instance are not checked, and exceptions of the look-up reach the plugin; see
 // docs/oddities.md.
 kyrStatusCode kyrAddArrayProperty(kyrIOHandle handle, const char* name, kyrCIMValueArray array) {
-    if (!name || !array) return Refuse(nullptr, "kyrAddArrayProperty: NULL name and/or pArray parameter");
-    const TCIMPropertyDecl* declaration = handle->fCurrentInstance->GetClass()->GetPropertyDecl(name);
-    return AddTemporary(handle, name, TCIMValue(declaration->GetType(), 0, *array));
+    if (!name || !array)
+        return NoteRefusedText(Refuse(nullptr, "kyrAddArrayProperty: NULL name and/or pArray parameter"),
+                               "kyrAddArrayProperty", handle, name, nullptr);
+    return AddTemporary(handle, name, ArrayFor(*handle, name, *array));
 }
 
 // ---- Value arrays -------------------------------------------------------------------------------------------------
@@ -406,12 +467,12 @@ kyrStatusCode kyrDeleteCIMReference(kyrCIMReference reference) {
 kyrStatusCode kyrSetReferenceClassName(kyrCIMReference reference, const char* className) {
     if (!reference || !className)
         return Refuse(nullptr, "kyrSetReferenceClassName: NULL ref and/or className parameter");
-    return Silently([=] { reference->SetClassName(className); });
+    return Note(Silently([=] { reference->SetClassName(className); }), "kyrSetReferenceClassName", className, nullptr);
 }
 
 kyrStatusCode kyrSetReferencePath(kyrCIMReference reference, const char* objectName) {
     if (!reference || !objectName) return Refuse(nullptr, "kyrSetReferencePath: NULL ref and/or objectName parameter");
-    return Silently([=] { reference->SetPath(objectName); });
+    return Note(Silently([=] { reference->SetPath(objectName); }), "kyrSetReferencePath", nullptr, objectName);
 }
 
 kyrStatusCode kyrReferenceAddBoolean(kyrCIMReference reference, const char* key, int32_t value) {
@@ -498,23 +559,25 @@ kyrStatusCode kyrGetLocalTime(kyrCIMDateTime datetime) {
 kyrStatusCode kyrSetDateTime(kyrCIMDateTime datetime, uint32_t year, uint32_t month, uint32_t day, uint32_t hour,
                              uint32_t minute, uint32_t second, uint32_t microseconds, int32_t utcOffset) {
     if (!datetime) return Refuse(nullptr, "kyrSetDateTime: NULL datetime parameter");
-    return Silently([=] {
+    const kyrStatusCode status = Silently([=] {
         datetime->Set(static_cast<unsigned short>(year), static_cast<unsigned short>(month), day,
                       static_cast<unsigned short>(hour), static_cast<unsigned short>(minute),
                       static_cast<unsigned short>(second), microseconds, static_cast<short>(utcOffset));
     });
+    return Note(status, "kyrSetDateTime", nullptr, nullptr);
 }
 
 kyrStatusCode kyrSetDateTimeInterval(kyrCIMDateTime datetime, uint32_t days, uint32_t hours, uint32_t minutes,
                                      uint32_t seconds, uint32_t microseconds) {
     if (!datetime) return Refuse(nullptr, "kyrSetDateTimeInterval: NULL datetime parameter");
-    return Silently([=] {
+    const kyrStatusCode status = Silently([=] {
         datetime->Set(days, static_cast<unsigned short>(hours), static_cast<unsigned short>(minutes),
                       static_cast<unsigned short>(seconds), microseconds);
     });
+    return Note(status, "kyrSetDateTimeInterval", nullptr, nullptr);
 }
 
 kyrStatusCode kyrSetDateTimeString(kyrCIMDateTime datetime, const char* str) {
     if (!datetime || !str) return Refuse(nullptr, "kyrSetDateTimeString: NULL datetime and/or str parameter");
-    return Silently([=] { datetime->Set(std::string(str)); });
+    return Note(Silently([=] { datetime->Set(std::string(str)); }), "kyrSetDateTimeString", nullptr, str);
 }

@@ -27,6 +27,8 @@ public:
     [[noreturn]] void SetPath(const std::string& path) const;
     bool HasClass() const { return fClass != nullptr; }
     TCIMClass* GetClass() const;
+    /// Null until it is set.
+    TCIMClass* FindClass() const { return fClass; }
     void SetClassName(const std::string& name);
     void SetClass(TCIMClass& cls);
     void AddKeyValue(const std::string& name, const TCIMValue& value);

@@ -2,6 +2,7 @@
 
 #include "cwrappers/kyriIOHandle.h"
 #include "kyr/TCIMDateTime.h"
+#include "kyr/TRefusedCall.h"
 #include "kyr/kyrPlugin.h"
 #include "model/TCIMInstanceImpl.h"
 #include "support/SchemaBuilder.h"
@@ -169,6 +170,35 @@ TEST_F(InstanceCallsTest, AllocationFailuresNameTheirClass) {
         fContainer.fOut = false;
     }
     EXPECT_EQ(StoredDisks().size(), 1u);
+}
+
+// What the log leaves out: the property of a value, the element of an array, the text of a date-time.
+TEST_F(InstanceCallsTest, RefusedCallsAreObservedWithWhatTheyWereGiven) {
+    TLines calls;
+    TRefusedCall::Observe([&](const TRefusedCall& call) {
+        EXPECT_NE(call.status, kyrStatusOK);
+        calls.push_back(call.call + "/" + call.className + "/" + call.name + "/" + call.given);
+    });
+    std::vector<TCIMValue> texts = {TCIMValue("a")};
+    TCIMDateTime never;
+    kyrAddUint32Property(&fHandle, "Size", 1);
+    Open("Disc");
+    Open();
+    kyrAddUint32Property(&fHandle, "Size", 1);
+    kyrAddProperty(&fHandle, "Date", "soon");
+    kyrAddStringProperty(&fHandle, "Name", nullptr);
+    EXPECT_THROW(kyrAddArrayProperty(&fHandle, "List", &texts), TKYRException);
+    EXPECT_THROW(kyrAddArrayProperty(&fHandle, "Lists", &texts), TKYRException);
+    EXPECT_THROW(kyrAddDateTimeProperty(&fHandle, "Date", &never), TKYRException);
+    kyrSetDateTimeString(&never, "soon");
+    kyrAddStringProperty(&fHandle, "Name", "a");  // is not refused
+    TRefusedCall::Observe(nullptr);
+    kyrAddUint32Property(&fHandle, "Size", 1);
+    EXPECT_EQ(calls, (TLines{"kyrAddUint32Property//Size/uint32", "kyrAddClass/Disc//",
+                             "kyrAddUint32Property/Disk/Size/uint32", "kyrAddProperty/Disk/Date/soon",
+                             "kyrAddStringProperty/Disk/Name/", "kyrArrayAddString/Disk/List/string",
+                             "kyrAddArrayProperty/Disk/Lists/", "kyrAddDateTimeProperty/Disk/Date/datetime",
+                             "kyrSetDateTimeString///soon"}));
 }
 
 TEST_F(InstanceCallsTest, EachFillingCallWritesATraceLine) {
