@@ -223,7 +223,7 @@ std::string TextOf(const TPluginReport& report) {
         text << plugin.name << '\n' << plugin.version << '\n' << plugin.type << plugin.initialised << '\n';
     text << report.loadFailure << '\n';
     for (const TDataCall& call : report.dataCalls) {
-        text << call.associations << call.finished << call.failure.text << call.failure.isAccessDenied << '\n';
+        text << call.associations << call.finished << call.failure.text << call.failure.status << '\n';
         for (const std::string& name : call.asked) text << name << '\n';
     }
     return text.str();

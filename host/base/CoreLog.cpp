@@ -11,6 +11,7 @@
 #include "base/Descriptor.h"
 #include "base/ExitStatus.h"
 #include "base/Output.h"
+#include "base/StatusWords.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TLogger.h"
 #include "kyr/TRootObject.h"
@@ -58,7 +59,7 @@ TCoreLog::TCoreLog(const TLogOptions& options) : fFile(options.file), fVerbose(o
     try {
         logger.SetLogFilename(fFile);
     } catch (const TKYRException& e) {
-        FailToWrite(fFile, e.what());
+        FailToWrite(fFile, WithStatusInWords(e.what()));
     }
 }
 

@@ -12,6 +12,7 @@
 #include "base/ExitStatus.h"
 #include "base/Locations.h"
 #include "base/Output.h"
+#include "base/StatusWords.h"
 #include "inventory/Grants.h"
 #include "inventory/Libraries.h"
 #include "isolation/InProcess.h"
@@ -84,11 +85,11 @@ void TSession::ReadBaseDocument(const std::string& path) {
         fContainer.PopulateContainerFromFile(path);
         PluginSchema().PopulateContainerFromFile(path);
     } catch (const TKYRException& e) {
-        failure = e.what();
+        failure = WithStatusInWords(e.what());
     }
     for (const TLogLine& line : capture.Take()) {
         fLog.Print(line);
-        if (line.severity == kyrLogError) PrintDiagnostic("base document: " + line.text);
+        if (line.severity == kyrLogError) PrintDiagnostic("base document: " + WithStatusInWords(line.text));
     }
     if (!failure.empty()) throw TCommandError(eExitNothing, "cannot read the base document '" + path + "': " + failure);
 }

@@ -5,6 +5,7 @@
 #include "isolation/Sandbox.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TQueryManager.h"
+#include "kyr/TRefusedCall.h"
 #include "model/ClassNames.h"
 #include "states/PluginLibrary.h"
 
@@ -21,6 +22,16 @@ public:
 };
 
 }  // namespace
+
+TInProcessRun::TInProcessRun(TPluginContainer& container, const TCoreLog& log) : fContainer(container), fLog(log) {
+    TRefusedCall::Observe([this](TRefusedCall call) {
+        ReadLog();
+        fContainer.AddPlaceTo(call);
+        if (fLibrary != nullptr) fLibrary->report.AddRefusedCall(call);
+    });
+}
+
+TInProcessRun::~TInProcessRun() { TRefusedCall::Observe(nullptr); }
 
 void TInProcessRun::Load(TPluginLibrary& library) {
     fLibrary = &library;

@@ -12,7 +12,10 @@ class TPluginContainer;
 /// Runs plugins in this process, one after another. A plugin that crashes or hangs takes the host with it.
 class TInProcessRun {
 public:
-    TInProcessRun(TPluginContainer& container, const TCoreLog& log) : fContainer(container), fLog(log) {}
+    TInProcessRun(TPluginContainer& container, const TCoreLog& log);
+    ~TInProcessRun();
+    TInProcessRun(const TInProcessRun&) = delete;
+    TInProcessRun& operator=(const TInProcessRun&) = delete;
 
     void Load(TPluginLibrary& library);
     /// Asks the plugins of the libraries that were loaded for the classes of those names, or for all if there is no

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "base/CoreLog.h"
+#include "base/StatusWords.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TKYRException.h"
 #include "model/ClassNames.h"
@@ -80,7 +81,7 @@ TInstanceMerger::EProgress TInstanceMerger::TakeRecords(std::string_view records
         TRecordReader reader(records.substr(fBytesTaken));
         ERecord kind{};
         TRecordReader record = reader.TakeRecord(kind);
-        if (kind > ERecord::eDataCallEnd) throw TRecordError();
+        if (kind > ERecord::eRefusedCall) throw TRecordError();
         if (kind == ERecord::eDataCall) {
             if (record.TakeNumber<uint8_t>() != 0 && fPass != EPass::eAssociations) return EProgress::eFinished;
             SkipFilledClasses(record);
@@ -119,7 +120,7 @@ void TInstanceMerger::Store(TRecordReader& record) {
     try {
         fInstances.Store(record, className);
     } catch (const TKYRException& e) {
-        NoteRefusal(className, e.what());
+        NoteRefusal(className, WithStatusInWords(e.what()));
     }
 }
 

@@ -20,6 +20,7 @@
 #include "kyr/IPluginManager.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TQueryManager.h"
+#include "kyr/TRefusedCall.h"
 #include "kyr/TRootObject.h"
 #include "states/PluginLibrary.h"
 
@@ -163,6 +164,15 @@ void InstallLogHandlers() {
     std::atexit(SaveLogAtExit);
 }
 
+// The text of a refused call has no NUL, so that none is put that the host would refuse.
+void ObserveRefusedCalls(const TPluginContainer& container) {
+    TRefusedCall::Observe([&container](TRefusedCall call) {
+        MoveLog();
+        container.AddPlaceTo(call);
+        PutRefusedCall(*gStream, call);
+    });
+}
+
 void StartLog(TRecordStream& stream, bool wholeLog) {
     gStream = &stream;
     gWholeLog = wholeLog;
@@ -202,6 +212,7 @@ void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRec
     CloseDescriptors(task.logFile);
     ReadPremises(library);
     StartLog(stream, task.wholeLog);
+    ObserveRefusedCalls(task.container);
     TPluginReport report;
     const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, report);
     PutPlugins(stream, report);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "base/CoreLog.h"
+#include "base/Text.h"
 #include "isolation/InstanceRecords.h"
 #include "isolation/RecordStream.h"
 #include "kyr/IPluginManager.h"
@@ -11,6 +12,7 @@
 #include "kyr/TCIMProperty.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
+#include "kyr/TRefusedCall.h"
 #include "kyr/TRootObject.h"
 #include "model/ClassNames.h"
 #include "states/MissingSources.h"
@@ -56,10 +58,15 @@ TCIMClass* TPluginContainer::AllocateClass(const std::string& name, TCIMClass* s
 TCIMInstance* TPluginContainer::AllocateInstance(TCIMClass* cls) const {
     const auto owner = fActive == nullptr ? fOwners.end() : fOwners.find(cls);
     if (owner != fOwners.end() && owner->second != fActive) throw TKYRException(kyrStatusAccessDenied);
+    fLastClass = cls;
     if (fStream == nullptr) return Note(TContainer::AllocateInstance(cls));
     fBeforeRecord();
     fStream->SetCurrentClass(cls->GetName());
     return new TPluginInstance(cls, *this);
+}
+
+void TPluginContainer::AddPlaceTo(TRefusedCall& call) const {
+    if (StartsWith(call.call, "kyrSetDateTime") && fLastClass != nullptr) call.className = fLastClass->GetName();
 }
 
 TCIMInstance* TPluginContainer::Note(TCIMInstance* instance) const {

@@ -12,6 +12,7 @@
 
 class TRecordStream;
 struct TPluginLibrary;
+struct TRefusedCall;
 
 /// A container into which several plugin libraries put instances, one after the other. While a library is active, it
 /// can make instances of its own classes and of those that belong to nobody. In a plugin's process each instance is
@@ -36,6 +37,10 @@ public:
     /// MOLTA_MissingSource. Null if none is known.
     const TPluginLibrary* FindMaker(const TCIMInstance& instance) const;
 
+    /// Names the class of which an instance was made last, where the refused call cannot know it: a date-time belongs
+    /// to no instance yet.
+    void AddPlaceTo(TRefusedCall& call) const;
+
     /// Raises kyrStatusAccessDenied if the class does not belong to the active library.
     TCIMInstance* AllocateInstance(TCIMClass* cls) const override;
 
@@ -47,6 +52,7 @@ private:
 
     std::map<const TCIMClass*, const TPluginLibrary*> fOwners;
     const TPluginLibrary* fActive = nullptr;
+    mutable const TCIMClass* fLastClass = nullptr;
     mutable std::vector<std::string> fDuplicates;
     mutable std::unordered_map<const TCIMInstance*, const TPluginLibrary*> fMakers;
     TRecordStream* fStream = nullptr;

@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "base/StatusWords.h"
 #include "kyr/IPluginManager.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
@@ -13,7 +14,7 @@ std::string Load(const std::string& path) {
     try {
         TRootObject::GetPluginManager()->LoadPlugin(path);
     } catch (const std::exception& e) {
-        return e.what();
+        return WithStatusInWords(e.what());
     } catch (...) {
         return "an exception of a kind unknown";
     }
@@ -35,7 +36,7 @@ void TProxyCallbacks::GetData(TContainer* container, std::vector<TCIMClass*>& cl
         query->GetData(container, classes);
     } catch (const std::exception& e) {
         const auto* const status = dynamic_cast<const TKYRException*>(&e);
-        fObserver.ended({e.what(), status != nullptr && status->fCode == kyrStatusAccessDenied});
+        fObserver.ended({WithStatusInWords(e.what()), status == nullptr ? kyrStatusOK : status->fCode});
         throw;
     } catch (...) {
         fObserver.ended({"an exception of a kind unknown"});

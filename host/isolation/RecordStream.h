@@ -20,7 +20,7 @@ enum class EPhase : uint32_t {
     eExiting
 };
 
-enum class ERecord : uint8_t { ePlugin, eLoadFailure, eLogLine, eDataCall, eInstance, eDataCallEnd };
+enum class ERecord : uint8_t { ePlugin, eLoadFailure, eLogLine, eDataCall, eInstance, eDataCallEnd, eRefusedCall };
 
 /// Memory that the host shares with a process that it forks. No process can change the size of it: a host that reads
 /// memory which was cut off would be ended by SIGBUS.

@@ -12,6 +12,9 @@ constexpr size_t kMostLines = 1'000'000;
 constexpr size_t kMostNames = 1'000'000;
 constexpr size_t kMostDataCalls = 2;
 
+constexpr std::string TRefusedCall::*kRefusedCallTexts[] = {&TRefusedCall::call, &TRefusedCall::className,
+                                                            &TRefusedCall::name, &TRefusedCall::given};
+
 template <typename TElement>
 void RequireRoom(const std::vector<TElement>& elements, size_t most) {
     if (elements.size() >= most) throw TRecordError();
@@ -54,7 +57,15 @@ void ReadDataCallEnd(TRecordReader& record, TPluginReport& report) {
     report.dataCalls.back().finished = true;
     TCallFailure& failure = report.dataCalls.back().failure;
     failure.text = TakeReportText(record);
-    failure.isAccessDenied = record.TakeNumber<uint8_t>() != 0;
+    failure.status = record.TakeNumber<int32_t>();
+}
+
+void ReadRefusedCall(TRecordReader& record, TPluginReport& report) {
+    RequireRoom(report.messages, kMostLines);
+    TRefusedCall call{};
+    call.status = static_cast<kyrStatusCode>(record.TakeNumber<int32_t>());
+    for (std::string TRefusedCall::*text : kRefusedCallTexts) call.*text = TakeReportText(record);
+    report.AddRefusedCall(call);
 }
 
 void ReadPlugin(TRecordReader& record, TPluginReport& report) {
@@ -82,6 +93,8 @@ void ReadRecord(ERecord kind, TRecordReader& record, TPluginReport& report) {
             return ReadDataCall(record, report);
         case ERecord::eDataCallEnd:
             return ReadDataCallEnd(record, report);
+        case ERecord::eRefusedCall:
+            return ReadRefusedCall(record, report);
         case ERecord::eInstance:
             return;
     }
@@ -115,7 +128,7 @@ void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes) 
 void PutDataCallEnd(TRecordStream& stream, const TCallFailure& failure) {
     stream.Begin(ERecord::eDataCallEnd);
     stream.PutText(failure.text);
-    stream.PutNumber(failure.isAccessDenied);
+    stream.PutNumber(failure.status);
     stream.Commit();
 }
 
@@ -124,6 +137,13 @@ void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry) {
     stream.PutNumber(entry.plugin == nullptr);
     stream.PutNumber(entry.severity);
     stream.PutText(entry.text);
+    stream.Commit();
+}
+
+void PutRefusedCall(TRecordStream& stream, const TRefusedCall& call) {
+    stream.Begin(ERecord::eRefusedCall);
+    stream.PutNumber(static_cast<int32_t>(call.status));
+    for (const std::string TRefusedCall::*text : kRefusedCallTexts) stream.PutText((call.*text).c_str());
     stream.Commit();
 }
 

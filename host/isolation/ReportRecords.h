@@ -11,6 +11,7 @@ class TCIMClass;
 class TRecordStream;
 struct TCallFailure;
 struct TPluginReport;
+struct TRefusedCall;
 
 // The records for all that a plugin's process reports but the instances: what was loaded, what was logged, and how its
 // data entry was called.
@@ -23,6 +24,9 @@ void PutDataCall(TRecordStream& stream, const std::vector<TCIMClass*>& classes);
 void PutDataCallEnd(TRecordStream& stream, const TCallFailure& failure);
 /// Allocates nothing, so that it can be called while the heap is locked or damaged.
 void PutLogLine(TRecordStream& stream, const ILogger::TLogEntry& entry);
+
+/// The core refused a call. To be put behind the lines that were logged about it.
+void PutRefusedCall(TRecordStream& stream, const TRefusedCall& call);
 
 /// Fills the report from the records, passing over instances. False if there is something else among them, or more than
 /// the limits for one plugin allow; the report has what came before that.

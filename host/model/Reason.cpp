@@ -52,6 +52,13 @@ constexpr TWording kWordings[] = {
     {EReason::eFileChanged, "the file is not as it was saved{: detail}"},
     {EReason::eSandboxMissing, "it was not loaded for want of a sandbox: {detail}"},
     {EReason::eNotGranted, "it needs {detail}, which is not granted (--grant {plugin}:{detail})"},
+    {EReason::eNoSuchProperty, "{class}.{property}: no such property{detail}"},
+    {EReason::eWrongType, "{class}.{property}: {detail}"},
+    {EReason::eBadValue, "{class}.{property}: {detail}"},
+    {EReason::eNoSuchClass, "{class}: no such class{detail}"},
+    {EReason::eForeignClass, "{class}: not a class of this plugin{detail}"},
+    {EReason::eNoSuchKey, "reference to {class}: no key {property}{detail}"},
+    {EReason::eCallRefused, "{detail}"},
 };
 
 struct TMember {

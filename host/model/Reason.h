@@ -58,6 +58,14 @@ enum class EReason : uint16_t {
     // The sandbox of a plugin's process
     eSandboxMissing = 70,
     eNotGranted = 71,
+    // A call of a plugin that was refused
+    eNoSuchProperty = 80,
+    eWrongType = 81,
+    eBadValue = 82,
+    eNoSuchClass = 83,
+    eForeignClass = 84,
+    eNoSuchKey = 85,
+    eCallRefused = 86,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/StatusWords.h"
 #include "base/Text.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -102,7 +103,7 @@ std::string PlainText(const TCIMValue& value) {
     try {
         return VisibleText(value.ToString(10));
     } catch (const TKYRException& e) {
-        return std::string("(") + e.what() + ")";
+        return WithStatusInWords(e.what());
     }
 }
 

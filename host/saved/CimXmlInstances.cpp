@@ -1,6 +1,7 @@
 #include "saved/CimXmlWriter.h"
 
 #include "base/ExitStatus.h"
+#include "base/StatusWords.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -84,7 +85,8 @@ private:
     [[noreturn]] void Refuse(const TCIMInstance& instance, const TColumn* column, const std::exception& reason) const {
         const std::string property = column == nullptr ? "" : "property '" + column->declaration->GetName() + "' of ";
         throw TCommandError(eExitOutput, "cannot save " + property + "the instance " + PathOf(instance) + ": " +
-                                             reason.what() + "; choose classes without it with --class");
+                                             WithStatusInWords(reason.what()) +
+                                             "; choose classes without it with --class");
     }
 
     std::string PathOf(const TCIMInstance& instance) const {

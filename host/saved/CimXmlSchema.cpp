@@ -1,6 +1,7 @@
 #include "saved/CimXmlWriter.h"
 
 #include "base/ExitStatus.h"
+#include "base/StatusWords.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMQualifier.h"
@@ -36,7 +37,7 @@ void Within(const std::string& part, TAction action) {
     } catch (const TUnsavable& e) {
         throw TUnsavable(part + ": " + e.what());
     } catch (const TKYRException& e) {
-        throw TUnsavable(part + ": " + e.what());
+        throw TUnsavable(part + ": " + WithStatusInWords(e.what()));
     }
 }
 

@@ -14,6 +14,7 @@
 #include "base/CoreLog.h"
 #include "base/ExitStatus.h"
 #include "base/OutputFile.h"
+#include "base/StatusWords.h"
 #include "base/Text.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
@@ -124,7 +125,7 @@ TReason FindChange(const TDocumentEnds& ends, const TContainer& container) {
 std::string ErrorsIn(const std::vector<TLogLine>& lines) {
     std::vector<std::string> errors;
     for (const TLogLine& line : lines)
-        if (line.severity == kyrLogError) errors.push_back(line.text);
+        if (line.severity == kyrLogError) errors.push_back(WithStatusInWords(line.text));
     if (!errors.empty()) errors.pop_back();
     return Join(errors, "; ");
 }
@@ -135,7 +136,7 @@ std::string Explain(const TKYRException& e, const std::string& errors) {
     if (e.fCode == kyrStatusInvalidSpecificationDocument)
         return "it holds more than " + std::to_string(TCimXmlWriter::kLargestDocument) +
                " bytes, or is a damaged compressed file; save fewer classes";
-    return e.what();
+    return WithStatusInWords(e.what());
 }
 
 }  // namespace

@@ -15,29 +15,32 @@ constexpr size_t kMostValuesNamed = 3;
 constexpr const char* kCoreLoadFailure = "ERROR: Failed to load plugin.  Reason: ";
 
 using TTexts = std::vector<std::string>;
+using TErrors = std::vector<const TMessage*>;
 
-// "the first (and 2 more)"
-std::string FirstAndCount(const TTexts& texts) {
-    if (texts.size() < 2) return texts.front();
-    return texts.front() + " (and " + std::to_string(texts.size() - 1) + " more)";
-}
+// " (and 2 more)", or nothing.
+std::string MoreText(size_t count) { return count < 2 ? "" : " (and " + std::to_string(count - 1) + " more)"; }
 
 std::string WithoutStart(const std::string& text, const std::string& start) {
     return StartsWith(text, start) ? text.substr(start.size()) : text;
 }
 
-// The errors about the class, without its name in front; with null those about none of the library's classes.
-TTexts ErrorsOf(const TPluginLibrary& library, const TCIMClass* cls) {
-    TTexts texts;
+// The errors about the class; with null those about none of the library's classes.
+TErrors ErrorsOf(const TPluginLibrary& library, const TCIMClass* cls) {
+    TErrors errors;
     for (const TMessage* message : MessagesOf(library, cls))
-        if (message->severity == kyrLogError)
-            texts.push_back(cls == nullptr ? message->text : WithoutStart(message->text, cls->GetName() + ": "));
-    return texts;
+        if (message->severity == kyrLogError) errors.push_back(message);
+    return errors;
 }
 
-TReason ErrorsLogged(const TTexts& errors, const TCIMClass* cls) {
-    TReason reason = ReasonFor(EReason::eErrorLogged, FirstAndCount(errors));
-    if (cls != nullptr) reason.className = cls->GetName();
+// The first one, without the name of the class in front.
+TReason ErrorsLogged(const TErrors& errors, const TCIMClass* cls) {
+    TReason reason = errors.front()->reason;
+    if (!reason) {
+        const std::string& text = errors.front()->text;
+        reason = ReasonFor(EReason::eErrorLogged, cls == nullptr ? text : WithoutStart(text, cls->GetName() + ": "));
+        if (cls != nullptr) reason.className = cls->GetName();
+    }
+    reason.detail += MoreText(errors.size());
     return reason;
 }
 
@@ -84,12 +87,23 @@ TOutcome FindNotAskedOutcome(const TPluginLibrary& library, const TCIMClass& cls
     return {eNotAsked, ReasonFor(wanted.IsSchemaOnly() ? EReason::eSchemaOnly : EReason::eNoData)};
 }
 
-// Errors about no class are added to the reason: they usually explain why the call failed.
+bool EndedByRefusedCall(const TDataCall& call) {
+    return call.lastRefused.reason && call.lastRefused.call->status == call.failure.status;
+}
+
+// A plugin usually returns the status of a call that was refused. Otherwise errors about no class are added, which
+// usually explain why it failed.
+TReason DataCallFailed(const TPluginLibrary& library, const TDataCall& call) {
+    if (EndedByRefusedCall(call)) return call.lastRefused.reason;
+    const TErrors errors = ErrorsOf(library, nullptr);
+    if (errors.empty()) return ReasonFor(EReason::eDataCallFailed, call.failure.text);
+    const std::string text = errors.front()->text + MoreText(errors.size());
+    return ReasonFor(EReason::eDataCallFailed, call.failure.text + ": " + text);
+}
+
 TOutcome FindFailedCallOutcome(const TPluginLibrary& library, const TDataCall& call, bool hasInstances) {
-    const EState none = call.failure.isAccessDenied ? eRefused : eFailed;
-    const TTexts errors = ErrorsOf(library, nullptr);
-    const std::string detail = call.failure.text + (errors.empty() ? "" : ": " + FirstAndCount(errors));
-    return {hasInstances ? ePartial : none, ReasonFor(EReason::eDataCallFailed, detail)};
+    const EState none = call.failure.status == kyrStatusAccessDenied && !EndedByRefusedCall(call) ? eRefused : eFailed;
+    return {hasInstances ? ePartial : none, DataCallFailed(library, call)};
 }
 
 // A value that the machine does not have is not missing. One that it has and that could not be read is.
@@ -139,7 +153,7 @@ TOutcome FindClassOutcome(const TPluginLibrary& library, const TCIMClass& cls, c
         return {hasInstances || call->finished ? ePartial : report.end.state, report.end.reason};
     const TReason ungranted = MissingGrant(library, cls);
     if (ungranted) return {hasInstances ? ePartial : eRefused, ungranted};
-    const TTexts errors = ErrorsOf(library, &cls);
+    const TErrors errors = ErrorsOf(library, &cls);
     if (!errors.empty()) return {hasInstances ? ePartial : eFailed, ErrorsLogged(errors, &cls)};
     if (call->failure) return FindFailedCallOutcome(library, *call, hasInstances);
     if (const auto sources = library.missingSources.find(cls.GetName()); sources != library.missingSources.end())
@@ -175,7 +189,7 @@ TClassOutcomes FindClassOutcomes(const TPluginLibrary& library, const TClassSele
 TReason OwnReason(const TPluginLibrary& library) {
     for (const TDataCall& call : library.report.dataCalls)
         if (call.failure) return FindFailedCallOutcome(library, call, true).reason;
-    const TTexts errors = ErrorsOf(library, nullptr);
+    const TErrors errors = ErrorsOf(library, nullptr);
     return errors.empty() ? TReason() : ErrorsLogged(errors, nullptr);
 }
 

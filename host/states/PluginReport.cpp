@@ -1,17 +1,48 @@
 #include "states/PluginReport.h"
 
 #include <algorithm>
+#include <iterator>
 
+#include "base/StatusWords.h"
 #include "base/Text.h"
 #include "kyr/kyrPlugin.h"
 
 namespace {
 
 constexpr size_t kLongestMessage = 4096;
+constexpr size_t kLongestWord = 200;  // of a refused call
 
 // More would hold up whoever looks for the messages of a class, and leave a saved file no room for others.
 constexpr size_t kMostMessageBytes = size_t{256} << 10;
 constexpr size_t kBesideText = 64;
+
+// How the lines begin that the core logs when it refuses a call.
+constexpr const char* kRefusals[] = {"SetValue: ",
+                                     "AddProperty: CIM class ",
+                                     "kyrAddProperty: CIM class ",
+                                     "kyrAddProperty: NULL ",
+                                     "kyrAddProperty: no current instance",
+                                     "kyrAddStringProperty: NULL ",
+                                     "kyrAddReferenceProperty: NULL ",
+                                     "kyrAddDateTimeProperty: NULL ",
+                                     "kyrAddArrayProperty: NULL ",
+                                     "kyrAddClass: GetClass(",
+                                     "kyrAddClass: Allocate instance ",
+                                     "ERROR: Attempting to create array ",
+                                     "Declaration type: ",
+                                     "AddKeyValue() ",
+                                     "SetClassName() ",
+                                     "SetPath() ",
+                                     "GetClass() called before "};
+
+bool IsRefusal(const TMessage& message) {
+    const auto begins = [&](const char* start) { return StartsWith(message.text, start); };
+    return message.core && message.severity == kyrLogError &&
+           std::any_of(std::begin(kRefusals), std::end(kRefusals), begins);
+}
+
+// A plugin may try the others, and go on without.
+bool IsError(const TRefusedCall& call) { return StartsWith(call.call, "kyrAdd") || StartsWith(call.call, "kyrArray"); }
 
 }  // namespace
 
@@ -19,13 +50,29 @@ constexpr size_t kBesideText = 64;
 void TPluginReport::AddLogLine(const TLogLine& line) {
     const bool repeatsFailure = line.core && !dataCalls.empty() && dataCalls.back().failure;
     if (line.severity > kyrLogWarning || repeatsFailure) return;
-    const std::string text = CutText(line.text, kLongestMessage);
+    const std::string text = CutText(line.core ? WithStatusInWords(line.text) : line.text, kLongestMessage);
+    if (TakeRoom(text)) messages.push_back({"", line.severity, text, line.core});
+}
+
+bool TPluginReport::TakeRoom(const std::string& text) {
     messageBytes += text.size() + kBesideText;
-    if (messageBytes > kMostMessageBytes) {
-        end = {eFailed, ReasonFor(EReason::eTooMuchDelivered, "its log is cut off")};
-        return;
+    if (messageBytes <= kMostMessageBytes) return true;
+    end = {eFailed, ReasonFor(EReason::eTooMuchDelivered, "its log is cut off")};
+    return false;
+}
+
+void TPluginReport::AddRefusedCall(TRefusedCall call) {
+    bool isLogged = false;
+    for (; !messages.empty() && IsRefusal(messages.back()); isLogged = true) messages.pop_back();
+    TMessage message{"", kyrLogError, "", true};
+    for (std::string TRefusedCall::*word :
+         {&TRefusedCall::call, &TRefusedCall::className, &TRefusedCall::name, &TRefusedCall::given}) {
+        call.*word = CutText(call.*word, kLongestWord);
+        message.text += call.*word + " ";
     }
-    messages.push_back({"", line.severity, text, line.core});
+    message.call = call;
+    if (!dataCalls.empty()) dataCalls.back().lastRefused = message;
+    if ((isLogged || IsError(call)) && TakeRoom(message.text)) messages.push_back(message);
 }
 
 const TPluginInfo* TPluginReport::FindOwner() const {

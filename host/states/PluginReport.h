@@ -2,10 +2,12 @@
 #define KYR_HOST_STATES_PLUGINREPORT_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/CoreLog.h"
+#include "kyr/TRefusedCall.h"
 #include "model/CollectionState.h"
 
 /// What a plugin registered itself with.
@@ -21,13 +23,15 @@ struct TMessage {
     std::string className;  ///< the class that it is about; empty: none, or not found yet
     kyrLogSeverity severity;
     std::string text;
-    bool core = false;  ///< logged by the core, not by the plugin
+    bool core = false;                      ///< logged by the core, not by the plugin
+    TReason reason = {};                    ///< what the text says, as data; none for most
+    std::optional<TRefusedCall> call = {};  ///< of which nothing else is known yet
 };
 
 /// Why a call of a plugin's data entry failed; empty if it went well.
 struct TCallFailure {
-    std::string text = {};        ///< the status or the exception's text
-    bool isAccessDenied = false;  ///< kyrStatusAccessDenied: the plugin refused to answer
+    std::string text = {};         ///< the status in words, or the exception's text
+    int32_t status = kyrStatusOK;  ///< kyrStatusAccessDenied: the plugin refused to answer
 
     explicit operator bool() const { return !text.empty(); }
 };
@@ -38,6 +42,7 @@ struct TDataCall {
     std::vector<std::string> asked;  ///< the names of the classes
     bool finished = false;
     TCallFailure failure = {};
+    TMessage lastRefused = {};  ///< the last call of the plugin that was refused meanwhile, as its message
 };
 
 /// How loading and running one library went, in this process or in one of its own.
@@ -55,6 +60,8 @@ struct TPluginReport {
     /// they were logged, and a data call before the lines that follow it. If there are too many, the rest is dropped,
     /// and the end says so.
     void AddLogLine(const TLogLine& line);
+    /// Adds a call that was refused, in place of what the core has just logged about it.
+    void AddRefusedCall(TRefusedCall call);
     /// The plugin that owns the classes of the document: the first one initialised that uses a document. Null if there
     /// is none.
     const TPluginInfo* FindOwner() const;
@@ -64,6 +71,9 @@ struct TPluginReport {
     const TDataCall* FindDataCall(const std::string& className) const;
     /// The first error among the messages; empty if there is none.
     std::string FirstError() const;
+
+private:
+    bool TakeRoom(const std::string& text);
 };
 
 #endif

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "base/Locations.h"
+#include "base/StatusWords.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -129,7 +130,7 @@ TStoredOutcome OutcomeOf(const TCIMInstance& state) {
     if (number > eNoSource)
         return {ePartial, EReason::eNone, "its state, " + std::to_string(number) + ", is not known"};
     const auto code = static_cast<EReason>(NumberOf(state, "ReasonCode"));
-    const std::string sentence = TextOf(state, "Reason");
+    const std::string sentence = WithStatusInWords(TextOf(state, "Reason"));  // files of kyr 1.0 have names alone
     return {static_cast<EState>(number), code, sentence.empty() ? WordFor(code, *state.GetContainer()) : sentence};
 }
 

@@ -10,6 +10,7 @@
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
 #include "states/HostIdentity.h"
+#include "states/RefusedCalls.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -143,6 +144,7 @@ void WriteStates(std::list<TPluginLibrary>& libraries, TMissingSources sources, 
                  int interruption, const TContainer& container) {
     RemoveStates(container);
     for (TPluginLibrary& library : libraries) {
+        ExplainRefusedCalls(library, libraries, container);
         library.AssignMessagesToClasses();
         library.AssignMissingSources(sources);
     }

@@ -15,15 +15,79 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
              "kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: ./broken/libbroken.pi.so: ",
              "kyr: plugin noinit: refused: its init entry failed: there is no device\n",
              "kyr: plugin baddocument: refused: cannot read its document ./baddocument/baddocument.properties.xml: "
-             "kyrStatusInvalidSpecificationDocument: CIM-XML Parser line 10:Unexpected element no.such.element\n",
-             "kyr: plugin givesup: partial: its answer ended with kyrStatusErrorCollectingClass (class TEST_Kept)\n",
-             "kyr: plugin givesup, class TEST_Lost: failed: its answer ended with kyrStatusErrorCollectingClass\n",
-             "kyr: plugin denied: refused: its answer ended with kyrStatusAccessDenied (class TEST_Denied)\n",
-             "kyr: plugin keyless, class TEST_Keyless: failed: Instance TEST_Keyless: key property Id is NULL (and 1 "
+             "invalid specification document (kyrStatusInvalidSpecificationDocument): CIM-XML Parser line "
+             "10:Unexpected element no.such.element\n",
+             "kyr: plugin givesup: partial: its answer ended with error collecting class "
+             "(kyrStatusErrorCollectingClass) "
+             "(class TEST_Kept)\n",
+             "kyr: plugin givesup, class TEST_Lost: failed: its answer ended with error collecting class "
+             "(kyrStatusErrorCollectingClass)\n",
+             "kyr: plugin denied: refused: its answer ended with access denied (kyrStatusAccessDenied) (class "
+             "TEST_Denied)\n",
+             "kyr: plugin keyless, class TEST_Keyless: failed: TEST_Keyless.Id: given NULL by kyrAddStringProperty "
+             "(and 2 "
              "more)\n",
              "kyr: plugin ./unregistered/libunregistered.pi.so: refused: it registers no plugin\n",
          })
         EXPECT_THAT(run.err, HasSubstr(line));
+}
+
+struct TMistake {
+    const char* name;
+    const char* className;
+    const char* reason;
+};
+
+// What kyr says to each mistake that the plugin makes in its calls. An empty class: it is said of the plugin alone.
+constexpr TMistake kMistakes[] = {
+    {"UnknownProperty", "TEST_User", "TEST_User.Shel: no such property; did you mean 'Shell'?"},
+    {"UnknownTextProperty", "TEST_User", "TEST_User.Shel: no such property; did you mean 'Shell'?"},
+    {"UnknownArray", "TEST_User", "TEST_User.Group: no such property; did you mean 'Groups'?"},
+    {"WrongCall", "TEST_User", "TEST_User.Uid: declared uint64, given by kyrAddUint32Property"},
+    {"ScalarForArray", "TEST_User", "TEST_User.Groups: declared array of string, given by kyrAddStringProperty"},
+    {"WrongElement", "TEST_User", "TEST_User.Groups: declared array of string, given by kyrArrayAddUint32"},
+    {"Ignored", "TEST_User", "TEST_User.Uid: declared uint64, given by kyrAddUint32Property (and 1 more)"},
+    {"UnknownClass", "", "TEST_Usr: no such class; did you mean 'TEST_User'?"},
+    {"ForeignClass", "", "TEST_Shown: not a class of this plugin; it belongs to plugin shown"},
+    {"NullText", "TEST_User", "TEST_User.Shell: given NULL by kyrAddStringProperty"},
+    {"DateText", "TEST_User", "TEST_User.Since: \"2024-01-31\" is no datetime, such as \"20240131120000.000000+060\""},
+    {"BadDate", "TEST_User",
+     "kyrSetDateTimeString at TEST_User (Since): \"2024-01-31\" is no date-time, such as "
+     "\"20240131120000.000000+060\""},
+    {"NoDate", "TEST_User", "TEST_User.Since: given a date-time without a value by kyrAddDateTimeProperty"},
+    {"ReferenceToUnknownClass", "TEST_UserHome", "TEST_Flder: no such class; did you mean 'TEST_Folder'?"},
+    {"ReferenceWithUnknownKey", "TEST_UserHome", "reference to TEST_Folder: no key Ids; did you mean 'Id'?"},
+    {"ReferenceToOtherClass", "TEST_UserHome",
+     "TEST_UserHome.Home: declared reference to TEST_Folder, given reference to TEST_User"},
+    {"ReferenceToNothing", "TEST_UserHome",
+     "TEST_UserHome.Home: declared reference to TEST_Folder, given reference to no class"},
+    {"ReferenceWithoutClass", "TEST_UserHome", "kyrReferenceAddString for Id: the reference has no class"},
+    {"EarlyProperty", "", "kyrAddStringProperty for Id: no class was added before"},
+};
+
+class Mistakes : public ::testing::TestWithParam<TMistake> {};
+
+TEST_P(Mistakes, AreToldWithClassPropertyAndTheNearestWord) {
+    const TMistake& mistake = GetParam();
+    const TPluginRoot root({"mistaken", "shown"});
+    const std::string environment = std::string("KYR_TEST_MISTAKE=") + mistake.name, none;
+    const bool isOfClass = *mistake.className != '\0';
+    const std::string line = (isOfClass ? none + ", class " + mistake.className : none) + ": ";
+    for (const char* option : {"", " --in-process"}) {
+        const TRunResult run = RunKyr("collect --json" + root.Option() + option, environment);
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(run.err, ContainsRegex("kyr: plugin mistaken" + line + "(failed|partial): "));
+        EXPECT_THAT(run.err, HasSubstr(none + ": " + mistake.reason + (isOfClass ? "\n" : "")));
+        EXPECT_THAT(run.err + run.out, Not(ContainsRegex("[^(]kyrStatus")));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(InCalls, Mistakes, ::testing::ValuesIn(kMistakes),
+                         [](const auto& mistake) { return std::string(mistake.param.name); });
+
+TEST(FailuresTest, MistakeInACallHasAReasonForPrograms) {
+    const TRunResult run = RunKyr("collect --json" + TPluginRoot({"mistaken"}).Option(), "KYR_TEST_MISTAKE=WrongCall");
+    EXPECT_THAT(run.out, HasSubstr("\"reasonCode\": \"wrong type\""));
 }
 
 TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
@@ -31,7 +95,8 @@ TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     std::filesystem::create_directory(root.Path() + "/alone");
     std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/alone/libalone.pi.so");
     const std::string message =
-        "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: kyrStatusFileNotFound\n";
+        "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: file not found "
+        "(kyrStatusFileNotFound)\n";
     EXPECT_THAT(RunKyr("identity" + root.Option()), FieldsAre(1, _, message));
     EXPECT_EQ(RunKyr("show --class TEST_Shown" + root.Option()).err, message + "kyr: unknown class 'TEST_Shown'\n");
 }
@@ -107,8 +172,9 @@ TEST(FailuresTest, CollectionOfNothingLeavesTheFileOfAnEarlierOne) {
 TEST(FailuresTest, BaseDocumentThatCannotBeReadEndsTheCommand) {
     const TempFolder folder;
     const std::string missing = folder.Path() + "/none.xml", bad = folder.Write("bad.xml", "<CIM><NO/></CIM>");
-    EXPECT_THAT(RunKyr("schema --schema " + missing),
-                FieldsAre(3, _, "kyr: cannot read the base document '" + missing + "': kyrStatusFileNotFound\n"));
+    EXPECT_THAT(RunKyr("schema --schema " + missing), FieldsAre(3, _,
+                                                                "kyr: cannot read the base document '" + missing +
+                                                                    "': file not found (kyrStatusFileNotFound)\n"));
     EXPECT_THAT(RunKyr("schema --schema " + bad),
                 FieldsAre(3, _, HasSubstr("kyr: base document: CIM-XML Parser line 1:Unexpected element no\n")));
 }

@@ -62,8 +62,7 @@ constexpr THostile kHostile[] = {
     {"escaping", "--timeout 0.3", 2, "escaping: partial: no answer within 0.3 s"},
     {"interrupting", "--sandbox off", 3, "interrupting: partial: it sent SIG"},
     {"imposing", "", 5,
-     "imposing: partial: kyrAddClass: Allocate instance (CIM class TEST_Shown) threw exception kyrStatusAccessDenied "
-     "(and 1 more)\n"},
+     "imposing: partial: TEST_Shown: not a class of this plugin; it belongs to plugin shown (and 1 more)\n"},
     {"slandering", "", 3, ""},
     {"slandering", "--in-process", 3, ""},
     {"trying", "", 3, ""},

@@ -72,7 +72,8 @@ TEST(ReasonsTest, FilesWithoutCodesAreStillRead) {
     EXPECT_EQ(run.out, "TEST_Kept\n  Id  1\n");
     EXPECT_EQ(run.err,
               "kyr: plugin datacrash: partial: SIGSEGV in its data entry at class TEST_First\n"
-              "kyr: plugin givesup: partial: its answer ended with kyrStatusErrorCollectingClass (class TEST_Kept)\n"
+              "kyr: plugin givesup: partial: its answer ended with error collecting class "
+              "(kyrStatusErrorCollectingClass) (class TEST_Kept)\n"
               "kyr: plugin noinit: refused: its init entry failed: there is no device\n");
     EXPECT_THAT(RunKyr("show " SAVED "/without-reason-codes.xml.gz --json").out, HasSubstr("\"reasonCode\": null"));
 }

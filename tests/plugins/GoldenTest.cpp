@@ -118,7 +118,8 @@ TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(CountIn(run.out, "\"log\": [\"error: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none\""), 9u)
         << run.out;
-    EXPECT_EQ(CountIn(run.err, "ended with kyrStatusFail: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none ("), 9u);
+    EXPECT_EQ(CountIn(run.err, "ended with fail (kyrStatusFail): KYR_SYSTEM_ROOT names no folder: " MACHINES "/none ("),
+              9u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, GoldenTest, ::testing::ValuesIn(kMachines),

@@ -1,0 +1,134 @@
+/* A plugin that makes the mistake that the environment names: what outside authors do wrong in their first calls. */
+#include <stdlib.h>
+#include <string.h>
+
+#include "testplugin.h"
+
+static kyrStatusCode Init(kyrPluginHandle plugin) {
+    (void)plugin;
+    return kyrStatusOK;
+}
+
+static kyrStatusCode UnknownProperty(kyrIOHandle handle) { return kyrAddStringProperty(handle, "Shel", "/bin/sh"); }
+
+static kyrStatusCode UnknownTextProperty(kyrIOHandle handle) { return kyrAddProperty(handle, "Shel", "/bin/sh"); }
+
+static kyrStatusCode WrongCall(kyrIOHandle handle) { return kyrAddUint32Property(handle, "Uid", 1); }
+
+static kyrStatusCode ScalarForArray(kyrIOHandle handle) { return kyrAddStringProperty(handle, "Groups", "wheel"); }
+
+static kyrStatusCode Ignored(kyrIOHandle handle) {
+    WrongCall(handle);
+    UnknownProperty(handle);
+    return kyrStatusOK;
+}
+
+static kyrStatusCode UnknownClass(kyrIOHandle handle) { return kyrAddClass(handle, "TEST_Usr"); }
+
+static kyrStatusCode ForeignClass(kyrIOHandle handle) { return kyrAddClass(handle, "TEST_Shown"); }
+
+static kyrStatusCode NullText(kyrIOHandle handle) { return kyrAddStringProperty(handle, "Shell", NULL); }
+
+static kyrStatusCode DateText(kyrIOHandle handle) { return kyrAddProperty(handle, "Since", "2024-01-31"); }
+
+static kyrStatusCode AddDate(kyrIOHandle handle, kyrStatusCode (*set)(kyrCIMDateTime)) {
+    kyrCIMDateTime date;
+    kyrStatusCode status = kyrNewCIMDateTime(&date);
+    if (status == kyrStatusOK) status = set(date);
+    if (status == kyrStatusOK) status = kyrAddDateTimeProperty(handle, "Since", date);
+    kyrDeleteCIMDateTime(date);
+    return status;
+}
+
+static kyrStatusCode SetDash(kyrCIMDateTime date) { return kyrSetDateTimeString(date, "2024-01-31"); }
+static kyrStatusCode SetNothing(kyrCIMDateTime date) { return date == NULL ? kyrStatusFail : kyrStatusOK; }
+static kyrStatusCode BadDate(kyrIOHandle handle) { return AddDate(handle, SetDash); }
+static kyrStatusCode NoDate(kyrIOHandle handle) { return AddDate(handle, SetNothing); }
+
+static kyrStatusCode WrongElement(kyrIOHandle handle) {
+    kyrCIMValueArray array;
+    kyrStatusCode status = kyrNewCIMValueArray(&array);
+    if (status == kyrStatusOK) status = kyrArrayAddUint32(array, 7);
+    return status == kyrStatusOK ? kyrAddArrayProperty(handle, "Groups", array) : status;
+}
+
+static kyrStatusCode UnknownArray(kyrIOHandle handle) {
+    kyrCIMValueArray array;
+    kyrStatusCode status = kyrNewCIMValueArray(&array);
+    return status == kyrStatusOK ? kyrAddArrayProperty(handle, "Group", array) : status;
+}
+
+static kyrStatusCode Refer(kyrIOHandle handle, const char* className, const char* key) {
+    kyrCIMReference reference;
+    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
+    if (status == kyrStatusOK) status = kyrSetReferenceClassName(reference, className);
+    if (status == kyrStatusOK && key != NULL) status = kyrReferenceAddString(reference, key, "root");
+    return status == kyrStatusOK ? kyrAddReferenceProperty(handle, "Home", reference) : status;
+}
+
+static kyrStatusCode ReferenceToUnknownClass(kyrIOHandle handle) { return Refer(handle, "TEST_Flder", "Id"); }
+static kyrStatusCode ReferenceWithUnknownKey(kyrIOHandle handle) { return Refer(handle, "TEST_Folder", "Ids"); }
+static kyrStatusCode ReferenceToOtherClass(kyrIOHandle handle) { return Refer(handle, "TEST_User", "Id"); }
+
+static kyrStatusCode ReferenceWithoutClass(kyrIOHandle handle) {
+    kyrCIMReference reference;
+    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
+    return status == kyrStatusOK ? kyrReferenceAddString(reference, "Id", "root") : status;
+}
+
+static kyrStatusCode ReferenceToNothing(kyrIOHandle handle) {
+    kyrCIMReference reference;
+    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
+    return status == kyrStatusOK ? kyrAddReferenceProperty(handle, "Home", reference) : status;
+}
+
+static const struct {
+    const char* name;
+    kyrStatusCode (*make)(kyrIOHandle handle);
+} kMistakes[] = {
+    {"UnknownProperty", UnknownProperty},
+    {"UnknownTextProperty", UnknownTextProperty},
+    {"WrongCall", WrongCall},
+    {"ScalarForArray", ScalarForArray},
+    {"Ignored", Ignored},
+    {"UnknownClass", UnknownClass},
+    {"ForeignClass", ForeignClass},
+    {"NullText", NullText},
+    {"DateText", DateText},
+    {"BadDate", BadDate},
+    {"NoDate", NoDate},
+    {"WrongElement", WrongElement},
+    {"UnknownArray", UnknownArray},
+    {"ReferenceToUnknownClass", ReferenceToUnknownClass},
+    {"ReferenceWithUnknownKey", ReferenceWithUnknownKey},
+    {"ReferenceToOtherClass", ReferenceToOtherClass},
+    {"ReferenceToNothing", ReferenceToNothing},
+    {"ReferenceWithoutClass", ReferenceWithoutClass},
+};
+
+static kyrStatusCode Make(kyrIOHandle handle, const char* name) {
+    for (size_t i = 0; i < sizeof kMistakes / sizeof *kMistakes; ++i)
+        if (strcmp(kMistakes[i].name, name) == 0) return kMistakes[i].make(handle);
+    return kyrStatusOK;
+}
+
+/* A reference stands in associations alone, which are asked for in a call of their own. */
+static int IsMadeIn(const char* className, const char* mistake) {
+    return (strcmp(className, "TEST_UserHome") == 0) == (strncmp(mistake, "Reference", 9) == 0);
+}
+
+static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count) {
+    const char* const mistake = getenv("KYR_TEST_MISTAKE");
+    (void)plugin;
+    for (uint32_t i = 0; i < count; ++i) {
+        kyrStatusCode status = kyrStatusOK;
+        if (mistake != NULL && strcmp(mistake, "EarlyProperty") == 0) return kyrAddStringProperty(handle, "Id", "root");
+        Add(handle, classNames[i], "root");
+        if (mistake != NULL && strcmp(classNames[i], "TEST_Folder") != 0 && IsMadeIn(classNames[i], mistake))
+            status = Make(handle, mistake);
+        if (status != kyrStatusOK) return status;
+    }
+    return kyrStatusOK;
+}
+
+__attribute__((constructor)) static void Load(void) { Register(); }
