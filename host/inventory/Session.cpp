@@ -13,6 +13,7 @@
 #include "base/Locations.h"
 #include "base/Output.h"
 #include "base/StatusWords.h"
+#include "inventory/DocumentMistakes.h"
 #include "inventory/Grants.h"
 #include "inventory/Libraries.h"
 #include "isolation/InProcess.h"
@@ -125,6 +126,7 @@ void TSession::Run(const TClassSelection& wanted) {
         const TPluginLibrary* const maker = fContainer.FindMaker(instance);
         return maker != nullptr && maker->Declares(className);
     };
+    FindDocumentMistakes(fLibraries, fOptions.schema);
     WriteStates(fLibraries, TakeMissingSources(fContainer, mayReport), wanted, interruption, fContainer);
     if (host != nullptr && !wanted.Includes(kHostClass)) RemoveInstances(*host);
 }

@@ -59,6 +59,7 @@ constexpr TWording kWordings[] = {
     {EReason::eForeignClass, "{class}: not a class of this plugin{detail}"},
     {EReason::eNoSuchKey, "reference to {class}: no key {property}{detail}"},
     {EReason::eCallRefused, "{detail}"},
+    {EReason::eDocumentMistake, "{file}:{detail}"},
 };
 
 struct TMember {

@@ -66,6 +66,8 @@ enum class EReason : uint16_t {
     eForeignClass = 84,
     eNoSuchKey = 85,
     eCallRefused = 86,
+    // A mistake in a plugin's document
+    eDocumentMistake = 87,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

@@ -51,6 +51,7 @@ TReason NothingRegistered(const TPluginReport& report) {
 }
 
 TReason DocumentUnreadable(const TPluginLibrary& library) {
+    if (library.documentMistake) return library.documentMistake;
     const std::string error = library.report.FirstError(), failure = library.report.loadFailure;
     TReason reason = ReasonFor(EReason::eDocumentUnreadable, error.empty() ? failure : failure + ": " + error);
     reason.file = library.DocumentPath();
@@ -73,7 +74,8 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
         return {eRefused, ReasonFor(EReason::eInitFailed, report.FirstError())};
     if (owner == nullptr || (library.classes.empty() && owner->type == kyrPluginDocumentOnly))
         return {eNotAsked, ReasonFor(EReason::eNoData)};
-    if (library.classes.empty()) return {eRefused, ReasonFor(EReason::eNoClassOfItsOwn)};
+    if (library.classes.empty())
+        return {eRefused, library.documentMistake ? library.documentMistake : ReasonFor(EReason::eNoClassOfItsOwn)};
     return {};
 }
 

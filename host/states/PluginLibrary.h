@@ -20,6 +20,7 @@ struct TPluginLibrary {
     TNeeds granted = 0;                         ///< what its plugins may do beyond reading
     bool isConfined = false;                    ///< what its classes need beyond that is refused
     TPluginReport report;
+    TReason documentMistake;  ///< why the core refused its document, or took no class from it; none if nobody knows
     TMissingSources missingSources;  ///< of its classes
 
     /// The name by which it is granted something: its file's, without "lib" and ".pi.so".

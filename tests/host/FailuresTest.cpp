@@ -14,9 +14,8 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
     for (const char* line : {
              "kyr: plugin ./broken/libbroken.pi.so: refused: cannot be opened: ./broken/libbroken.pi.so: ",
              "kyr: plugin noinit: refused: its init entry failed: there is no device\n",
-             "kyr: plugin baddocument: refused: cannot read its document ./baddocument/baddocument.properties.xml: "
-             "invalid specification document (kyrStatusInvalidSpecificationDocument): CIM-XML Parser line "
-             "10:Unexpected element no.such.element\n",
+             "kyr: plugin baddocument: refused: ./baddocument/baddocument.properties.xml:4: the element 'VALUE.OBJECT' "
+             "is not closed ",
              "kyr: plugin givesup: partial: its answer ended with error collecting class "
              "(kyrStatusErrorCollectingClass) "
              "(class TEST_Kept)\n",
@@ -88,6 +87,39 @@ INSTANTIATE_TEST_SUITE_P(InCalls, Mistakes, ::testing::ValuesIn(kMistakes),
 TEST(FailuresTest, MistakeInACallHasAReasonForPrograms) {
     const TRunResult run = RunKyr("collect --json" + TPluginRoot({"mistaken"}).Option(), "KYR_TEST_MISTAKE=WrongCall");
     EXPECT_THAT(run.out, HasSubstr("\"reasonCode\": \"wrong type\""));
+}
+
+// What kyr says to a mistake that is put into the plugin's document in place of another text.
+TEST(FailuresTest, MistakesInDocumentsAreToldWithLineAndTheNearestWord) {
+    struct {
+        std::string right, wrong, message;
+    } const kCases[] = {
+        {"TYPE=\"uint64\"", "TYPE=\"integer\"",
+         "16: TEST_User.Uid: the type of 'Uid', 'integer', is not known; write uint32"},
+        {"\"TEST_User\"", "\"TEST_User\" SUPERCLASS=\"CIM_ManagedElemnt\"",
+         "12: the superclass 'CIM_ManagedElemnt' of class TEST_User is not known; did you mean 'CIM_ManagedElement'?"},
+        {"REFERENCECLASS=\"TEST_Folder\"", "REFERENCECLASS=\"TEST_Foldr\"",
+         "28: class 'TEST_Foldr', which TEST_UserHome.Home refers to, is not known; did you mean 'TEST_Folder'?"},
+        {"\"Association\"", "\"Asociation\"",
+         "24: the qualifier 'Asociation' of 'TEST_UserHome' is not declared; did you mean 'Association'?"},
+        {"\"Key\"", "\"Kee\"", "7: TEST_Folder.Id: the qualifier 'Kee' of 'Id' is not declared; did you mean 'Key'?"},
+        {"<VALUE>true</VALUE>", "<VALUE>false</VALUE>", "5: class TEST_Folder has no key; "},
+        {"<CIM CIM", "<?xml version=\"1.0\"?>\n<!-- Users. -->\n<CIM CIM", "2: "},
+        {"<CIM CIM", "\xEF\xBB\xBF<CIM CIM", "1: the document begins with a byte order mark; "},
+        {"<DECLARATION>", "<DECLARATION><![CDATA[x]]>", "2: CDATA: "},
+    };
+    const TPluginRoot root({});
+    std::filesystem::create_directory(root.Path() + "/mistaken");
+    std::filesystem::copy_file(FIXTURE_PLUGINS "/mistaken/libmistaken.pi.so",
+                               root.Path() + "/mistaken/libmistaken.pi.so");
+    for (const auto& [right, wrong, message] : kCases) {
+        std::string document = ReadFile(FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml");
+        root.Write("mistaken/mistaken.properties.xml", document.replace(document.find(right), right.size(), wrong));
+        const TRunResult run = RunKyr("collect --json" + root.Option());
+        EXPECT_THAT(run.err,
+                    StartsWith("kyr: plugin mistaken: refused: ./mistaken/mistaken.properties.xml:" + message));
+        EXPECT_THAT(run.out, HasSubstr("\"reasonCode\": \"document mistake\""));
+    }
 }
 
 TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
