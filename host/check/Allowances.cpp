@@ -66,8 +66,8 @@ bool IsChecked(const TAllowance& allowance, const std::vector<TTarget>& targets)
     if (allowance.folder.empty()) return true;
     const char family = allowance.rule[0];
     return std::any_of(targets.begin(), targets.end(), [&](const TTarget& target) {
-        const bool isFor = target.kind == TTarget::eLibrary      ? family == 'L'
-                           : target.kind == TTarget::eCollection ? family == 'R'
+        const bool isFor = target.kind == TTarget::eLibrary || target.kind == TTarget::eFolder ? family == 'L'
+                           : target.kind == TTarget::eCollection                               ? family == 'R'
                                                                  : family == 'D' || family == 'S' || family == 'V';
         return isFor && FolderOf(target.path) == allowance.folder;
     });

@@ -12,7 +12,10 @@ void CheckTarget(const TTarget& target, const TCheckContext& context, TFindings&
             CheckDocumentName(target.path, findings);
             return CheckDocument(target.path, context, findings);
         case TTarget::eLibrary:
-            return CheckLibraryName(target.path, findings);
+            CheckLibraryName(target.path, findings);
+            return CheckLibrary(target.path, findings);
+        case TTarget::eFolder:
+            return CheckFolder(target.path, findings);
         case TTarget::eCollection:
             return;
     }

@@ -11,13 +11,14 @@
 //     TTarget::eDocument    CheckDocument    rules D, S and V
 //     TTarget::eLibrary     CheckLibrary     rules L
 //     TTarget::eCollection  CheckCollection  rules R
+//     TTarget::eFolder      CheckFolder      rules L about where libraries stand
 //
 // A folder stands for the documents and libraries in it and in its folders. A checker gets one file, adds its findings
 // (Findings.h says how), and raises TCommandError with eExitNothing only if it cannot read the file at all. To add one,
 // declare it below, call it in Check.cpp, and add its rules to Rules.cpp and docs/check.md.
 
 struct TTarget {
-    enum EKind { eDocument, eLibrary, eCollection };
+    enum EKind { eDocument, eLibrary, eCollection, eFolder };
     EKind kind;
     std::string path;
 };
@@ -34,6 +35,9 @@ std::vector<TTarget> FindTargets(const std::string& path);
 /// Whether document and library belong together by their names (D15).
 void CheckDocumentName(const std::string& path, TFindings& findings);
 void CheckLibraryName(const std::string& path, TFindings& findings);
+void CheckLibrary(const std::string& path, TFindings& findings);
+/// Whether the libraries below the folder are found by a host (L09 and L10).
+void CheckFolder(const std::string& path, TFindings& findings);
 void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings);
 
 /// Checks all of them, and applies what suppresses findings. A file that cannot be read is told on standard error; then

@@ -210,6 +210,42 @@ const std::vector<TRule>& AllRules() {
         {"V14", eError, "Key that is Volatile",
          "The key tells which instance it is. If it changes by itself, no instance is ever found again. Choose another "
          "key, or remove Volatile."},
+        {"L01", eWarning, "Library exports symbols of its own",
+         "In a host that loads all plugins into one process they share one scope of symbols: of two functions of "
+         "one name both plugins call the one that was loaded first. Build with -fvisibility=hidden, or make every "
+         "function static."},
+        {"L02", eError, "Symbol that nobody provides",
+         "The library refers to a symbol that is neither in the libraries that it needs nor in the core, or needs "
+         "a library that is not there. Loading it fails, at once or at the first call. Link it with what it needs."},
+        {"L03", eError, "Library that registers no plugin",
+         "A plugin is known to the core once a load-time constructor of its library has called kyrRegisterPlugin. "
+         "This library never refers to it, so that loading it has no effect. Call it."},
+        {"L04", eError, "Folder with lib in its name",
+         "The core finds the document by dropping the first 'lib' of the library's path. If the folder's name has "
+         "these letters, they are dropped there, and the document is looked for in a folder that does not exist. "
+         "Rename the folder."},
+        {"L05", eWarning, "Copy of a library beside it",
+         "Every file with .pi.so in its name is loaded as a plugin, also a backup such as libfoo.pi.so.old. It "
+         "registers the plugin a second time. Move it out of the plugin folder."},
+        {"L06", eWarning, "Library is less protected than others",
+         "An executable stack or text relocations take protection away from the whole process, and a RUNPATH into "
+         "a folder of the build lets whoever can write there run code in it. Link without them; paths relative to "
+         "$ORIGIN are fine."},
+        {"L07", eError, "Library that everybody may write",
+         "Whoever can write the library or its folder runs code in the process of each user that collects, the "
+         "superuser among them. Take the right away."},
+        {"L09", eError, "Library where no host looks for it",
+         "A host looks for libraries in the folders of the plugin folder: neither in the plugin folder itself nor "
+         "deeper. Move the library, together with its document, into a folder of its own."},
+        {"L10", eError, "Library of a plugin with another ending",
+         "A host loads files whose name ends in .pi.so. A library with the ending .so is passed over without a "
+         "word. Rename it."},
+        {"L11", eError, "Library without lib in front",
+         "The document of libfoo.pi.so is foo.properties.xml. Of a library whose name does not begin with 'lib' "
+         "the core cannot make the document's name, and refuses it. Rename it."},
+        {"L12", eError, "File that is no library of this machine",
+         "The file has the name of a plugin's library, and is none, is damaged, or is built for another kind of "
+         "machine. Build it anew."},
         {"X01", eWarning, "Suppression without use",
          "A comment kyr-check or a line of kyr-check.allow suppresses nothing: what it excused has been mended or has "
          "moved, or the suppression is misspelt or gives no reason. Remove or mend it."},

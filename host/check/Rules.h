@@ -20,7 +20,8 @@ struct TRule {
     const char* why;    ///< a paragraph: what is wrong, what comes of it, what to do
 };
 
-/// All rules, by id. To add one, add its row in Rules.cpp and its section with two examples in docs/check.md.
+/// All rules, in the order of docs/check.md. To add one, add its row in Rules.cpp and its section with two examples in
+/// docs/check.md.
 const std::vector<TRule>& AllRules();
 /// Null if there is none of that id.
 const TRule* FindRule(const std::string& id);

@@ -4,6 +4,7 @@
 #include "base/ExitStatus.h"
 #include "base/Text.h"
 #include "check/Check.h"
+#include "check/Placement.h"
 #include "kyr/TOSSpecific.h"
 #include "model/CollectionState.h"
 #include "saved/DocumentText.h"
@@ -34,7 +35,8 @@ bool IsCollection(const std::string& path) {
 }
 
 TTarget TargetAt(const fs::path& path) {
-    if (IsLibrary(path.filename().string())) return {TTarget::eLibrary, path.string()};
+    if (IsLibrary(path.filename().string()) || EndsWith(path.string(), ".so"))
+        return {TTarget::eLibrary, path.string()};
     return {IsCollection(path.string()) ? TTarget::eCollection : TTarget::eDocument, path.string()};
 }
 
@@ -62,8 +64,9 @@ std::vector<TTarget> FindTargets(const std::string& path) {
     if (!fs::is_directory(status)) RaiseUnreadable(path, "is neither a file nor a folder");
     std::vector<TTarget> targets;
     AddTargets(path, true, targets);
-    if (targets.empty())
+    if (targets.empty() && FindMisplaced(path, false).empty())
         RaiseUnreadable(path, "neither a document (NAME.properties.xml) nor a library (libNAME.pi.so) is in it");
+    targets.push_back({TTarget::eFolder, path});
     std::sort(targets.begin(), targets.end(), [](const TTarget& a, const TTarget& b) { return a.path < b.path; });
     return targets;
 }

@@ -4,7 +4,9 @@
 #include <iterator>
 
 #include "base/ExitStatus.h"
+#include "base/Output.h"
 #include "check/Check.h"
+#include "check/Placement.h"
 
 namespace {
 
@@ -37,7 +39,9 @@ TReason ReasonOf(const TFinding& finding) {
     return reason;
 }
 
-TReason FindMistake(const std::string& document, const std::string& schema) {
+TReason FindMistake(const std::string& library, const std::string& document, const std::string& schema) {
+    for (const TMisplacement& wrong : FindMisnaming(library))
+        return ReasonFor(EReason::eMisnamed, wrong.text + "; " + wrong.remedy);
     TFindings findings;
     try {
         CheckDocument(document, {schema, ""}, findings);
@@ -61,5 +65,11 @@ bool HasDocumentFailed(const TPluginLibrary& library) {
 
 void FindDocumentMistakes(std::list<TPluginLibrary>& libraries, const std::string& schema) {
     for (TPluginLibrary& library : libraries)
-        if (HasDocumentFailed(library)) library.documentMistake = FindMistake(library.DocumentPath(), schema);
+        if (HasDocumentFailed(library))
+            library.documentMistake = FindMistake(library.path, library.DocumentPath(), schema);
+}
+
+void ReportMisplacedLibraries() {
+    for (const TMisplacement& wrong : FindMisplaced(".", true))
+        PrintDiagnostic(wrong.path + ": " + wrong.text + "; " + wrong.remedy);
 }

@@ -126,6 +126,7 @@ void TSession::Run(const TClassSelection& wanted) {
         const TPluginLibrary* const maker = fContainer.FindMaker(instance);
         return maker != nullptr && maker->Declares(className);
     };
+    ReportMisplacedLibraries();
     FindDocumentMistakes(fLibraries, fOptions.schema);
     WriteStates(fLibraries, TakeMissingSources(fContainer, mayReport), wanted, interruption, fContainer);
     if (host != nullptr && !wanted.Includes(kHostClass)) RemoveInstances(*host);

@@ -118,9 +118,7 @@ TEST_F(CheckTest, FileAllowsWhatItNamesInItsFolder) {
 }
 
 TEST_F(CheckTest, FolderIsCheckedWithItsNeighbours) {
-    Write("root/a/liba.pi.so", "");
     Write("root/a/a.properties.xml", Document(Class("EX_Pool", "")));
-    Write("root/b/libb.pi.so", "");
     Write("root/b/b.properties.xml", Document("<VALUE.OBJECT><CLASS NAME=\"EX_Big\" SUPERCLASS=\"EX_Pool\">" +
                                               std::string(kDescribed) + "</CLASS></VALUE.OBJECT>"));
     EXPECT_THAT(Check("root"), FieldsAre(0, "", ""));

@@ -1,0 +1,91 @@
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "KyrRun.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kGood = FIXTURE_PLUGINS "/mistaken/libmistaken.pi.so";
+
+// Puts a file at a path below the folder.
+void Place(const TempFolder& root, const std::string& file, const std::string& path) {
+    const fs::path target = fs::path(root.Path()) / path;
+    fs::create_directories(target.parent_path());
+    fs::copy_file(file, target);
+}
+
+std::string Check(const TempFolder& root) {
+    return RunKyr("check " + root.Path()).err + RunKyr("check " + root.Path()).out;
+}
+
+}  // namespace
+
+TEST(LibraryCheckTest, WrongPlaceOrNameIsToldWithTheRightOne) {
+    struct {
+        const char *path, *rule, *right;
+    } const kCases[] = {
+        {"users/er/libmistaken.pi.so", "too deep", "/mistaken/libmistaken.pi.so"},
+        {"users/libmistaken.so", "[L10]", "/users/libmistaken.pi.so"},
+        {"users/mistaken.pi.so", "[L11]", "/users/libmistaken.pi.so"},
+        {"libusers/libmistaken.pi.so", "[L04]", "rename the folder to 'users'"},
+        {"users/libmistaken.pi.so.old", "[L05]", "move copies out of the plugin folder"},
+    };
+    for (const auto& [path, rule, right] : kCases) {
+        const TempFolder root;
+        Place(root, kGood, path);
+        EXPECT_THAT(Check(root), AllOf(HasSubstr(rule), HasSubstr(right)));
+    }
+}
+
+TEST(LibraryCheckTest, WrongPlaceOrNameIsToldWhileCollecting) {
+    struct {
+        const char *path, *message;
+    } const kCases[] = {
+        {"libmistaken.pi.so", "./libmistaken.pi.so: the library stands in the plugin folder itself"},
+        {"users/er/libmistaken.pi.so", "to ./mistaken/libmistaken.pi.so"},
+        {"users/libmistaken.so", "name it ./users/libmistaken.pi.so"},
+        {"users/mistaken.pi.so", "refused: the library's name does not begin with 'lib'"},
+        {"libusers/libmistaken.pi.so", "rename the folder to 'users'"},
+    };
+    for (const auto& [path, message] : kCases) {
+        const TempFolder root;
+        Place(root, kGood, path);
+        const std::string document = fs::path(path).parent_path() / "mistaken.properties.xml";
+        Place(root, FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml", document);
+        EXPECT_THAT(RunKyr("collect --plugins " + root.Path()).err, HasSubstr(message));
+    }
+}
+
+TEST(LibraryCheckTest, SymbolsAndProtectionAreToldAndNoCodeRuns) {
+    const TRunResult run = RunKyr("check " FIXTURE_PLUGINS "/faulty/libfaulty.pi.so");
+    EXPECT_EQ(run.status, 1);
+    for (const char* text : {"symbols of its own: kept [L01]", "refers to: missing [L02]", "calls kyrRegisterPlugin",
+                             "executable stack [L06]", "in '/opt/faulty' (RUNPATH) [L06]"})
+        EXPECT_THAT(run.out, HasSubstr(text));
+    EXPECT_THAT(RunKyr("check " FIXTURE_PLUGINS "/loadcrash").out, Not(ContainsRegex("L0[1-5]|L07|L12")));
+}
+
+TEST(LibraryCheckTest, WritableLibraryIsAnError) {
+    const TempFolder root;
+    Place(root, kGood, "users/libmistaken.pi.so");
+    EXPECT_THAT(Check(root), Not(HasSubstr("[L07]")));
+    ASSERT_EQ(chmod((root.Path() + "/users/libmistaken.pi.so").c_str(), 0666), 0);
+    EXPECT_THAT(Check(root), HasSubstr("[L07]"));
+}
+
+// Also with bytes changed of what the linker reads first.
+TEST(LibraryCheckTest, DamagedLibrariesAreToldAndHarmNothing) {
+    const TempFolder root;
+    const std::string whole = ReadFile(kGood);
+    EXPECT_THAT(RunKyr("check " + root.Write("libnone.pi.so", "")).out, HasSubstr("it is no shared library [L12]"));
+    EXPECT_THAT(RunKyr("check " + root.Write("libcut.pi.so", whole.substr(0, 3000))).out, HasSubstr("[L12]"));
+    for (size_t at = 4; at < 1024; at += 31) {
+        std::string damaged = whole;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0xFF);
+        const TRunResult run = RunKyr("check " + root.Write("libdamaged.pi.so", damaged));
+        EXPECT_TRUE(run.status == 0 || run.status == 1) << at << run.err;
+    }
+}
