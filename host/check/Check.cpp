@@ -1,8 +1,14 @@
 #include "check/Check.h"
 
+#include "base/CoreLog.h"
 #include "base/ExitStatus.h"
 #include "base/Output.h"
 #include "check/Allowances.h"
+#include "check/RunRules.h"
+#include "check/TrialRuns.h"
+#include "kyr/TContainer.h"
+#include "model/ClassNames.h"
+#include "saved/SavedCollection.h"
 
 namespace {
 
@@ -17,20 +23,39 @@ void CheckTarget(const TTarget& target, const TCheckContext& context, TFindings&
         case TTarget::eFolder:
             return CheckFolder(target.path, findings);
         case TTarget::eCollection:
-            return;
+            return CheckCollection(target.path, findings);
     }
+}
+
+// Those that can be loaded.
+std::vector<std::string> LibrariesAmong(const std::vector<TTarget>& targets, const TFindings& findings) {
+    std::vector<std::string> libraries;
+    for (const TTarget& target : targets)
+        if (target.kind == TTarget::eLibrary && !findings.HasErrorIn(target.path)) libraries.push_back(target.path);
+    return libraries;
 }
 
 }  // namespace
 
+void CheckCollection(const std::string& path, TFindings& findings) {
+    TContainer container;
+    ReadCollection(path, container);
+    CheckInstances({container, SelectAllClasses(container), path}, findings);
+}
+
 bool CheckTargets(const std::vector<TTarget>& targets, const TCheckContext& context, TFindings& findings) {
+    const TCoreLog log({});
     bool isRead = true;
-    for (const TTarget& target : targets) try {
-            CheckTarget(target, context, findings);
+    const auto attempt = [&isRead](const auto& check) {
+        try {
+            check();
         } catch (const TCommandError& e) {
             PrintDiagnostic(e.what());
             isRead = false;
         }
+    };
+    for (const TTarget& target : targets) attempt([&] { CheckTarget(target, context, findings); });
+    attempt([&] { CheckRuns(LibrariesAmong(targets, findings), context, findings); });
     ApplyAllowances(targets, findings);
     findings.Sort();
     return isRead;

@@ -9,7 +9,7 @@
 // kyr check looks at one file after another. What kind a file is, and which checker looks at it:
 //
 //     TTarget::eDocument    CheckDocument    rules D, S and V
-//     TTarget::eLibrary     CheckLibrary     rules L
+//     TTarget::eLibrary     CheckLibrary     rules L, and then rules R of what it reports: TrialRuns.h
 //     TTarget::eCollection  CheckCollection  rules R
 //     TTarget::eFolder      CheckFolder      rules L about where libraries stand
 //
@@ -35,6 +35,8 @@ std::vector<TTarget> FindTargets(const std::string& path);
 /// Whether document and library belong together by their names (D15).
 void CheckDocumentName(const std::string& path, TFindings& findings);
 void CheckLibraryName(const std::string& path, TFindings& findings);
+/// The instances of a saved collection.
+void CheckCollection(const std::string& path, TFindings& findings);
 void CheckLibrary(const std::string& path, TFindings& findings);
 /// Whether the libraries below the folder are found by a host (L09 and L10).
 void CheckFolder(const std::string& path, TFindings& findings);

@@ -246,6 +246,34 @@ const std::vector<TRule>& AllRules() {
         {"L12", eError, "File that is no library of this machine",
          "The file has the name of a plugin's library, and is none, is damaged, or is built for another kind of "
          "machine. Build it anew."},
+        {"R01", eError, "Class that could not be collected",
+         "In a run of the plugin, the class failed: a call was refused, the plugin crashed, hung or gave up. The "
+         "finding repeats what kyr collect says."},
+        {"R03", eNote, "Class without an instance or a word why",
+         "The plugin was asked for the class, gave no instance and logged nothing. If the machine has none of the "
+         "kind, that is right; often the class was forgotten, or its source could not be read."},
+        {"R04", eWarning, "NULL without a reason",
+         "A property has no value, and neither UnavailableValues of the instance nor the qualifier NullMeans of "
+         "the property says why. Nobody can tell whether there is none, or whether it could not be read."},
+        {"R05", eWarning, "Note that nobody understands",
+         "The entries of UnavailableValues are 'property: reason: source' with one of six reasons, those of "
+         "ValueSources 'property: source'. An entry of another form, of a property that the class lacks, or with "
+         "another reason is passed over."},
+        {"R06", eError, "Two instances with the same keys",
+         "Instances are told apart by their keys alone. Of two with equal keys references find the first, and "
+         "comparisons take one for the other."},
+        {"R07", eError, "Reference to nothing",
+         "A reference names an instance that was not collected, although its class was: a key is left out, "
+         "misspelt or spelled in another case, or has another value. The association ties nothing."},
+        {"R08", eNote, "Value that is not in ValueMap",
+         "The value is none of those that the property declares, so that no word is shown for it. A number that "
+         "was cut to the size of its type looks like this, too."},
+        {"R09", eNote, "Text that was not cleaned",
+         "The text has control characters, or blanks around it, as firmware and files often have. Comparisons and "
+         "look-ups fail on them. Remove them."},
+        {"R10", eWarning, "Value that changes between two runs",
+         "Two runs, one right after the other, gave different values for a property without the qualifier "
+         "Volatile, or different keys. Then each kyr diff tells a change, and kyr collect --stable keeps it."},
         {"X01", eWarning, "Suppression without use",
          "A comment kyr-check or a line of kyr-check.allow suppresses nothing: what it excused has been mended or has "
          "moved, or the suppression is misspelt or gives no reason. Remove or mend it."},

@@ -82,7 +82,7 @@ TEST(LibraryCheckTest, DamagedLibrariesAreToldAndHarmNothing) {
     const std::string whole = ReadFile(kGood);
     EXPECT_THAT(RunKyr("check " + root.Write("libnone.pi.so", "")).out, HasSubstr("it is no shared library [L12]"));
     EXPECT_THAT(RunKyr("check " + root.Write("libcut.pi.so", whole.substr(0, 3000))).out, HasSubstr("[L12]"));
-    for (size_t at = 4; at < 1024; at += 31) {
+    for (size_t at = 4; at < 1024; at += 131) {
         std::string damaged = whole;
         damaged[at] = static_cast<char>(damaged[at] ^ 0xFF);
         const TRunResult run = RunKyr("check " + root.Write("libdamaged.pi.so", damaged));

@@ -1,0 +1,308 @@
+#include "check/RunRules.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <unordered_map>
+
+#include "base/NearMatches.h"
+#include "base/Text.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
+#include "kyr/TCIMReference.h"
+#include "kyr/TContainer.h"
+#include "kyr/TKYRException.h"
+#include "model/ClassNames.h"
+#include "model/Provenance.h"
+#include "model/Qualifiers.h"
+#include "model/Values.h"
+#include "states/StateInstances.h"
+
+namespace {
+
+using TType = TCIMValue::TCIMType;
+
+constexpr size_t kLongestShown = 80;
+
+std::string Shown(const std::string& text) { return "'" + CutText(VisibleText(text), kLongestShown) + "'"; }
+
+std::vector<std::string> PropertyNames(const TCIMClass& cls) {
+    std::vector<std::string> names;
+    for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls()) names.push_back(declaration->GetName());
+    return names;
+}
+
+// The strings of a string property, or of the elements of an array of them.
+std::vector<std::string> StringsOf(const TCIMValue& value) {
+    std::vector<std::string> strings;
+    if (value.IsNull()) return strings;
+    if (value.GetType() == TType::eCIMString) return {static_cast<std::string>(value)};
+    if (value.GetType() != kStringArray) return strings;
+    for (const TCIMValue& element : static_cast<std::vector<TCIMValue>&>(value))
+        if (!element.IsNull()) strings.push_back(static_cast<std::string>(element));
+    return strings;
+}
+
+/// Instances that violate a rule alike make one finding, which tells how many they are.
+class TGroups {
+public:
+    TGroups(const TReported& reported, TFindings& findings) : fReported(reported), fFindings(findings) {}
+    TGroups(const TGroups&) = delete;
+    TGroups& operator=(const TGroups&) = delete;
+    ~TGroups() = default;
+
+    void Add(const char* rule, const TCIMInstance& instance, const std::string& property, const std::string& what,
+             const std::string& remedy) {
+        TGroup& group = fGroups[{rule, instance.GetClass()->GetName(), property, what}];
+        if (group.count++ == 0) group.first = VisiblePath(instance), group.remedy = remedy;
+    }
+
+    void AddFindings() const {
+        for (const auto& [key, group] : fGroups) {
+            const auto& [rule, cls, property, what] = key;
+            const std::string more = group.count == 1 ? "" : " and " + std::to_string(group.count - 1) + " more";
+            fFindings.Add(rule.c_str(), {fReported.file, 0, cls, property},
+                          cls + (property.empty() ? "" : "." + property) + ": " + what + " (" +
+                              CutText(group.first, kLongestShown) + more + ")",
+                          group.remedy);
+        }
+    }
+
+private:
+    struct TGroup {
+        size_t count = 0;
+        std::string first;
+        std::string remedy;
+    };
+
+    const TReported& fReported;
+    TFindings& fFindings;
+    std::map<std::array<std::string, 4>, TGroup> fGroups;
+};
+
+/// The words of ValueMap, if the property may hold nothing else.
+class TValueWords {
+public:
+    explicit TValueWords(const TCIMPropertyDecl& declaration)
+        : fIsNumber(declaration.GetType() != TType::eCIMString && declaration.GetType() != kStringArray),
+          fEntries(QualifierTexts(declaration, "ValueMap")) {
+        if (fIsNumber && QualifierTexts(declaration, "Values").empty()) fEntries.clear();
+    }
+
+    // The first element that has no word; empty if there is none. A number without a word is shown as it is.
+    std::string FindOther(const TCIMProperty& property) const {
+        if (fEntries.empty()) return "";
+        const TCIMValue value = property.GetValue();
+        if (!fIsNumber) {
+            for (const std::string& text : StringsOf(value))
+                if (std::find(fEntries.begin(), fEntries.end(), text) == fEntries.end()) return text;
+            return "";
+        }
+        const std::vector<std::string> words =
+            value.IsArray() ? DisplayElements(property) : TTexts{DisplayText(property)};
+        const std::vector<std::string> numbers = value.IsArray() ? RawElements(value) : TTexts{RawText(value)};
+        for (size_t i = 0; i < words.size() && i < numbers.size(); ++i)
+            if (words[i] == numbers[i]) return numbers[i];
+        return "";
+    }
+
+private:
+    using TTexts = std::vector<std::string>;
+
+    bool fIsNumber;
+    std::vector<std::string> fEntries;
+};
+
+/// The classes of which all instances are known, so that a reference to another one is one to nothing.
+class TCollected {
+public:
+    explicit TCollected(const TContainer& container) {
+        for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
+            if (OutcomeOf(*state).state == eComplete) fNames.insert(TextOf(*state, "Name"));
+    }
+    bool Has(const std::string& className) const { return fNames.count(className) != 0; }
+
+private:
+    std::set<std::string> fNames;
+};
+
+class TInstanceCheck {
+public:
+    TInstanceCheck(const TReported& reported, TFindings& findings)
+        : fGroups(reported, findings), fCollected(reported.container) {
+        for (const TCIMClass* cls : reported.classes) CheckClass(*cls);
+        fGroups.AddFindings();
+    }
+
+private:
+    void CheckClass(const TCIMClass& cls) {
+        std::unordered_map<const TCIMPropertyDecl*, TValueWords> words;
+        for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls())
+            words.emplace(declaration, *declaration);
+        std::string before;
+        for (const TCIMInstance* instance : cls.EnumerateInstances(false)) {
+            const std::string path = instance->BuildPath().GetPath();
+            if (path == before)
+                fGroups.Add("R06", *instance, "", "two instances have the same keys",
+                            "make the keys tell them apart, or report it once");
+            before = path;
+            CheckInstance(*instance, words);
+        }
+    }
+
+    void CheckInstance(const TCIMInstance& instance,
+                       const std::unordered_map<const TCIMPropertyDecl*, TValueWords>& words) {
+        const TProvenance provenance(instance);
+        for (const char* companion : {"UnavailableValues", "ValueSources"}) CheckCompanion(instance, companion);
+        for (const TCIMProperty* property : instance.EnumerateProperties()) {
+            const TCIMPropertyDecl& declaration = property->GetDeclaration();
+            const TCIMValue value = property->GetValue();
+            if (value.IsNull()) {
+                CheckNull(instance, declaration, provenance);
+                continue;
+            }
+            if (value.IsReference()) CheckReference(instance, declaration, value);
+            if (const auto found = words.find(&declaration); found != words.end())
+                CheckWord(instance, *property, found->second);
+            if (!IsCompanion(declaration)) CheckTexts(instance, declaration, value);
+        }
+    }
+
+    void CheckNull(const TCIMInstance& instance, const TCIMPropertyDecl& declaration, const TProvenance& provenance) {
+        const std::string name = declaration.GetName();
+        if (IsCompanion(declaration) || !provenance.AbsenceOf(name).empty() || !NullMeaningOf(declaration).empty())
+            return;
+        fGroups.Add("R04", instance, name, "it is NULL, and nothing says why",
+                    "add '" + name + ": not present: SOURCE' to UnavailableValues, or give the property NullMeans");
+    }
+
+    void CheckCompanion(const TCIMInstance& instance, const char* companion) {
+        const TCIMProperty* const property = instance.FindProperty(companion);
+        if (property == nullptr) return;
+        for (const std::string& entry : StringsOf(property->GetValue())) CheckEntry(instance, companion, entry);
+    }
+
+    void CheckEntry(const TCIMInstance& instance, const std::string& companion, const std::string& entry) {
+        const size_t colon = entry.find(": ");
+        if (colon == std::string::npos)
+            return fGroups.Add("R05", instance, companion, Shown(entry) + " is not of the form 'property: text'",
+                               "write it so");
+        const std::string name = entry.substr(0, colon), note = entry.substr(colon + 2);
+        const TCIMClass& cls = *instance.GetClass();
+        if (FindPropertyNamed(cls, name) == nullptr)
+            return fGroups.Add("R05", instance, companion, "the class has no property " + Shown(name),
+                               "name one of its properties" + DidYouMean(name, PropertyNames(cls)));
+        if (companion == "UnavailableValues" && CodeOfAbsence(note) == EReason::eNone)
+            fGroups.Add("R05", instance, companion, Shown(note) + " is no reason that is known",
+                        "write not present, no permission, not supported, read error, does not apply or not reported");
+    }
+
+    void CheckReference(const TCIMInstance& instance, const TCIMPropertyDecl& declaration, const TCIMValue& value) {
+        const TCIMReference reference = value;
+        const TCIMClass* const cls = value.GetReferencedClass();
+        if (cls == nullptr || !fCollected.Has(cls->GetName()) || cls->FindInstance(reference) != nullptr) return;
+        fGroups.Add("R07", instance, declaration.GetName(),
+                    "there is no " + Shown(reference.GetPath()) + ", to which it refers",
+                    "give all keys, spelled as the class declares them, with the values of an instance");
+    }
+
+    void CheckWord(const TCIMInstance& instance, const TCIMProperty& property, const TValueWords& words) {
+        const std::string other = words.FindOther(property);
+        if (!other.empty())
+            fGroups.Add("R08", instance, property.GetName(), Shown(other) + " is not in ValueMap",
+                        "add it to ValueMap and Values, or report what is meant");
+    }
+
+    void CheckTexts(const TCIMInstance& instance, const TCIMPropertyDecl& declaration, const TCIMValue& value) {
+        for (const std::string& text : StringsOf(value)) {
+            const bool isPadded = !text.empty() && (text.front() == ' ' || text.back() == ' ');
+            const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t'; };
+            const bool isControlled = std::any_of(text.begin(), text.end(), isControl);
+            if (isPadded)
+                fGroups.Add("R09", instance, declaration.GetName(), "blanks stand around the text", "remove them");
+            if (isControlled)
+                fGroups.Add("R09", instance, declaration.GetName(), "the text has control characters", "remove them");
+        }
+    }
+
+    TGroups fGroups;
+    const TCollected fCollected;
+};
+
+const TCIMInstance* FindState(const TCIMClass& cls, const TContainer& container) {
+    for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
+        if (TextOf(*state, "Name") == cls.GetName()) return state;
+    return nullptr;
+}
+
+TStoredOutcome StateOf(const TCIMClass& cls, const TContainer& container) {
+    const TCIMInstance* const state = FindState(cls, container);
+    return state == nullptr ? TStoredOutcome() : OutcomeOf(*state);
+}
+
+// An association has none where one of its ends has none.
+bool IsSilentlyEmpty(const TCIMClass& cls, const TStoredOutcome& outcome, const TContainer& container) {
+    if (outcome.state != eComplete || cls.IsAssociation() || !cls.EnumerateInstances(false).empty()) return false;
+    const TCIMInstance* const state = FindState(cls, container);
+    return state != nullptr && TextsOf(*state, "LogLines").empty() && TextsOf(*state, "MissingSources").empty();
+}
+
+std::map<std::string, const TCIMInstance*> InstancesByPath(const TCIMClass& cls) {
+    std::map<std::string, const TCIMInstance*> instances;
+    for (const TCIMInstance* instance : cls.EnumerateInstances(false))
+        instances.emplace(instance->BuildPath().GetPath(), instance);
+    return instances;
+}
+
+void CompareInstances(const TCIMInstance& first, const TCIMInstance& second, TGroups& groups) {
+    for (const TCIMProperty* property : first.EnumerateProperties()) {
+        const TCIMPropertyDecl& declaration = property->GetDeclaration();
+        const TCIMProperty* const other = second.FindProperty(property->GetName());
+        if (other == nullptr || IsVolatile(declaration) || IsCompanion(declaration) ||
+            RawText(property->GetValue()) == RawText(other->GetValue()))
+            continue;
+        groups.Add("R10", first, property->GetName(), "a second run gave another value, and it is not Volatile",
+                   "add the qualifier Volatile, or report what stays the same");
+    }
+}
+
+}  // namespace
+
+void CheckInstances(const TReported& reported, TFindings& findings) { const TInstanceCheck check(reported, findings); }
+
+void CheckOutcomes(const TReported& reported, TFindings& findings) {
+    std::vector<std::string> empty;
+    for (const TCIMClass* cls : reported.classes) {
+        const TStoredOutcome outcome = StateOf(*cls, reported.container);
+        if (outcome.state == eFailed || outcome.state == eTimedOut || outcome.state == eRefused)
+            findings.Add("R01", {reported.file, 0, cls->GetName()},
+                         cls->GetName() + " could not be collected: " + outcome.text, "mend what it names");
+        else if (IsSilentlyEmpty(*cls, outcome, reported.container))
+            empty.push_back(cls->GetName());
+    }
+    if (!empty.empty())
+        findings.Add("R03", {reported.file, 0, empty.size() == 1 ? empty.front() : ""},
+                     "no instance of " + Join(empty) + ", and no log line says why",
+                     "report what this machine has; if a source cannot be read, report a MOLTA_MissingSource");
+}
+
+void CompareRuns(const TReported& reported, const TContainer& second, TFindings& findings) {
+    TGroups groups(reported, findings);
+    for (const TCIMClass* cls : reported.classes) {
+        const TCIMClass* const other = FindClassNamed(second, cls->GetName());
+        if (other == nullptr) continue;
+        auto there = InstancesByPath(*other);
+        for (const auto& [path, instance] : InstancesByPath(*cls)) {
+            const auto same = there.find(path);
+            if (same == there.end())
+                groups.Add("R10", *instance, "", "a second run does not report the instance",
+                           "choose keys that stay the same");
+            else
+                CompareInstances(*instance, *same->second, groups);
+        }
+    }
+    groups.AddFindings();
+}

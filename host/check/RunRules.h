@@ -1,0 +1,26 @@
+#ifndef KYR_HOST_CHECK_RUNRULES_H
+#define KYR_HOST_CHECK_RUNRULES_H
+
+#include <string>
+#include <vector>
+
+#include "check/Findings.h"
+
+class TCIMClass;
+class TContainer;
+
+/// What is reported as what: the classes that are looked at, and the file that findings are about.
+struct TReported {
+    const TContainer& container;
+    std::vector<TCIMClass*> classes;
+    std::string file;
+};
+
+/// The rules about instances: R04 to R09.
+void CheckInstances(const TReported& reported, TFindings& findings);
+/// What became of the classes while they were collected: R01 and R03.
+void CheckOutcomes(const TReported& reported, TFindings& findings);
+/// What differs in a second run: R10.
+void CompareRuns(const TReported& reported, const TContainer& second, TFindings& findings);
+
+#endif

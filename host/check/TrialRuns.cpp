@@ -1,0 +1,133 @@
+#include "check/TrialRuns.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "base/ExitStatus.h"
+#include "check/RunRules.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TContainer.h"
+#include "model/ClassNames.h"
+#include "saved/SavedCollection.h"
+#include "states/StateInstances.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class TTemporaryFolder {
+public:
+    TTemporaryFolder() : fPath(fs::temp_directory_path() / "kyr-check-XXXXXX") {
+        std::string path = fPath.string();
+        if (mkdtemp(path.data()) == nullptr)
+            throw TCommandError(eExitNothing, "cannot make a folder in " + fPath.parent_path().string());
+        fPath = path;
+    }
+    ~TTemporaryFolder() {
+        std::error_code ignored;
+        fs::remove_all(fPath, ignored);
+    }
+    TTemporaryFolder(const TTemporaryFolder&) = delete;
+    TTemporaryFolder& operator=(const TTemporaryFolder&) = delete;
+
+    const fs::path& Path() const { return fPath; }
+
+private:
+    fs::path fPath;
+};
+
+// What it prints is not wanted: the file says all.
+void RunKyr(std::vector<std::string> arguments) {
+    std::vector<char*> words;
+    arguments.insert(arguments.begin(), "kyr");
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+    pid_t process = 0;
+    const int error = posix_spawn(&process, "/proc/self/exe", &actions, nullptr, words.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) throw TCommandError(eExitNothing, "cannot run kyr to try the plugins");
+    int status = 0;
+    waitpid(process, &status, 0);
+}
+
+fs::path PathOf(const std::string& library) { return fs::absolute(library).lexically_normal(); }
+
+/// Two runs of the plugins of libraries in one plugin folder.
+class TTrial {
+public:
+    TTrial(const std::vector<std::string>& libraries, const TCheckContext& context) : fContext(context) {
+        fs::create_directory(fFolder.Path() / "plugins");
+        for (const std::string& library : libraries) Link(PathOf(library).parent_path());
+        if (!context.plugins.empty()) LinkAll(context.plugins);
+        for (const auto& container : {fFirst.get(), fSecond.get()}) Collect(*container);
+    }
+
+    void Check(const std::string& library, TFindings& findings) const {
+        const fs::path path = PathOf(library);
+        const std::string name = "./" + (path.parent_path().filename() / path.filename()).string();
+        const TReported reported{*fFirst, ClassesOf(name), library};
+        CheckOutcomes(reported, findings);
+        CheckInstances(reported, findings);
+        CompareRuns(reported, *fSecond, findings);
+    }
+
+private:
+    // The first of two plugins whose folders have one name counts.
+    void Link(const fs::path& plugin) {
+        std::error_code ignored;
+        fs::create_directory_symlink(plugin, fFolder.Path() / "plugins" / plugin.filename(), ignored);
+    }
+
+    void LinkAll(const fs::path& plugins) {
+        std::error_code error, ignored;
+        for (const fs::directory_entry& entry : fs::directory_iterator(plugins, error))
+            if (entry.is_directory(ignored)) Link(fs::absolute(entry.path()));
+    }
+
+    void Collect(TContainer& container) const {
+        const std::string file = (fFolder.Path() / "collection.xml").string();
+        RunKyr({"collect", "--plugins", (fFolder.Path() / "plugins").string(), "--schema", fContext.schema, "--timeout",
+                "10", "-o", file});
+        ReadCollection(file, container);
+    }
+
+    std::vector<TCIMClass*> ClassesOf(const std::string& library) const {
+        std::set<std::string> plugins;
+        for (const TCIMInstance* state : StatesOf(*fFirst, kCollectedPluginClass))
+            if (TextOf(*state, "Library") == library) plugins.insert(TextOf(*state, "Name"));
+        std::vector<TCIMClass*> classes;
+        for (const TCIMInstance* state : StatesOf(*fFirst, kCollectedClassClass))
+            if (plugins.count(TextOf(*state, "Plugin")) != 0)
+                if (TCIMClass* const cls = FindClassNamed(*fFirst, TextOf(*state, "Name"))) classes.push_back(cls);
+        return classes;
+    }
+
+    const TCheckContext& fContext;
+    const TTemporaryFolder fFolder;
+    const std::unique_ptr<TContainer> fFirst = std::make_unique<TContainer>();
+    const std::unique_ptr<TContainer> fSecond = std::make_unique<TContainer>();
+};
+
+}  // namespace
+
+void CheckRuns(const std::vector<std::string>& libraries, const TCheckContext& context, TFindings& findings) {
+    std::map<std::string, std::vector<std::string>> folders;
+    for (const std::string& library : libraries)
+        folders[PathOf(library).parent_path().parent_path().string()].push_back(library);
+    for (const auto& [plugins, ofFolder] : folders) {
+        const TTrial trial(ofFolder, context);
+        for (const std::string& library : ofFolder) trial.Check(library, findings);
+    }
+}
