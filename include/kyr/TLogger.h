@@ -1,7 +1,6 @@
 #ifndef TLOGGER_H
 #define TLOGGER_H
 
-#include <atomic>
 #include <fstream>
 
 #include "kyr/ILogger.h"
@@ -39,8 +38,8 @@ private:
 
     static TLogger* fgInstance;
 
-    std::atomic<kyrLogSeverity> fThreshold;
-    std::string fFilename;  // empty: no file
+    kyrLogSeverity fThreshold;  // read and written atomically
+    std::string fFilename;      // empty: no file
     std::ofstream fStream;
     std::list<TLogEntry> fLog;
 };

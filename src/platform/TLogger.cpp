@@ -18,6 +18,13 @@ constexpr const char* kTags[] = {"[Error] ", "[Warning] ", "[Status] ", "[Debug]
 std::mutex gMutex;
 using TLock = std::lock_guard<std::mutex>;
 
+// The field is no std::atomic, because programs of the first release know it as a plain one.
+kyrLogSeverity Load(const kyrLogSeverity& threshold) {
+    kyrLogSeverity severity = kyrLogError;
+    __atomic_load(&threshold, &severity, __ATOMIC_RELAXED);
+    return severity;
+}
+
 std::string Source(const IPlugin* plugin) { return plugin ? plugin->GetCallbacks()->GetName() + ": " : "Core: "; }
 
 const char* Tag(kyrLogSeverity severity) {
@@ -60,14 +67,14 @@ TLogger::~TLogger() {
 }
 
 void TLogger::OutputLogEntry(const IPlugin* plugin, kyrLogSeverity severity, const std::string& text) {
-    if (severity > fThreshold && severity != kyrLogMemoryOnly) return;
+    if (severity > Load(fThreshold) && severity != kyrLogMemoryOnly) return;
     if (severity < kyrLogVerbose || severity == kyrLogMemoryOnly) Keep(plugin, severity, text);
     if (severity != kyrLogMemoryOnly) Print(plugin, severity, text);
 }
 
 void TLogger::OutputLogEntry(const IPlugin* plugin, kyrLogSeverity severity, const void* data, int length) {
     if (length > kMaxDataLength) return OutputLogEntry(nullptr, kyrLogError, "Too much data to log--10k limit!");
-    if (severity > fThreshold || severity == kyrLogMemoryOnly) return;
+    if (severity > Load(fThreshold) || severity == kyrLogMemoryOnly) return;
     const std::string text = Dump(data, length);
     if (severity < kyrLogVerbose) Keep(plugin, severity, text);
     Print(plugin, severity, text);
@@ -78,8 +85,8 @@ void TLogger::ClearLog() {
     const TLock lock(gMutex);
     fLog.clear();
 }
-void TLogger::SetLogThreshold(kyrLogSeverity severity) { fThreshold = severity; }
-kyrLogSeverity TLogger::GetLogThreshold() { return fThreshold; }
+void TLogger::SetLogThreshold(kyrLogSeverity severity) { __atomic_store(&fThreshold, &severity, __ATOMIC_RELAXED); }
+kyrLogSeverity TLogger::GetLogThreshold() { return Load(fThreshold); }
 
 void TLogger::SetLogFilename(std::string name) {
     const TLock lock(gMutex);
