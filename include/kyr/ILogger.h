@@ -45,6 +45,7 @@ public:
     virtual void ClearLog() = 0;
     /// Entries of a severity number above the threshold are dropped: neither kept nor printed.
     virtual void SetLogThreshold(kyrLogSeverity severity) = 0;
+    /// kyrLogStatus, until another one is set.
     virtual kyrLogSeverity GetLogThreshold() = 0;
     /// Opens the log file, emptying one that exists, and writes its opening line. Without a file nothing is printed.
     /// Raises kyrStatusAccessDenied or kyrStatusFileSystemError; lines that follow are then lost without a complaint.

@@ -111,9 +111,11 @@ public:
     std::vector<TCIMClass*> Associators(const std::string& assocClass, const std::string& resultClass,
                                         const std::string& role, const std::string& resultRole) const;
 
+    /// @{
     /// By name as written: case counts.
     bool operator==(const TCIMClass& other) const;
     bool operator<(const TCIMClass& other) const;
+    /// @}
 
     /// For the core, whose classes reach each other's internals through it.
     boost::shared_ptr<TCIMClassImpl> GetBody() const;

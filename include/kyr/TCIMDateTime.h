@@ -26,8 +26,11 @@ public:
                  unsigned int microSeconds);
     /// From the 25-character text form, as Set reads it. Implicit, so that a text may stand for a date-time.
     TCIMDateTime(const std::string& text);
+    /// @{
+    /// Copies all but the precision flag.
     TCIMDateTime(const TCIMDateTime& other);
     TCIMDateTime& operator=(const TCIMDateTime& other);
+    /// @}
     ~TCIMDateTime();
 
     /// A timestamp. The fields are stored as given, out of range or not: a month of 13 stays 13. Only a moment that
@@ -44,24 +47,32 @@ public:
     /// Makes it NULL. The getters go on giving the fields of before.
     void Clear();
 
+    /// True until it is set, and after Clear.
     bool IsNull() const;
     /// The kind that was set last, also after Clear.
     bool IsInterval() const;
+    /// @{
     /// The fields as they were stored, never normalised or shifted to another zone. None of the getters raises.
     unsigned short GetYear() const;
     unsigned short GetMonth() const;
+    /// @}
     /// Day of the month, or an interval's count of days.
     unsigned int GetDay() const;
+    /// @{
+    /// Of a timestamp or of an interval.
     unsigned short GetHour() const;
     unsigned short GetMinute() const;
     unsigned short GetSecond() const;
     unsigned int GetMicroSeconds() const;
+    /// @}
     /// Minutes east of Greenwich; without meaning for an interval.
     short GetUTCOffset() const;
+    /// @{
     /// True: ToUIString of a timestamp shows the date alone. Belongs to this one handle; copies start with false, and
     /// so does what a TCIMValue holds. The core never sets it.
     bool GetPrecision() const;
     void SetPrecision(bool dateOnly);
+    /// @}
 
     /// The 25-character form. Raises for NULL, as do the other two.
     std::string ToString() const;
@@ -72,10 +83,12 @@ public:
     /// timestamp.
     std::string ToAbbrUIString() const;
 
+    /// @{
     /// Comparing raises for NULL and for a timestamp against an interval. Timestamps compare as moments, their
     /// offsets counted in. Intervals compare by 32 bits of seconds, so that those over 49710 days wrap.
     bool operator==(const TCIMDateTime& other) const;
     bool operator<(const TCIMDateTime& other) const;
+    /// @}
     /// Two intervals give an interval; a timestamp and an interval, in either order, a timestamp with the offset of the
     /// first. Raises for NULL and for two timestamps. Works on standard time, without daylight saving: near a
     /// change of the clocks the result may be an hour off.

@@ -38,6 +38,7 @@ public:
     void AddToContainer() const override;
     /// Its class's.
     TContainer* GetContainer() const override;
+    /// The class that it was made for.
     TCIMClass* GetClass() const;
 
     /// The property itself, good for the life of the instance. Raises kyrStatusNotFound, as do the setters.
@@ -46,10 +47,12 @@ public:
     TCIMProperty* FindProperty(const std::string& name) const;
     /// Replaces the property of that name by a copy, its declaration and earlier value included.
     void SetProperty(const TCIMProperty& property);
+    /// @{
     /// See TCIMProperty::SetValue and SetPrevValue. A refusal leaves the instance as it was.
     void SetPropertyValue(const std::string& name, const TCIMValue& value);
     void SetPrevPropertyValue(const std::string& name, const TCIMValue& value);
     void SetPrevPropertyValue(const std::string& name);
+    /// @}
     /// In the order of the lower-cased names. The pointers stay good for the life of the instance.
     std::vector<const TCIMProperty*> EnumerateProperties() const;
     /// A reference to this instance, made from its present key values; without a container, so that its class cannot be

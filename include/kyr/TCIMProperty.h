@@ -17,17 +17,21 @@ public:
     TCIMProperty(const TCIMPropertyDecl& declaration);
     /// With a value, which SetValue may refuse.
     TCIMProperty(const TCIMPropertyDecl& declaration, const TCIMValue& value);
+    /// @{
     /// Own and earlier values are checked once more: a copy raises kyrStatusTypeMismatch if the declaration has been
     /// given another type since.
     TCIMProperty(const TCIMProperty& other);
     TCIMProperty& operator=(const TCIMProperty& other);
+    /// @}
     ~TCIMProperty();
 
+    /// @{
     /// Name, type and array-ness are the declaration's, and follow it when it changes.
     std::string GetName() const;
     TCIMValue::TCIMType GetType() const;
     bool IsArray() const;
     const TCIMPropertyDecl& GetDeclaration() const;
+    /// @}
 
     /// A copy of the own value, or of the declaration's default if there is none.
     TCIMValue GetValue() const;
@@ -47,10 +51,12 @@ public:
     /// True while the property has no value of its own.
     bool GetPropagated() const;
 
+    /// @{
     /// By declaration (that is by name, in any case) and own value: a value that equals the default is another than
     /// none, and none comes first in the order. Two arrays cannot be ordered: kyrStatusNotImplemented.
     bool operator==(const TCIMProperty& other) const;
     bool operator<(const TCIMProperty& other) const;
+    /// @}
 
     /// The value for people, by the qualifiers of its declaration. All of them are read anew at each call.
     ///  - Values and ValueMap: the word for a boolean or an unsigned number. A table that cannot be used is a line at
@@ -68,9 +74,11 @@ public:
     /// The same for each element of an array, and one text for a scalar, whose Values do not count here. A NULL array
     /// gives one text, that of NULLDISPLAY. (ToString shows an array in braces, without words and units.)
     std::vector<std::string> ToStringVector() const;
+    /// @{
     /// The same two for the earlier value.
     std::string PrevToString() const;
     std::vector<std::string> PrevToStringVector() const;
+    /// @}
 
     /// For the core. Belongs to this handle, and changes when it is assigned to.
     TCIMPropertyImpl* GetBody() const;

@@ -44,9 +44,11 @@ public:
     /// so that a value of another type makes properties that have a value unfit to be copied. A NULL without a type is
     /// refused with kyrStatusTypeMismatch, and the default is lost.
     void SetValue(const TCIMValue& value);
+    /// @{
     /// An array type has TCIMValue::TCIMType::eCIMArrayFlag set.
     TCIMValue::TCIMType GetType() const;
     bool IsArray() const;
+    /// @}
     /// The class that the declaration was made for, whichever classes share it.
     TCIMClass* GetClass() const;
 
@@ -58,9 +60,11 @@ public:
     /// Null if there is none.
     TCIMQualifier* FindQualifier(const std::string& name) const;
 
+    /// @{
     /// By name, without regard to case, and by nothing else. A malformed name raises kyrStatusInvalidCIMName.
     bool operator==(const TCIMPropertyDecl& other) const;
     bool operator<(const TCIMPropertyDecl& other) const;
+    /// @}
 
     /// For the core, whose classes reach each other's internals through it.
     boost::shared_ptr<TCIMPropertyDeclImpl> GetBody() const;

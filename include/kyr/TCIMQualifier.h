@@ -26,16 +26,22 @@ public:
 
     /// The declaration's name, as written.
     const std::string& GetName() const;
+    /// @{
     /// Those of the qualifier's own value, which may differ from the declaration's.
     TCIMValue::TCIMType GetType() const;
     bool IsArray() const;
+    /// @}
+    /// The one that it was made from.
     const TCIMQualifierDecl& GetDeclaration() const;
     /// A copy.
     TCIMValue GetValue() const;
+    /// Its own, which may differ from that of its declaration.
     TCIMQualifierDecl::EFlavor GetFlavor() const;
+    /// @{
     /// True while the qualifier is as a subclass inherited it. It plays no part in what may be replaced.
     bool GetPropagated() const;
     void SetPropagated(bool propagated);
+    /// @}
     /// As TCIMValue::Set. Like the two below, it marks the qualifier as no longer inherited.
     void SetValue(const TCIMValue& value);
     /// Adds bits. What a subclass inherited before keeps the flavor that it was copied with.
@@ -43,9 +49,11 @@ public:
     /// Takes bits away.
     void UnsetFlavor(TCIMQualifierDecl::EFlavor flavor);
 
+    /// @{
     /// By the declarations' names, without regard to case; the values play no part.
     bool operator==(const TCIMQualifier& other) const;
     bool operator<(const TCIMQualifier& other) const;
+    /// @}
 
     /// For the core, whose classes reach each other's internals through it.
     boost::shared_ptr<TCIMQualifierImpl> GetBody() const;

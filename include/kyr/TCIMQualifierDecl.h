@@ -55,25 +55,31 @@ public:
     const std::string& GetName() const;
     /// Changes the text alone: a container goes on finding the declaration under the name that it was added with.
     void SetName(const std::string& name);
+    /// @{
     /// Those of the default value.
     TCIMValue::TCIMType GetType() const;
     bool IsArray() const;
+    /// @}
     /// A copy of the default.
     TCIMValue GetValue() const;
     /// As TCIMValue::Set, for the default alone: qualifiers have values of their own.
     void SetValue(const TCIMValue& value);
     /// The container that the declaration was made for, also before it has been added.
     TContainer* GetContainer() const;
+    /// The scope that it was made with.
     EScope GetScope() const;
+    /// The flavor of the qualifiers that are made from now on.
     EFlavor GetFlavor() const;
     /// Adds bits, for qualifiers that are made from now on.
     void SetFlavor(EFlavor flavor);
     /// Takes bits away.
     void UnsetFlavor(EFlavor flavor);
 
+    /// @{
     /// By name, without regard to case, and by nothing else. A malformed name raises kyrStatusInvalidCIMName.
     bool operator==(const TCIMQualifierDecl& other) const;
     bool operator<(const TCIMQualifierDecl& other) const;
+    /// @}
 
     /// For the core, whose classes reach each other's internals through it.
     boost::shared_ptr<TCIMQualifierDeclImpl> GetBody() const;
@@ -84,8 +90,9 @@ private:
     boost::shared_ptr<TCIMQualifierDeclImpl> fBody;
 };
 
-// Sets of bits are made and cut with these; without them the result would be an integer, which no operation takes.
-
+/// @relates TCIMQualifierDecl
+/// @{
+/// Makes and cuts sets of bits; without it the result would be an integer, which no operation takes.
 constexpr TCIMQualifierDecl::EFlavor operator|(TCIMQualifierDecl::EFlavor a, TCIMQualifierDecl::EFlavor b) {
     return static_cast<TCIMQualifierDecl::EFlavor>(static_cast<unsigned int>(a) | static_cast<unsigned int>(b));
 }
@@ -104,5 +111,6 @@ constexpr TCIMQualifierDecl::EScope operator&(TCIMQualifierDecl::EScope a, TCIMQ
 constexpr TCIMQualifierDecl::EScope operator~(TCIMQualifierDecl::EScope a) {
     return static_cast<TCIMQualifierDecl::EScope>(~static_cast<unsigned int>(a));
 }
+/// @}
 
 #endif

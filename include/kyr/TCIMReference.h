@@ -20,9 +20,11 @@ public:
     TCIMReference(const TContainer* container);
     /// Object paths are not read: raises what SetPath raises.
     TCIMReference(const TContainer* container, const std::string& path);
+    /// @{
     /// Takes over what GetCIMElement has found, too.
     TCIMReference(const TCIMReference& other);
     TCIMReference& operator=(const TCIMReference& other);
+    /// @}
     ~TCIMReference();
 
     /// Leaves class and keys alone, even if they are another container's.

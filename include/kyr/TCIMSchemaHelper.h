@@ -15,10 +15,13 @@ public:
     static const std::string kSystemCreationClassName;           ///< "MOLTA_ComputerSystem"
     static const std::string kOperatingSystemCreationClassName;  ///< "MOLTA_OperatingSystem"
 
+    /// @{
     /// The constants above; the container is not looked at.
     static std::string GetSystemCreationClassName(TContainer* container);
     static std::string GetOperatingSystemCreationClassName(TContainer* container);
+    /// @}
 
+    /// @{
     /// One property of the one instance of a class: Name and ProductName of the computer system, Name, Version and
     /// OSType of the operating system, Version of the product. kyrStatusNotFound unless there is exactly one instance
     /// with that property, kyrStatusValueIsNULL, kyrStatusTypeMismatch. None of these is logged.
@@ -28,6 +31,7 @@ public:
     static std::string GetOperatingSystemVersion(TContainer* container);
     static unsigned short GetOperatingSystemType(TContainer* container);
     static std::string GetDataSourceVersion(TContainer* container);
+    /// @}
 
     /// The first four characters are letters or digits; what follows does not count.
     static bool IsValidMachineType(const std::string& text);

@@ -47,13 +47,18 @@ public:
             eCIMArrayFlag = 16
         };
 
+        /// From one of the numbers above, or an array's.
         TCIMType(ECIMType type) : fType(type) {}
         /// From the name of a CIM type in any case, as documents have it in their TYPE attributes. "char" and
         /// "reference" are not taken, and no array has a name: kyrStatusTypeMismatch, as for every unknown word.
         TCIMType(std::string name);
+        /// @{
+        /// A copy has the same number.
         TCIMType(const TCIMType&) = default;
         TCIMType& operator=(const TCIMType&) = default;
+        /// @}
 
+        /// The number.
         operator ECIMType() const { return fType; }
         /// The name in small letters; an array's is its element's. Raises kyrStatusTypeMismatch for a number without
         /// one, eCIMNone among them.
@@ -67,6 +72,7 @@ public:
     TCIMValue();
     /// A NULL of type char cannot be copied: kyrStatusTypeMismatch.
     TCIMValue(const TCIMValue& other);
+    /// @{
     /// Integers become the CIM type of their width and sign; unsigned long is uint64, and long is sint64. A plain char
     /// becomes a sint32, and a long long does not compile: cast them.
     TCIMValue(bool value);
@@ -81,6 +87,7 @@ public:
     TCIMValue(float value);
     TCIMValue(double value);
     TCIMValue(const std::string& value);
+    /// @}
     /// Up to the terminating NUL; the pointer must not be null.
     TCIMValue(const char* value);
     /// A date-time that is itself NULL makes a value that is not, and that raises when it is printed.
@@ -110,6 +117,7 @@ public:
     /// As Set(const TCIMValue&), which may do nothing, and may raise.
     TCIMValue& operator=(const TCIMValue& other);
 
+    /// @{
     /// The typed forms make the value one of that type; referenced class and array size stay what they were.
     void Set(bool value);
     void Set(unsigned char value);
@@ -126,6 +134,7 @@ public:
     void Set(const char* value);
     void Set(const TCIMDateTime& value);
     void Set(const TCIMReference& value);
+    /// @}
     /// As the constructor. The elements are installed before they are checked: after kyrStatusInvalidProperty the value
     /// has them, as hosts in the field expect. They may be the value's own.
     void Set(TCIMType type, unsigned int maxArraySize, const std::vector<TCIMValue>& elements);
@@ -142,6 +151,7 @@ public:
     bool IsNull() const { return fBody == nullptr; }
     /// A NULL has a type too, unless it was made without one.
     TCIMType GetType() const { return fType; }
+    /// True for an array, NULL or not.
     bool IsArray() const { return (fType & TCIMType::eCIMArrayFlag) != 0; }
     /// True for a scalar reference, NULL or not; false for an array of them.
     bool IsReference() const { return fType == TCIMType::eCIMReference; }
@@ -153,6 +163,7 @@ public:
     /// there is a value.
     void SetReferencedClass(TCIMClass& cls);
 
+    /// @{
     /// Each raises kyrStatusValueIsNULL for NULL and kyrStatusTypeMismatch for any type but its own: a uint8 does not
     /// read as an unsigned int, nor a number as a text. ToString prints any type.
     operator bool() const;
@@ -169,6 +180,7 @@ public:
     operator std::string() const;
     operator TCIMDateTime() const;
     operator TCIMReference() const;
+    /// @}
     /// The array's own vector, not a copy: good until the value is set or destroyed. What is put in it is not checked,
     /// and changes the array although the value is constant.
     operator std::vector<TCIMValue>&() const;
@@ -180,10 +192,13 @@ public:
     /// kyrStatusValueIsNULL. TCIMProperty::ToString is for people.
     std::string ToString(unsigned char base) const;
 
+    /// @{
     /// Values of unlike types are unequal, and a NaN equals nothing. NULL references must agree in the referenced
     /// class, NULL arrays in their size. A timestamp and an interval raise kyrStatusInvalidDateTime.
     bool operator==(const TCIMValue& other) const;
     bool operator!=(const TCIMValue& other) const;
+    /// @}
+    /// @{
     /// NULL first, then by type number, then by value, texts by their bytes; two arrays of one type raise
     /// kyrStatusNotImplemented. Two NULLs of unlike types are each greater than the other, since the four are built on
     /// == and <: do not sort values of mixed types.
@@ -191,6 +206,7 @@ public:
     bool operator>(const TCIMValue& other) const;
     bool operator>=(const TCIMValue& other) const;
     bool operator<=(const TCIMValue& other) const;
+    /// @}
 
 private:
     friend class TCIMValueTransfer;  // the core's own moves
@@ -201,6 +217,7 @@ private:
     TCIMClass* fReferencedClass;  // not owned
 };
 
+/// @relates TCIMValue
 /// Writes TCIMType::ToString, and raises as it does. Values themselves have no such operator.
 KYR_API std::ostream& operator<<(std::ostream& stream, const TCIMValue::TCIMType& type);
 

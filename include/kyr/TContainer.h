@@ -27,6 +27,7 @@ public:
     /// Destroys classes, instances and declarations; pointers to them that were handed out dangle.
     virtual ~TContainer();
 
+    /// @{
     /// The hooks through which a derived container makes objects of its own; documents and plugins make theirs through
     /// them too. The root class is made without them. What they return is the caller's until it is added, and to be
     /// deleted if it is not. With a null superclass, the class stands at the top of the tree and inherits nothing.
@@ -35,6 +36,7 @@ public:
     virtual TCIMQualifierDecl* AllocateQualifierDecl(const std::string& name, const TCIMValue& value,
                                                      TCIMQualifierDecl::EScope scope,
                                                      TCIMQualifierDecl::EFlavor flavor) const;
+    /// @}
 
     /// Enters a class made with new, and owns it, but does not enter it with its superclass or its associations: hosts
     /// use TCIMClass::AddToContainer, which does. kyrStatusAlreadyExists, with a line at kyrLogDebug, leaves the class
@@ -82,13 +84,16 @@ public:
     /// list of differences. There is no way back; call it before the container is filled. Hosts link to the odd name,
     /// so it stays.
     void hackhack_TurnIntoADiffContainer();
+    /// True once it was made one.
     bool isDiffContainer() const;
+    /// @{
     /// The list of the instances that changed. What goes in it is the host's affair: the core neither compares
     /// collections nor takes an instance out when it is removed. The instances stay their classes'. Each of the three
     /// raises kyrStatusNotSupported in an ordinary container, hasDifferences too, with a line in the log.
     void setDiffInstances(std::vector<TCIMInstance*> instances);
     std::vector<TCIMInstance*> getDiffInstances() const;
     bool hasDifferences() const;
+    /// @}
 
     /// For the core, whose classes reach each other's internals through it.
     boost::shared_ptr<TContainerImpl> GetBody() const;

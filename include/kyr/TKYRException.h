@@ -12,9 +12,13 @@
 /// It crosses the library's border: catch it by reference, and build with exceptions and run-time type information.
 class KYR_API TKYRException : public std::exception {
 public:
+    /// With the code, and with no text of its own.
     explicit TKYRException(kyrStatusCode code) : fCode(code) {}
+    /// @{
+    /// A copy has the same code.
     TKYRException(const TKYRException&) = default;
     TKYRException& operator=(const TKYRException&) = default;
+    /// @}
     ~TKYRException() override;
 
     /// The code's text, as kyrTranslateStatusCode gives it: static, never to be freed.

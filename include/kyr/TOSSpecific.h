@@ -28,6 +28,7 @@ public:
     /// One level, with mode 0777 less the umask. kyrStatusDirectoryAlreadyExists, kyrStatusAccessDenied (a read-only
     /// file system too), kyrStatusFileSystemError.
     static void CreateDir(std::string path);
+    /// True for a directory, or a symbolic link to one.
     static bool DirExists(std::string path);
     /// True for anything that exists and is no directory.
     static bool FileExists(std::string path);

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * What is exported from the shared library, everything else being hidden; and the interface's integer types. A class
  * that hosts derive from, catch or cast to must be marked whole, so that all of them share its type information.
  * Valid C99 and C++.
@@ -8,6 +9,7 @@
 
 #include <stdint.h>
 
+/** Marks what is exported. */
 #define KYR_API __attribute__((visibility("default")))
 
 #endif

@@ -1,4 +1,5 @@
-/*
+/**
+ * @file
  * Status codes: the one language in which the core and its plugins tell success and failure. C calls return them;
  * inside the core and for C++ hosts they travel in a TKYRException. Details stand in the log. Valid C99 and C++.
  */
@@ -9,7 +10,7 @@
 
 #include "kyr/kyrExport.h"
 
-/*
+/**
  * The one list of codes. The enumeration and the table of texts are both made from it, so they cannot drift
  * apart. The numbers are part of the plugin interface: entries are never moved, and those that the core itself
  * never raises stay, since a plugin may return them. What the others mean, where the core raises them:
@@ -90,7 +91,7 @@
     X(kyrStatusContainerMismatch, 37)             \
     X(kyrStatusEnd, 38) /* the end marker, an ordinary entry of the table */
 
-/*
+/**
  * In C++ the underlying type is fixed: a plugin may return any int, and that must stay a defined value. The core hands
  * such a number on as it is.
  */
@@ -109,10 +110,10 @@ extern "C" {
 } kyrStatusCode;
 #endif
 
-/* One text for each code, indexed by it: the enumerator's own name. 39 entries, no sentinel. */
+/** One text for each code, indexed by it: the enumerator's own name. 39 entries, no sentinel. */
 extern KYR_API const char* const kKYRErrorMessages[39];
 
-/*
+/**
  * The text of a code: a pointer into kKYRErrorMessages, static, never to be freed. A code that is not of the
  * enumeration, such as a plugin may return, gives the text of kyrStatusEnd.
  */
