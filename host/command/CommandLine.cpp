@@ -9,6 +9,7 @@
 
 #include "base/NearMatches.h"
 #include "command/Command.h"
+#include "command/Manual.h"
 
 namespace {
 
@@ -151,12 +152,20 @@ EExit Print(std::string text, TOutput& output) {
     return eExitComplete;
 }
 
+// What the build calls, and no help tells of: "__manual FOLDER DATE".
+bool RunHidden(const CLI::App& app, const std::vector<std::string>& words) {
+    if (words.size() != 3 || words[0] != "__manual") return false;
+    WriteManual(app, words[1], words[2]);
+    return true;
+}
+
 EExit Run(int argc, char** argv, TOutput& output) {
     CLI::App app("Tells what this machine is, as its plugins see it.", "kyr");
     app.set_version_flag("-V,--version", kVersionText);
     app.footer(kExitStatusText);
     app.allow_extras();
     const TCommands commands = MakeCommands(app);
+    if (RunHidden(app, {argv + std::min(argc, 1), argv + argc})) return eExitComplete;
     try {
         Parse(app, ArgumentsFor(app, argc, argv));
     } catch (const CLI::CallForHelp&) {

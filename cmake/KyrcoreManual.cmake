@@ -1,0 +1,14 @@
+# The manual. kyr writes section 1 from its help; the other sections are in man/.
+include(GNUInstallDirs)
+# SOURCE_DATE_EPOCH, which packages set, makes it the date of the sources.
+string(TIMESTAMP KYRCORE_MANUAL_DATE "%B %d, %Y" UTC)
+set(manual ${PROJECT_BINARY_DIR}/man)
+file(MAKE_DIRECTORY ${manual}/man1)
+foreach(page kyr-collection.5 kyr-json.5 kyr-exit-status.7 kyr-plugin.7)
+  string(REGEX MATCH "[57]$" section ${page})
+  configure_file(${PROJECT_SOURCE_DIR}/man/${page}.in ${manual}/man${section}/${page} @ONLY)
+endforeach()
+add_custom_command(OUTPUT ${manual}/man1/kyr.1 DEPENDS kyr VERBATIM
+  COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=0 $<TARGET_FILE:kyr> __manual ${manual}/man1 ${KYRCORE_MANUAL_DATE})
+add_custom_target(manual ALL DEPENDS ${manual}/man1/kyr.1)
+install(DIRECTORY ${manual}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT kyr)
