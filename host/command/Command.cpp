@@ -10,7 +10,9 @@
 #include "base/Locations.h"
 #include "base/NearMatches.h"
 #include "base/Text.h"
+#include "inventory/Inventory.h"
 #include "model/Needs.h"
+#include "model/SpokenNames.h"
 
 namespace {
 
@@ -113,6 +115,12 @@ void TCommand::ResolvePaths() {
     if (fSession.schema.empty()) fSession.schema = FindDefaultSchema();
     RequireLocation(fSession.plugins, "--plugins");
     RequireLocation(fSession.schema, "--schema");
+}
+
+std::vector<std::string> TCommand::ClassNamesFor(const std::string& start) {
+    ResolvePaths();
+    const TInventory inventory(fSession);
+    return NamesLike(inventory.Container(), start);
 }
 
 CLI::Option* TCommand::AddFile() {

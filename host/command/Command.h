@@ -34,6 +34,8 @@ public:
     virtual void ResolvePaths();
     /// Runs the command with the parsed options and returns the exit status. Raises TCommandError.
     virtual EExit Run(TOutput& output) = 0;
+    /// The names of classes that a name may be the start of, from the documents of the plugins; none is loaded.
+    std::vector<std::string> ClassNamesFor(const std::string& start);
 
 protected:
     /// Declares the options that all commands have.
@@ -61,6 +63,8 @@ protected:
     bool fJson = false;
     bool fPages = true;  // texts go to a pager
 };
+
+using TCommands = std::vector<std::unique_ptr<TCommand>>;
 
 /// A check for options that name a file: refuses an empty name, as a script with an unset variable gives it. Otherwise
 /// the command would read this machine, or write to standard output, in place of the file.

@@ -9,13 +9,12 @@
 
 #include "base/NearMatches.h"
 #include "command/Command.h"
+#include "command/Completion.h"
 #include "command/Manual.h"
 
 namespace {
 
 constexpr const char* kVersionText = "kyr " KYRCORE_VERSION;
-
-using TCommands = std::vector<std::unique_ptr<TCommand>>;
 
 [[noreturn]] void RefuseUse(const CLI::App& app, const std::string& text) {
     const std::string command = app.get_parent() == nullptr ? "kyr" : "kyr " + app.get_name();
@@ -152,10 +151,14 @@ EExit Print(std::string text, TOutput& output) {
     return eExitComplete;
 }
 
-// What the build calls, and no help tells of: "__manual FOLDER DATE".
-bool RunHidden(const CLI::App& app, const std::vector<std::string>& words) {
-    if (words.size() != 3 || words[0] != "__manual") return false;
-    WriteManual(app, words[1], words[2]);
+// What the build and the shells call, and no help tells of: "__manual FOLDER DATE" and "__complete WORD...".
+bool RunHidden(const CLI::App& app, const TCommands& commands, const std::vector<std::string>& words, TOutput& output) {
+    if (words.size() == 3 && words[0] == "__manual")
+        WriteManual(app, words[1], words[2]);
+    else if (!words.empty() && words[0] == "__complete")
+        WriteCompletions(app, commands, {words.begin() + 1, words.end()}, output);
+    else
+        return false;
     return true;
 }
 
@@ -165,7 +168,7 @@ EExit Run(int argc, char** argv, TOutput& output) {
     app.footer(kExitStatusText);
     app.allow_extras();
     const TCommands commands = MakeCommands(app);
-    if (RunHidden(app, {argv + std::min(argc, 1), argv + argc})) return eExitComplete;
+    if (RunHidden(app, commands, {argv + std::min(argc, 1), argv + argc}, output)) return eExitComplete;
     try {
         Parse(app, ArgumentsFor(app, argc, argv));
     } catch (const CLI::CallForHelp&) {
