@@ -25,8 +25,8 @@ struct TTarget {
 
 /// What is known beside the file that is checked.
 struct TCheckContext {
-    std::string schema;   ///< the base document
-    std::string plugins;  ///< the plugin folder, whose documents are known too; empty: none
+    std::string schema;                     ///< the base document
+    std::vector<std::string> plugins = {};  ///< plugin folders, whose documents are known too
 };
 
 /// The files that an argument stands for. Raises TCommandError with eExitNothing if there are none.

@@ -62,7 +62,7 @@ public:
         fNames.insert(fs::path(checked).filename().string());
         Add(context.schema);
         if (IsOfPlugin(checked)) AddAll(fs::absolute(checked).parent_path().parent_path());
-        if (!context.plugins.empty()) AddAll(context.plugins);
+        for (const std::string& folder : context.plugins) AddAll(folder);
     }
 
     void AddTo(TKnownSchema& known) const {

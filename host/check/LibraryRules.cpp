@@ -197,6 +197,6 @@ private:
 void CheckLibrary(const std::string& path, TFindings& findings) { TLibraryCheck(path, findings).Check(); }
 
 void CheckFolder(const std::string& path, TFindings& findings) {
-    for (const TMisplacement& found : FindMisplaced(path, false))
+    for (const TMisplacement& found : FindMisplaced(path))
         findings.Add(found.rule, {found.path}, found.text, found.remedy);
 }

@@ -67,14 +67,14 @@ TMisplacement WrongEnding(const std::string& path, const std::string& right) {
 
 class TMisplaced {
 public:
-    TMisplaced(const fs::path& folder, bool isPluginFolder) : fFolder(folder) {
+    explicit TMisplaced(const fs::path& folder) : fFolder(folder) {
         AddFiles(folder, 0, fFiles);
         std::sort(fFiles.begin(), fFiles.end(), [](const auto& a, const auto& b) { return a.path < b.path; });
         const auto isIn = [this](int depth) {
             return std::any_of(fFiles.begin(), fFiles.end(),
                                [=](const auto& file) { return file.depth == depth && IsPluginLibrary(file.path); });
         };
-        fTop = isPluginFolder || isIn(1) || !isIn(0) ? 1 : 0;
+        fTop = isIn(1) || !isIn(0) ? 1 : 0;
     }
 
     std::vector<TMisplacement> Find() const {
@@ -128,6 +128,4 @@ std::vector<TMisplacement> FindMisnaming(const std::string& library) {
     return found;
 }
 
-std::vector<TMisplacement> FindMisplaced(const std::string& folder, bool isPluginFolder) {
-    return TMisplaced(folder, isPluginFolder).Find();
-}
+std::vector<TMisplacement> FindMisplaced(const std::string& folder) { return TMisplaced(folder).Find(); }

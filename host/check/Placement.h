@@ -15,7 +15,7 @@ struct TMisplacement {
 /// What is wrong with the name of the library or of its folder: L04, L10 and L11.
 std::vector<TMisplacement> FindMisnaming(const std::string& library);
 /// The libraries below the folder where no host looks for them, and those with the wrong ending: L09 and L10. The
-/// folder is a plugin folder, or if that is not sure the folder of one plugin.
-std::vector<TMisplacement> FindMisplaced(const std::string& folder, bool isPluginFolder);
+/// folder is a plugin folder, or if that cannot be the folder of one plugin.
+std::vector<TMisplacement> FindMisplaced(const std::string& folder);
 
 #endif

@@ -172,7 +172,7 @@ private:
     }
 
     void CheckNull(const TCIMInstance& instance, const TCIMPropertyDecl& declaration, const TProvenance& provenance) {
-        const std::string name = declaration.GetName();
+        const std::string& name = declaration.GetName();
         if (IsCompanion(declaration) || !provenance.AbsenceOf(name).empty() || !NullMeaningOf(declaration).empty())
             return;
         fGroups.Add("R04", instance, name, "it is NULL, and nothing says why",

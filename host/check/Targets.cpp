@@ -64,7 +64,7 @@ std::vector<TTarget> FindTargets(const std::string& path) {
     if (!fs::is_directory(status)) RaiseUnreadable(path, "is neither a file nor a folder");
     std::vector<TTarget> targets;
     AddTargets(path, true, targets);
-    if (targets.empty() && FindMisplaced(path, false).empty())
+    if (targets.empty() && FindMisplaced(path).empty())
         RaiseUnreadable(path, "neither a document (NAME.properties.xml) nor a library (libNAME.pi.so) is in it");
     targets.push_back({TTarget::eFolder, path});
     std::sort(targets.begin(), targets.end(), [](const TTarget& a, const TTarget& b) { return a.path < b.path; });

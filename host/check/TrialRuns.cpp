@@ -47,6 +47,7 @@ private:
 // What it prints is not wanted: the file says all.
 void RunKyr(std::vector<std::string> arguments) {
     std::vector<char*> words;
+    words.reserve(arguments.size() + 2);
     arguments.insert(arguments.begin(), "kyr");
     for (std::string& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
@@ -70,7 +71,7 @@ public:
     TTrial(const std::vector<std::string>& libraries, const TCheckContext& context) : fContext(context) {
         fs::create_directory(fFolder.Path() / "plugins");
         for (const std::string& library : libraries) Link(PathOf(library).parent_path());
-        if (!context.plugins.empty()) LinkAll(context.plugins);
+        for (const std::string& folder : context.plugins) LinkAll(folder);
         for (const auto& container : {fFirst.get(), fSecond.get()}) Collect(*container);
     }
 

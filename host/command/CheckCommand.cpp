@@ -52,7 +52,7 @@ public:
 
     // Nothing is collected, so the current folder stays, and paths are printed as they were given.
     void ResolvePaths() override {
-        if (fSession.plugins.empty()) fSession.plugins = FindDefaultPlugins();
+        fSession.plugins = FindPluginFolders(fPlugins);
         if (fSession.schema.empty()) fSession.schema = FindDefaultSchema();
     }
 
@@ -82,7 +82,9 @@ private:
                 PrintDiagnostic(e.what());
                 isRead = false;
             }
-        return CheckTargets(targets, {fSession.schema, fSession.plugins}, findings) && isRead;
+        TCheckContext context{fSession.schema};
+        for (const TPluginFolder& folder : fSession.plugins) context.plugins.push_back(folder.path);
+        return CheckTargets(targets, context, findings) && isRead;
     }
 
     void Print(const TFindings& findings, TOutput& output) const {

@@ -71,9 +71,11 @@ std::string CheckName(const std::string& argument) {
     return argument.empty() || isOption || IsFileArgument(argument) ? "'" + argument + "' is no name" : "";
 }
 
-void RequireLocation(std::string& path, const std::string& option) {
-    if (path.empty()) throw TCommandError(eExitUsage, "no " + option + " given, and none found beside the program");
+std::string FindSchema(std::string path) {
+    if (path.empty()) path = FindDefaultSchema();
+    if (path.empty()) throw TCommandError(eExitUsage, "no --schema given, and none found beside the program");
     MakeAbsolute(path);
+    return path;
 }
 
 // Plugins read below the folder in KYR_SYSTEM_ROOT in place of the machine's root folder. They run in the plugin
@@ -100,7 +102,11 @@ TCommand::TCommand(CLI::App& app, const std::string& name, const std::string& de
     };
     addPath("--from", fSession.from, "A saved collection in place of this machine", "FILE");
     fApp.add_flag("--json", fJson, "Print JSON");
-    addPath("--plugins", fSession.plugins, "Folder with a folder for each plugin", "DIR");
+    fApp.add_option("--plugins", fPlugins,
+                    "Folder with a folder for each plugin; may be repeated; 'default' for those used without it")
+        ->type_name("DIR")
+        ->allow_extra_args(false)
+        ->check(CheckNotEmpty);
     addPath("--schema", fSession.schema, "The base document", "FILE");
     addPath("--log", fSession.log.file, "Write a log to this file", "FILE");
     fApp.add_flag("--verbose", fSession.log.verbose, "Tell every step on standard error, and more in the log");
@@ -111,10 +117,8 @@ void TCommand::ResolvePaths() {
     MakeAbsolute(fSession.log.file);
     if (!fSession.from.empty()) return;
     MakeSystemRootAbsolute();
-    if (fSession.plugins.empty()) fSession.plugins = FindDefaultPlugins();
-    if (fSession.schema.empty()) fSession.schema = FindDefaultSchema();
-    RequireLocation(fSession.plugins, "--plugins");
-    RequireLocation(fSession.schema, "--schema");
+    fSession.plugins = FindPluginFolders(fPlugins);
+    fSession.schema = FindSchema(fSession.schema);
 }
 
 std::vector<std::string> TCommand::ClassNamesFor(const std::string& start) {

@@ -29,8 +29,8 @@ public:
     TCommand& operator=(const TCommand&) = delete;
 
     CLI::App& App() const { return fApp; }
-    /// Makes the paths among the options absolute. Called once after parsing, since a session changes the current
-    /// folder.
+    /// Makes the paths among the options absolute. Called once after parsing, since a session may change the
+    /// current folder.
     virtual void ResolvePaths();
     /// Runs the command with the parsed options and returns the exit status. Raises TCommandError.
     virtual EExit Run(TOutput& output) = 0;
@@ -60,6 +60,7 @@ protected:
 
     CLI::App& fApp;
     TSessionOptions fSession;
+    std::vector<std::string> fPlugins;  // folders, or kDefaultPlugins
     bool fJson = false;
     bool fPages = true;  // texts go to a pager
 };

@@ -20,6 +20,7 @@ struct TVariable {
 constexpr TVariable kEnvironment[] = {
     {"COLUMNS", "How wide tables and texts may be, in place of the width of the terminal."},
     {"KYR_PAGER", "What texts are handed to on a terminal. Nothing or \"cat\": they are printed at once."},
+    {"KYR_PLUGIN_PATH", "Plugin folders, separated by colons, that are searched before the others."},
     {"KYR_SYSTEM_ROOT", "A folder with a copy of another machine's files, which plugins read in place of this one's."},
     {"NO_COLOR", "If it is not empty, nothing is printed in bold."},
     {"PAGER", "The same as KYR_PAGER, if that is not set. Without both, less is used."},

@@ -4,9 +4,7 @@
 #include <iterator>
 
 #include "base/ExitStatus.h"
-#include "base/Output.h"
 #include "check/Check.h"
-#include "check/Placement.h"
 
 namespace {
 
@@ -39,12 +37,10 @@ TReason ReasonOf(const TFinding& finding) {
     return reason;
 }
 
-TReason FindMistake(const std::string& library, const std::string& document, const std::string& schema) {
-    for (const TMisplacement& wrong : FindMisnaming(library))
-        return ReasonFor(EReason::eMisnamed, wrong.text + "; " + wrong.remedy);
+TReason FindMistake(const std::string& document, const std::string& schema) {
     TFindings findings;
     try {
-        CheckDocument(document, {schema, ""}, findings);
+        CheckDocument(document, {schema}, findings);
     } catch (const TCommandError&) {
         return {};  // it is not there, which the reason of the library says
     }
@@ -65,11 +61,8 @@ bool HasDocumentFailed(const TPluginLibrary& library) {
 
 void FindDocumentMistakes(std::list<TPluginLibrary>& libraries, const std::string& schema) {
     for (TPluginLibrary& library : libraries)
-        if (HasDocumentFailed(library))
-            library.documentMistake = FindMistake(library.path, library.DocumentPath(), schema);
-}
-
-void ReportMisplacedLibraries() {
-    for (const TMisplacement& wrong : FindMisplaced(".", true))
-        PrintDiagnostic(wrong.path + ": " + wrong.text + "; " + wrong.remedy);
+        if (HasDocumentFailed(library)) {
+            library.documentMistake = FindMistake(library.FullDocumentPath(), schema);
+            library.documentMistake.file = library.DocumentPath();
+        }
 }

@@ -10,7 +10,4 @@
 /// for the mistake, which the core does not name.
 void FindDocumentMistakes(std::list<TPluginLibrary>& libraries, const std::string& schema);
 
-/// Prints which libraries below the current folder, the plugin folder, stand where plugins are not looked for.
-void ReportMisplacedLibraries();
-
 #endif

@@ -4,19 +4,15 @@
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <set>
 #include <vector>
 
 #include "base/CoreLog.h"
-#include "base/ExitStatus.h"
 #include "base/Memory.h"
-#include "base/Text.h"
 #include "isolation/PluginContainer.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
-#include "kyr/TOSSpecific.h"
 #include "saved/DocumentProbe.h"
 #include "saved/DocumentScan.h"
 #include "saved/DocumentText.h"
@@ -24,66 +20,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-bool IsLibraryName(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
-
-TPluginLibrary LibraryAt(const fs::path& path) {
-    TPluginLibrary library;
-    library.path = path.string();
-    return library;
-}
-
-std::set<std::string> DocumentsOf(const std::list<TPluginLibrary>& libraries) {
-    std::set<std::string> documents;
-    for (const TPluginLibrary& library : libraries) documents.insert(library.DocumentPath());
-    return documents;
-}
-
-// For "a.properties.xml" the library "liba.pi.so" beside it.
-fs::path LibraryOf(const fs::path& document) {
-    const std::string name = document.filename().string();
-    const std::string stem = name.substr(0, name.size() - TOSSpecific::kSpecificationExtension.size());
-    return document.parent_path() / ("lib" + stem + TOSSpecific::kPluginExtension);
-}
-
-// Opening a pipe with the name of a library would block. A link that leads nowhere stands for a library: loading it
-// tells what is wrong.
-bool IsFileOrBrokenLink(const fs::directory_entry& entry) {
-    std::error_code ignored;
-    return entry.is_regular_file(ignored) || (entry.is_symlink(ignored) && !entry.exists(ignored));
-}
-
-void AddLibraries(const fs::path& folder, std::list<TPluginLibrary>& libraries) {
-    std::error_code error;
-    for (const fs::directory_entry& file : fs::directory_iterator(folder, error))
-        if (IsLibraryName(file.path().filename().string()) && IsFileOrBrokenLink(file))
-            libraries.push_back(LibraryAt(file.path()));
-    if (!error) return;
-    libraries.push_back(LibraryAt(folder));
-    libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eFolderUnreadable, error.message())};
-}
-
-// Each document that is no library's, as a library that cannot be opened: it was forgotten, or has another name.
-void AddMissingLibraries(const fs::path& folder, const std::set<std::string>& documents,
-                         std::list<TPluginLibrary>& libraries) {
-    std::error_code error;
-    for (const fs::directory_entry& file : fs::directory_iterator(folder, error)) {
-        const std::string path = file.path().string();
-        if (!EndsWith(path, TOSSpecific::kSpecificationExtension) || documents.count(path) != 0) continue;
-        libraries.push_back(LibraryAt(LibraryOf(file.path())));
-        libraries.back().notLoaded = {eRefused, ReasonFor(EReason::eCannotOpen, "only its document is there")};
-    }
-}
-
-// The folders of the plugins.
-std::vector<fs::path> FindFolders() {
-    std::vector<fs::path> folders;
-    std::error_code error, ignored;
-    for (const fs::directory_entry& folder : fs::directory_iterator(".", error))
-        if (folder.is_directory(ignored)) folders.push_back(folder.path());
-    if (error) throw TCommandError(eExitNothing, "cannot read the plugin folder: " + error.message());
-    return folders;
-}
 
 constexpr double kMostSeconds = 10;
 constexpr size_t kMostClasses = 5000;
@@ -128,7 +64,7 @@ std::vector<std::string> FindDocuments(const std::list<TPluginLibrary>& librarie
     std::vector<std::string> documents;
     size_t bytesLeft = kMostBytes;
     for (const TPluginLibrary& library : libraries) {
-        const std::string document = library.DocumentPath();
+        const std::string document = library.FullDocumentPath();
         std::error_code error;
         const fs::file_status status = fs::status(document, error);
         if (status.type() == fs::file_type::not_found) continue;
@@ -213,30 +149,20 @@ bool DerivesFrom(const TPluginLibrary& library, const TPluginLibrary& other) {
 void FindPremises(const std::list<TPluginLibrary>& libraries, TPluginLibrary& library) {
     for (const TPluginLibrary& other : libraries)
         if (&other != &library && !other.notLoaded.reason && DerivesFrom(library, other))
-            library.premises.push_back(other.DocumentPath());
+            library.premises.push_back(other.FullDocumentPath());
 }
 
 }  // namespace
-
-std::list<TPluginLibrary> FindLibraries() {
-    std::list<TPluginLibrary> libraries;
-    const std::vector<fs::path> folders = FindFolders();
-    for (const fs::path& folder : folders) AddLibraries(folder, libraries);
-    const std::set<std::string> documents = DocumentsOf(libraries);
-    for (const fs::path& folder : folders) AddMissingLibraries(folder, documents, libraries);
-    libraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.path < b.path; });
-    return libraries;
-}
 
 void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
                    const TRunLimits& limits) {
     const THarms harms = FindHarm(libraries, container, limits);
     for (TPluginLibrary& library : libraries) {
-        const std::string document = library.DocumentPath();
+        const std::string document = library.FullDocumentPath();
         if (document.empty() || library.notLoaded.reason) continue;
         if (const auto harm = harms.find(document); harm != harms.end()) {
             library.notLoaded = {eRefused, harm->second};
-            library.notLoaded.reason.file = document;
+            library.notLoaded.reason.file = library.DocumentPath();
             continue;
         }
         const TLogCapture capture;  // drops the lines: loading the plugin logs them again

@@ -10,11 +10,6 @@ class TContainer;
 struct TRunLimits;
 class TPluginContainer;
 
-/// The plugin libraries in the subfolders of the current folder, sorted by path, so that of two documents that declare
-/// a class, the same one is read first in every run. A subfolder that cannot be read, and the library that a document
-/// lacks, are listed as libraries that cannot be loaded. Raises TCommandError if the current folder cannot be read.
-std::list<TPluginLibrary> FindLibraries();
-
 /// Reads the libraries' documents into the container, that of the computer system into the schema too, and stores in
 /// each library which classes its document declares, or why the library must not be loaded. Documents that are not
 /// plainly harmless are tried in a child process first; one that crashes the reader there, or takes too long, is not

@@ -1,10 +1,6 @@
 #include "inventory/Session.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <utility>
@@ -13,9 +9,11 @@
 #include "base/Locations.h"
 #include "base/Output.h"
 #include "base/StatusWords.h"
+#include "base/Text.h"
 #include "inventory/DocumentMistakes.h"
 #include "inventory/Grants.h"
 #include "inventory/Libraries.h"
+#include "inventory/LibrarySearch.h"
 #include "isolation/InProcess.h"
 #include "isolation/PluginScheduler.h"
 #include "isolation/Sandbox.h"
@@ -33,11 +31,10 @@ namespace {
 
 TContainer& PluginSchema() { return *TRootObject::GetPluginManager()->GetSchema(); }
 
-// Libraries are named relative to the plugin folder. The core derives the path of a document by removing the first
-// "lib" of the library's path, which must be the one in the file's name, not one in the path of the plugin folder.
-void EnterPluginFolder(const std::string& path) {
-    if (chdir(path.c_str()) == 0) return;
-    throw TCommandError(eExitNothing, "cannot enter the plugin folder '" + path + "': " + std::strerror(errno));
+std::string NamesOf(const std::vector<TPluginFolder>& folders) {
+    std::vector<std::string> names;
+    for (const TPluginFolder& folder : folders) names.push_back("'" + folder.path + "'");
+    return Join(names);
 }
 
 bool DeclaresSystem(const TPluginLibrary& library) {
@@ -72,9 +69,9 @@ TSession::TSession(const TSessionOptions& options, const TCoreLog& log, TPluginC
     : fOptions(options), fLog(log), fContainer(container) {
     ReadBaseDocument(options.schema);
     ReadBaseDocument(FindStateDocument());
-    EnterPluginFolder(options.plugins);
-    fLibraries = FindLibraries();
-    if (fLibraries.empty()) PrintDiagnostic("no plugins in '" + options.plugins + "'");
+    fLibraries = FindLibraries(options.plugins);
+    TellWritableFolders(fLibraries);
+    if (fLibraries.empty()) PrintDiagnostic("no plugins in " + NamesOf(options.plugins));
     ReadDocuments(fLibraries, fContainer, PluginSchema(), options.limits);
     ApplyGrants(options.grants, fLibraries);
 }
@@ -126,7 +123,6 @@ void TSession::Run(const TClassSelection& wanted) {
         const TPluginLibrary* const maker = fContainer.FindMaker(instance);
         return maker != nullptr && maker->Declares(className);
     };
-    ReportMisplacedLibraries();
     FindDocumentMistakes(fLibraries, fOptions.schema);
     WriteStates(fLibraries, TakeMissingSources(fContainer, mayReport), wanted, interruption, fContainer);
     if (host != nullptr && !wanted.Includes(kHostClass)) RemoveInstances(*host);
@@ -178,7 +174,7 @@ size_t TSession::SchemaBytes() const {
     };
     for (const std::string& path : {fOptions.schema, FindStateDocument()}) add(path);
     for (const TPluginLibrary& library : fLibraries)
-        if (!library.classes.empty()) add(library.DocumentPath());
+        if (!library.classes.empty()) add(library.FullDocumentPath());
     return bytes;
 }
 

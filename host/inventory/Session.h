@@ -12,8 +12,8 @@
 #include "states/PluginLibrary.h"
 
 /// Collects from this machine with the core's plugin manager, which must be there: finds the plugin libraries, reads
-/// their documents and runs the plugins. Create only one in a process. It changes the current folder to the plugin
-/// folder.
+/// their documents and runs the plugins. Create only one in a process. With plugins in this process it changes the
+/// current folder.
 ///
 /// There are two containers. The one that the session is given gets the instances. The other is the schema of the
 /// core's plugin manager: the core reads a plugin's document into it when it loads the plugin, and plugins look for the
@@ -42,7 +42,7 @@ private:
     const TSessionOptions& fOptions;
     const TCoreLog& fLog;
     TPluginContainer& fContainer;
-    std::list<TPluginLibrary> fLibraries;  // in the order of their paths
+    std::list<TPluginLibrary> fLibraries;
 };
 
 #endif

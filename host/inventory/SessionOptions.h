@@ -5,15 +5,16 @@
 #include <vector>
 
 #include "base/CoreLog.h"
+#include "base/PluginFolders.h"
 #include "base/TimePoint.h"
 #include "isolation/Sandbox.h"
 
 /// Where a collection comes from, and how it is collected. Paths are absolute: the current folder changes while plugins
 /// run.
 struct TSessionOptions {
-    std::string from;     ///< a saved collection; empty: this machine
-    std::string plugins;  ///< the folder with a folder for each plugin
-    std::string schema;   ///< the base document
+    std::string from;  ///< a saved collection; empty: this machine
+    std::vector<TPluginFolder> plugins;
+    std::string schema;  ///< the base document
     TLogOptions log;
     bool inProcess = false;  ///< run the plugins in this process, not each in its own
     ESandbox sandbox = ESandbox::eAuto;

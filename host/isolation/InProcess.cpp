@@ -36,13 +36,14 @@ TInProcessRun::~TInProcessRun() { TRefusedCall::Observe(nullptr); }
 void TInProcessRun::Load(TPluginLibrary& library) {
     fLibrary = &library;
     ReadPremises(library);
-    const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, library.report);
+    const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library, library.report);
     library.report.sandbox = {kNoSandboxInProcess};
     ReadLog();
     if (!plugin) return;
     const auto asked = [&](const std::vector<TCIMClass*>& classes) {
         ReadLog();
         fLibrary = &library;
+        EnterFolderOf(library);
         fContainer.SetActiveLibrary(&library);
         library.report.dataCalls.push_back({classes.front()->IsAssociation(), NamesOf(classes)});
     };

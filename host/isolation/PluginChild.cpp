@@ -214,7 +214,7 @@ void RunPluginChild(const TPluginLibrary& library, const TPluginTask& task, TRec
     StartLog(stream, task.wholeLog);
     ObserveRefusedCalls(task.container);
     TPluginReport report;
-    const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library.path, library.classes, report);
+    const boost::shared_ptr<TPluginProxy> plugin = LoadLibrary(library, report);
     PutPlugins(stream, report);
     MoveLog();
     if (plugin && !task.wanted.IsSchemaOnly()) Ask(*plugin, library, task, stream);

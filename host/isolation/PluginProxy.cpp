@@ -1,5 +1,7 @@
 #include "isolation/PluginProxy.h"
 
+#include <unistd.h>
+
 #include <exception>
 
 #include "base/StatusWords.h"
@@ -45,18 +47,22 @@ void TProxyCallbacks::GetData(TContainer* container, std::vector<TCIMClass*>& cl
     fObserver.ended({});
 }
 
-boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::vector<TCIMClass*>& classes,
-                                            TPluginReport& report) {
+// The core tells if nothing is found there.
+void EnterFolderOf(const TPluginLibrary& library) { (void)!chdir(library.folder.c_str()); }
+
+boost::shared_ptr<TPluginProxy> LoadLibrary(const TPluginLibrary& library, TPluginReport& report) {
     auto& plugins = TRootObject::GetPluginManager()->GetPluginsContainer();
     const auto before = static_cast<long>(plugins.size());
-    report.loadFailure = Load(path);
+    EnterFolderOf(library);
+    report.loadFailure = Load(library.path);
     const auto first = std::next(plugins.begin(), before);
     for (auto plugin = first; plugin != plugins.end(); ++plugin) report.plugins.push_back(Describe(**plugin));
     const TPluginInfo* const owner = report.FindOwner();
-    if (owner == nullptr || owner->type != kyrPluginDataCollector || !report.loadFailure.empty() || classes.empty())
+    if (owner == nullptr || owner->type != kyrPluginDataCollector || !report.loadFailure.empty() ||
+        library.classes.empty())
         return nullptr;
     boost::shared_ptr<IPlugin>& plugin = *std::next(first, owner - report.plugins.data());
-    const boost::shared_ptr<TPluginProxy> proxy(new TPluginProxy(plugin, classes));
+    const boost::shared_ptr<TPluginProxy> proxy(new TPluginProxy(plugin, library.classes));
     plugin = proxy;
     return proxy;
 }

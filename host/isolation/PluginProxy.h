@@ -10,7 +10,7 @@
 #include "kyr/IPlugin.h"
 #include "kyr/IPluginBasicQueryCallbacks.h"
 #include "kyr/IPluginCallbacks.h"
-#include "states/PluginReport.h"
+#include "states/PluginLibrary.h"
 
 /// Functions that are called before and after a plugin's data entry: with the classes that it is asked for, and with
 /// the failure that it ended with, if any.
@@ -64,7 +64,11 @@ private:
 
 /// Has the plugin manager load a library, and writes in the report which plugins it registers and what went wrong. The
 /// one that is to be asked for the classes is replaced by a proxy, which is returned; null if there is none.
-boost::shared_ptr<TPluginProxy> LoadLibrary(const std::string& path, const std::vector<TCIMClass*>& classes,
-                                            TPluginReport& report);
+boost::shared_ptr<TPluginProxy> LoadLibrary(const TPluginLibrary& library, TPluginReport& report);
+
+/// Makes the library's plugin folder the current one, to be called before a plugin runs. The core is given paths below
+/// that folder: it derives the path of a document by removing the first "lib" of the library's path, which must not be
+/// one in the path of the plugin folder. Plugins get the same path.
+void EnterFolderOf(const TPluginLibrary& library);
 
 #endif

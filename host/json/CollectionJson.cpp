@@ -62,6 +62,7 @@ private:
             fJson.StartObject();
             WritePlain("name", plugin, "Name");
             WritePlain("library", plugin, "Library");
+            WritePlain("folder", plugin, "Folder");
             WritePlain("version", plugin, "Version");
             WriteState(plugin);
             WriteTexts("sandbox", plugin, "Sandbox");

@@ -61,6 +61,7 @@ const std::vector<TJsonShape> kJsonShapes = {
     {"plugin",
      {{"name", "maybeText"},
       {"library", "maybeText"},
+      {"folder", "maybeText"},
       {"version", "maybeText"},
       {"state", "state"},
       {"reasonCode", "reasonCode"},

@@ -60,7 +60,7 @@ constexpr TWording kWordings[] = {
     {EReason::eNoSuchKey, "reference to {class}: no key {property}{detail}"},
     {EReason::eCallRefused, "{detail}"},
     {EReason::eDocumentMistake, "{file}:{detail}"},
-    {EReason::eMisnamed, "{detail}"},
+    {EReason::eMisplaced, "{detail}; it belongs at {file}, with its document beside it"},
 };
 
 struct TMember {

@@ -66,9 +66,9 @@ enum class EReason : uint16_t {
     eForeignClass = 84,
     eNoSuchKey = 85,
     eCallRefused = 86,
-    // A mistake in a plugin's document, or in the name of its library
+    // More of a plugin's library and its document
     eDocumentMistake = 87,
-    eMisnamed = 88,
+    eMisplaced = 88,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

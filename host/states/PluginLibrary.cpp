@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <unordered_set>
 
 #include "base/Text.h"
@@ -33,6 +34,10 @@ std::string ClassOf(const TMessage& message, const TNames& names) {
     return names.count(start) != 0 ? start : "";
 }
 
+std::string FullPathOf(const std::string& folder, const std::string& path) {
+    return (std::filesystem::path(folder) / path).lexically_normal().string();
+}
+
 }  // namespace
 
 std::string TPluginLibrary::Name() const {
@@ -47,6 +52,13 @@ std::string TPluginLibrary::DocumentPath() const {
     } catch (const TKYRException&) {
         return "";
     }
+}
+
+std::string TPluginLibrary::FullPath() const { return FullPathOf(folder, path); }
+
+std::string TPluginLibrary::FullDocumentPath() const {
+    const std::string document = DocumentPath();
+    return document.empty() ? "" : FullPathOf(folder, document);
 }
 
 bool TPluginLibrary::Declares(const std::string& className) const {

@@ -12,6 +12,8 @@ class TCIMClass;
 
 /// A shared library in the plugin folder, the classes of its document, and how loading and running it went.
 struct TPluginLibrary {
+    std::string folder;                         ///< the plugin folder
+    bool isOwn = false;                         ///< that folder belongs to this executable
     std::string path;                           ///< below the plugin folder, such as "./disk/libdisk.pi.so"
     std::vector<TCIMClass*> classes;            ///< declared by its document, and by none read before it
     std::vector<std::string> duplicateClasses;  ///< in its document too, but declared by another one before
@@ -25,8 +27,11 @@ struct TPluginLibrary {
 
     /// The name by which it is granted something: its file's, without "lib" and ".pi.so".
     std::string Name() const;
-    /// The path of its document; empty if the core cannot derive it from the library's path.
+    /// The path of its document below the plugin folder; empty if the core cannot derive it from the library's path.
     std::string DocumentPath() const;
+    /// The same paths from the root folder on.
+    std::string FullPath() const;
+    std::string FullDocumentPath() const;
     /// Whether its document declares the class, and no document read before it.
     bool Declares(const std::string& className) const;
     /// Finds for each message of the report the class of this library that it is about. Plugins begin a line about a

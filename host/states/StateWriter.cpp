@@ -87,6 +87,7 @@ private:
         const TOutcome outcome = FindPluginOutcome(library, plugin, fWanted);
         TCIMInstance& state = NewState(kCollectedPluginClass, outcome, MessagesOf(library, nullptr));
         state.SetPropertyValue("Library", TCIMValue(library.path));
+        state.SetPropertyValue("Folder", TCIMValue(library.folder));
         state.SetPropertyValue("Name", TCIMValue(NameOf(library, plugin)));
         if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
         const std::vector<std::string>& sandbox = library.report.sandbox;

@@ -32,7 +32,8 @@ TRunResult RunShell(const std::string& command) {
 }
 
 TRunResult RunKyr(const std::string& arguments, const std::string& environment) {
-    return RunShell("env COLUMNS= " + std::string(kSanitizers) + environment + " " KYR_PROGRAM " " + arguments);
+    return RunShell("env COLUMNS= KYR_PLUGIN_PATH= " + std::string(kSanitizers) + environment + " " KYR_PROGRAM " " +
+                    arguments);
 }
 
 TRunResult RunKyrOn(const std::string& machine, const std::string& arguments) {

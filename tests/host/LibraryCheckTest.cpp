@@ -40,25 +40,6 @@ TEST(LibraryCheckTest, WrongPlaceOrNameIsToldWithTheRightOne) {
     }
 }
 
-TEST(LibraryCheckTest, WrongPlaceOrNameIsToldWhileCollecting) {
-    struct {
-        const char *path, *message;
-    } const kCases[] = {
-        {"libmistaken.pi.so", "./libmistaken.pi.so: the library stands in the plugin folder itself"},
-        {"users/er/libmistaken.pi.so", "to ./mistaken/libmistaken.pi.so"},
-        {"users/libmistaken.so", "name it ./users/libmistaken.pi.so"},
-        {"users/mistaken.pi.so", "refused: the library's name does not begin with 'lib'"},
-        {"libusers/libmistaken.pi.so", "rename the folder to 'users'"},
-    };
-    for (const auto& [path, message] : kCases) {
-        const TempFolder root;
-        Place(root, kGood, path);
-        const std::string document = fs::path(path).parent_path() / "mistaken.properties.xml";
-        Place(root, FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml", document);
-        EXPECT_THAT(RunKyr("collect --plugins " + root.Path()).err, HasSubstr(message));
-    }
-}
-
 TEST(LibraryCheckTest, SymbolsAndProtectionAreToldAndNoCodeRuns) {
     const TRunResult run = RunKyr("check " FIXTURE_PLUGINS "/faulty/libfaulty.pi.so");
     EXPECT_EQ(run.status, 1);

@@ -1,0 +1,225 @@
+#include "inventory/LibrarySearch.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "base/ExitStatus.h"
+#include "base/Output.h"
+#include "base/Text.h"
+#include "kyr/TOSSpecific.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool IsLibraryName(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
+std::string FileName(const fs::path& path) { return path.filename().string(); }
+
+// "disk", for "libdisk.pi.so", and for "libdisk.so", which somebody may have named so by mistake.
+std::string StemOf(const std::string& file) {
+    const std::string name = file.substr(0, std::min(file.find(TOSSpecific::kPluginExtension), file.rfind(".so")));
+    return StartsWith(name, "lib") ? name.substr(3) : name;
+}
+
+// For "a.properties.xml" the library "liba.pi.so" beside it.
+fs::path LibraryOf(const fs::path& document) {
+    const std::string name = FileName(document);
+    const std::string stem = name.substr(0, name.size() - TOSSpecific::kSpecificationExtension.size());
+    return document.parent_path() / ("lib" + stem + TOSSpecific::kPluginExtension);
+}
+
+// Opening a pipe with the name of a library would block. A link that leads nowhere stands for a library: loading it
+// tells what is wrong.
+bool IsFileOrBrokenLink(const fs::directory_entry& entry) {
+    std::error_code ignored;
+    return entry.is_regular_file(ignored) || (entry.is_symlink(ignored) && !entry.exists(ignored));
+}
+
+bool IsFolder(const fs::directory_entry& entry) {
+    std::error_code ignored;
+    return entry.is_directory(ignored);
+}
+
+using TEntries = std::vector<fs::directory_entry>;
+
+TEntries EntriesOf(const fs::path& folder, std::error_code& error) {
+    TEntries entries;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) entries.push_back(entry);
+    return entries;
+}
+
+/// The search of one plugin folder.
+class TFolderSearch {
+public:
+    explicit TFolderSearch(const TPluginFolder& folder) : fFolder(folder) {}
+
+    std::list<TPluginLibrary> Run() {
+        std::error_code error;
+        const TEntries entries = EntriesOf(fFolder.path, error);
+        if (error) RefuseFolder(error);
+        for (const fs::directory_entry& entry : entries)
+            if (IsFolder(entry)) OpenFolder(entry);
+        for (const TEntries& files : fContents) AddLibraries(files);
+        AddElsewhere(entries, "it lies in the plugin folder itself");
+        for (const TEntries& files : fContents) AddBelow(files);
+        AddMissingLibraries();
+        fLibraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.path < b.path; });
+        return std::move(fLibraries);
+    }
+
+private:
+    // The default folders need not be there.
+    void RefuseFolder(const std::error_code& error) const {
+        const std::string text = "cannot read the plugin folder '" + fFolder.path + "': " + error.message();
+        if (fFolder.isRequired) throw TCommandError(eExitNothing, text);
+        if (error != std::errc::no_such_file_or_directory) PrintDiagnostic(text);
+    }
+
+    void OpenFolder(const fs::path& folder) {
+        std::error_code error;
+        fContents.push_back(EntriesOf(folder, error));
+        if (error) Refuse(folder, ReasonFor(EReason::eFolderUnreadable, error.message()));
+    }
+
+    TPluginLibrary& Add(const fs::path& path) {
+        fKnown.insert(path);
+        TPluginLibrary& library = fLibraries.emplace_back();
+        library.folder = fFolder.path;
+        library.isOwn = fFolder.isOwn;
+        library.path = "./" + path.lexically_relative(fFolder.path).string();
+        return library;
+    }
+
+    void Refuse(const fs::path& path, const TReason& reason) { Add(path).notLoaded = {eRefused, reason}; }
+
+    // It would be found at the right path, with its document beside it.
+    void RefusePlace(const fs::path& path, const fs::path& right, const std::string& rule) {
+        TReason reason = ReasonFor(EReason::eMisplaced, rule);
+        reason.file = right.string();
+        Refuse(path, reason);
+        fKnown.insert(right);
+    }
+
+    void AddLibraries(const TEntries& files) {
+        const size_t before = fLibraries.size();
+        for (const fs::directory_entry& file : files)
+            if (IsLibraryName(FileName(file)) && IsFileOrBrokenLink(file)) AddLibrary(file);
+        if (fLibraries.size() != before) return;
+        for (const fs::directory_entry& file : files)
+            if (EndsWith(FileName(file), ".so") && IsFileOrBrokenLink(file))
+                RefusePlace(file, RightName(file), "its name does not end in .pi.so");
+    }
+
+    // The core finds the document by taking away the first "lib" of the library's path. Where that is not the one in
+    // front of the file's name, there may be a document all the same.
+    void AddLibrary(const fs::path& path) {
+        const bool isFolderWrong = FileName(path.parent_path()).find("lib") != std::string::npos;
+        std::error_code ignored;
+        if (const std::string document = Add(path).FullDocumentPath();
+            !document.empty() && fs::exists(document, ignored))
+            return;
+        if (!isFolderWrong && StartsWith(FileName(path), "lib")) return;
+        fLibraries.pop_back();
+        if (isFolderWrong)
+            RefusePlace(path, RightPath(path), "the letters lib stand in the name of its folder");
+        else
+            RefusePlace(path, RightName(path), "its name does not begin with lib");
+    }
+
+    static fs::path RightName(const fs::path& library) {
+        return library.parent_path() / ("lib" + StemOf(FileName(library)) + TOSSpecific::kPluginExtension);
+    }
+
+    // In a folder with the plugin's name, but for the letters that must not stand in it.
+    fs::path RightPath(const fs::path& library) const {
+        std::string folder = StemOf(FileName(library));
+        for (size_t lib = folder.find("lib"); lib != std::string::npos; lib = folder.find("lib")) folder.erase(lib, 3);
+        return fs::path(fFolder.path) / (folder.empty() ? "plugin" : folder) / FileName(RightName(library));
+    }
+
+    // Libraries that lie where none is looked for, unless they are copies of one that is in its place.
+    void AddElsewhere(const TEntries& files, const std::string& rule) {
+        const auto isInPlace = [this](const std::string& name) {
+            return std::any_of(fLibraries.begin(), fLibraries.end(),
+                               [&](const TPluginLibrary& library) { return library.Name() == name; });
+        };
+        for (const fs::directory_entry& file : files)
+            if (EndsWith(FileName(file), TOSSpecific::kPluginExtension) && IsFileOrBrokenLink(file) &&
+                !isInPlace(StemOf(FileName(file))))
+                RefusePlace(file, RightPath(file), rule);
+    }
+
+    void AddBelow(const TEntries& files) {
+        std::error_code ignored;
+        for (const fs::directory_entry& file : files)
+            if (IsFolder(file) && !file.is_symlink(ignored)) AddElsewhere(EntriesOf(file, ignored), "it lies too deep");
+    }
+
+    // Each document that is no library's, as a library that cannot be opened: it was forgotten, or has another name.
+    void AddMissingLibraries() {
+        std::set<std::string> documents;
+        for (const TPluginLibrary& library : fLibraries) documents.insert(library.FullDocumentPath());
+        for (const TEntries& files : fContents)
+            for (const fs::directory_entry& file : files)
+                if (EndsWith(FileName(file), TOSSpecific::kSpecificationExtension) &&
+                    documents.count(file.path().string()) == 0 && fKnown.count(LibraryOf(file)) == 0)
+                    Refuse(LibraryOf(file), ReasonFor(EReason::eCannotOpen, "only its document is there"));
+    }
+
+    const TPluginFolder& fFolder;
+    std::vector<TEntries> fContents;  // of the folders in it
+    std::list<TPluginLibrary> fLibraries;
+    std::set<fs::path> fKnown;  // the paths of the libraries, and those where misplaced ones belong
+};
+
+// Notes that the one library is taken and the other is not, since their plugins have the same name.
+void TellTaken(TPluginLibrary& taken, const TPluginLibrary& other) {
+    const std::string text = taken.FullPath() + " is taken, and not " + other.FullPath();
+    PrintDiagnostic("plugin " + taken.Name() + ": " + text);
+    taken.report.messages.push_back({"", kyrLogWarning, text, true});
+}
+
+// Adds the libraries of a folder to those of the folders before it.
+void AddFolder(std::list<TPluginLibrary> found, std::list<TPluginLibrary>& libraries) {
+    const auto isTaken = [&libraries](const TPluginLibrary& library) {
+        const auto other = std::find_if(libraries.begin(), libraries.end(), [&](const TPluginLibrary& before) {
+            return !before.notLoaded.reason && before.Name() == library.Name();
+        });
+        if (other == libraries.end()) return false;
+        TellTaken(*other, library);
+        return true;
+    };
+    found.remove_if(isTaken);
+    libraries.splice(libraries.end(), found);
+}
+
+// The folder, or what of the library others than the superuser can write.
+std::string FindWritable(const TPluginLibrary& library) {
+    const fs::path path = library.FullPath();
+    for (const std::string& each : {path.parent_path().string(), path.string(), library.FullDocumentPath()})
+        if (const std::string found = FindWritableByOthers(each); !found.empty()) return found;
+    return "";
+}
+
+}  // namespace
+
+std::list<TPluginLibrary> FindLibraries(const std::vector<TPluginFolder>& folders) {
+    std::list<TPluginLibrary> libraries;
+    for (const TPluginFolder& folder : folders) AddFolder(TFolderSearch(folder).Run(), libraries);
+    libraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.isOwn && !b.isOwn; });
+    return libraries;
+}
+
+void TellWritableFolders(const std::list<TPluginLibrary>& libraries) {
+    if (geteuid() != 0) return;
+    std::set<std::string> told;
+    for (const TPluginLibrary& library : libraries) {
+        const std::string found = library.isOwn ? "" : FindWritable(library);
+        if (!found.empty() && told.insert(found).second)
+            PrintDiagnostic("others than the superuser can write '" + found + "', from which " + library.FullPath() +
+                            " runs as the superuser");
+    }
+}
