@@ -8,6 +8,7 @@
 
 #include "base/CoreLog.h"
 #include "base/Memory.h"
+#include "base/Output.h"
 #include "isolation/PluginContainer.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMSchemaHelper.h"
@@ -134,6 +135,39 @@ std::vector<TCIMClass*> Read(const std::string& document, TContainer& container)
 
 bool IsSystem(const TPluginLibrary& library) { return library.Declares(TCIMSchemaHelper::kSystemCreationClassName); }
 
+int RankOf(const TPluginLibrary& library) {
+    if (library.isBuiltIn) return 0;
+    return library.isOwn ? 1 : 2;
+}
+
+// A document that is read has the classes that later ones declare too.
+std::vector<TPluginLibrary*> InOrderOfReading(std::list<TPluginLibrary>& libraries) {
+    std::vector<TPluginLibrary*> order;
+    for (TPluginLibrary& library : libraries) order.push_back(&library);
+    std::stable_sort(order.begin(), order.end(),
+                     [](const TPluginLibrary* a, const TPluginLibrary* b) { return RankOf(*a) < RankOf(*b); });
+    return order;
+}
+
+// What has the class in place of the library.
+std::string FindTaker(const TPluginLibrary& library, const std::string& className,
+                      const std::list<TPluginLibrary>& libraries) {
+    for (const TPluginLibrary& other : libraries)
+        if (other.Declares(className)) return &other == &library ? "" : other.FullPath();
+    return "the base document";
+}
+
+// The outcome of the plugin tells of classes that can have instances. An abstract one costs nothing as long as both
+// documents declare it alike.
+void TellTaken(const TReason& reason, bool isAbstract, TPluginLibrary& library) {
+    const std::string text = SentenceOf(reason);
+    library.report.messages.push_back({"", kyrLogWarning, text, true});
+    if (isAbstract)
+        PrintDiagnostic("plugin " + library.report.NameIn(library.path) + ": " + text);
+    else
+        library.takenClasses.push_back(reason);
+}
+
 // Whether classes of the one derive from those of the other. Of a document that could not be read nobody knows.
 bool DerivesFrom(const TPluginLibrary& library, const TPluginLibrary& other) {
     const auto derives = [&other](const TCIMClass* cls) {
@@ -157,7 +191,8 @@ void FindPremises(const std::list<TPluginLibrary>& libraries, TPluginLibrary& li
 void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& container, TContainer& schema,
                    const TRunLimits& limits) {
     const THarms harms = FindHarm(libraries, container, limits);
-    for (TPluginLibrary& library : libraries) {
+    for (TPluginLibrary* const each : InOrderOfReading(libraries)) {
+        TPluginLibrary& library = *each;
         const std::string document = library.FullDocumentPath();
         if (document.empty() || library.notLoaded.reason) continue;
         if (const auto harm = harms.find(document); harm != harms.end()) {
@@ -171,6 +206,18 @@ void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& conta
         if (IsSystem(library)) Read(document, schema);
     }
     for (TPluginLibrary& library : libraries) FindPremises(libraries, library);
+}
+
+void TellTakenClasses(std::list<TPluginLibrary>& libraries, const TContainer& container) {
+    for (TPluginLibrary& library : libraries) {
+        for (const std::string& name : library.duplicateClasses) {
+            TReason reason = ReasonFor(EReason::eClassNameTaken, library.FullPath());
+            reason.className = name;
+            reason.file = FindTaker(library, name, libraries);
+            const TCIMClass* const cls = container.FindClass(name);
+            if (cls != nullptr && !reason.file.empty()) TellTaken(reason, cls->IsAbstract(), library);
+        }
+    }
 }
 
 void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries) {

@@ -16,6 +16,9 @@ namespace fs = std::filesystem;
 namespace {
 
 bool IsLibraryName(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
+bool IsBuiltIn(const std::string& name) {
+    return std::string("," KYRCORE_PLUGINS ",").find("," + name + ",") != std::string::npos;
+}
 std::string FileName(const fs::path& path) { return path.filename().string(); }
 
 // "disk", for "libdisk.pi.so", and for "libdisk.so", which somebody may have named so by mistake.
@@ -90,6 +93,7 @@ private:
         library.folder = fFolder.path;
         library.isOwn = fFolder.isOwn;
         library.path = "./" + path.lexically_relative(fFolder.path).string();
+        library.isBuiltIn = IsBuiltIn(library.Name());
         return library;
     }
 
@@ -209,7 +213,6 @@ std::string FindWritable(const TPluginLibrary& library) {
 std::list<TPluginLibrary> FindLibraries(const std::vector<TPluginFolder>& folders) {
     std::list<TPluginLibrary> libraries;
     for (const TPluginFolder& folder : folders) AddFolder(TFolderSearch(folder).Run(), libraries);
-    libraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.isOwn && !b.isOwn; });
     return libraries;
 }
 

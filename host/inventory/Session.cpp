@@ -117,7 +117,7 @@ void TSession::Run(const TClassSelection& wanted) {
         RunInProcess(rounds, asked);
     else
         interruption = RunIsolated(rounds, asked);
-    ReportTakenClasses();
+    TellTakenClasses(fLibraries, fContainer);
     for (const TPluginLibrary& library : fLibraries) AddPluginQualifiers(library, fContainer);
     const auto mayReport = [this](const TCIMInstance& instance, const std::string& className) {
         const TPluginLibrary* const maker = fContainer.FindMaker(instance);
@@ -126,17 +126,6 @@ void TSession::Run(const TClassSelection& wanted) {
     FindDocumentMistakes(fLibraries, fOptions.schema);
     WriteStates(fLibraries, TakeMissingSources(fContainer, mayReport), wanted, interruption, fContainer);
     if (host != nullptr && !wanted.Includes(kHostClass)) RemoveInstances(*host);
-}
-
-// The document that is read first has the class, which may be meant or not.
-void TSession::ReportTakenClasses() const {
-    for (const TPluginLibrary& library : fLibraries)
-        for (const std::string& name : library.duplicateClasses)
-            for (const TPluginLibrary& other : fLibraries)
-                if (&other != &library && other.Declares(name))
-                    PrintDiagnostic("plugin " + library.report.NameIn(library.path) + ": the class " + name +
-                                    " goes to plugin " + other.report.NameIn(other.path) +
-                                    ", whose document is read before");
 }
 
 // The classes of states belong to no library, so that no plugin can make instances of them.

@@ -32,7 +32,6 @@ private:
 
     void ReadBaseDocument(const std::string& path);
     TRounds FindRounds();
-    void ReportTakenClasses() const;
     void AssignClassesToLibraries();
     size_t SchemaBytes() const;
     void PrintLog(TPluginLibrary& library) const;

@@ -61,6 +61,7 @@ constexpr TWording kWordings[] = {
     {EReason::eCallRefused, "{detail}"},
     {EReason::eDocumentMistake, "{file}:{detail}"},
     {EReason::eMisplaced, "{detail}; it belongs at {file}, with its document beside it"},
+    {EReason::eClassNameTaken, "class {class} is taken: {file} has it, not {detail}"},
 };
 
 struct TMember {

@@ -69,6 +69,7 @@ enum class EReason : uint16_t {
     // More of a plugin's library and its document
     eDocumentMistake = 87,
     eMisplaced = 88,
+    eClassNameTaken = 89,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

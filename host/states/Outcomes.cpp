@@ -63,6 +63,16 @@ bool AreAllInitialised(const TPluginReport& report) {
                        [](const TPluginInfo& plugin) { return plugin.initialised; });
 }
 
+// The first of the wanted classes that another library has, and the number of the others.
+TReason ClassesTaken(const TPluginLibrary& library, const TClassSelection& wanted) {
+    TReason reason;
+    size_t count = 0;
+    for (const TReason& taken : library.takenClasses)
+        if (wanted.Includes(taken.className) && ++count == 1) reason = taken;
+    reason.className += MoreText(count);
+    return reason;
+}
+
 // The outcome of loading the library and running its plugins, without regard to what its classes delivered.
 TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
     const TPluginReport& report = library.report;
@@ -74,9 +84,10 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
         return {eRefused, ReasonFor(EReason::eInitFailed, report.FirstError())};
     if (owner == nullptr || (library.classes.empty() && owner->type == kyrPluginDocumentOnly))
         return {eNotAsked, ReasonFor(EReason::eNoData)};
-    if (library.classes.empty())
-        return {eRefused, library.documentMistake ? library.documentMistake : ReasonFor(EReason::eNoClassOfItsOwn)};
-    return {};
+    if (!library.classes.empty()) return {};
+    if (library.documentMistake) return {eRefused, library.documentMistake};
+    const TReason taken = ClassesTaken(library, TClassSelection::All());
+    return {eRefused, taken ? taken : ReasonFor(EReason::eNoClassOfItsOwn)};
 }
 
 // Of a class that no data call asked for.
@@ -186,9 +197,10 @@ TClassOutcomes FindClassOutcomes(const TPluginLibrary& library, const TClassSele
     return all;
 }
 
-// Why the plugin is not complete, apart from the reasons of its classes: a data call failed, or it logged errors that
-// are about no class.
-TReason OwnReason(const TPluginLibrary& library) {
+// Why the plugin is not complete, apart from the reasons of its classes: others have some of them, a data call failed,
+// or it logged errors that are about no class.
+TReason OwnReason(const TPluginLibrary& library, const TClassSelection& wanted) {
+    if (const TReason taken = ClassesTaken(library, wanted)) return taken;
     for (const TDataCall& call : library.report.dataCalls)
         if (call.failure) return FindFailedCallOutcome(library, call, true).reason;
     const TErrors errors = ErrorsOf(library, nullptr);
@@ -211,7 +223,7 @@ TOutcome FindPluginOutcome(const TPluginLibrary& library, const TPluginInfo* plu
     const TClassOutcomes classes = FindClassOutcomes(library, wanted);
     if (loading.state != eComplete) return {classes.hasDelivered ? ePartial : loading.state, loading.reason};
     if (plugin != library.report.FindOwner()) return FindSecondPluginOutcome(library.report, *plugin);
-    const TReason reason = OwnReason(library);
+    const TReason reason = OwnReason(library, wanted);
     if (classes.missing == 0 && !reason) return classes.asked != 0 ? TOutcome() : classes.first;
     const bool isPartial = classes.hasDelivered || classes.missing == 0;
     return {isPartial ? ePartial : classes.first.state, reason};

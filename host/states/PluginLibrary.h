@@ -14,9 +14,11 @@ class TCIMClass;
 struct TPluginLibrary {
     std::string folder;                         ///< the plugin folder
     bool isOwn = false;                         ///< that folder belongs to this executable
+    bool isBuiltIn = false;                     ///< it has the name of a plugin that comes with this executable
     std::string path;                           ///< below the plugin folder, such as "./disk/libdisk.pi.so"
     std::vector<TCIMClass*> classes;            ///< declared by its document, and by none read before it
     std::vector<std::string> duplicateClasses;  ///< in its document too, but declared by another one before
+    std::vector<TReason> takenClasses;          ///< of those, the ones that can have instances and go to another
     std::vector<std::string> premises;          ///< documents that the core must read before that of the library
     TOutcome notLoaded;                         ///< why it must not be loaded; complete if it may be
     TNeeds granted = 0;                         ///< what its plugins may do beyond reading

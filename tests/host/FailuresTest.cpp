@@ -122,6 +122,33 @@ TEST(FailuresTest, MistakesInDocumentsAreToldWithLineAndTheNearestWord) {
     }
 }
 
+// Its library comes before that of the system plugin, and the class that it declares too has other properties there.
+TEST(FailuresTest, ClassesOfABuiltInPluginAreNotTaken) {
+    const TPluginRoot root({"grabbing"});
+    const std::string taken = " is taken: " + root.Path() + "/system/libsystem.pi.so has it, not " + root.Path() +
+                              "/grabbing/libgrabbing.pi.so";
+    for (const std::string how : {"", "--in-process "}) {
+        const std::string collect = "collect " + how + root.Option() + "--class TEST_Grabbed ";
+        EXPECT_THAT(RunKyr(collect + "--class MOLTA_OperatingSystem"),
+                    FieldsAre(1, AllOf(HasSubstr("KernelRelease"), HasSubstr("TEST_Grabbed\n  Id  1\n")),
+                              "kyr: plugin grabbing: partial: class MOLTA_OperatingSystem" + taken + "\n"));
+        EXPECT_THAT(RunKyr(collect), FieldsAre(0, "TEST_Grabbed\n  Id  1\n", ""));
+    }
+    const TRunResult json = RunKyr("collect --json" + root.Option());
+    for (const std::string part :
+         {"\"reasonCode\": \"class name taken\"", "\"reason\": \"class MOLTA_OperatingSystem (and 1 more)",
+          "\"warning: class MOLTA_MissingSource is taken: the base document has it"})
+        EXPECT_THAT(json.out, HasSubstr(part));
+}
+
+TEST(FailuresTest, PluginAllOfWhoseClassesAreTakenIsRefused) {
+    const TPluginRoot root({"givesup", "two"});
+    EXPECT_THAT(RunKyr("schema" + root.Option()),
+                FieldsAre(1, _,
+                          "kyr: plugin two: refused: class TEST_Kept (and 1 more) is taken: " + root.Path() +
+                              "/givesup/libgivesup.pi.so has it, not " + root.Path() + "/two/libtwo.pi.so\n"));
+}
+
 TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     const TPluginRoot root({});
     std::filesystem::create_directory(root.Path() + "/alone");

@@ -84,7 +84,7 @@ TEST(ReasonsTest, JsonAndFilesHaveTheCode) {
     const std::string live = RunKyr("collect --json" + root.Option()).out;
     RunKyr("collect -o " + file + root.Option());
     const std::string saved = RunKyr("show --json " + file).out;
-    for (const char* word : {"data call failed", "init failed", "crashed", "no class of its own", "plugins incomplete"})
+    for (const char* word : {"data call failed", "init failed", "crashed", "class name taken", "plugins incomplete"})
         for (const std::string& document : {live, saved})
             EXPECT_THAT(document, HasSubstr(std::string("\"reasonCode\": \"") + word + "\""));
 }
