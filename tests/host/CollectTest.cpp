@@ -2,6 +2,20 @@
 
 #include "KyrRun.h"
 
+// Its path comes before that of the system plugin.
+TEST(CollectTest, ComputerSystemIsCollectedFirstWhateverWasAskedFor) {
+    const TPluginRoot root({"naming"});
+    for (const std::string how : {"", "--in-process ", "--json "}) {
+        const std::string collect = "collect --class TEST_Kept " + how + root.Option();
+        const TRunResult run = RunKyr(collect, "KYR_SYSTEM_ROOT=" MACHINES "/server");
+        EXPECT_THAT(run, FieldsAre(0, HasSubstr("db01.example.net"), "")) << how;
+        EXPECT_THAT(run.out, Not(HasSubstr("MOLTA_ComputerSystem")));
+    }
+    const std::string file = root.Path() + "/a.xml";
+    RunKyr("collect --class TEST_Kept -o " + file + root.Option());
+    EXPECT_EQ(RunKyr("show --class MOLTA_ComputerSystem " + file).out, "");
+}
+
 TEST(CollectTest, NamesHostAndKernelOfTheRunningMachine) {
     utsname name{};
     ASSERT_EQ(uname(&name), 0);

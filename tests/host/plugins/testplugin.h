@@ -29,6 +29,13 @@ static void Add(kyrIOHandle handle, const char* className, const char* id) {
     kyrAddStringProperty(handle, "Id", id);
 }
 
+/* The name of the computer system, or why there is none. */
+static inline const char* SystemName(void) {
+    const char* name;
+    const kyrStatusCode status = kyrGetSystemName(&name);
+    return status == kyrStatusOK ? name : kyrTranslateStatusCode(status);
+}
+
 static kyrStatusCode Init(kyrPluginHandle plugin);
 static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** classNames, uint32_t count);
 
