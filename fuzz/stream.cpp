@@ -124,7 +124,8 @@ public:
 
     void Run() {
         // As C strings, which is what a plugin gives.
-        fReport.plugins.push_back({fInput.Text().c_str(), fInput.Text().c_str(), fInput.Byte(), true});
+        fReport.plugins.push_back(
+            {fInput.Text().c_str(), fInput.Text().c_str(), fInput.Text().c_str(), fInput.Byte(), true});
         fReport.loadFailure = fInput.Text().c_str();
         PutPlugins(fStream, fReport);
         for (const bool associations : {false, true}) Answer(associations);
@@ -220,7 +221,10 @@ private:
 std::string TextOf(const TPluginReport& report) {
     std::ostringstream text;
     for (const TPluginInfo& plugin : report.plugins)
-        text << plugin.name << '\n' << plugin.version << '\n' << plugin.type << plugin.initialised << '\n';
+        text << plugin.name << '\n'
+             << plugin.version << '\n'
+             << plugin.interfaceVersion << '\n'
+             << plugin.type << plugin.initialised << '\n';
     text << report.loadFailure << '\n';
     for (const TDataCall& call : report.dataCalls) {
         text << call.associations << call.finished << call.failure.text << call.failure.status << '\n';

@@ -24,7 +24,7 @@ static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const c
 
 static kyrPluginInfo GetInfo(kyrPluginHandle plugin) {
     (void)plugin;
-    const kyrPluginInfo info = {PLUGIN_NAME, "1.0", "1.0", kyrPluginDataCollector, 0};
+    const kyrPluginInfo info = {PLUGIN_NAME, "1.0", KYR_INTERFACE_VERSION, kyrPluginDataCollector, 0};
     return info;
 }
 

@@ -121,10 +121,6 @@ THarms FindHarm(const std::list<TPluginLibrary>& libraries, TContainer& containe
     return harms;
 }
 
-bool HasFailedToLoad(const TPluginReport& report) {
-    return report.FindOwner() == nullptr || !report.loadFailure.empty();
-}
-
 std::vector<TCIMClass*> Read(const std::string& document, TContainer& container) {
     try {
         return container.PopulateContainerFromFile(document);
@@ -226,7 +222,7 @@ void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries)
                library.duplicateClasses.end();
     };
     for (TPluginLibrary& other : libraries) {
-        if (&other == &library || !HasFailedToLoad(other.report)) continue;
+        if (&other == &library || other.report.IsLoaded()) continue;
         const auto claimed =
             std::stable_partition(other.classes.begin(), other.classes.end(), std::not_fn(isDuplicate));
         library.classes.insert(library.classes.end(), claimed, other.classes.end());

@@ -24,6 +24,7 @@
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
 #include "states/HostIdentity.h"
+#include "states/InterfaceVersion.h"
 #include "states/StateInstances.h"
 #include "states/StateWriter.h"
 
@@ -56,10 +57,20 @@ void AddQualifier(TCIMClass& cls, const TCIMQualifierDecl* declaration, const st
 // for documents that it reads itself.
 void AddPluginQualifiers(const TPluginLibrary& library, const TContainer& container) {
     const TPluginInfo* const owner = library.report.FindOwner();
-    if (owner == nullptr || !library.report.loadFailure.empty()) return;
+    if (!library.report.IsLoaded()) return;
     for (TCIMClass* cls : library.classes) {
         AddQualifier(*cls, container.FindQualifierDecl("PLUGINNAME"), owner->name);
         AddQualifier(*cls, container.FindQualifierDecl("PLUGINVERSION"), owner->version);
+    }
+}
+
+// Of plugins that run all the same.
+void TellInterfaces(TPluginLibrary& library) {
+    for (const TPluginInfo& plugin : library.report.plugins) {
+        const std::string text = DoubtAbout(plugin.interfaceVersion);
+        if (text.empty()) continue;
+        PrintDiagnostic("plugin " + plugin.name + ": " + text);
+        library.report.messages.push_back({"", kyrLogWarning, text, true});
     }
 }
 
@@ -118,6 +129,7 @@ void TSession::Run(const TClassSelection& wanted) {
     else
         interruption = RunIsolated(rounds, asked);
     TellTakenClasses(fLibraries, fContainer);
+    for (TPluginLibrary& library : fLibraries) TellInterfaces(library);
     for (const TPluginLibrary& library : fLibraries) AddPluginQualifiers(library, fContainer);
     const auto mayReport = [this](const TCIMInstance& instance, const std::string& className) {
         const TPluginLibrary* const maker = fContainer.FindMaker(instance);

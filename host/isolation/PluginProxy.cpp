@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <exception>
+#include <stdexcept>
 
 #include "base/StatusWords.h"
 #include "kyr/IPluginManager.h"
@@ -23,9 +24,19 @@ std::string Load(const std::string& path) {
     return "";
 }
 
+// A NULL is no text.
+std::string InterfaceVersionOf(IPluginCallbacks& callbacks) {
+    try {
+        return callbacks.GetInterfaceVersion();
+    } catch (const std::logic_error&) {
+        return "";
+    }
+}
+
 TPluginInfo Describe(const IPlugin& plugin) {
     IPluginCallbacks& callbacks = *plugin.GetCallbacks();
-    return {callbacks.GetName(), callbacks.GetVersion(), callbacks.GetType(), plugin.IsInitialized()};
+    return {callbacks.GetName(), callbacks.GetVersion(), InterfaceVersionOf(callbacks), callbacks.GetType(),
+            plugin.IsInitialized()};
 }
 
 }  // namespace
@@ -58,9 +69,7 @@ boost::shared_ptr<TPluginProxy> LoadLibrary(const TPluginLibrary& library, TPlug
     const auto first = std::next(plugins.begin(), before);
     for (auto plugin = first; plugin != plugins.end(); ++plugin) report.plugins.push_back(Describe(**plugin));
     const TPluginInfo* const owner = report.FindOwner();
-    if (owner == nullptr || owner->type != kyrPluginDataCollector || !report.loadFailure.empty() ||
-        library.classes.empty())
-        return nullptr;
+    if (!report.IsLoaded() || owner->type != kyrPluginDataCollector || library.classes.empty()) return nullptr;
     boost::shared_ptr<IPlugin>& plugin = *std::next(first, owner - report.plugins.data());
     const boost::shared_ptr<TPluginProxy> proxy(new TPluginProxy(plugin, library.classes));
     plugin = proxy;

@@ -74,6 +74,7 @@ void ReadPlugin(TRecordReader& record, TPluginReport& report) {
     TPluginInfo plugin;
     plugin.name = TakeReportText(record);
     plugin.version = TakeReportText(record);
+    plugin.interfaceVersion = TakeReportText(record);
     plugin.type = record.TakeNumber<int32_t>();
     plugin.initialised = record.TakeNumber<uint8_t>() != 0;
     report.plugins.push_back(plugin);
@@ -108,6 +109,7 @@ void PutPlugins(TRecordStream& stream, const TPluginReport& report) {
         stream.Begin(ERecord::ePlugin);
         stream.PutText(plugin.name);
         stream.PutText(plugin.version);
+        stream.PutText(plugin.interfaceVersion);
         stream.PutNumber(plugin.type);
         stream.PutNumber(plugin.initialised);
         stream.Commit();

@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "kyr/kyrPlugin.h"
+
 namespace {
 
 struct TWording {
@@ -62,6 +64,8 @@ constexpr TWording kWordings[] = {
     {EReason::eDocumentMistake, "{file}:{detail}"},
     {EReason::eMisplaced, "{detail}; it belongs at {file}, with its document beside it"},
     {EReason::eClassNameTaken, "class {class} is taken: {file} has it, not {detail}"},
+    {EReason::eInterfaceTooNew,
+     "it was built for version {detail} of the plugin interface, and this kyr has " KYR_INTERFACE_VERSION},
 };
 
 struct TMember {

@@ -70,6 +70,7 @@ enum class EReason : uint16_t {
     eDocumentMistake = 87,
     eMisplaced = 88,
     eClassNameTaken = 89,
+    eInterfaceTooNew = 90,
 };
 
 /// A reason as data. Which members are set depends on the code. SentenceOf makes the sentence that is printed.

@@ -82,8 +82,10 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
     const TPluginInfo* const owner = report.FindOwner();
     if (owner == nullptr && !AreAllInitialised(report))
         return {eRefused, ReasonFor(EReason::eInitFailed, report.FirstError())};
-    if (owner == nullptr || (library.classes.empty() && owner->type == kyrPluginDocumentOnly))
+    if (owner == nullptr || (report.IsLoaded() && library.classes.empty() && owner->type == kyrPluginDocumentOnly))
         return {eNotAsked, ReasonFor(EReason::eNoData)};
+    if (!report.IsLoaded())
+        return {eRefused, ReasonFor(EReason::eInterfaceTooNew, CutText(owner->interfaceVersion, 20))};
     if (!library.classes.empty()) return {};
     if (library.documentMistake) return {eRefused, library.documentMistake};
     const TReason taken = ClassesTaken(library, TClassSelection::All());

@@ -6,6 +6,7 @@
 #include "base/StatusWords.h"
 #include "base/Text.h"
 #include "kyr/kyrPlugin.h"
+#include "states/InterfaceVersion.h"
 
 namespace {
 
@@ -81,6 +82,11 @@ const TPluginInfo* TPluginReport::FindOwner() const {
     };
     const auto found = std::find_if(plugins.begin(), plugins.end(), usesDocument);
     return found == plugins.end() ? nullptr : &*found;
+}
+
+bool TPluginReport::IsLoaded() const {
+    const TPluginInfo* const owner = FindOwner();
+    return owner != nullptr && loadFailure.empty() && FitOf(owner->interfaceVersion) != EFit::eNewerMajor;
 }
 
 const TDataCall* TPluginReport::FindDataCall(const std::string& className) const {

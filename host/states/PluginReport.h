@@ -14,8 +14,9 @@
 struct TPluginInfo {
     std::string name;
     std::string version;
-    int32_t type;      ///< kyrPluginDataCollector and the like
-    bool initialised;  ///< its init entry succeeded
+    std::string interfaceVersion;  ///< the one it was built for, as it says; empty: it says none
+    int32_t type;                  ///< kyrPluginDataCollector and the like
+    bool initialised;              ///< its init entry succeeded
 };
 
 /// An error or warning of the log, or a line that the plugin printed on its standard output or standard error.
@@ -65,6 +66,8 @@ struct TPluginReport {
     /// The plugin that owns the classes of the document: the first one initialised that uses a document. Null if there
     /// is none.
     const TPluginInfo* FindOwner() const;
+    /// Whether it can be asked for the classes of its document.
+    bool IsLoaded() const;
     /// The name of the first plugin; the given path of the library if none was registered.
     const std::string& NameIn(const std::string& path) const { return plugins.empty() ? path : plugins.front().name; }
     /// The call that asked for the class; null if none did.

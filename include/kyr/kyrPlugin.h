@@ -59,6 +59,33 @@ typedef struct kyriCIMValueArray* kyrCIMValueArray; /**< the elements of an arra
 #endif
 
 /**
+ * @defgroup version The version of this interface
+ *
+ * What a plugin gives as interfaceVersion of its kyrPluginInfo, as text and as numbers for \#if.
+ *
+ * A new minor number adds calls and status codes, and takes nothing away: a plugin built for an older one runs as
+ * before. A plugin that uses a call of a newer one than the core has cannot be loaded. Within a major number
+ * kyrPluginCallbacks and kyrPluginInfo keep their size and the meaning of all members, since a plugin and a core that
+ * were built at different times hand them to each other. Should plugins get more entries, "reserved" points to a record
+ * of them, which is read only if interfaceVersion has the minor number that brought it.
+ *
+ * A new major number changes calls or records. The tool kyr refuses a plugin built for a newer major number than its
+ * own, and tells of one built for a newer minor number or for none that it knows. The core itself looks at neither.
+ * @{
+ */
+
+#define KYR_INTERFACE_MAJOR 1 /**< changes calls or records */
+#define KYR_INTERFACE_MINOR 0 /**< adds calls and status codes */
+/** Both as text. */
+#define KYR_INTERFACE_VERSION KYRI_VERSION_TEXT(KYR_INTERFACE_MAJOR, KYR_INTERFACE_MINOR)
+/** @cond */
+#define KYRI_VERSION_TEXT(major, minor) KYRI_TEXT(major) "." KYRI_TEXT(minor)
+#define KYRI_TEXT(number) #number
+/** @endcond */
+
+/** @} */
+
+/**
  * @defgroup registration Registration
  * @{
  */
@@ -73,7 +100,7 @@ typedef enum kyrPluginType {
 typedef struct kyrPluginInfo {
     const char* name;             /**< in log lines and in the class qualifier PLUGINNAME; never NULL */
     const char* version;          /**< in the class qualifier PLUGINVERSION; never NULL */
-    const char* interfaceVersion; /**< the version of this interface that the plugin was built for */
+    const char* interfaceVersion; /**< KYR_INTERFACE_VERSION: the one that the plugin was built for */
     int32_t pluginType;           /**< a kyrPluginType; any other number: neither a document nor data */
     int32_t urlType;              /**< handed on to the host, without meaning to the core; 0 will do */
 } kyrPluginInfo;

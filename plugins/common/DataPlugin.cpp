@@ -22,7 +22,9 @@ kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const char** c
     }
 }
 
-kyrPluginInfo GetInfo(kyrPluginHandle) { return {gName, KYRCORE_VERSION, "1.0", kyrPluginDataCollector, 0}; }
+kyrPluginInfo GetInfo(kyrPluginHandle) {
+    return {gName, KYRCORE_VERSION, KYR_INTERFACE_VERSION, kyrPluginDataCollector, 0};
+}
 
 // Numbers of the ValueMap of MOLTA_MissingSource.Absence, in the order of EAbsence.
 uint16_t NumberOf(EAbsence absence) { return static_cast<uint16_t>(static_cast<int>(absence) + 1); }

@@ -149,6 +149,32 @@ TEST(FailuresTest, PluginAllOfWhoseClassesAreTakenIsRefused) {
                               "/givesup/libgivesup.pi.so has it, not " + root.Path() + "/two/libtwo.pi.so\n"));
 }
 
+TEST(FailuresTest, VersionOfTheInterfaceThatAPluginWasBuiltForIsLookedAt) {
+    const std::string builtFor = "it was built for version ", has = " of the plugin interface, and this kyr has 1.0";
+    const std::string runs = "TEST_Kept\n  Id  1\n";
+    const struct {
+        const char* plugin;
+        int status;
+        std::string out, error;
+    } cases[] = {
+        {"two", 0, runs, ""},
+        {"newminor", 0, runs, "kyr: plugin newminor: " + builtFor + "1.1" + has + "\n"},
+        {"newmajor", 3, "",
+         "kyr: plugin newmajor: refused: " + builtFor + "2.0" + has +
+             " (class TEST_Kept)\nkyr: nothing was collected\n"},
+        {"oddversion", 0, runs,
+         "kyr: plugin oddversion: '1.0x', for which it was built, is no version of the plugin "
+         "interface\n"},
+        {"noversion", 0, runs,
+         "kyr: plugin noversion: it does not say for which version of the plugin interface it "
+         "was built\n"},
+    };
+    for (const auto& each : cases)
+        for (const std::string how : {"", "--in-process "})
+            EXPECT_THAT(RunKyrWith({each.plugin}, "collect --class TEST_Kept " + how),
+                        FieldsAre(each.status, each.out, each.error));
+}
+
 TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     const TPluginRoot root({});
     std::filesystem::create_directory(root.Path() + "/alone");

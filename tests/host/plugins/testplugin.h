@@ -11,6 +11,10 @@
 #define PLUGIN_TYPE kyrPluginDataCollector
 #endif
 
+#ifndef BUILT_FOR
+#define BUILT_FOR KYR_INTERFACE_VERSION
+#endif
+
 static kyrPluginHandle gPlugin;
 
 static kyrStatusCode Nothing(kyrPluginHandle plugin) {
@@ -20,7 +24,7 @@ static kyrStatusCode Nothing(kyrPluginHandle plugin) {
 
 static kyrPluginInfo GetInfo(kyrPluginHandle plugin) {
     (void)plugin;
-    const kyrPluginInfo info = {PLUGIN_NAME, "1.0", "1.0", PLUGIN_TYPE, 0};
+    const kyrPluginInfo info = {PLUGIN_NAME, "1.0", BUILT_FOR, PLUGIN_TYPE, 0};
     return info;
 }
 
