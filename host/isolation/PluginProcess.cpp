@@ -197,8 +197,10 @@ TOutcome TPluginProcess::FindOutcome(const TProcessEnd& end) const {
 }
 
 void TPluginProcess::ReadPrinted() {
-    for (const std::string& line : ReadLastLines(fPrinted.Number()))
+    for (const std::string& line : ReadLastLines(fPrinted.Number())) {
         fLibrary.report.messages.push_back({"", kyrLogStatus, VisibleText(line)});
+        fLibrary.report.log.push_back({false, kyrLogStatus, "printed: " + VisibleText(line)});
+    }
 }
 
 // The core flushes each line, so that what is written past it stands behind what it wrote before.

@@ -113,7 +113,9 @@ TEST(IsolationTest, LastWordsAndPrintedLinesStandInTheStates) {
     const TPluginRoot root({"datacrash", "chattering"});
     EXPECT_THAT(RunKyr("collect --json" + root.Option()).out,
                 AllOf(HasSubstr("\"warning: last words\""), HasSubstr("\"printed: chatter 19999\"")));
-    EXPECT_EQ(RunKyr("collect -o " + root.Path() + "/out.xml" + root.Option()).status, 1);
+    const TRunResult saved = RunKyr("collect -o " + root.Path() + "/out.xml" + root.Option());
+    EXPECT_THAT(saved, FieldsAre(1, _, Not(HasSubstr("chatter 19999"))));
+    EXPECT_THAT(RunKyr("collect --verbose" + root.Option()).err, HasSubstr("printed: chatter 19999\n"));
 }
 
 TEST(IsolationTest, VolumeOfAPluginCostsItsOwnRestAndIsSaved) {
