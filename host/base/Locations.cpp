@@ -45,3 +45,9 @@ std::string FindStateDocument() {
     if (path.empty()) throw TCommandError(eExitNothing, "no collection.xml found beside the program; install it whole");
     return path;
 }
+
+std::string FindTemplates() {
+    const std::string path = FindBesideExecutable({KYR_INSTALLED_SCHEMA "/templates", "../templates"});
+    if (path.empty()) throw TCommandError(eExitNothing, "no templates found beside the program; install it whole");
+    return path;
+}

@@ -9,5 +9,7 @@ std::string FindDefaultPlugins();
 std::string FindDefaultSchema();
 /// The document with the classes of collection states, schema/collection.xml. Raises TCommandError if it is missing.
 std::string FindStateDocument();
+/// The folder with the templates of new plugins. Raises TCommandError if it is missing.
+std::string FindTemplates();
 
 #endif

@@ -94,9 +94,10 @@ void MakeSystemRootAbsolute() {
 }  // namespace
 
 // The parser must let unknown arguments pass: CommandLine.cpp refuses them, and names similar options.
-TCommand::TCommand(CLI::App& app, const std::string& name, const std::string& description)
+TCommand::TCommand(CLI::App& app, const std::string& name, const std::string& description, EOptions options)
     : fApp(*app.add_subcommand(name, description)) {
     fApp.allow_extras();
+    if (options == EOptions::eNone) return;
     const auto addPath = [this](const char* option, std::string& path, const char* words, const char* type) {
         fApp.add_option(option, path, words)->type_name(type)->check(CheckNotEmpty);
     };

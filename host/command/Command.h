@@ -38,8 +38,10 @@ public:
     std::vector<std::string> ClassNamesFor(const std::string& start);
 
 protected:
-    /// Declares the options that all commands have.
-    TCommand(CLI::App& app, const std::string& name, const std::string& description);
+    /// Whether the options are declared that all commands have which work on a collection.
+    enum class EOptions { eOfCollections, eNone };
+    TCommand(CLI::App& app, const std::string& name, const std::string& description,
+             EOptions options = EOptions::eOfCollections);
 
     // These declare options that several commands have.
 
@@ -97,5 +99,7 @@ std::unique_ptr<TCommand> MakeGetCommand(CLI::App& app);
 std::unique_ptr<TCommand> MakeDiffCommand(CLI::App& app);
 /// Tells what is wrong with documents, libraries and saved collections.
 std::unique_ptr<TCommand> MakeCheckCommand(CLI::App& app);
+/// Makes a folder with a plugin to begin with.
+std::unique_ptr<TCommand> MakeNewPluginCommand(CLI::App& app);
 
 #endif

@@ -105,7 +105,7 @@ TCommands MakeCommands(CLI::App& app) {
     TCommands commands;
     for (const auto make :
          {MakeSummaryCommand, MakeCollectCommand, MakeShowCommand, MakeAssocCommand, MakeSchemaCommand,
-          MakeIdentityCommand, MakeGetCommand, MakeDiffCommand, MakeCheckCommand}) {
+          MakeIdentityCommand, MakeGetCommand, MakeDiffCommand, MakeCheckCommand, MakeNewPluginCommand}) {
         commands.push_back(make(app));
         commands.back()->App().set_version_flag("-V,--version", kVersionText);
     }
