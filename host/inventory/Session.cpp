@@ -9,7 +9,6 @@
 #include "base/Locations.h"
 #include "base/Output.h"
 #include "base/StatusWords.h"
-#include "base/Text.h"
 #include "inventory/DocumentMistakes.h"
 #include "inventory/Grants.h"
 #include "inventory/Libraries.h"
@@ -33,9 +32,9 @@ namespace {
 TContainer& PluginSchema() { return *TRootObject::GetPluginManager()->GetSchema(); }
 
 std::string NamesOf(const std::vector<TPluginFolder>& folders) {
-    std::vector<std::string> names;
-    for (const TPluginFolder& folder : folders) names.push_back("'" + folder.path + "'");
-    return Join(names);
+    std::string names;
+    for (const TPluginFolder& folder : folders) names += (names.empty() ? "'" : ", '") + folder.path + "'";
+    return names;
 }
 
 bool DeclaresSystem(const TPluginLibrary& library) {
