@@ -51,6 +51,8 @@ struct TPlacedFile {
 
 void AddFiles(const fs::path& folder, int depth, std::vector<TPlacedFile>& files) {
     std::error_code error, ignored;
+    // What CMake builds lies below the sources, which are no plugin folder.
+    if (fs::exists(folder / "CMakeCache.txt", ignored)) return;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
         if (files.size() >= kMostFiles) return;
         if (entry.is_directory(ignored) && depth < kDeepest && (depth == 0 || !entry.is_symlink(ignored)))

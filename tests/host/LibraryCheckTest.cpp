@@ -40,6 +40,15 @@ TEST(LibraryCheckTest, WrongPlaceOrNameIsToldWithTheRightOne) {
     }
 }
 
+TEST(LibraryCheckTest, BuildFolderOfAPluginIsNotMisplaced) {
+    const TempFolder root;
+    Place(root, FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml", "mistaken.properties.xml");
+    Place(root, kGood, "build/plugins/mistaken/libmistaken.pi.so");
+    EXPECT_THAT(Check(root), HasSubstr("[L09]"));
+    root.Write("build/CMakeCache.txt", "");
+    EXPECT_THAT(Check(root), Not(HasSubstr("[L09]")));
+}
+
 TEST(LibraryCheckTest, SymbolsAndProtectionAreToldAndNoCodeRuns) {
     const TRunResult run = RunKyr("check " FIXTURE_PLUGINS "/faulty/libfaulty.pi.so");
     EXPECT_EQ(run.status, 1);
