@@ -40,7 +40,7 @@ std::vector<std::string> LibrariesAmong(const std::vector<TTarget>& targets, con
 void CheckCollection(const std::string& path, TFindings& findings) {
     TContainer container;
     ReadCollection(path, container);
-    CheckInstances({container, SelectAllClasses(container), path}, findings);
+    CheckInstances({container, SelectAllClasses(container), path, {}, true}, findings);
 }
 
 bool CheckTargets(const std::vector<TTarget>& targets, const TCheckContext& context, TFindings& findings) {

@@ -247,8 +247,9 @@ const std::vector<TRule>& AllRules() {
          "The file has the name of a plugin's library, and is none, is damaged, or is built for another kind of "
          "machine. Build it anew."},
         {"R01", eError, "Class that could not be collected",
-         "In a run of the plugin, the class failed: a call was refused, the plugin crashed, hung or gave up. The "
-         "finding repeats what kyr collect says."},
+         "In a run of the plugin, the class failed or ended half-way: a call was refused, an error was logged, the "
+         "plugin crashed, hung or gave up. The finding repeats what kyr collect says. A source that is missing or may "
+         "not be read is none."},
         {"R03", eNote, "Class without an instance or a word why",
          "The plugin was asked for the class, gave no instance and logged nothing. If the machine has none of the "
          "kind, that is right; often the class was forgotten, or its source could not be read."},

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <map>
 #include <set>
 #include <unordered_map>
 
 #include "base/NearMatches.h"
 #include "base/Text.h"
+#include "check/Schema.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -83,6 +85,17 @@ private:
     std::map<std::array<std::string, 4>, TGroup> fGroups;
 };
 
+long double NumberOf(const std::string& text) { return text == "true" ? 1 : std::strtold(text.c_str(), nullptr); }
+
+// Of an entry "N", "N..", "N..M", "..M" or "..".
+bool IsIn(const std::string& entry, const std::string& number) {
+    const size_t dots = entry.find("..");
+    const long double value = NumberOf(number);
+    if (dots == std::string::npos) return NumberOf(entry) == value;
+    const std::string low = Trimmed(entry.substr(0, dots)), high = Trimmed(entry.substr(dots + 2));
+    return (low.empty() || NumberOf(low) <= value) && (high.empty() || value <= NumberOf(high));
+}
+
 /// The words of ValueMap, if the property may hold nothing else.
 class TValueWords {
 public:
@@ -105,12 +118,18 @@ public:
             value.IsArray() ? DisplayElements(property) : TTexts{DisplayText(property)};
         const std::vector<std::string> numbers = value.IsArray() ? RawElements(value) : TTexts{RawText(value)};
         for (size_t i = 0; i < words.size() && i < numbers.size(); ++i)
-            if (words[i] == numbers[i]) return numbers[i];
+            if (words[i] == numbers[i] && !IsDeclared(numbers[i])) return numbers[i];
         return "";
     }
 
 private:
     using TTexts = std::vector<std::string>;
+
+    // A number that is declared may be shown without its word, too, because of what V01, V04 and V05 tell.
+    bool IsDeclared(const std::string& number) const {
+        return std::any_of(fEntries.begin(), fEntries.end(),
+                           [&number](const std::string& entry) { return IsIn(entry, number); });
+    }
 
     bool fIsNumber;
     std::vector<std::string> fEntries;
@@ -132,7 +151,7 @@ private:
 class TInstanceCheck {
 public:
     TInstanceCheck(const TReported& reported, TFindings& findings)
-        : fGroups(reported, findings), fCollected(reported.container) {
+        : fGroups(reported, findings), fCollected(reported.container), fIsSaved(reported.isSaved) {
         for (const TCIMClass* cls : reported.classes) CheckClass(*cls);
         fGroups.AddFindings();
     }
@@ -173,6 +192,7 @@ private:
 
     void CheckNull(const TCIMInstance& instance, const TCIMPropertyDecl& declaration, const TProvenance& provenance) {
         const std::string& name = declaration.GetName();
+        if (fIsSaved && IsVolatile(declaration)) return;  // a file that was saved with --stable lacks its value
         if (IsCompanion(declaration) || !provenance.AbsenceOf(name).empty() || !NullMeaningOf(declaration).empty())
             return;
         fGroups.Add("R04", instance, name, "it is NULL, and nothing says why",
@@ -230,6 +250,7 @@ private:
 
     TGroups fGroups;
     const TCollected fCollected;
+    const bool fIsSaved;
 };
 
 const TCIMInstance* FindState(const TCIMClass& cls, const TContainer& container) {
@@ -241,6 +262,48 @@ const TCIMInstance* FindState(const TCIMClass& cls, const TContainer& container)
 TStoredOutcome StateOf(const TCIMClass& cls, const TContainer& container) {
     const TCIMInstance* const state = FindState(cls, container);
     return state == nullptr ? TStoredOutcome() : OutcomeOf(*state);
+}
+
+// Whether it is the plugin that made it incomplete. A source that is missing or may not be read is the machine's
+// affair, and the plugin is right to tell it.
+bool IsOfPlugin(EReason code) {
+    constexpr EReason kFaults[] = {
+        EReason::eNoAnswer,       EReason::eDeadlinePassed,   EReason::eCrashed,         EReason::eExited,
+        EReason::eDataCallFailed, EReason::eErrorLogged,      EReason::eNoSuchProperty,  EReason::eWrongType,
+        EReason::eBadValue,       EReason::eNoSuchClass,      EReason::eForeignClass,    EReason::eNoSuchKey,
+        EReason::eCallRefused,    EReason::eTooMuchDelivered, EReason::eDeliveryDamaged, EReason::eTooManyRefused};
+    return std::find(std::begin(kFaults), std::end(kFaults), code) != std::end(kFaults);
+}
+
+bool IsFailure(const TStoredOutcome& outcome) {
+    if (outcome.state == ePartial) return IsOfPlugin(outcome.code);
+    return outcome.state == eFailed || outcome.state == eTimedOut || outcome.state == eRefused;
+}
+
+std::string FailureText(const std::string& name, const TStoredOutcome& outcome) {
+    return name + (outcome.state == ePartial ? " is not complete: " : " could not be collected: ") + outcome.text;
+}
+
+std::string RemedyFor(const TStoredOutcome& outcome, const TCIMInstance& state) {
+    if (outcome.code == EReason::eDataCallFailed && TextsOf(state, "LogLines").empty())
+        return "its data entry returned that status and logged nothing: say why with kyrWriteLog";
+    return "mend what it names";
+}
+
+// Of its document there are findings anyway, and of classes that another plugin has.
+bool IsToldOfDocument(EReason code) {
+    return code == EReason::eDocumentMistake || code == EReason::eDocumentUnreadable ||
+           code == EReason::eDocumentHarmful || code == EReason::eDocumentTooLarge || code == EReason::eClassesTaken;
+}
+
+// What no class tells: a plugin that failed before it was asked for any, or that logged errors of its own.
+void CheckPlugins(const TReported& reported, TFindings& findings) {
+    for (const TCIMInstance* plugin : reported.plugins) {
+        const TStoredOutcome outcome = OutcomeOf(*plugin);
+        if (IsFailure(outcome) && outcome.HasReason() && !IsToldOfDocument(outcome.code))
+            findings.Add("R01", {reported.file}, FailureText("the plugin " + TextOf(*plugin, "Name"), outcome),
+                         RemedyFor(outcome, *plugin));
+    }
 }
 
 // An association has none where one of its ends has none.
@@ -275,14 +338,17 @@ void CheckInstances(const TReported& reported, TFindings& findings) { const TIns
 
 void CheckOutcomes(const TReported& reported, TFindings& findings) {
     std::vector<std::string> empty;
+    bool hasFailed = false;
     for (const TCIMClass* cls : reported.classes) {
         const TStoredOutcome outcome = StateOf(*cls, reported.container);
-        if (outcome.state == eFailed || outcome.state == eTimedOut || outcome.state == eRefused)
-            findings.Add("R01", {reported.file, 0, cls->GetName()},
-                         cls->GetName() + " could not be collected: " + outcome.text, "mend what it names");
+        hasFailed |= IsFailure(outcome);
+        if (IsFailure(outcome))
+            findings.Add("R01", {reported.file, 0, cls->GetName()}, FailureText(cls->GetName(), outcome),
+                         RemedyFor(outcome, *FindState(*cls, reported.container)));
         else if (IsSilentlyEmpty(*cls, outcome, reported.container))
             empty.push_back(cls->GetName());
     }
+    if (!hasFailed) CheckPlugins(reported, findings);
     if (!empty.empty())
         findings.Add("R03", {reported.file, 0, empty.size() == 1 ? empty.front() : ""},
                      "no instance of " + Join(empty) + ", and no log line says why",

@@ -7,6 +7,7 @@
 #include "check/Findings.h"
 
 class TCIMClass;
+class TCIMInstance;
 class TContainer;
 
 /// What is reported as what: the classes that are looked at, and the file that findings are about.
@@ -14,11 +15,13 @@ struct TReported {
     const TContainer& container;
     std::vector<TCIMClass*> classes;
     std::string file;
+    std::vector<const TCIMInstance*> plugins = {};  ///< the states of the plugins of the library, in a run of it
+    bool isSaved = false;                           ///< perhaps without what is Volatile
 };
 
 /// The rules about instances: R04 to R09.
 void CheckInstances(const TReported& reported, TFindings& findings);
-/// What became of the classes while they were collected: R01 and R03.
+/// What became of the plugins and their classes while they were collected: R01 and R03.
 void CheckOutcomes(const TReported& reported, TFindings& findings);
 /// What differs in a second run: R10.
 void CompareRuns(const TReported& reported, const TContainer& second, TFindings& findings);

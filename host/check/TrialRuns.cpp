@@ -78,7 +78,8 @@ public:
     void Check(const std::string& library, TFindings& findings) const {
         const fs::path path = PathOf(library);
         const std::string name = "./" + (path.parent_path().filename() / path.filename()).string();
-        const TReported reported{*fFirst, ClassesOf(name), library};
+        const std::vector<const TCIMInstance*> plugins = PluginsOf(name);
+        const TReported reported{*fFirst, ClassesOf(plugins), library, plugins};
         CheckOutcomes(reported, findings);
         CheckInstances(reported, findings);
         CompareRuns(reported, *fSecond, findings);
@@ -104,13 +105,19 @@ private:
         ReadCollection(file, container);
     }
 
-    std::vector<TCIMClass*> ClassesOf(const std::string& library) const {
-        std::set<std::string> plugins;
+    std::vector<const TCIMInstance*> PluginsOf(const std::string& library) const {
+        std::vector<const TCIMInstance*> plugins;
         for (const TCIMInstance* state : StatesOf(*fFirst, kCollectedPluginClass))
-            if (TextOf(*state, "Library") == library) plugins.insert(TextOf(*state, "Name"));
+            if (TextOf(*state, "Library") == library) plugins.push_back(state);
+        return plugins;
+    }
+
+    std::vector<TCIMClass*> ClassesOf(const std::vector<const TCIMInstance*>& plugins) const {
+        std::set<std::string> names;
+        for (const TCIMInstance* plugin : plugins) names.insert(TextOf(*plugin, "Name"));
         std::vector<TCIMClass*> classes;
         for (const TCIMInstance* state : StatesOf(*fFirst, kCollectedClassClass))
-            if (plugins.count(TextOf(*state, "Plugin")) != 0)
+            if (names.count(TextOf(*state, "Plugin")) != 0)
                 if (TCIMClass* const cls = FindClassNamed(*fFirst, TextOf(*state, "Name"))) classes.push_back(cls);
         return classes;
     }

@@ -58,6 +58,12 @@ TEST(RunCheckTest, ClassThatFailsInTheRunIsAnError) {
                                    "kyrAddUint32Property [R01]"));
 }
 
+TEST(RunCheckTest, ClassThatEndedHalfWayIsAnError) {
+    const TRunResult run = RunKyr("check " FIXTURE_PLUGINS "/mistaken", "KYR_TEST_MISTAKE=Ignored");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("TEST_User is not complete: TEST_User.Uid: declared uint64, given by "));
+}
+
 TEST(RunCheckTest, CollectionsOfOurMachinesAreClean) {
     const TempFolder folder;
     const std::string file = folder.Path() + "/a.xml";
