@@ -68,7 +68,9 @@ def document(example, rule):
 
 
 def findings(text, name):
-    with tempfile.TemporaryDirectory() as folder:
+    with tempfile.TemporaryDirectory() as plugins:
+        folder = os.path.join(plugins, "example")
+        os.mkdir(folder)
         open(os.path.join(folder, "libexample.pi.so"), "w", encoding="utf-8").close()
         path = os.path.join(folder, name)
         with open(path, "w", encoding="utf-8") as file:
