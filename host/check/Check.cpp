@@ -56,6 +56,7 @@ bool CheckTargets(const std::vector<TTarget>& targets, const TCheckContext& cont
     };
     for (const TTarget& target : targets) attempt([&] { CheckTarget(target, context, findings); });
     attempt([&] { CheckRuns(LibrariesAmong(targets, findings), context, findings); });
+    findings.AddRest();
     ApplyAllowances(targets, findings);
     findings.Sort();
     return isRead;

@@ -31,18 +31,26 @@ void TFindings::Add(const char* rule, TPlace place, const std::string& text, con
     fFindings.push_back({&GetRule(rule), std::move(place), CutText(text, kLongest), CutText(remedy, kLongest)});
 }
 
-bool TFindings::IsFull(const char* rule, const std::string& file) const {
+bool TFindings::CountsOnly(const char* rule, const std::string& file) {
     const auto count = fCounts.find({file, rule});
-    return count != fCounts.end() && count->second >= kMostOfARule;
+    if (count == fCounts.end() || count->second < kMostOfARule) return false;
+    ++count->second;
+    return true;
+}
+
+void TFindings::AddRest() {
+    for (auto& [fileAndRule, count] : fCounts) {
+        if (count <= kMostOfARule) continue;
+        TFinding rest{&GetRule(fileAndRule.second), {fileAndRule.first}, "", "mend those that are listed first"};
+        rest.count = count - kMostOfARule;
+        rest.text = std::to_string(rest.count) + " more of this rule are not listed";
+        fFindings.push_back(std::move(rest));
+        count = kMostOfARule;
+    }
 }
 
 void TFindings::Sort() {
-    for (const auto& [fileAndRule, count] : fCounts) {
-        if (count <= kMostOfARule) continue;
-        const std::string more = std::to_string(count - kMostOfARule) + " more of this rule are not listed";
-        fFindings.push_back(
-            {&GetRule(fileAndRule.second), {fileAndRule.first}, more, "mend those that are listed first"});
-    }
+    AddRest();
     std::stable_sort(fFindings.begin(), fFindings.end(), IsBefore);
 }
 
@@ -53,7 +61,8 @@ bool TFindings::HasErrorIn(const std::string& file) const {
 }
 
 size_t TFindings::Count(ELevel level) const {
-    return static_cast<size_t>(std::count_if(fFindings.begin(), fFindings.end(), [level](const TFinding& finding) {
-        return finding.rule->level == level && finding.excuse.empty();
-    }));
+    size_t count = 0;
+    for (const TFinding& finding : fFindings)
+        if (finding.rule->level == level && finding.excuse.empty()) count += finding.count;
+    return count;
 }

@@ -25,6 +25,7 @@ struct TFinding {
     std::string remedy;            ///< what to do, with the nearest right word if there is one
     std::string excuse = {};       ///< the reason that a suppression gives; such a finding does not count
     bool isExcusedInFile = false;  ///< by a comment in the file itself
+    size_t count = 1;              ///< how many it stands for
 };
 
 /// Something that suppresses findings; see Allowances.h.
@@ -51,8 +52,10 @@ public:
 
     /// The id must be one of AllRules().
     void Add(const char* rule, TPlace place, const std::string& text, const std::string& remedy);
-    /// Whether more of that rule in that file would only be counted, so that they need no text.
-    bool IsFull(const char* rule, const std::string& file) const;
+    /// Whether of that rule in that file enough are kept. Then the one at hand is counted, and needs no text.
+    bool CountsOnly(const char* rule, const std::string& file);
+    /// Adds the findings that tell how many are not kept.
+    void AddRest();
     /// Sorts by file, line and rule. Must be called once, when all was added.
     void Sort();
 
@@ -63,7 +66,7 @@ public:
     bool HasErrorIn(const std::string& file) const;
     std::vector<TFinding>& All() { return fFindings; }
     const std::vector<TFinding>& All() const { return fFindings; }
-    /// How many of that level there are without an excuse.
+    /// How many of that level there are without an excuse, those that are not kept among them.
     size_t Count(ELevel level) const;
 
 private:

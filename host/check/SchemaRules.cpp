@@ -66,7 +66,7 @@ private:
     void Add(const char* rule, const TElement& element, const std::string& text, const std::string& remedy) {
         fFindings.Add(rule, fMarkup.PlaceOf(element), text, remedy);
     }
-    bool IsFull(const char* rule) const { return fFindings.IsFull(rule, fMarkup.file); }
+    bool CountsOnly(const char* rule) { return fFindings.CountsOnly(rule, fMarkup.file); }
 
     // Those that are declared up to the line.
     void AddQualifiers(const TDocumentSchema& document, size_t line) {
@@ -81,14 +81,14 @@ private:
     }
 
     void CheckName(const TElement& element, const std::string& name) {
-        if (!IsName(name) && !IsFull("S27"))
+        if (!IsName(name) && !CountsOnly("S27"))
             Add("S27", element,
                 name.empty() ? std::string(element.name) + " has no NAME" : Shown(name) + " is no name of CIM",
                 "use letters, digits and underscores, no digit first");
     }
 
     void CheckType(const TElement& element, const std::string& type) {
-        if (IsType(type) || IsFull("S26")) return;
+        if (IsType(type) || CountsOnly("S26")) return;
         const std::string what = "the type of '" + CutText(VisibleText(element.Get("NAME")), 60) + "'";
         Add("S26", element, type.empty() ? what + " is missing" : what + ", " + Shown(type) + ", is not known",
             type.empty() ? "add TYPE=\"...\": " + Join(kTypes) : RemedyForType(type));
@@ -98,9 +98,9 @@ private:
     void CheckValuesIn(const TElement& element, const std::string& type, const std::string& of) {
         for (const TElement* child : element.children) {
             if (child->Is("VALUE.ARRAY")) CheckValuesIn(*child, type, of);
-            if (!child->Is("VALUE") || IsFull("S24")) continue;
+            if (!child->Is("VALUE")) continue;
             const std::string fault = FaultOfValue(type, child->text);
-            if (!fault.empty())
+            if (!fault.empty() && !CountsOnly("S24"))
                 Add("S24", *child, "the value " + Shown(child->text) + " of " + of + " " + fault,
                     "write a value of the type " + type);
         }
@@ -139,7 +139,7 @@ private:
 
     // The class is not known here: it may stand further down.
     void CheckIsInFront(const char* rule, const TElement& element, const std::string& what, const std::string& cls) {
-        if (IsFull(rule)) return;
+        if (CountsOnly(rule)) return;
         const auto own = fOwn.find(LowerName(cls));
         if (own != fOwn.end())
             Add(rule, element, what + " stands behind it, in line " + std::to_string(own->second->element->line),
@@ -189,7 +189,7 @@ private:
 
     void CheckDescription(const TCarrier& carrier, const std::string& what) {
         const TWords texts = carrier.ValuesOf("Description");
-        if ((texts.empty() || Trimmed(texts.front()).empty()) && !IsFull("S19"))
+        if ((texts.empty() || Trimmed(texts.front()).empty()) && !CountsOnly("S19"))
             Add("S19", *carrier.element, what + " has no Description", "say in a sentence what it is");
     }
 
@@ -260,7 +260,7 @@ private:
         CheckType(element, type);
         CheckValuesIn(element, type, "the qualifier " + name + " of " + carrier.name);
         const TQualifierDeclaration* const declaration = fKnown.FindQualifier(name);
-        if (declaration == nullptr && !IsFull("S08"))
+        if (declaration == nullptr && !CountsOnly("S08"))
             Add("S08", element, "the qualifier " + Shown(name) + " of '" + carrier.name + "' is not declared",
                 NearestOr(name, fKnown.QualifierNames(),
                           "declare it with QUALIFIER.DECLARATION in front of the classes"));
@@ -288,7 +288,7 @@ private:
         for (size_t i = 1; i < ancestry.size() && fLookUpsLeft > 0; ++i, --fLookUpsLeft) {
             const TQualifierUse* const inherited = ancestry[i]->Find(use.name);
             if (inherited == nullptr) continue;
-            if (inherited->values != use.values && !IsFull("S11"))
+            if (inherited->values != use.values && !CountsOnly("S11"))
                 Add("S11", *use.element,
                     "the qualifier " + use.name + " of " + cls.name + " has another value than in " +
                         ancestry[i]->name + ", which fixes it",
@@ -303,7 +303,7 @@ private:
         const std::string name = instance.Get("CLASSNAME");
         const TClassDeclaration* const cls = fKnown.FindClass(name);
         if (cls == nullptr) {
-            if (!IsFull("S28"))
+            if (!CountsOnly("S28"))
                 Add("S28", instance, "the class " + Shown(name) + " of an instance is not known",
                     NearestClassOr(name, "declare it in front"));
             return;
@@ -333,7 +333,7 @@ private:
     }
 
     void RefuseKeyless(const TElement& instance, const std::string& cls, const std::string& key) {
-        if (!IsFull("S28"))
+        if (!CountsOnly("S28"))
             Add("S28", instance, "an instance of " + cls + " has no value for the key '" + key + "'",
                 "add a PROPERTY with its value");
     }
@@ -365,7 +365,7 @@ private:
         const std::string name = element.Get("NAME"), cls = ancestry.front()->name;
         const TPropertyDeclaration* const declaration = TKnownSchema::FindProperty(ancestry, name);
         if (declaration == nullptr) {
-            if (!IsFull("S28"))
+            if (!CountsOnly("S28"))
                 Add("S28", element, "class " + cls + " has no property " + Shown(name),
                     NearestOr(name, NamesOf(ancestry), "mend the name"));
             return;

@@ -86,7 +86,7 @@ private:
     static std::string Quoted(const TElement& element) { return "'" + CutText(VisibleText(element.name), 60) + "'"; }
 
     void Add(const char* rule, const TElement& element, const std::string& text, const std::string& remedy) {
-        if (!fFindings.IsFull(rule, fMarkup.file)) fFindings.Add(rule, fMarkup.PlaceOf(element), text, remedy);
+        if (!fFindings.CountsOnly(rule, fMarkup.file)) fFindings.Add(rule, fMarkup.PlaceOf(element), text, remedy);
     }
 
     void CheckVersion(const TElement& root, const char* attribute, const TWords& versions) {

@@ -146,7 +146,7 @@ public:
 
 private:
     void Add(const char* rule, const TElement& element, const std::string& text, const std::string& remedy) {
-        if (!fFindings.IsFull(rule, fMarkup.file)) fFindings.Add(rule, fMarkup.PlaceOf(element), text, remedy);
+        if (!fFindings.CountsOnly(rule, fMarkup.file)) fFindings.Add(rule, fMarkup.PlaceOf(element), text, remedy);
     }
 
     void CheckProperty(const TPropertyDeclaration& property) {

@@ -89,6 +89,16 @@ TEST_F(CheckTest, ExitStatusTellsWhatWasFound) {
     EXPECT_THAT(Check("error.xml none.xml").out, HasSubstr("[S01]"));
 }
 
+TEST_F(CheckTest, FindingsThatAreNotListedAreCounted) {
+    std::string numbers;
+    for (int i = 0; i < 600; ++i) numbers += Number("N" + std::to_string(i));
+    Write("a.xml", Document(Class("EX_Pool", numbers)));
+    EXPECT_THAT(Check("a.xml").out,
+                AllOf(HasSubstr("100 more of this rule are not listed [V07]"), HasSubstr("\n600 w")));
+    Write("kyr-check.allow", "V07 a.xml: they are names\n");
+    EXPECT_EQ(Ids("a.xml"), "");
+}
+
 TEST_F(CheckTest, CommentInFrontOfAnElementAllowsWhatIsInIt) {
     const auto ids = [this](const std::string& comment) {
         Write("a.xml", Document(comment + Class("EX_Pool", Number("Slots")) + Class("EX_Other", Number("Slots"))));
