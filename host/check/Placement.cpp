@@ -44,6 +44,14 @@ bool IsMisnamedLibrary(const fs::path& path) {
     }
 }
 
+// In a folder of its name with its document: a plugin folder may well be the one above.
+bool IsAtHome(const fs::path& library) {
+    std::error_code error;
+    const fs::path folder = fs::absolute(library, error).lexically_normal().parent_path();
+    const std::string name = NameOf(library);
+    return folder.filename() == name && fs::exists(folder / (name + TOSSpecific::kSpecificationExtension), error);
+}
+
 struct TPlacedFile {
     fs::path path;  // below the folder
     int depth;      // 0: in the folder itself
@@ -82,7 +90,8 @@ public:
     std::vector<TMisplacement> Find() const {
         std::vector<TMisplacement> found;
         for (const TPlacedFile& file : fFiles) {
-            if (IsPluginLibrary(file.path) && file.depth != fTop) found.push_back(WrongDepth(file));
+            if (IsPluginLibrary(file.path) && file.depth != fTop && !IsAtHome(file.path))
+                found.push_back(WrongDepth(file));
             if (IsMisnamedLibrary(file.path)) found.push_back(WrongEnding(file.path.string(), RightPath(file)));
         }
         return found;

@@ -45,6 +45,9 @@ TEST(LibraryCheckTest, BuildFolderOfAPluginIsNotMisplaced) {
     Place(root, FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml", "mistaken.properties.xml");
     Place(root, kGood, "build/plugins/mistaken/libmistaken.pi.so");
     EXPECT_THAT(Check(root), HasSubstr("[L09]"));
+    Place(root, FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml", "build/plugins/mistaken/mistaken.properties.xml");
+    EXPECT_THAT(Check(root), Not(HasSubstr("[L09]")));
+    fs::remove(root.Path() + "/build/plugins/mistaken/mistaken.properties.xml");
     root.Write("build/CMakeCache.txt", "");
     EXPECT_THAT(Check(root), Not(HasSubstr("[L09]")));
 }
