@@ -192,6 +192,7 @@ private:
 
     void CheckNull(const TCIMInstance& instance, const TCIMPropertyDecl& declaration, const TProvenance& provenance) {
         const std::string& name = declaration.GetName();
+        if (name.empty()) return;                         // S27 tells it
         if (fIsSaved && IsVolatile(declaration)) return;  // a file that was saved with --stable lacks its value
         if (IsCompanion(declaration) || !provenance.AbsenceOf(name).empty() || !NullMeaningOf(declaration).empty())
             return;

@@ -15,7 +15,7 @@ std::vector<std::string> ReadValues(const TElement& value) {
 }
 
 TQualifierUse ReadQualifier(const TElement& element) {
-    TQualifierUse use{&element, element.Get("NAME"), element.Get("TYPE"), false, {}};
+    TQualifierUse use{&element, element.Get("NAME"), LowerName(element.Get("TYPE")), false, {}};
     for (const TElement* child : element.children) {
         if (!child->Is("VALUE") && !child->Is("VALUE.ARRAY")) continue;
         use.isArray = child->Is("VALUE.ARRAY");
@@ -42,7 +42,7 @@ bool HasArray(const TElement& element) {
 TQualifierDeclaration ReadQualifierDeclaration(const TElement& element) {
     return {&element,
             element.Get("NAME"),
-            element.Get("TYPE"),
+            LowerName(element.Get("TYPE")),
             element.Get("ISARRAY") == "true" || HasArray(element),
             element.Get("TOSUBCLASS") != "false",
             element.Get("OVERRIDABLE") != "false"};
@@ -60,7 +60,7 @@ TPropertyDeclaration ReadProperty(const TElement& element) {
     if (property.isReference)
         property.referencedClass = element.Get("REFERENCECLASS");
     else
-        property.type = element.Get("TYPE");
+        property.type = LowerName(element.Get("TYPE"));
     return property;
 }
 

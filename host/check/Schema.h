@@ -11,7 +11,8 @@
 #include "check/Markup.h"
 
 // What documents declare, as they are written and with the elements that it stands in. The core's model has no lines,
-// and refuses what is to be told here. Names are found in any case, as the core finds them.
+// and refuses what is to be told here. Names are found in any case, as the core finds them, and types are in lower
+// case.
 
 struct TQualifierUse {
     const TElement* element;

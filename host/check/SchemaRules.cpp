@@ -74,7 +74,7 @@ private:
              ++fQualifiers) {
             const TQualifierDeclaration& declaration = document.qualifiers[fQualifiers];
             CheckName(*declaration.element, declaration.name);
-            CheckType(*declaration.element, declaration.type);
+            CheckType(*declaration.element);
             CheckValuesIn(*declaration.element, declaration.type, "the qualifier " + declaration.name);
             fKnown.Add(declaration);
         }
@@ -87,8 +87,9 @@ private:
                 "use letters, digits and underscores, no digit first");
     }
 
-    void CheckType(const TElement& element, const std::string& type) {
-        if (IsType(type) || CountsOnly("S26")) return;
+    void CheckType(const TElement& element) {
+        const std::string type = element.Get("TYPE");
+        if (IsType(LowerName(type)) || CountsOnly("S26")) return;
         const std::string what = "the type of '" + CutText(VisibleText(element.Get("NAME")), 60) + "'";
         Add("S26", element, type.empty() ? what + " is missing" : what + ", " + Shown(type) + ", is not known",
             type.empty() ? "add TYPE=\"...\": " + Join(kTypes) : RemedyForType(type));
@@ -178,10 +179,10 @@ private:
 
     void CheckProperty(const TClassDeclaration& cls, const TAncestry& ancestry, const TPropertyDeclaration& property) {
         CheckName(*property.element, property.name);
-        if (!property.isReference) CheckType(*property.element, property.type);
+        if (!property.isReference) CheckType(*property.element);
         CheckQualifiers(property);
         CheckValuesIn(*property.element, property.type, cls.name + "." + property.name);
-        if (property.isPropagated) return;
+        if (property.isPropagated || property.name.empty()) return;
         CheckDescription(property, "property " + cls.name + "." + property.name);
         CheckOverride(cls, ancestry, property);
         if (property.isReference) CheckReference(cls, ancestry, property);
@@ -256,8 +257,8 @@ private:
     }
 
     void CheckQualifier(const TCarrier& carrier, const TElement& element) {
-        const std::string name = element.Get("NAME"), type = element.Get("TYPE");
-        CheckType(element, type);
+        const std::string name = element.Get("NAME"), type = LowerName(element.Get("TYPE"));
+        CheckType(element);
         CheckValuesIn(element, type, "the qualifier " + name + " of " + carrier.name);
         const TQualifierDeclaration* const declaration = fKnown.FindQualifier(name);
         if (declaration == nullptr && !CountsOnly("S08"))
@@ -273,7 +274,7 @@ private:
             hasArray |= child->Is("VALUE.ARRAY");
             hasValue |= child->Is("VALUE");
         }
-        const std::string type = element.Get("TYPE") + (hasArray ? "[]" : "");
+        const std::string type = LowerName(element.Get("TYPE")) + (hasArray ? "[]" : "");
         const std::string wanted = declaration.type + (declaration.isArray && (hasArray || hasValue) ? "[]" : "");
         if (type != wanted)
             Add("S10", element, "the qualifier '" + declaration.name + "' is " + type + ", and declared as " + wanted,
@@ -370,7 +371,7 @@ private:
                     NearestOr(name, NamesOf(ancestry), "mend the name"));
             return;
         }
-        if (element.Is("PROPERTY") && element.Get("TYPE") != declaration->type)
+        if (element.Is("PROPERTY") && LowerName(element.Get("TYPE")) != declaration->type)
             Add("S28", element,
                 "the value of " + cls + "." + name + " has the type '" + element.Get("TYPE") +
                     "', and is declared as " + declaration->type,
