@@ -99,6 +99,10 @@ bool IsBaseDocument(const TDocumentSchema& document) {
     return false;
 }
 
+bool IsEmpty(const TDocumentSchema& document) {
+    return document.classes.empty() && document.qualifiers.empty() && document.instances.empty();
+}
+
 size_t CountDeclarations(const TDocumentSchema& document) {
     size_t count = 0;
     for (const TClassDeclaration& cls : document.classes) count += 1 + cls.properties.size();
@@ -135,6 +139,8 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
     CheckStructure(markup, findings);
     const TDocumentSchema document(markup);
     if (!CheckSize(path, text, document, findings)) return;
+    if (IsEmpty(document) && !findings.HasErrorIn(path))
+        findings.Add("D20", {path}, "the document declares no class", "declare the classes that the plugin reports");
     TKnownSchema known;
     std::unique_ptr<TNeighbours> neighbours;
     if (!IsBaseDocument(document)) {

@@ -90,6 +90,9 @@ const std::vector<TRule>& AllRules() {
          "The reader takes the text of VALUE, KEYVALUE and HOST. It passes over any other without a word, so that a "
          "value "
          "without VALUE around it is lost. Put it into a VALUE."},
+        {"D20", eWarning, "Document that declares nothing",
+         "There is no class, qualifier or instance in the document, so that nobody asks its plugin for anything. "
+         "Declare the classes that the plugin reports, each in a VALUE.OBJECT."},
         {"S01", eError, "Class is declared twice",
          "Of two declarations of a class the one that is read first stands, and the other is dropped without an error. "
          "If "
