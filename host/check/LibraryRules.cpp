@@ -155,7 +155,7 @@ private:
                 names.push_back(symbol.name);
         if (!names.empty())
             Add("L01", "the library exports symbols of its own: " + NamesText(names),
-                "build it with -fvisibility=hidden, or make them static");
+                "build it with -fvisibility=hidden, make them static, or link with a version script { local: *; };");
     }
 
     void CheckUndefined() {

@@ -215,8 +215,8 @@ const std::vector<TRule>& AllRules() {
          "key, or remove Volatile."},
         {"L01", eWarning, "Library exports symbols of its own",
          "In a host that loads all plugins into one process they share one scope of symbols: of two functions of "
-         "one name both plugins call the one that was loaded first. Build with -fvisibility=hidden, or make every "
-         "function static."},
+         "one name both plugins call the one that was loaded first. Build with -fvisibility=hidden, make every "
+         "function static, or link with a version script that names nothing: { local: *; };"},
         {"L02", eError, "Symbol that nobody provides",
          "The library refers to a symbol that is neither in the libraries that it needs nor in the core, or needs "
          "a library that is not there. Loading it fails, at once or at the first call. Link it with what it needs."},

@@ -94,6 +94,18 @@ std::optional<TRanges> RangesRead(const std::vector<TEntry>& entries, uint64_t h
     return ranges;
 }
 
+// The entry for which RangesRead refuses them.
+size_t FindRefused(const std::vector<TEntry>& entries) {
+    const auto isOpen = [](const TEntry& entry) {
+        return entry.form == TEntry::eFrom || entry.form == TEntry::eBetween;
+    };
+    const auto isRefused = [](const TEntry& entry) {
+        return entry.form == TEntry::eRest || entry.form == TEntry::eUpTo;
+    };
+    const auto open = std::find_if(entries.begin(), entries.end(), isOpen);
+    return static_cast<size_t>(std::find_if(open, entries.end(), isRefused) - entries.begin());
+}
+
 bool IsSame(const std::optional<TRange>& a, const std::optional<TRange>& b) {
     if (!a || !b) return !a && !b;
     return a->low == b->low && a->high == b->high;
@@ -138,7 +150,7 @@ public:
 
     void Check(const TClassDeclaration& cls) {
         for (const TPropertyDeclaration& property : cls.properties) {
-            if (property.isPropagated) continue;
+            if (property.isPropagated || property.name.empty()) continue;
             fName = cls.name + "." + property.name;
             CheckProperty(property);
         }
@@ -232,8 +244,9 @@ private:
         const std::optional<TRanges> read = RangesRead(*entries, highest);
         if (!read)
             return Add("V04", *map.element,
-                       "no word of " + fName + " is shown: an entry '..' stands behind a range that is open upwards",
-                       "move the range to the end");
+                       "no word of " + fName + " is shown: the entry " + Shown(map.values[FindRefused(*entries)]) +
+                           " in ValueMap stands behind a range, which the core reads as open upwards",
+                       "move the ranges N.. and N..M to the end");
         for (size_t i = 0; i < meant.size(); ++i) {
             if (IsSame(meant[i], (*read)[i]) || IsOpenEnd(meant, *read, i, highest)) continue;
             return Add("V04", *map.element,
