@@ -11,7 +11,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr size_t kRuleLength = 3;  // of an id
 constexpr const char* kUnread = "it suppresses nothing: ";
+
+constexpr const char* kLineForm = "RULE CLASS.PROPERTY: reason";
 
 std::string FolderOf(const std::string& path) {
     const std::string folder = fs::path(path).parent_path().string();
@@ -20,6 +23,7 @@ std::string FolderOf(const std::string& path) {
 
 // What is wrong with rule and reason; empty if nothing.
 std::string FaultOf(const TAllowance& allowance) {
+    if (allowance.rule.find_first_of(" ,;/") == kRuleLength) return "it names more than one rule";
     if (FindRule(allowance.rule) == nullptr)
         return "there is no rule '" + CutText(VisibleText(allowance.rule), 20) + "'";
     if (allowance.reason.empty()) return "it gives no reason";
@@ -29,7 +33,7 @@ std::string FaultOf(const TAllowance& allowance) {
 void Add(TAllowance allowance, const std::string& form, TFindings& findings) {
     const std::string fault = FaultOf(allowance);
     if (fault.empty()) return findings.Allow(std::move(allowance));
-    findings.Add("X01", allowance.place, kUnread + fault, "write it as " + form);
+    findings.Add("X01", allowance.place, kUnread + fault, "write each rule as " + form);
 }
 
 // "S19 EX_Pool.Size: reason"
@@ -44,7 +48,7 @@ void AddLine(const std::string& folder, const std::string& line, const TPlace& p
     allowance.what = Trimmed(text.substr(blank, colon - blank));
     allowance.reason = Trimmed(text.substr(std::min(colon + 1, text.size())));
     allowance.folder = folder;
-    Add(allowance, "RULE CLASS.PROPERTY: reason", findings);
+    Add(allowance, kLineForm, findings);
 }
 
 bool IsOfWhat(const std::string& what, const TPlace& place) {
@@ -55,16 +59,22 @@ bool IsOfWhat(const std::string& what, const TPlace& place) {
 }
 
 bool Allows(const TAllowance& allowance, const TFinding& finding) {
-    if (allowance.rule != finding.rule->id) return false;
+    if (FindRule(allowance.rule) != finding.rule) return false;
     const TPlace& place = finding.place;
     if (!allowance.folder.empty()) return allowance.folder == FolderOf(place.file) && IsOfWhat(allowance.what, place);
     return allowance.place.file == place.file && allowance.firstLine <= place.line && place.line <= allowance.lastLine;
 }
 
+// Comments stand in documents; what a library does is no matter of an element there.
+bool IsOfDocuments(const std::string& id) {
+    const TRule* const rule = FindRule(id);
+    return rule == nullptr || (rule->id[0] != 'L' && rule->id[0] != 'R');
+}
+
 // Whether files were checked that the rule is for.
 bool IsChecked(const TAllowance& allowance, const std::vector<TTarget>& targets) {
     if (allowance.folder.empty()) return true;
-    const char family = allowance.rule[0];
+    const char family = FindRule(allowance.rule)->id[0];
     return std::any_of(targets.begin(), targets.end(), [&](const TTarget& target) {
         const bool isFor = target.kind == TTarget::eLibrary || target.kind == TTarget::eFolder ? family == 'L'
                            : target.kind == TTarget::eCollection                               ? family == 'R'
@@ -85,7 +95,11 @@ void AddAllowances(const TMarkup& markup, TFindings& findings) {
         allowance.reason = Trimmed(comment.text.substr(std::min(colon + 1, comment.text.size())));
         allowance.firstLine = comment.element == nullptr ? 1 : comment.element->line;
         allowance.lastLine = comment.element == nullptr ? 0 : comment.element->endLine;
-        Add(allowance, "<!-- kyr-check RULE: reason -->", findings);
+        if (!IsOfDocuments(allowance.rule))
+            findings.Add("X01", allowance.place, kUnread + (allowance.rule + " is not about documents"),
+                         std::string("write it into ") + kAllowFile + " as " + kLineForm);
+        else
+            Add(allowance, "<!-- kyr-check RULE: reason -->", findings);
     }
 }
 

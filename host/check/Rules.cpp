@@ -1,5 +1,7 @@
 #include "check/Rules.h"
 
+#include "model/ClassNames.h"
+
 namespace {
 
 constexpr ELevel eNote = ELevel::eNote;
@@ -287,6 +289,6 @@ const std::vector<TRule>& AllRules() {
 
 const TRule* FindRule(const std::string& id) {
     for (const TRule& rule : AllRules())
-        if (rule.id == id) return &rule;
+        if (IsSameName(rule.id, id)) return &rule;
     return nullptr;
 }

@@ -23,7 +23,7 @@ struct TRule {
 /// All rules, in the order of docs/check.md. To add one, add its row in Rules.cpp and its section with two examples in
 /// docs/check.md.
 const std::vector<TRule>& AllRules();
-/// Null if there is none of that id.
+/// In any case of letters. Null if there is none of that id.
 const TRule* FindRule(const std::string& id);
 
 #endif

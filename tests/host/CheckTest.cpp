@@ -79,7 +79,7 @@ TEST_F(CheckTest, ExitStatusTellsWhatWasFound) {
         {"/dev/null", 3, "kyr: /dev/null: is neither a file nor a folder\n"},
         {"--rules", 0, ""},
         {"--explain S03", 0, ""},
-        {"--explain s03", 2, "did you mean 'S03'"},
+        {"--explain S033", 2, "did you mean 'S03'"},
         {"error.xml --fail-on erorr", 2, "is none of error, warning, note"},
         {"error.xml --json --sarif", 2, "do not go together"},
         {"", 2, "no PATH given"},
@@ -110,6 +110,11 @@ TEST_F(CheckTest, CommentInFrontOfAnElementAllowsWhatIsInIt) {
     EXPECT_EQ(ids("<!-- kyr-check V07:  -->"), "X01 V07 V07");
     EXPECT_EQ(ids("<!-- kyr-check V77: nobody knows -->"), "X01 V07 V07");
     EXPECT_EQ(ids("<!-- kyr-check S19: nobody knows -->"), "X01 V07 V07");
+    EXPECT_EQ(ids("<!-- kyr-check v07: nobody knows -->"), "V07");
+    EXPECT_EQ(ids("<!-- kyr-check V07, S19: nobody knows -->"), "X01 V07 V07");
+    EXPECT_THAT(Check("a.xml").out, HasSubstr("it names more than one rule"));
+    EXPECT_EQ(ids("<!-- kyr-check R04: nobody knows -->"), "X01 V07 V07");
+    EXPECT_THAT(Check("a.xml").out, HasSubstr("write it into kyr-check.allow"));
 }
 
 TEST_F(CheckTest, FileAllowsWhatItNamesInItsFolder) {
