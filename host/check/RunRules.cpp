@@ -286,7 +286,10 @@ std::string FailureText(const std::string& name, const TStoredOutcome& outcome) 
 }
 
 std::string RemedyFor(const TStoredOutcome& outcome, const TCIMInstance& state) {
-    if (outcome.code == EReason::eDataCallFailed && TextsOf(state, "LogLines").empty())
+    const size_t status =
+        outcome.text.rfind("(kyrStatus");  // without it: an exception; with more behind it: a log line
+    const bool isBare = status != std::string::npos && outcome.text.find(')', status) + 1 == outcome.text.size();
+    if (outcome.code == EReason::eDataCallFailed && isBare && TextsOf(state, "LogLines").empty())
         return "its data entry returned that status and logged nothing: say why with kyrWriteLog";
     return "mend what it names";
 }
@@ -294,7 +297,8 @@ std::string RemedyFor(const TStoredOutcome& outcome, const TCIMInstance& state) 
 // Of its document there are findings anyway, and of classes that another plugin has.
 bool IsToldOfDocument(EReason code) {
     return code == EReason::eDocumentMistake || code == EReason::eDocumentUnreadable ||
-           code == EReason::eDocumentHarmful || code == EReason::eDocumentTooLarge || code == EReason::eClassesTaken;
+           code == EReason::eDocumentHarmful || code == EReason::eDocumentTooLarge || code == EReason::eClassesTaken ||
+           code == EReason::eClassNameTaken;
 }
 
 // What no class tells: a plugin that failed before it was asked for any, or that logged errors of its own.
