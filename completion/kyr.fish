@@ -2,7 +2,10 @@
 function __kyr_complete
     set -l last (commandline -ct)
     set -l words (commandline -opc) "$last"
-    for line in ($words[1] __complete $words[2..-1] 2>/dev/null)
+    # Not what happens to be called kyr in the current folder.
+    set -l kyr (string replace -r '^~/' "$HOME/" -- $words[1])
+    string match -q '/*' -- $kyr; or set kyr kyr
+    for line in ($kyr __complete $words[2..-1] 2>/dev/null)
         switch $line
             case :files
                 __fish_complete_path "$last"

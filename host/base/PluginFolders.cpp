@@ -4,10 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <sstream>
+#include <utility>
 
 #include "base/Locations.h"
 #include "base/Text.h"
@@ -26,11 +27,6 @@ std::string Absolute(const std::string& path) {
     return absolute.size() > 1 && absolute.back() == '/' ? absolute.substr(0, absolute.size() - 1) : absolute;
 }
 
-bool IsSame(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return fs::equivalent(a, b, error) || a == b;
-}
-
 std::string Variable(const char* name) {
     const char* const text = secure_getenv(name);
     return text == nullptr ? "" : text;
@@ -41,12 +37,16 @@ bool HasMoreRightsThanItsUser() {
     return geteuid() == 0 || getuid() == 0 || geteuid() != getuid() || getauxval(AT_SECURE) != 0;
 }
 
-// Where the variables do not say an absolute path there is no such folder.
+// Where the variables do not say an absolute path there is no such folder; one that is another user's does not count.
 std::string FindUserFolder() {
     if (HasMoreRightsThanItsUser()) return "";
     std::string data = Variable("XDG_DATA_HOME");
     if (!StartsWith(data, "/")) data = Variable("HOME") + "/.local/share";
-    return StartsWith(data, "/") && data != "/.local/share" ? data + kBelowLibraries : "";
+    if (!StartsWith(data, "/") || data == "/.local/share") return "";
+    // Another user's environment may have been kept.
+    struct stat status {};
+    const std::string folder = data + kBelowLibraries;
+    return stat(folder.c_str(), &status) == 0 && (status.st_uid == geteuid() || status.st_uid == 0) ? folder : "";
 }
 
 std::vector<std::string> FindDefaults() {
@@ -59,13 +59,28 @@ std::vector<std::string> FindDefaults() {
     return paths;
 }
 
-void Add(const std::string& name, bool isRequired, std::vector<TPluginFolder>& folders) {
-    if (name.empty()) return;
-    const std::string path = Absolute(name);
-    const auto isSame = [&](const TPluginFolder& folder) { return IsSame(folder.path, path); };
-    if (std::none_of(folders.begin(), folders.end(), isSame))
-        folders.push_back({path, isRequired, IsSame(path, FindDefaultPlugins())});
+// Device and inode, or the path of a folder that is not there.
+std::string IdentityOf(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return path;
+    return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
 }
+
+/// Folders in the order of their search, each once.
+class TFolders {
+public:
+    void Add(const std::string& name, bool isRequired) {
+        if (name.empty()) return;
+        const std::string path = Absolute(name), identity = IdentityOf(path);
+        if (fKnown.insert(identity).second) fFolders.push_back({path, isRequired, identity == fOwn});
+    }
+    std::vector<TPluginFolder> Take() { return std::move(fFolders); }
+
+private:
+    const std::string fOwn = IdentityOf(FindDefaultPlugins());
+    std::vector<TPluginFolder> fFolders;
+    std::set<std::string> fKnown;
+};
 
 // In a folder with the sticky bit nobody can replace what is another's.
 bool MayOthersWrite(const fs::path& path, bool isAbove) {
@@ -79,15 +94,15 @@ bool MayOthersWrite(const fs::path& path, bool isAbove) {
 }  // namespace
 
 std::vector<TPluginFolder> FindPluginFolders(const std::vector<std::string>& given) {
-    std::vector<TPluginFolder> folders;
+    TFolders folders;
     const std::vector<std::string> words = given.empty() ? std::vector<std::string>{kDefaultPlugins} : given;
     for (const std::string& word : words) {
         if (word != kDefaultPlugins)
-            Add(word, true, folders);
+            folders.Add(word, true);
         else
-            for (const std::string& path : FindDefaults()) Add(path, false, folders);
+            for (const std::string& path : FindDefaults()) folders.Add(path, false);
     }
-    return folders;
+    return folders.Take();
 }
 
 std::string FindWritableByOthers(const std::string& path) {

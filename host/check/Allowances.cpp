@@ -105,9 +105,13 @@ void AddAllowances(const TMarkup& markup, TFindings& findings) {
 
 void AddAllowances(const std::string& folder, TFindings& findings) {
     constexpr size_t kMostLines = 10000;
+    constexpr std::uintmax_t kMostBytes = 1 << 20;
     const std::string path = (folder == "." ? fs::path() : fs::path(folder)) / kAllowFile;
     std::error_code error;
-    if (!fs::is_regular_file(path, error)) return;
+    // What a link leads to is none of the folder's; its lines would be printed.
+    if (!fs::is_regular_file(fs::symlink_status(path, error))) return;
+    if (fs::file_size(path, error) > kMostBytes)
+        return findings.Add("X01", {path, 1}, kUnread + std::string("the file has more than 1 MiB"), "make it smaller");
     std::ifstream file(path);
     std::string line;
     for (size_t number = 1; number <= kMostLines && std::getline(file, line); ++number)

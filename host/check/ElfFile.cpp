@@ -22,6 +22,9 @@ using TSymbolEntry = ElfW(Sym);
 constexpr size_t kMostBytes = size_t{256} << 20;
 constexpr size_t kMostSymbols = 1'000'000;
 constexpr size_t kLongestName = 4096;
+constexpr size_t kMostSegments = 1000;
+constexpr size_t kMostEntries = 1000;  // of the dynamic section
+constexpr const char* kDamaged = "it is damaged";
 constexpr unsigned char kClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
 constexpr unsigned char kOrder = __BYTE_ORDER == __LITTLE_ENDIAN ? ELFDATA2LSB : ELFDATA2MSB;
 
@@ -66,7 +69,8 @@ private:
             fHeader.e_machine != OwnMachine())
             return "it is built for another kind of machine";
         if (fHeader.e_type != ET_DYN) return "it is no shared library, but another file of the linker";
-        return fHeader.e_phentsize == sizeof(TSegment) ? "" : "it is damaged";
+        const bool isWhole = fHeader.e_phentsize == sizeof(TSegment) && fHeader.e_phnum <= kMostSegments;
+        return isWhole ? "" : kDamaged;
     }
 
     bool IsCut() const {
@@ -110,6 +114,7 @@ private:
         for (size_t at = 0; at < fDynamic.p_filesz && Get(fDynamic.p_offset + at, entry); at += sizeof entry) {
             if (entry.d_tag == DT_NULL) break;
             entries.push_back(entry);
+            if (entries.size() == kMostEntries) break;
         }
         return entries;
     }
@@ -131,7 +136,7 @@ private:
 
     static void AddPaths(const std::string& list, std::vector<std::string>& paths) {
         std::istringstream stream(list);
-        for (std::string path; std::getline(stream, path, ':');) paths.push_back(path);
+        for (std::string path; paths.size() < kMostEntries && std::getline(stream, path, ':');) paths.push_back(path);
     }
 
     // The table does not say where it ends, but a section does, and it usually ends where the strings begin.
@@ -147,12 +152,16 @@ private:
 
     void ReadSymbols(TElfFile& file) {
         const size_t count = CountSymbols();
+        size_t room = 2 * fBytes.size();  // for names, which may be parts of each other
         TSymbolEntry symbol{};
         for (size_t i = 1; i < count && Get(fSymbols + i * sizeof symbol, symbol); ++i) {
             const bool isHidden = VisibilityOf(symbol) == STV_HIDDEN || VisibilityOf(symbol) == STV_INTERNAL;
             if (BindingOf(symbol) == STB_LOCAL || isHidden) continue;
             const bool isDefined = symbol.st_shndx != SHN_UNDEF;
             file.symbols.push_back({Text(symbol.st_name), isDefined, BindingOf(symbol) == STB_GLOBAL});
+            const size_t size = sizeof symbol + file.symbols.back().name.size();
+            if (size > room) return void(file.fault = kDamaged);
+            room -= size;
         }
     }
 

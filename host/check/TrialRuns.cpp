@@ -12,6 +12,8 @@
 #include <set>
 
 #include "base/ExitStatus.h"
+#include "base/Signals.h"
+#include "base/TimePoint.h"
 #include "check/RunRules.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TContainer.h"
@@ -25,10 +27,12 @@ namespace {
 
 class TTemporaryFolder {
 public:
-    TTemporaryFolder() : fPath(fs::temp_directory_path() / "kyr-check-XXXXXX") {
-        std::string path = fPath.string();
-        if (mkdtemp(path.data()) == nullptr)
-            throw TCommandError(eExitNothing, "cannot make a folder in " + fPath.parent_path().string());
+    TTemporaryFolder() {
+        std::error_code error;
+        std::string path = (fs::temp_directory_path(error) / "kyr-check-XXXXXX").string();
+        if (error || mkdtemp(path.data()) == nullptr)
+            throw TCommandError(eExitNothing,
+                                "cannot make a temporary folder to try plugins in: set TMPDIR to a folder");
         fPath = path;
     }
     ~TTemporaryFolder() {
@@ -44,8 +48,22 @@ private:
     fs::path fPath;
 };
 
-// What it prints is not wanted: the file says all.
+struct TInterrupted {
+    int signal;
+};
+
+// Hands on to it what interrupts this process.
+void WaitFor(pid_t process, TInterruptions& interruptions) {
+    constexpr double kSeconds = 1;
+    for (int status = 0; waitpid(process, &status, WNOHANG) == 0;)
+        if (interruptions.WaitUntil(After(TClock::now(), kSeconds)) >= ESignalMeaning::eInterruption)
+            kill(process, interruptions.Signal());
+    if (interruptions.Signal() != 0) throw TInterrupted{interruptions.Signal()};
+}
+
+// What it prints is not wanted: the file says all. Raises TInterrupted.
 void RunKyr(std::vector<std::string> arguments) {
+    TInterruptions interruptions([](const TSignal&) { return false; });
     std::vector<char*> words;
     words.reserve(arguments.size() + 2);
     arguments.insert(arguments.begin(), "kyr");
@@ -55,12 +73,18 @@ void RunKyr(std::vector<std::string> arguments) {
     posix_spawn_file_actions_init(&actions);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
     pid_t process = 0;
-    const int error = posix_spawn(&process, "/proc/self/exe", &actions, nullptr, words.data(), environ);
+    const int error = posix_spawn(&process, "/proc/self/exe", &actions, &attributes, words.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) throw TCommandError(eExitNothing, "cannot run kyr to try the plugins");
-    int status = 0;
-    waitpid(process, &status, 0);
+    WaitFor(process, interruptions);
 }
 
 fs::path PathOf(const std::string& library) { return fs::absolute(library).lexically_normal(); }
@@ -135,7 +159,11 @@ void CheckRuns(const std::vector<std::string>& libraries, const TCheckContext& c
     for (const std::string& library : libraries)
         folders[PathOf(library).parent_path().parent_path().string()].push_back(library);
     for (const auto& [plugins, ofFolder] : folders) {
-        const TTrial trial(ofFolder, context);
-        for (const std::string& library : ofFolder) trial.Check(library, findings);
+        try {
+            const TTrial trial(ofFolder, context);
+            for (const std::string& library : ofFolder) trial.Check(library, findings);
+        } catch (const TInterrupted& interrupted) {
+            EndBySignal(interrupted.signal);  // the temporary folder is gone by now
+        }
     }
 }

@@ -1,9 +1,12 @@
 #include "inventory/LibrarySearch.h"
 
+#include <elf.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "base/ExitStatus.h"
@@ -186,11 +189,20 @@ void TellTaken(TPluginLibrary& taken, const TPluginLibrary& other) {
     taken.report.messages.push_back({"", kyrLogWarning, text, true});
 }
 
+// Whether it can take the place of another one: what is no library, or has no document, would take its classes away.
+bool CanBePlugin(const TPluginLibrary& library) {
+    if (library.notLoaded.reason) return false;
+    std::error_code ignored;
+    char start[SELFMAG] = {};
+    std::ifstream(library.FullPath(), std::ios::binary).read(start, sizeof start);
+    return std::memcmp(start, ELFMAG, SELFMAG) == 0 && fs::exists(library.FullDocumentPath(), ignored);
+}
+
 // Adds the libraries of a folder to those of the folders before it.
 void AddFolder(std::list<TPluginLibrary> found, std::list<TPluginLibrary>& libraries) {
     const auto isTaken = [&libraries](const TPluginLibrary& library) {
         const auto other = std::find_if(libraries.begin(), libraries.end(), [&](const TPluginLibrary& before) {
-            return !before.notLoaded.reason && before.Name() == library.Name();
+            return before.Name() == library.Name() && CanBePlugin(before);
         });
         if (other == libraries.end()) return false;
         TellTaken(*other, library);
@@ -220,7 +232,7 @@ void TellWritableFolders(const std::list<TPluginLibrary>& libraries) {
     if (geteuid() != 0) return;
     std::set<std::string> told;
     for (const TPluginLibrary& library : libraries) {
-        const std::string found = library.isOwn ? "" : FindWritable(library);
+        const std::string found = library.isOwn || library.notLoaded.reason ? "" : FindWritable(library);
         if (!found.empty() && told.insert(found).second)
             PrintDiagnostic("others than the superuser can write '" + found + "', from which " + library.FullPath() +
                             " runs as the superuser");

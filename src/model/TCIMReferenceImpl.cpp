@@ -32,7 +32,7 @@ TCIMReferenceImpl::TCIMReferenceImpl(TCIMReference& handle, const TCIMReferenceI
       fBindings(other.fBindings),
       fIsShared(true),
       fElement(other.fElement) {
-    other.fIsShared = true;
+    if (!other.fIsShared.load(std::memory_order_relaxed)) other.fIsShared.store(true, std::memory_order_relaxed);
 }
 
 void TCIMReferenceImpl::Clear() {

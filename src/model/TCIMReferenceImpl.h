@@ -1,6 +1,7 @@
 #ifndef KYR_MODEL_TCIMREFERENCEIMPL_H
 #define KYR_MODEL_TCIMREFERENCEIMPL_H
 
+#include <atomic>
 #include <boost/shared_ptr.hpp>
 #include <map>
 #include <string>
@@ -53,7 +54,7 @@ private:
     boost::shared_ptr<TBindings> fBindings;
     // Whether a copy may have them, too. Their count would not tell: what another thread has read of them before it let
     // go of its copy is not ordered before a look at the count.
-    mutable bool fIsShared = false;
+    mutable std::atomic<bool> fIsShared = false;
     mutable ICIMElement* fElement = nullptr;  // not owned: what the last GetCIMElement found
 };
 
