@@ -18,7 +18,7 @@ function(kyrcore_add_plugin name)
 
   # Linked with the core, so that it loads even if the host has opened the core with RTLD_LOCAL.
   add_library(${name}_plugin MODULE ${arg_SOURCES})
-  target_link_libraries(${name}_plugin PRIVATE kyrcore::kyrcore $<TARGET_NAME_IF_EXISTS:kyrcore_options>)
+  target_link_libraries(${name}_plugin PRIVATE kyrcore::kyrcore)
   # Some calls of the core raise C++ exceptions, which pass through the frames of a plugin written in C.
   target_compile_options(${name}_plugin PRIVATE $<$<COMPILE_LANGUAGE:C>:-fexceptions>)
   target_link_options(${name}_plugin PRIVATE -Wl,--no-undefined)
