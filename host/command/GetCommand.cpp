@@ -162,8 +162,10 @@ private:
             return chosen;
         });
         inventory.Collect(choice.ClassesToCollect());
-        choice.FindInstances(inventory.Container());
-        CheckProperties(expression, choice);
+        inventory.LookUp([&](const TContainer& container) {
+            choice.FindInstances(container);
+            CheckProperties(expression, choice);
+        });
         TValues values(expression, fRaw, output);
         std::vector<TCIMClass*> classes = choice.Classes();
         SortForReading(classes);

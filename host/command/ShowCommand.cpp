@@ -30,7 +30,7 @@ EExit TShowCommand::Run(TOutput& output) {
     // The links of an instance lead to instances of any class, so all classes must be collected.
     const bool all = fPrint.references || fPrint.tree;
     inventory.Collect(all ? std::vector<std::string>() : choice.ClassesToCollect());
-    choice.FindInstances(inventory.Container());
+    inventory.LookUp([&](const TContainer& container) { choice.FindInstances(container); });
     const bool any = Print(inventory.Container(), choice, output);
     const EExit status = inventory.Conclude();
     if (status != eExitNothing) TellOfNone(choice, any);

@@ -24,8 +24,8 @@ public:
 
     TContainer& Container() const;
     /// Returns what the function finds in the container. If it raises TCommandError, as for an unknown class, the
-    /// plugins are loaded and what failed is printed before the exception is passed on: the class may be declared by a
-    /// plugin that cannot be loaded.
+    /// plugins are loaded, if nothing was collected yet, and what failed is printed before the exception is passed on:
+    /// what was looked for may be that of a plugin that cannot be loaded.
     template <typename TLookUp>
     auto LookUp(TLookUp lookUp) {
         try {

@@ -39,6 +39,18 @@ TPluginInfo Describe(const IPlugin& plugin) {
             plugin.IsInitialized()};
 }
 
+std::string StatusText(int32_t status) {
+    const bool isKnown = status >= 0 && status < kyrStatusEnd;
+    return isKnown ? WithStatusInWords(kyrTranslateStatusCode(status)) : std::to_string(status) + " (no known status)";
+}
+
+TCallFailure FailureOf(const std::exception& e) {
+    if (const auto* const status = dynamic_cast<const TKYRException*>(&e))
+        return {"returned " + StatusText(status->fCode), status->fCode};
+    const std::string text = e.what();
+    return {"was left by an exception" + (text.empty() ? "" : ": " + text)};
+}
+
 }  // namespace
 
 void TProxyCallbacks::GetData(TContainer* container, std::vector<TCIMClass*>& classes) {
@@ -48,11 +60,10 @@ void TProxyCallbacks::GetData(TContainer* container, std::vector<TCIMClass*>& cl
     try {
         query->GetData(container, classes);
     } catch (const std::exception& e) {
-        const auto* const status = dynamic_cast<const TKYRException*>(&e);
-        fObserver.ended({WithStatusInWords(e.what()), status == nullptr ? kyrStatusOK : status->fCode});
+        fObserver.ended(FailureOf(e));
         throw;
     } catch (...) {
-        fObserver.ended({"an exception of a kind unknown"});
+        fObserver.ended({"was left by an exception of a kind unknown"});
         throw TKYRException(kyrStatusFail);  // the core catches standard ones only
     }
     fObserver.ended({});

@@ -34,7 +34,7 @@ constexpr TWording kWordings[] = {
     {EReason::eDeadlinePassed, "the deadline of {detail} had passed"},
     {EReason::eCrashed, "{detail} {place}"},
     {EReason::eExited, "it ended its process with exit status {detail} {place}"},
-    {EReason::eDataCallFailed, "its answer ended with {detail}"},
+    {EReason::eDataCallFailed, "its data entry {detail}"},
     {EReason::eErrorLogged, "{detail}"},
     {EReason::eValuesUnreadable, "{detail}"},
     {EReason::eTooMuchDelivered, "it delivered more than there is room for{: detail}"},

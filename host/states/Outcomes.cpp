@@ -111,7 +111,10 @@ bool EndedByRefusedCall(const TDataCall& call) {
 TReason DataCallFailed(const TPluginLibrary& library, const TDataCall& call) {
     if (EndedByRefusedCall(call)) return call.lastRefused.reason;
     const TErrors errors = ErrorsOf(library, nullptr);
-    if (errors.empty()) return ReasonFor(EReason::eDataCallFailed, call.failure.text);
+    if (errors.empty()) {
+        const bool isSilent = call.failure.status != kyrStatusOK && library.report.messages.empty();
+        return ReasonFor(EReason::eDataCallFailed, call.failure.text + (isSilent ? " and logged nothing" : ""));
+    }
     const std::string text = errors.front()->text + MoreText(errors.size());
     return ReasonFor(EReason::eDataCallFailed, call.failure.text + ": " + text);
 }

@@ -31,7 +31,7 @@ struct TMessage {
 
 /// Why a call of a plugin's data entry failed; empty if it went well.
 struct TCallFailure {
-    std::string text = {};         ///< the status in words, or the exception's text
+    std::string text = {};         ///< "returned" and the status in words, or that an exception left it
     int32_t status = kyrStatusOK;  ///< kyrStatusAccessDenied: the plugin refused to answer
 
     explicit operator bool() const { return !text.empty(); }

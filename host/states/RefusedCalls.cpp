@@ -47,6 +47,11 @@ std::string DeclaredType(const TCIMPropertyDecl& declaration) {
     return (declaration.IsArray() ? "array of " : "") + ElementType(declaration).ToString();
 }
 
+// Its class is the one that the reference leads to, and not the one that is incomplete without it.
+bool IsOfReference(const TRefusedCall& call) {
+    return StartsWith(call.call, "kyrReferenceAdd") || StartsWith(call.call, "kyrSetReference");
+}
+
 class TExplanation {
 public:
     TExplanation(const TRefusedCall& call, const TPluginLibrary& library, const std::list<TPluginLibrary>& libraries,
@@ -56,6 +61,7 @@ public:
     TReason Reason() const {
         if (fCall.call == "kyrAddClass") return ClassRefused();
         if (fCall.call == "kyrSetReferenceClassName") return ClassRefused();
+        if (fCall.call == "kyrSetReferencePath") return PathRefused();
         if (StartsWith(fCall.call, "kyrReferenceAdd")) return KeyRefused();
         if (StartsWith(fCall.call, "kyrSetDateTime")) return DateTimeRefused();
         return PropertyRefused();
@@ -105,7 +111,15 @@ private:
         const TCIMPropertyDecl* const declaration = FindPropertyNamed(*fClass, fCall.name);
         if (declaration == nullptr || fCall.status == kyrStatusInvalidOpSequence)
             return NoSuch(EReason::eNoSuchKey, fClass->EnumerateKeyNames());
-        return WrongType(DeclaredType(*declaration));
+        return About(EReason::eCallRefused, fCall,
+                     "reference to " + fCall.className + ": key " + fCall.name + ": " +
+                         TypesText(DeclaredType(*declaration)));
+    }
+
+    TReason PathRefused() const {
+        return About(EReason::eCallRefused, fCall,
+                     fCall.call + " failed for " + Quoted(fCall.given) + ": " + StatusText() +
+                         "; use kyrSetReferenceClassName and kyrReferenceAdd...");
     }
 
     TReason NoSuch(EReason code, const std::vector<std::string>& names) const {
@@ -113,7 +127,11 @@ private:
     }
 
     TReason WrongType(const std::string& declared) const {
-        return About(EReason::eWrongType, fCall, "declared " + declared + ", given by " + fCall.call);
+        return About(EReason::eWrongType, fCall, TypesText(declared));
+    }
+
+    std::string TypesText(const std::string& declared) const {
+        return "declared " + declared + ", given by " + fCall.call;
     }
 
     std::vector<std::string> NamesOfProperties(const char* type = "") const {
@@ -155,7 +173,8 @@ void ExplainRefusedCalls(TPluginLibrary& library, const std::list<TPluginLibrary
         if (!message.call) return;
         message.reason = TExplanation(*message.call, library, libraries, container).Reason();
         message.text = SentenceOf(message.reason);
-        if (library.Declares(message.call->className)) message.className = message.call->className;
+        if (!IsOfReference(*message.call) && library.Declares(message.call->className))
+            message.className = message.call->className;
     };
     for (TMessage& message : library.report.messages) explain(message);
     for (TDataCall& call : library.report.dataCalls) explain(call.lastRefused);

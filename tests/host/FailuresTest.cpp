@@ -16,12 +16,12 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
              "kyr: plugin noinit: refused: its init entry failed: there is no device\n",
              "kyr: plugin baddocument: refused: ./baddocument/baddocument.properties.xml:4: the element 'VALUE.OBJECT' "
              "is not closed ",
-             "kyr: plugin givesup: partial: its answer ended with error collecting class "
+             "kyr: plugin givesup: partial: its data entry returned error collecting class "
              "(kyrStatusErrorCollectingClass) "
              "(class TEST_Kept)\n",
-             "kyr: plugin givesup, class TEST_Lost: failed: its answer ended with error collecting class "
+             "kyr: plugin givesup, class TEST_Lost: failed: its data entry returned error collecting class "
              "(kyrStatusErrorCollectingClass)\n",
-             "kyr: plugin denied: refused: its answer ended with access denied (kyrStatusAccessDenied) (class "
+             "kyr: plugin denied: refused: its data entry returned access denied (kyrStatusAccessDenied) (class "
              "TEST_Denied)\n",
              "kyr: plugin keyless, class TEST_Keyless: failed: TEST_Keyless.Id: given NULL by kyrAddStringProperty "
              "(and 2 "
@@ -60,6 +60,11 @@ constexpr TMistake kMistakes[] = {
      "TEST_UserHome.Home: declared reference to TEST_Folder, given reference to TEST_User"},
     {"ReferenceToNothing", "TEST_UserHome",
      "TEST_UserHome.Home: declared reference to TEST_Folder, given reference to no class"},
+    {"ReferenceWithKeyOfOtherType", "TEST_UserHome",
+     "reference to TEST_Folder: key Id: declared string, given by kyrReferenceAddUint32"},
+    {"ReferenceByPath", "TEST_UserHome",
+     "kyrSetReferencePath failed for \"TEST_Folder.Id=root\": not implemented (kyrStatusNotImplemented); use "
+     "kyrSetReferenceClassName and kyrReferenceAdd..."},
     {"ReferenceWithoutClass", "TEST_UserHome", "kyrReferenceAddString for Id: the reference has no class"},
     {"EarlyProperty", "", "kyrAddStringProperty for Id: no class was added before"},
 };
@@ -78,6 +83,7 @@ TEST_P(Mistakes, AreToldWithClassPropertyAndTheNearestWord) {
         EXPECT_THAT(run.err, ContainsRegex("kyr: plugin mistaken" + line + "(failed|partial): "));
         EXPECT_THAT(run.err, HasSubstr(none + ": " + mistake.reason + (isOfClass ? "\n" : "")));
         EXPECT_THAT(run.err + run.out, Not(ContainsRegex("[^(]kyrStatus")));
+        EXPECT_THAT(run.err, Not(HasSubstr("class TEST_Folder: ")));
     }
 }
 
@@ -184,6 +190,16 @@ TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
         "(kyrStatusFileNotFound)\n";
     EXPECT_THAT(RunKyr("identity" + root.Option()), FieldsAre(1, _, message));
     EXPECT_EQ(RunKyr("show --class TEST_Shown" + root.Option()).err, message + "kyr: unknown class 'TEST_Shown'\n");
+}
+
+// The class may be the plugin's that was refused.
+TEST(FailuresTest, WhatFailedIsToldInFrontOfAnUnknownName) {
+    const TPluginRoot root({"baddocument", "shown"});
+    for (const char* command : {"show TEST_Third", "get TEST_Third.Size", "assoc TEST_Third"})
+        EXPECT_THAT(RunKyr(command + root.Option()),
+                    FieldsAre(2, "", AllOf(StartsWith("kyr: plugin baddocument: refused: "),
+                                           HasSubstr("\nkyr: nothing is called 'TEST_Third': "))))
+            << command;
 }
 
 TEST(FailuresTest, SecondPluginOfALibraryIsToldWhoHasItsClasses) {

@@ -70,6 +70,19 @@ static kyrStatusCode ReferenceToUnknownClass(kyrIOHandle handle) { return Refer(
 static kyrStatusCode ReferenceWithUnknownKey(kyrIOHandle handle) { return Refer(handle, "TEST_Folder", "Ids"); }
 static kyrStatusCode ReferenceToOtherClass(kyrIOHandle handle) { return Refer(handle, "TEST_User", "Id"); }
 
+static kyrStatusCode ReferenceWithKeyOfOtherType(kyrIOHandle handle) {
+    kyrCIMReference reference;
+    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
+    if (status == kyrStatusOK) status = kyrSetReferenceClassName(reference, "TEST_Folder");
+    return status == kyrStatusOK ? kyrReferenceAddUint32(reference, "Id", 3) : status;
+}
+
+static kyrStatusCode ReferenceByPath(kyrIOHandle handle) {
+    kyrCIMReference reference;
+    const kyrStatusCode status = kyrNewCIMReference(&reference, handle);
+    return status == kyrStatusOK ? kyrSetReferencePath(reference, "TEST_Folder.Id=root") : status;
+}
+
 static kyrStatusCode ReferenceWithoutClass(kyrIOHandle handle) {
     kyrCIMReference reference;
     kyrStatusCode status = kyrNewCIMReference(&reference, handle);
@@ -103,6 +116,8 @@ static const struct {
     {"ReferenceWithUnknownKey", ReferenceWithUnknownKey},
     {"ReferenceToOtherClass", ReferenceToOtherClass},
     {"ReferenceToNothing", ReferenceToNothing},
+    {"ReferenceWithKeyOfOtherType", ReferenceWithKeyOfOtherType},
+    {"ReferenceByPath", ReferenceByPath},
     {"ReferenceWithoutClass", ReferenceWithoutClass},
 };
 
