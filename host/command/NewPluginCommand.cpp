@@ -142,7 +142,7 @@ private:
     void MakeFolder() const {
         std::error_code error;
         if (fs::create_directory(fName, error)) return;
-        if (error) Fail(eExitOutput, "cannot make the folder", fName, error.value());
+        if (error && error != std::errc::file_exists) Fail(eExitOutput, "cannot make the folder", fName, error.value());
         throw TCommandError(eExitUsage, "'" + fName + "' is there already; choose another name or move it away");
     }
 

@@ -165,7 +165,8 @@ private:
             if (IsFolder(file) && !file.is_symlink(ignored)) AddElsewhere(EntriesOf(file, ignored), "it lies too deep");
     }
 
-    // Each document that is no library's, as a library that cannot be opened: it was forgotten, or has another name.
+    // Each document that is no library's belongs to a library beside it that has none. Without one it is added as a
+    // library that cannot be opened: it was forgotten, or has another name.
     void AddMissingLibraries() {
         std::set<std::string> documents;
         for (const TPluginLibrary& library : fLibraries) documents.insert(library.FullDocumentPath());
@@ -173,7 +174,25 @@ private:
             for (const fs::directory_entry& file : files)
                 if (EndsWith(FileName(file), TOSSpecific::kSpecificationExtension) &&
                     documents.count(file.path().string()) == 0 && fKnown.count(LibraryOf(file)) == 0)
-                    Refuse(LibraryOf(file), ReasonFor(EReason::eCannotOpen, "only its document is there"));
+                    AddStray(file);
+    }
+
+    void AddStray(const fs::path& document) {
+        if (TPluginLibrary* const library = FindWithoutDocument(document.parent_path()))
+            library->strayDocument = FileName(document);
+        else
+            Refuse(LibraryOf(document), ReasonFor(EReason::eCannotOpen, "only its document is there"));
+    }
+
+    // A library of that folder that has no document, and no other one of another name either. Null if there is none.
+    TPluginLibrary* FindWithoutDocument(const fs::path& folder) {
+        std::error_code ignored;
+        for (TPluginLibrary& library : fLibraries)
+            if (!library.notLoaded.reason && library.strayDocument.empty() &&
+                fs::path(library.FullPath()).parent_path() == folder &&
+                !fs::exists(library.FullDocumentPath(), ignored))
+                return &library;
+        return nullptr;
     }
 
     const TPluginFolder& fFolder;

@@ -56,6 +56,7 @@ TCIMClass* TPluginContainer::AllocateClass(const std::string& name, TCIMClass* s
 }
 
 TCIMInstance* TPluginContainer::AllocateInstance(TCIMClass* cls) const {
+    if (cls == GetRootClass()) throw TKYRException(kyrStatusInvalidClass);  // which the empty name finds
     const auto owner = fActive == nullptr ? fOwners.end() : fOwners.find(cls);
     if (owner != fOwners.end() && owner->second != fActive) throw TKYRException(kyrStatusAccessDenied);
     fLastClass = cls;

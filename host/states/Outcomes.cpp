@@ -55,6 +55,8 @@ TReason DocumentUnreadable(const TPluginLibrary& library) {
     const std::string error = library.report.FirstError(), failure = library.report.loadFailure;
     TReason reason = ReasonFor(EReason::eDocumentUnreadable, error.empty() ? failure : failure + ": " + error);
     reason.file = library.DocumentPath();
+    if (!library.strayDocument.empty())
+        reason.detail += "; rename " + library.strayDocument + ", which lies in its place";
     return reason;
 }
 

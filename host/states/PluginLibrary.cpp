@@ -70,7 +70,7 @@ void TPluginLibrary::AssignMessagesToClasses() {
     TNames names;
     for (const TCIMClass* cls : classes) names.insert(cls->GetName());
     for (TMessage& message : report.messages)
-        if (message.className.empty()) message.className = ClassOf(message, names);
+        if (message.className.empty() && !message.IsOfReference()) message.className = ClassOf(message, names);
 }
 
 void TPluginLibrary::AssignMissingSources(TMissingSources& all) {

@@ -24,6 +24,7 @@ struct TPluginLibrary {
     TNeeds granted = 0;                         ///< what its plugins may do beyond reading
     bool isConfined = false;                    ///< what its classes need beyond that is refused
     TPluginReport report;
+    std::string strayDocument = {};  ///< the name of a document beside it that is no library's, if its own is missing
     TReason documentMistake;  ///< why the core refused its document, or took no class from it; none if nobody knows
     TMissingSources missingSources;  ///< of its classes
 

@@ -47,6 +47,10 @@ bool IsError(const TRefusedCall& call) { return StartsWith(call.call, "kyrAdd") 
 
 }  // namespace
 
+bool TMessage::IsOfReference() const {
+    return call && (StartsWith(call->call, "kyrReferenceAdd") || StartsWith(call->call, "kyrSetReference"));
+}
+
 // The core logs the failure of a data call right after it. TDataCall::failure has it already, so that line is dropped.
 void TPluginReport::AddLogLine(const TLogLine& line) {
     const bool repeatsFailure = line.core && !dataCalls.empty() && dataCalls.back().failure;

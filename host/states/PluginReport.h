@@ -26,7 +26,11 @@ struct TMessage {
     std::string text;
     bool core = false;                      ///< logged by the core, not by the plugin
     TReason reason = {};                    ///< what the text says, as data; none for most
-    std::optional<TRefusedCall> call = {};  ///< of which nothing else is known yet
+    std::optional<TRefusedCall> call = {};  ///< that was refused, of which the message tells
+
+    /// Whether the call was about a reference. Its class is then the one that the reference leads to, and not the one
+    /// that is incomplete without it.
+    bool IsOfReference() const;
 };
 
 /// Why a call of a plugin's data entry failed; empty if it went well.

@@ -47,16 +47,15 @@ std::string DeclaredType(const TCIMPropertyDecl& declaration) {
     return (declaration.IsArray() ? "array of " : "") + ElementType(declaration).ToString();
 }
 
-// Its class is the one that the reference leads to, and not the one that is incomplete without it.
-bool IsOfReference(const TRefusedCall& call) {
-    return StartsWith(call.call, "kyrReferenceAdd") || StartsWith(call.call, "kyrSetReference");
-}
-
 class TExplanation {
 public:
     TExplanation(const TRefusedCall& call, const TPluginLibrary& library, const std::list<TPluginLibrary>& libraries,
                  const TContainer& container)
-        : fCall(call), fLibrary(library), fLibraries(libraries), fClass(FindClassNamed(container, call.className)) {}
+        : fCall(call),
+          fLibrary(library),
+          fLibraries(libraries),
+          fClass(FindClassNamed(container, call.className)),
+          fIsRoot(call.className == container.GetRootClass()->GetName()) {}
 
     TReason Reason() const {
         if (fCall.call == "kyrAddClass") return ClassRefused();
@@ -70,6 +69,7 @@ public:
 private:
     TReason ClassRefused() const {
         if (fCall.status == kyrStatusAccessDenied) return About(EReason::eForeignClass, fCall, OwnerText());
+        if (fIsRoot) return ReasonFor(EReason::eCallRefused, fCall.call + ": the name of the class is empty");
         if (fClass != nullptr) return OtherCallRefused();
         return About(EReason::eNoSuchClass, fCall, DidYouMean(fCall.className, NamesOf(fLibrary.classes)));
     }
@@ -111,9 +111,9 @@ private:
         const TCIMPropertyDecl* const declaration = FindPropertyNamed(*fClass, fCall.name);
         if (declaration == nullptr || fCall.status == kyrStatusInvalidOpSequence)
             return NoSuch(EReason::eNoSuchKey, fClass->EnumerateKeyNames());
-        return About(EReason::eCallRefused, fCall,
-                     "reference to " + fCall.className + ": key " + fCall.name + ": " +
-                         TypesText(DeclaredType(*declaration)));
+        return About(
+            EReason::eCallRefused, fCall,
+            "reference to " + fCall.className + ": key " + fCall.name + ": " + TypesText(DeclaredType(*declaration)));
     }
 
     TReason PathRefused() const {
@@ -163,6 +163,7 @@ private:
     const TPluginLibrary& fLibrary;
     const std::list<TPluginLibrary>& fLibraries;
     const TCIMClass* fClass;
+    const bool fIsRoot;  // the class that the empty name finds
 };
 
 }  // namespace
@@ -173,7 +174,7 @@ void ExplainRefusedCalls(TPluginLibrary& library, const std::list<TPluginLibrary
         if (!message.call) return;
         message.reason = TExplanation(*message.call, library, libraries, container).Reason();
         message.text = SentenceOf(message.reason);
-        if (!IsOfReference(*message.call) && library.Declares(message.call->className))
+        if (!message.IsOfReference() && library.Declares(message.call->className))
             message.className = message.call->className;
     };
     for (TMessage& message : library.report.messages) explain(message);

@@ -18,10 +18,11 @@ TEST(FailuresTest, OthersAreCollectedAndEachFailureIsNamed) {
              "is not closed ",
              "kyr: plugin givesup: partial: its data entry returned error collecting class "
              "(kyrStatusErrorCollectingClass) "
-             "(class TEST_Kept)\n",
+             "and logged nothing (class TEST_Kept)\n",
              "kyr: plugin givesup, class TEST_Lost: failed: its data entry returned error collecting class "
-             "(kyrStatusErrorCollectingClass)\n",
-             "kyr: plugin denied: refused: its data entry returned access denied (kyrStatusAccessDenied) (class "
+             "(kyrStatusErrorCollectingClass) and logged nothing\n",
+             "kyr: plugin denied: refused: its data entry returned access denied (kyrStatusAccessDenied) and logged "
+             "nothing (class "
              "TEST_Denied)\n",
              "kyr: plugin keyless, class TEST_Keyless: failed: TEST_Keyless.Id: given NULL by kyrAddStringProperty "
              "(and 2 "
@@ -47,6 +48,7 @@ constexpr TMistake kMistakes[] = {
     {"WrongElement", "TEST_User", "TEST_User.Groups: declared array of string, given by kyrArrayAddUint32"},
     {"Ignored", "TEST_User", "TEST_User.Uid: declared uint64, given by kyrAddUint32Property (and 1 more)"},
     {"UnknownClass", "", "TEST_Usr: no such class; did you mean 'TEST_User'?"},
+    {"EmptyClass", "", "kyrAddClass: the name of the class is empty"},
     {"ForeignClass", "", "TEST_Shown: not a class of this plugin; it belongs to plugin shown"},
     {"NullText", "TEST_User", "TEST_User.Shell: given NULL by kyrAddStringProperty"},
     {"DateText", "TEST_User", "TEST_User.Since: \"2024-01-31\" is no datetime, such as \"20240131120000.000000+060\""},
@@ -128,6 +130,32 @@ TEST(FailuresTest, MistakesInDocumentsAreToldWithLineAndTheNearestWord) {
     }
 }
 
+// The reader passes over all of these.
+TEST(FailuresTest, MistakeThatTheReaderStoppedAtIsToldAndNotAHarmlessOneInFront) {
+    const std::string right = "TYPE=\"uint64\"/>";
+    const std::string kHarmless[] = {
+        "TYPE=\"UINT64\"/>",
+        "TYPE=\"uint64\"><VALUE>many</VALUE></PROPERTY>",
+        "TYPE=\"uint64\">Text</PROPERTY>",
+        "TYPE=\"uint64\"/><!-- Caf\xE9 -->",
+    };
+    const TPluginRoot root({});
+    std::filesystem::create_directory(root.Path() + "/mistaken");
+    std::filesystem::copy_file(FIXTURE_PLUGINS "/mistaken/libmistaken.pi.so",
+                               root.Path() + "/mistaken/libmistaken.pi.so");
+    for (const std::string& harmless : kHarmless) {
+        std::string document = ReadFile(FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml");
+        document.replace(document.find(right), right.size(), harmless);
+        const std::string name = "\"TEST_UserHome\"";
+        document.replace(document.find(name), name.size(), name + " SUPERCLASS=\"CIM_Nothing\"");
+        root.Write("mistaken/mistaken.properties.xml", document);
+        EXPECT_THAT(RunKyr("collect" + root.Option()).err,
+                    StartsWith("kyr: plugin mistaken: refused: ./mistaken/mistaken.properties.xml:23: the superclass "
+                               "'CIM_Nothing'"))
+            << harmless;
+    }
+}
+
 // Its library comes before that of the system plugin, and the class that it declares too has other properties there.
 TEST(FailuresTest, ClassesOfABuiltInPluginAreNotTaken) {
     const TPluginRoot root({"grabbing"});
@@ -197,8 +225,9 @@ TEST(FailuresTest, WhatFailedIsToldInFrontOfAnUnknownName) {
     const TPluginRoot root({"baddocument", "shown"});
     for (const char* command : {"show TEST_Third", "get TEST_Third.Size", "assoc TEST_Third"})
         EXPECT_THAT(RunKyr(command + root.Option()),
-                    FieldsAre(2, "", AllOf(StartsWith("kyr: plugin baddocument: refused: "),
-                                           HasSubstr("\nkyr: nothing is called 'TEST_Third': "))))
+                    FieldsAre(2, "",
+                              AllOf(StartsWith("kyr: plugin baddocument: refused: "),
+                                    HasSubstr("\nkyr: nothing is called 'TEST_Third': "))))
             << command;
 }
 
@@ -226,6 +255,15 @@ TEST(FailuresTest, DocumentWithoutItsLibraryIsNamed) {
         RunKyr("collect" + root.Option()),
         FieldsAre(1, HasSubstr("TEST_Shown (2)\n"),
                   "kyr: plugin ./alone/libalone.pi.so: refused: cannot be opened: only its document is there\n"));
+}
+
+TEST(FailuresTest, DocumentOfAnotherNameThanItsLibraryIsToldOnce) {
+    const TPluginRoot root({});
+    root.Write("alone/Alone.properties.xml", ReadFile(FIXTURE_PLUGINS "/shown/shown.properties.xml"));
+    std::filesystem::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/alone/libalone.pi.so");
+    EXPECT_EQ(RunKyr("collect" + root.Option()).err,
+              "kyr: plugin shown: refused: cannot read its document ./alone/alone.properties.xml: file not found "
+              "(kyrStatusFileNotFound); rename Alone.properties.xml, which lies in its place\n");
 }
 
 TEST(FailuresTest, NothingButFailuresIsNoResult) {

@@ -49,11 +49,13 @@ TEST(NewPluginTest, NamesThatWouldNotWorkAreRefused) {
 
 TEST(NewPluginTest, WhatIsThereIsLeftAlone) {
     const TempFolder folder;
-    const std::string kept = folder.Write("disks/disks.c", "kept");
-    EXPECT_THAT(Make(folder, "disks"),
-                FieldsAre(2, "", "kyr: 'disks' is there already; choose another name or move it away\n"));
-    EXPECT_EQ(ReadFile(kept), "kept");
-    fs::remove_all(folder.Path() + "/disks");
+    for (const char* path : {"disks/disks.c", "disks"}) {
+        const std::string kept = folder.Write(path, "kept");
+        EXPECT_THAT(Make(folder, "disks"),
+                    FieldsAre(2, "", "kyr: 'disks' is there already; choose another name or move it away\n"));
+        EXPECT_EQ(ReadFile(kept), "kept");
+        fs::remove_all(folder.Path() + "/disks");
+    }
     EXPECT_THAT(RunShell("cd /proc && " KYR_PROGRAM " new-plugin disks"),
                 FieldsAre(4, "", StartsWith("kyr: cannot make the folder 'disks': ")));
 }

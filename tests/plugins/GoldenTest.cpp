@@ -118,7 +118,7 @@ TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(CountIn(run.out, "\"log\": [\"error: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none\""), 9u)
         << run.out;
-    EXPECT_EQ(CountIn(run.err, "ended with fail (kyrStatusFail): KYR_SYSTEM_ROOT names no folder: " MACHINES "/none ("),
+    EXPECT_EQ(CountIn(run.err, "returned fail (kyrStatusFail): KYR_SYSTEM_ROOT names no folder: " MACHINES "/none ("),
               9u);
 }
 

@@ -25,6 +25,7 @@ static kyrStatusCode Ignored(kyrIOHandle handle) {
 
 static kyrStatusCode UnknownClass(kyrIOHandle handle) { return kyrAddClass(handle, "TEST_Usr"); }
 
+static kyrStatusCode EmptyClass(kyrIOHandle handle) { return kyrAddClass(handle, ""); }
 static kyrStatusCode ForeignClass(kyrIOHandle handle) { return kyrAddClass(handle, "TEST_Shown"); }
 
 static kyrStatusCode NullText(kyrIOHandle handle) { return kyrAddStringProperty(handle, "Shell", NULL); }
@@ -105,6 +106,7 @@ static const struct {
     {"ScalarForArray", ScalarForArray},
     {"Ignored", Ignored},
     {"UnknownClass", UnknownClass},
+    {"EmptyClass", EmptyClass},
     {"ForeignClass", ForeignClass},
     {"NullText", NullText},
     {"DateText", DateText},
