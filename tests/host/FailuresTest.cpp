@@ -220,6 +220,21 @@ TEST(FailuresTest, PluginWithoutItsDocumentIsNamed) {
     EXPECT_EQ(RunKyr("show --class TEST_Shown" + root.Option()).err, message + "kyr: unknown class 'TEST_Shown'\n");
 }
 
+TEST(FailuresTest, HowADataEntryEndedIsTold) {
+    const std::pair<const char*, const char*> kCases[] = {
+        {"KYR_TEST_EXCEPTION=''", "was left by an exception"},
+        {"KYR_TEST_EXCEPTION='it is gone'", "was left by an exception: it is gone"},
+        {"KYR_TEST_STATUS=3", "returned fail (kyrStatusFail) and logged nothing"},
+        {"KYR_TEST_STATUS=4711", "returned 4711 (no known status) and logged nothing"},
+    };
+    const TPluginRoot root({"throwing"});
+    for (const auto& [environment, end] : kCases)
+        for (const char* option : {"", " --in-process"})
+            EXPECT_THAT(RunKyr("collect --class TEST_Kept" + root.Option() + option, environment).err,
+                        HasSubstr(std::string("ed: its data entry ") + end + " (class TEST_Kept)\n"))
+                << environment;
+}
+
 // The class may be the plugin's that was refused.
 TEST(FailuresTest, WhatFailedIsToldInFrontOfAnUnknownName) {
     const TPluginRoot root({"baddocument", "shown"});
