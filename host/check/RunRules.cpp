@@ -285,13 +285,9 @@ std::string FailureText(const std::string& name, const TStoredOutcome& outcome) 
     return name + (outcome.state == ePartial ? " is not complete: " : " could not be collected: ") + outcome.text;
 }
 
-std::string RemedyFor(const TStoredOutcome& outcome, const TCIMInstance& state) {
-    const size_t status =
-        outcome.text.rfind("(kyrStatus");  // without it: an exception; with more behind it: a log line
-    const bool isBare = status != std::string::npos && outcome.text.find(')', status) + 1 == outcome.text.size();
-    if (outcome.code == EReason::eDataCallFailed && isBare && TextsOf(state, "LogLines").empty())
-        return "its data entry returned that status and logged nothing: say why with kyrWriteLog";
-    return "mend what it names";
+std::string RemedyFor(const TStoredOutcome& outcome) {
+    const bool isSilent = outcome.code == EReason::eDataCallFailed && EndsWith(outcome.text, " logged nothing");
+    return isSilent ? "say why with kyrWriteLog" : "mend what it names";
 }
 
 // Of its document there are findings anyway, and of classes that another plugin has.
@@ -307,7 +303,7 @@ void CheckPlugins(const TReported& reported, TFindings& findings) {
         const TStoredOutcome outcome = OutcomeOf(*plugin);
         if (IsFailure(outcome) && outcome.HasReason() && !IsToldOfDocument(outcome.code))
             findings.Add("R01", {reported.file}, FailureText("the plugin " + TextOf(*plugin, "Name"), outcome),
-                         RemedyFor(outcome, *plugin));
+                         RemedyFor(outcome));
     }
 }
 
@@ -349,7 +345,7 @@ void CheckOutcomes(const TReported& reported, TFindings& findings) {
         hasFailed |= IsFailure(outcome);
         if (IsFailure(outcome))
             findings.Add("R01", {reported.file, 0, cls->GetName()}, FailureText(cls->GetName(), outcome),
-                         RemedyFor(outcome, *FindState(*cls, reported.container)));
+                         RemedyFor(outcome));
         else if (IsSilentlyEmpty(*cls, outcome, reported.container))
             empty.push_back(cls->GetName());
     }

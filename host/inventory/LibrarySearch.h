@@ -9,8 +9,8 @@
 #include "states/PluginLibrary.h"
 
 /// The plugin libraries in the folders of plugin folders. Of libraries with one name in several plugin folders, the one
-/// in the first folder is taken, which is told. They are in the order of the folders, and of their paths, so that of two
-/// documents that declare a class, the same one is read first in every run.
+/// in the first folder is taken, which is told. They are in the order of the folders, and of their paths, so that of
+/// two documents that declare a class, the same one is read first in every run.
 ///
 /// What cannot be loaded is listed with the reason: folders that cannot be read, documents that lack their library, and
 /// libraries in places or with names where the core does not find them or their documents. Raises TCommandError if a
