@@ -280,6 +280,10 @@ const std::vector<TRule>& AllRules() {
         {"R10", eWarning, "Value that changes between two runs",
          "Two runs, one right after the other, gave different values for a property without the qualifier "
          "Volatile, or different keys. Then each kyr diff tells a change, and kyr collect --stable keeps it."},
+        {"R16", eError, "Text that is no value of its property",
+         "A text was given for a number or a boolean that it is not. The core takes it for another value without a "
+         "word, "
+         "such as 0. A number that is too large for kyrAddUint16Property is cut by the compiler, which warns of it."},
         {"X01", eWarning, "Suppression without use",
          "A comment kyr-check or a line of kyr-check.allow suppresses nothing: what it excused has been mended or has "
          "moved, or the suppression is misspelt or gives no reason. Remove or mend it."},

@@ -64,6 +64,13 @@ TEST(RunCheckTest, ClassThatEndedHalfWayIsAnError) {
     EXPECT_THAT(run.out, HasSubstr("TEST_User is not complete: TEST_User.Uid: declared uint64, given by "));
 }
 
+TEST(RunCheckTest, TextForANumberIsToldAsItWasGiven) {
+    const TRunResult run = RunKyr("check " FIXTURE_PLUGINS "/mistaken", "KYR_TEST_MISTAKE=TextForNumber");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.out, HasSubstr("TEST_User.Uid: 'lots' was given for a uint64, but is no whole number [R16]"));
+    EXPECT_THAT(run.out, Not(HasSubstr("not a number either")));
+}
+
 TEST(RunCheckTest, CollectionsOfOurMachinesAreClean) {
     const TempFolder folder;
     const std::string file = folder.Path() + "/a.xml";

@@ -13,6 +13,11 @@ static kyrStatusCode UnknownProperty(kyrIOHandle handle) { return kyrAddStringPr
 
 static kyrStatusCode UnknownTextProperty(kyrIOHandle handle) { return kyrAddProperty(handle, "Shel", "/bin/sh"); }
 
+static kyrStatusCode TextForNumber(kyrIOHandle handle) {
+    kyrStatusCode status = kyrAddProperty(handle, "Uid", "lots");
+    return status == kyrStatusOK ? kyrAddProperty(handle, "Shell", "not a number either") : status;
+}
+
 static kyrStatusCode WrongCall(kyrIOHandle handle) { return kyrAddUint32Property(handle, "Uid", 1); }
 
 static kyrStatusCode ScalarForArray(kyrIOHandle handle) { return kyrAddStringProperty(handle, "Groups", "wheel"); }
@@ -102,6 +107,7 @@ static const struct {
 } kMistakes[] = {
     {"UnknownProperty", UnknownProperty},
     {"UnknownTextProperty", UnknownTextProperty},
+    {"TextForNumber", TextForNumber},
     {"WrongCall", WrongCall},
     {"ScalarForArray", ScalarForArray},
     {"Ignored", Ignored},
