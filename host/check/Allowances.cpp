@@ -111,7 +111,8 @@ void AddAllowances(const std::string& folder, TFindings& findings) {
     // What a link leads to is none of the folder's; its lines would be printed.
     if (!fs::is_regular_file(fs::symlink_status(path, error))) return;
     if (fs::file_size(path, error) > kMostBytes)
-        return findings.Add("X01", {path, 1}, kUnread + std::string("the file has more than 1 MiB"), "make it smaller");
+        return findings.Add("X01", {path, 1}, kUnread + std::string("the file is too large (over 1 MiB)"),
+                            "make it smaller");
     std::ifstream file(path);
     std::string line;
     for (size_t number = 1; number <= kMostLines && std::getline(file, line); ++number)
