@@ -55,8 +55,8 @@ TEST(LibraryCheckTest, BuildFolderOfAPluginIsNotMisplaced) {
 TEST(LibraryCheckTest, SymbolsAndProtectionAreToldAndNoCodeRuns) {
     const TRunResult run = RunKyr("check " FIXTURE_PLUGINS "/faulty/libfaulty.pi.so");
     EXPECT_EQ(run.status, 1);
-    for (const char* text : {"symbols of its own: kept [L01]", "refers to: missing [L02]", "calls kyrRegisterPlugin",
-                             "executable stack [L06]", "in '/opt/faulty' (RUNPATH) [L06]"})
+    for (const char* text : {"symbols of its own: ", "kept [L01]", "refers to: missing [L02]",
+                             "calls kyrRegisterPlugin", "executable stack [L06]", "in '/opt/faulty' (RUNPATH) [L06]"})
         EXPECT_THAT(run.out, HasSubstr(text));
     EXPECT_THAT(RunKyr("check " FIXTURE_PLUGINS "/loadcrash").out, Not(ContainsRegex("L0[1-5]|L07|L12")));
 }

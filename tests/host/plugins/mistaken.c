@@ -4,6 +4,11 @@
 
 #include "testplugin.h"
 
+/* What no mistake frees: here it is no leak. */
+static kyrCIMReference gReference;
+static kyrCIMValueArray gArray;
+static kyrCIMDateTime gDate;
+
 static kyrStatusCode Init(kyrPluginHandle plugin) {
     (void)plugin;
     return kyrStatusOK;
@@ -38,11 +43,10 @@ static kyrStatusCode NullText(kyrIOHandle handle) { return kyrAddStringProperty(
 static kyrStatusCode DateText(kyrIOHandle handle) { return kyrAddProperty(handle, "Since", "2024-01-31"); }
 
 static kyrStatusCode AddDate(kyrIOHandle handle, kyrStatusCode (*set)(kyrCIMDateTime)) {
-    kyrCIMDateTime date;
-    kyrStatusCode status = kyrNewCIMDateTime(&date);
-    if (status == kyrStatusOK) status = set(date);
-    if (status == kyrStatusOK) status = kyrAddDateTimeProperty(handle, "Since", date);
-    kyrDeleteCIMDateTime(date);
+    kyrStatusCode status = kyrNewCIMDateTime(&gDate);
+    if (status == kyrStatusOK) status = set(gDate);
+    if (status == kyrStatusOK) status = kyrAddDateTimeProperty(handle, "Since", gDate);
+    kyrDeleteCIMDateTime(gDate);
     return status;
 }
 
@@ -52,24 +56,21 @@ static kyrStatusCode BadDate(kyrIOHandle handle) { return AddDate(handle, SetDas
 static kyrStatusCode NoDate(kyrIOHandle handle) { return AddDate(handle, SetNothing); }
 
 static kyrStatusCode WrongElement(kyrIOHandle handle) {
-    kyrCIMValueArray array;
-    kyrStatusCode status = kyrNewCIMValueArray(&array);
-    if (status == kyrStatusOK) status = kyrArrayAddUint32(array, 7);
-    return status == kyrStatusOK ? kyrAddArrayProperty(handle, "Groups", array) : status;
+    kyrStatusCode status = kyrNewCIMValueArray(&gArray);
+    if (status == kyrStatusOK) status = kyrArrayAddUint32(gArray, 7);
+    return status == kyrStatusOK ? kyrAddArrayProperty(handle, "Groups", gArray) : status;
 }
 
 static kyrStatusCode UnknownArray(kyrIOHandle handle) {
-    kyrCIMValueArray array;
-    kyrStatusCode status = kyrNewCIMValueArray(&array);
-    return status == kyrStatusOK ? kyrAddArrayProperty(handle, "Group", array) : status;
+    kyrStatusCode status = kyrNewCIMValueArray(&gArray);
+    return status == kyrStatusOK ? kyrAddArrayProperty(handle, "Group", gArray) : status;
 }
 
 static kyrStatusCode Refer(kyrIOHandle handle, const char* className, const char* key) {
-    kyrCIMReference reference;
-    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
-    if (status == kyrStatusOK) status = kyrSetReferenceClassName(reference, className);
-    if (status == kyrStatusOK && key != NULL) status = kyrReferenceAddString(reference, key, "root");
-    return status == kyrStatusOK ? kyrAddReferenceProperty(handle, "Home", reference) : status;
+    kyrStatusCode status = kyrNewCIMReference(&gReference, handle);
+    if (status == kyrStatusOK) status = kyrSetReferenceClassName(gReference, className);
+    if (status == kyrStatusOK && key != NULL) status = kyrReferenceAddString(gReference, key, "root");
+    return status == kyrStatusOK ? kyrAddReferenceProperty(handle, "Home", gReference) : status;
 }
 
 static kyrStatusCode ReferenceToUnknownClass(kyrIOHandle handle) { return Refer(handle, "TEST_Flder", "Id"); }
@@ -77,28 +78,24 @@ static kyrStatusCode ReferenceWithUnknownKey(kyrIOHandle handle) { return Refer(
 static kyrStatusCode ReferenceToOtherClass(kyrIOHandle handle) { return Refer(handle, "TEST_User", "Id"); }
 
 static kyrStatusCode ReferenceWithKeyOfOtherType(kyrIOHandle handle) {
-    kyrCIMReference reference;
-    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
-    if (status == kyrStatusOK) status = kyrSetReferenceClassName(reference, "TEST_Folder");
-    return status == kyrStatusOK ? kyrReferenceAddUint32(reference, "Id", 3) : status;
+    kyrStatusCode status = kyrNewCIMReference(&gReference, handle);
+    if (status == kyrStatusOK) status = kyrSetReferenceClassName(gReference, "TEST_Folder");
+    return status == kyrStatusOK ? kyrReferenceAddUint32(gReference, "Id", 3) : status;
 }
 
 static kyrStatusCode ReferenceByPath(kyrIOHandle handle) {
-    kyrCIMReference reference;
-    const kyrStatusCode status = kyrNewCIMReference(&reference, handle);
-    return status == kyrStatusOK ? kyrSetReferencePath(reference, "TEST_Folder.Id=root") : status;
+    const kyrStatusCode status = kyrNewCIMReference(&gReference, handle);
+    return status == kyrStatusOK ? kyrSetReferencePath(gReference, "TEST_Folder.Id=root") : status;
 }
 
 static kyrStatusCode ReferenceWithoutClass(kyrIOHandle handle) {
-    kyrCIMReference reference;
-    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
-    return status == kyrStatusOK ? kyrReferenceAddString(reference, "Id", "root") : status;
+    kyrStatusCode status = kyrNewCIMReference(&gReference, handle);
+    return status == kyrStatusOK ? kyrReferenceAddString(gReference, "Id", "root") : status;
 }
 
 static kyrStatusCode ReferenceToNothing(kyrIOHandle handle) {
-    kyrCIMReference reference;
-    kyrStatusCode status = kyrNewCIMReference(&reference, handle);
-    return status == kyrStatusOK ? kyrAddReferenceProperty(handle, "Home", reference) : status;
+    kyrStatusCode status = kyrNewCIMReference(&gReference, handle);
+    return status == kyrStatusOK ? kyrAddReferenceProperty(handle, "Home", gReference) : status;
 }
 
 static const struct {
