@@ -4,14 +4,13 @@
 #include "base/Text.h"
 #include "check/Check.h"
 #include "kyr/TOSSpecific.h"
+#include "states/LibraryPlace.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-const std::string& LibraryEnding() { return TOSSpecific::kPluginExtension; }
-const std::string& DocumentEnding() { return TOSSpecific::kSpecificationExtension; }
-
+bool IsLibrary(const std::string& path) { return EndsWith(path, TOSSpecific::kPluginExtension); }
 std::string NameOf(const std::string& path) { return fs::path(path).filename().string(); }
 
 /// What stands beside a file.
@@ -29,22 +28,19 @@ struct TFolder {
 };
 
 // For "libfoo.pi.so", "foo.properties.xml".
-std::string DocumentOf(const std::string& library) {
-    const std::string stem = library.substr(0, library.size() - LibraryEnding().size());
-    return (StartsWith(stem, "lib") ? stem.substr(3) : stem) + DocumentEnding();
-}
+std::string DocumentOf(const std::string& library) { return DocumentOfPlugin(PluginNameOf(library)); }
 
 // The documents that libraries there want and that are not there.
 std::vector<std::string> MissingDocuments(const TFolder& folder) {
     std::vector<std::string> documents;
     for (const std::string& name : folder.names)
-        if (EndsWith(name, LibraryEnding()) && !folder.Has(DocumentOf(name))) documents.push_back(DocumentOf(name));
+        if (IsLibrary(name) && !folder.Has(DocumentOf(name))) documents.push_back(DocumentOf(name));
     return documents;
 }
 
 bool HasLibrary(const TFolder& folder, const std::string& document) {
     for (const std::string& name : folder.names)
-        if (EndsWith(name, LibraryEnding()) && DocumentOf(name) == document) return true;
+        if (IsLibrary(name) && DocumentOf(name) == document) return true;
     return false;
 }
 
@@ -62,7 +58,7 @@ void CheckDocumentName(const std::string& path, TFindings& findings) {
 void CheckLibraryName(const std::string& path, TFindings& findings) {
     const TFolder folder(path);
     const std::string wanted = DocumentOf(NameOf(path));
-    if (!EndsWith(path, LibraryEnding()) || folder.Has(wanted)) return;
+    if (!IsLibrary(path) || folder.Has(wanted)) return;
     std::vector<std::string> others;
     for (const std::string& name : folder.names)
         if (EndsWith(name, ".xml") && !HasLibrary(folder, name)) others.push_back(name);

@@ -13,6 +13,7 @@
 #include "check/ElfFile.h"
 #include "check/Placement.h"
 #include "kyr/TOSSpecific.h"
+#include "states/LibraryPlace.h"
 
 namespace fs = std::filesystem;
 
@@ -106,8 +107,7 @@ private:
 };
 
 bool IsCopy(const std::string& path) {
-    return path.find(TOSSpecific::kPluginExtension) != std::string::npos &&
-           !EndsWith(path, TOSSpecific::kPluginExtension);
+    return IsLibraryName(fs::path(path).filename().string()) && !EndsWith(path, TOSSpecific::kPluginExtension);
 }
 
 class TLibraryCheck {
@@ -133,7 +133,7 @@ private:
     }
 
     void CheckNames() {
-        for (const TMisplacement& found : FindMisnaming(fPath)) Add(found.rule, found.text, found.remedy);
+        for (const TMisplacement& found : FindMisnaming(fPath)) AddMisplacement(found, fFindings);
         if (IsCopy(fPath))
             Add("L05", "the file is loaded as a plugin, since its name has " + TOSSpecific::kPluginExtension + " in it",
                 "move copies out of the plugin folder");
@@ -197,6 +197,5 @@ private:
 void CheckLibrary(const std::string& path, TFindings& findings) { TLibraryCheck(path, findings).Check(); }
 
 void CheckFolder(const std::string& path, TFindings& findings) {
-    for (const TMisplacement& found : FindMisplaced(path))
-        findings.Add(found.rule, {found.path}, found.text, found.remedy);
+    for (const TMisplacement& found : FindMisplaced(path)) AddMisplacement(found, findings);
 }

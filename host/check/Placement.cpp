@@ -15,24 +15,7 @@ namespace {
 constexpr int kDeepest = 4;  // folders below the one that is looked into
 constexpr size_t kMostFiles = 10'000;
 
-const std::string& Ending() { return TOSSpecific::kPluginExtension; }
-
-// "foo" of "libfoo.pi.so", "foo.pi.so" and "libfoo.so"
-std::string NameOf(const fs::path& library) {
-    std::string name = library.filename().string();
-    name.resize(std::min(name.find(Ending()), name.find(".so")));
-    if (StartsWith(name, "lib")) name.erase(0, 3);
-    return name.empty() ? "plugin" : name;
-}
-
-std::string FileFor(const std::string& name) { return "lib" + name + Ending(); }
-
-std::string WithoutLib(std::string name, const std::string& otherwise) {
-    for (size_t at = name.find("lib"); at != std::string::npos; at = name.find("lib")) name.erase(at, 3);
-    return name.empty() ? otherwise : name;
-}
-
-bool IsPluginLibrary(const fs::path& path) { return EndsWith(path.string(), Ending()); }
+bool IsPluginLibrary(const fs::path& path) { return EndsWith(path.string(), TOSSpecific::kPluginExtension); }
 
 // A library of another name that registers a plugin when it is loaded.
 bool IsMisnamedLibrary(const fs::path& path) {
@@ -48,8 +31,8 @@ bool IsMisnamedLibrary(const fs::path& path) {
 bool IsAtHome(const fs::path& library) {
     std::error_code error;
     const fs::path folder = fs::absolute(library, error).lexically_normal().parent_path();
-    const std::string name = NameOf(library);
-    return folder.filename() == name && fs::exists(folder / (name + TOSSpecific::kSpecificationExtension), error);
+    const std::string name = PluginNameOf(library.string());
+    return folder.filename() == name && fs::exists(folder / DocumentOfPlugin(name), error);
 }
 
 struct TPlacedFile {
@@ -70,11 +53,6 @@ void AddFiles(const fs::path& folder, int depth, std::vector<TPlacedFile>& files
     }
 }
 
-TMisplacement WrongEnding(const std::string& path, const std::string& right) {
-    return {"L10", path, "the name of the library does not end in " + Ending() + ", so that no host loads it",
-            "name it " + right};
-}
-
 class TMisplaced {
 public:
     explicit TMisplaced(const fs::path& folder) : fFolder(folder) {
@@ -90,27 +68,22 @@ public:
     std::vector<TMisplacement> Find() const {
         std::vector<TMisplacement> found;
         for (const TPlacedFile& file : fFiles) {
+            const std::string path = file.path.string();
             if (IsPluginLibrary(file.path) && file.depth != fTop && !IsAtHome(file.path))
-                found.push_back(WrongDepth(file));
-            if (IsMisnamedLibrary(file.path)) found.push_back(WrongEnding(file.path.string(), RightPath(file)));
+                found.push_back({DepthOf(file), path, RightPath(path, PluginFolder())});
+            if (IsMisnamedLibrary(file.path))
+                found.push_back({EMisplacement::eOtherEnding, path,
+                                 file.depth == fTop ? RightName(path) : RightPath(path, PluginFolder())});
         }
         return found;
     }
 
 private:
-    std::string RightPath(const TPlacedFile& file) const {
-        const std::string name = NameOf(file.path);
-        const fs::path place = file.depth == fTop ? file.path.parent_path() : fFolder / WithoutLib(name, "plugin");
-        return (place / FileFor(name)).string();
+    EMisplacement DepthOf(const TPlacedFile& file) const {
+        return file.depth < fTop ? EMisplacement::eInPluginFolder : EMisplacement::eTooDeep;
     }
 
-    TMisplacement WrongDepth(const TPlacedFile& file) const {
-        const char* const where = file.depth < fTop ? "in the plugin folder itself" : "too deep";
-        return {"L09", file.path.string(),
-                std::string("the library stands ") + where +
-                    ": a host looks for plugins in the folders of the plugin folder, and not below them",
-                "move it, with its document, to " + RightPath(file)};
-    }
+    std::string PluginFolder() const { return (fTop == 1 ? fFolder : (fFolder / "..").lexically_normal()).string(); }
 
     fs::path fFolder;
     std::vector<TPlacedFile> fFiles;
@@ -123,20 +96,22 @@ std::vector<TMisplacement> FindMisnaming(const std::string& library) {
     std::vector<TMisplacement> found;
     std::error_code error;
     const fs::path path = library, folder = path.parent_path();
-    const std::string name = NameOf(path),
-                      folderName = fs::absolute(folder / "x", error).parent_path().filename().string();
-    if (path.string().find(Ending()) == std::string::npos)
-        found.push_back(WrongEnding(library, (folder / FileFor(name)).string()));
+    if (!IsLibraryName(path.filename().string()))
+        found.push_back({EMisplacement::eOtherEnding, library, RightName(library)});
     else if (!StartsWith(path.filename().string(), "lib"))
-        found.push_back({"L11", library,
-                         "the library's name does not begin with 'lib', so that its document is not found",
-                         "name it " + (folder / FileFor(name)).string()});
-    if (folderName.find("lib") != std::string::npos)
-        found.push_back({"L04", library,
-                         "the folder '" + folderName +
-                             "' has 'lib' in its name: the core drops the first 'lib' of the path to find the document",
-                         "rename the folder to '" + WithoutLib(folderName, name) + "'"});
+        found.push_back({EMisplacement::eNoLib, library, RightName(library)});
+    if (fs::absolute(path, error).parent_path().filename().string().find("lib") != std::string::npos)
+        found.push_back(
+            {EMisplacement::eLibInFolder, library, RightPath(library, (folder / "..").lexically_normal().string())});
     return found;
 }
 
 std::vector<TMisplacement> FindMisplaced(const std::string& folder) { return TMisplaced(folder).Find(); }
+
+void AddMisplacement(const TMisplacement& misplacement, TFindings& findings) {
+    constexpr const char* kRules[] = {"L10", "L11", "L04", "L09", "L09"};
+    const TReason reason = Misplaced(misplacement.what, misplacement.right);
+    const std::string sentence = SentenceOf(reason), end = "; ";
+    findings.Add(kRules[static_cast<int>(misplacement.what)], {misplacement.path}, reason.detail,
+                 sentence.substr(reason.detail.size() + end.size()));
+}

@@ -8,6 +8,7 @@
 #include "kyr/TOSSpecific.h"
 #include "model/CollectionState.h"
 #include "saved/DocumentText.h"
+#include "states/LibraryPlace.h"
 
 namespace fs = std::filesystem;
 
@@ -16,8 +17,6 @@ namespace {
 [[noreturn]] void RaiseUnreadable(const std::string& path, const std::string& why) {
     throw TCommandError(eExitNothing, path + ": " + why);
 }
-
-bool IsLibrary(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
 
 // Whether it holds instances that say how a collection went.
 bool IsCollection(const std::string& path) {
@@ -35,13 +34,13 @@ bool IsCollection(const std::string& path) {
 }
 
 TTarget TargetAt(const fs::path& path) {
-    if (IsLibrary(path.filename().string()) || EndsWith(path.string(), ".so"))
+    if (IsLibraryName(path.filename().string()) || EndsWith(path.string(), ".so"))
         return {TTarget::eLibrary, path.string()};
     return {IsCollection(path.string()) ? TTarget::eCollection : TTarget::eDocument, path.string()};
 }
 
 bool IsOfPlugin(const std::string& name) {
-    return IsLibrary(name) || EndsWith(name, TOSSpecific::kSpecificationExtension);
+    return IsLibraryName(name) || EndsWith(name, TOSSpecific::kSpecificationExtension);
 }
 
 void AddTargets(const fs::path& folder, bool withFolders, std::vector<TTarget>& targets) {

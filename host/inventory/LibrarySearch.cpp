@@ -13,28 +13,22 @@
 #include "base/Output.h"
 #include "base/Text.h"
 #include "kyr/TOSSpecific.h"
+#include "states/LibraryPlace.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-bool IsLibraryName(const std::string& name) { return name.find(TOSSpecific::kPluginExtension) != std::string::npos; }
 bool IsBuiltIn(const std::string& name) {
     return std::string("," KYRCORE_PLUGINS ",").find("," + name + ",") != std::string::npos;
 }
 std::string FileName(const fs::path& path) { return path.filename().string(); }
 
-// "disk", for "libdisk.pi.so", and for "libdisk.so", which somebody may have named so by mistake.
-std::string StemOf(const std::string& file) {
-    const std::string name = file.substr(0, std::min(file.find(TOSSpecific::kPluginExtension), file.rfind(".so")));
-    return StartsWith(name, "lib") ? name.substr(3) : name;
-}
-
 // For "a.properties.xml" the library "liba.pi.so" beside it.
 fs::path LibraryOf(const fs::path& document) {
     const std::string name = FileName(document);
     const std::string stem = name.substr(0, name.size() - TOSSpecific::kSpecificationExtension.size());
-    return document.parent_path() / ("lib" + stem + TOSSpecific::kPluginExtension);
+    return document.parent_path() / LibraryOfPlugin(stem);
 }
 
 // Opening a pipe with the name of a library would block. A link that leads nowhere stands for a library: loading it
@@ -69,7 +63,7 @@ public:
         for (const fs::directory_entry& entry : entries)
             if (IsFolder(entry)) OpenFolder(entry);
         for (const TEntries& files : fContents) AddLibraries(files);
-        AddElsewhere(entries, "it lies in the plugin folder itself");
+        AddElsewhere(entries, EMisplacement::eInPluginFolder);
         for (const TEntries& files : fContents) AddBelow(files);
         AddMissingLibraries();
         fLibraries.sort([](const TPluginLibrary& a, const TPluginLibrary& b) { return a.path < b.path; });
@@ -103,10 +97,8 @@ private:
     void Refuse(const fs::path& path, const TReason& reason) { Add(path).notLoaded = {eRefused, reason}; }
 
     // It would be found at the right path, with its document beside it.
-    void RefusePlace(const fs::path& path, const fs::path& right, const std::string& rule) {
-        TReason reason = ReasonFor(EReason::eMisplaced, rule);
-        reason.file = right.string();
-        Refuse(path, reason);
+    void RefusePlace(const fs::path& path, const std::string& right, EMisplacement misplacement) {
+        Refuse(path, Misplaced(misplacement, right));
         fKnown.insert(right);
     }
 
@@ -117,7 +109,7 @@ private:
         if (fLibraries.size() != before) return;
         for (const fs::directory_entry& file : files)
             if (EndsWith(FileName(file), ".so") && IsFileOrBrokenLink(file))
-                RefusePlace(file, RightName(file), "its name does not end in .pi.so");
+                RefusePlace(file, RightName(file.path().string()), EMisplacement::eOtherEnding);
     }
 
     // The core finds the document by taking away the first "lib" of the library's path. Where that is not the one in
@@ -131,38 +123,28 @@ private:
         if (!isFolderWrong && StartsWith(FileName(path), "lib")) return;
         fLibraries.pop_back();
         if (isFolderWrong)
-            RefusePlace(path, RightPath(path), "the letters lib stand in the name of its folder");
+            RefusePlace(path, RightPath(path.string(), fFolder.path), EMisplacement::eLibInFolder);
         else
-            RefusePlace(path, RightName(path), "its name does not begin with lib");
-    }
-
-    static fs::path RightName(const fs::path& library) {
-        return library.parent_path() / ("lib" + StemOf(FileName(library)) + TOSSpecific::kPluginExtension);
-    }
-
-    // In a folder with the plugin's name, but for the letters that must not stand in it.
-    fs::path RightPath(const fs::path& library) const {
-        std::string folder = StemOf(FileName(library));
-        for (size_t lib = folder.find("lib"); lib != std::string::npos; lib = folder.find("lib")) folder.erase(lib, 3);
-        return fs::path(fFolder.path) / (folder.empty() ? "plugin" : folder) / FileName(RightName(library));
+            RefusePlace(path, RightName(path.string()), EMisplacement::eNoLib);
     }
 
     // Libraries that lie where none is looked for, unless they are copies of one that is in its place.
-    void AddElsewhere(const TEntries& files, const std::string& rule) {
+    void AddElsewhere(const TEntries& files, EMisplacement misplacement) {
         const auto isInPlace = [this](const std::string& name) {
             return std::any_of(fLibraries.begin(), fLibraries.end(),
                                [&](const TPluginLibrary& library) { return library.Name() == name; });
         };
         for (const fs::directory_entry& file : files)
             if (EndsWith(FileName(file), TOSSpecific::kPluginExtension) && IsFileOrBrokenLink(file) &&
-                !isInPlace(StemOf(FileName(file))))
-                RefusePlace(file, RightPath(file), rule);
+                !isInPlace(PluginNameOf(FileName(file))))
+                RefusePlace(file, RightPath(file.path().string(), fFolder.path), misplacement);
     }
 
     void AddBelow(const TEntries& files) {
         std::error_code ignored;
         for (const fs::directory_entry& file : files)
-            if (IsFolder(file) && !file.is_symlink(ignored)) AddElsewhere(EntriesOf(file, ignored), "it lies too deep");
+            if (IsFolder(file) && !file.is_symlink(ignored))
+                AddElsewhere(EntriesOf(file, ignored), EMisplacement::eTooDeep);
     }
 
     // Each document that is no library's belongs to a library beside it that has none. Without one it is added as a

@@ -9,6 +9,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TOSSpecific.h"
+#include "states/LibraryPlace.h"
 
 namespace {
 
@@ -40,11 +41,7 @@ std::string FullPathOf(const std::string& folder, const std::string& path) {
 
 }  // namespace
 
-std::string TPluginLibrary::Name() const {
-    const std::string file = path.substr(path.rfind('/') + 1);
-    const std::string name = file.substr(0, file.find(TOSSpecific::kPluginExtension));
-    return StartsWith(name, "lib") ? name.substr(3) : name;
-}
+std::string TPluginLibrary::Name() const { return PluginNameOf(path); }
 
 std::string TPluginLibrary::DocumentPath() const {
     try {

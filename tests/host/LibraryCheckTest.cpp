@@ -23,21 +23,10 @@ std::string Check(const TempFolder& root) {
 
 }  // namespace
 
-TEST(LibraryCheckTest, WrongPlaceOrNameIsToldWithTheRightOne) {
-    struct {
-        const char *path, *rule, *right;
-    } const kCases[] = {
-        {"users/er/libmistaken.pi.so", "too deep", "/mistaken/libmistaken.pi.so"},
-        {"users/libmistaken.so", "[L10]", "/users/libmistaken.pi.so"},
-        {"users/mistaken.pi.so", "[L11]", "/users/libmistaken.pi.so"},
-        {"libusers/libmistaken.pi.so", "[L04]", "rename the folder to 'users'"},
-        {"users/libmistaken.pi.so.old", "[L05]", "move copies out of the plugin folder"},
-    };
-    for (const auto& [path, rule, right] : kCases) {
-        const TempFolder root;
-        Place(root, kGood, path);
-        EXPECT_THAT(Check(root), AllOf(HasSubstr(rule), HasSubstr(right)));
-    }
+TEST(LibraryCheckTest, CopyOfALibraryIsTold) {
+    const TempFolder root;
+    Place(root, kGood, "users/libmistaken.pi.so.old");
+    EXPECT_THAT(Check(root), AllOf(HasSubstr("[L05]"), HasSubstr("move copies out of the plugin folder")));
 }
 
 TEST(LibraryCheckTest, BuildFolderOfAPluginIsNotMisplaced) {

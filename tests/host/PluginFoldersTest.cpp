@@ -124,29 +124,35 @@ TEST(PluginFoldersTest, SuperuserIsToldWhatOthersCanWrite) {
     }
 }
 
+// By kyr collect and by kyr check, in the same words.
 TEST(PluginFoldersTest, LibraryInTheWrongPlaceIsToldTheRightOne) {
     const struct {
-        const char *library, *document, *rule, *right;
+        const char *library, *document, *text, *rule, *right;
     } cases[] = {
-        {"libshown.pi.so", "shown.properties.xml", "it lies in the plugin folder itself", "shown/libshown.pi.so"},
-        {"a/b/libshown.pi.so", "a/b/shown.properties.xml", "it lies too deep", "shown/libshown.pi.so"},
-        {"shown/build/libshown.pi.so", "shown/shown.properties.xml", "it lies too deep", "shown/libshown.pi.so"},
-        {"shown/libshown.so", "shown/shown.properties.xml", "its name does not end in .pi.so", "shown/libshown.pi.so"},
-        {"shown/shown.pi.so", "shown/shown.properties.xml", "its name does not begin with lib", "shown/libshown.pi.so"},
-        {"libshown/libshown.pi.so", "libshown/shown.properties.xml", "the letters lib stand in the name of its folder",
+        {"libshown.pi.so", "shown.properties.xml", "it lies in the plugin folder itself", "L09",
          "shown/libshown.pi.so"},
-        {"mylibs/liblib.pi.so", "mylibs/lib.properties.xml", "the letters lib stand in the name of its folder",
+        {"a/b/libshown.pi.so", "a/b/shown.properties.xml", "it lies too deep", "L09", "shown/libshown.pi.so"},
+        {"shown/build/libshown.pi.so", "shown/shown.properties.xml", "it lies too deep", "L09", "shown/libshown.pi.so"},
+        {"shown/libshown.so", "shown/shown.properties.xml", "its name does not end in .pi.so", "L10",
+         "shown/libshown.pi.so"},
+        {"shown/shown.pi.so", "shown/shown.properties.xml", "its name does not begin with lib", "L11",
+         "shown/libshown.pi.so"},
+        {"libshown/libshown.pi.so", "libshown/shown.properties.xml", "the letters lib stand in the name of its folder",
+         "L04", "shown/libshown.pi.so"},
+        {"mylibs/liblib.pi.so", "mylibs/lib.properties.xml", "the letters lib stand in the name of its folder", "L04",
          "plugin/liblib.pi.so"},
     };
     for (const auto& each : cases) {
         const TPluginRoot root({});
         CopyLibrary(root.Path() + "/" + each.library);
         CopyDocument(root.Path() + "/" + each.document);
+        const std::string text = each.text, remedy = "it belongs at " + root.Path() + "/" + each.right +
+                                                     ", with its document beside it\n";
+        EXPECT_THAT(RunKyr("identity" + root.Option()),
+                    FieldsAre(1, _, "kyr: plugin ./" + (each.library + (": refused: " + text + "; " + remedy))));
         EXPECT_THAT(
-            RunKyr("identity" + root.Option()),
-            FieldsAre(1, _,
-                      std::string("kyr: plugin ./") + each.library + ": refused: " + each.rule + "; it belongs at " +
-                          root.Path() + "/" + each.right + ", with its document beside it\n"));
+            RunKyr("check " + root.Path()).out,
+            HasSubstr(root.Path() + "/" + each.library + ": error: " + text + " [" + each.rule + "]\n    " + remedy));
     }
 }
 
