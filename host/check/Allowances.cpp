@@ -24,8 +24,7 @@ std::string FolderOf(const std::string& path) {
 // What is wrong with rule and reason; empty if nothing.
 std::string FaultOf(const TAllowance& allowance) {
     if (allowance.rule.find_first_of(" ,;/") == kRuleLength) return "it names more than one rule";
-    if (FindRule(allowance.rule) == nullptr)
-        return "there is no rule '" + CutText(VisibleText(allowance.rule), 20) + "'";
+    if (FindRule(allowance.rule) == nullptr) return "there is no rule " + Quoted(allowance.rule);
     if (allowance.reason.empty()) return "it gives no reason";
     return "";
 }

@@ -23,6 +23,11 @@ const TRule& GetRule(const std::string& id) {
 
 }  // namespace
 
+std::string Quoted(std::string_view word) {
+    constexpr size_t kLongest = 80;
+    return "'" + CutText(VisibleText(word), kLongest) + "'";
+}
+
 void TFindings::Add(const char* rule, TPlace place, const std::string& text, const std::string& remedy) {
     constexpr size_t kLongest = 1000;
     if (++fCounts[{place.file, rule}] > kMostOfARule) return;

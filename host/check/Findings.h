@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -39,6 +40,9 @@ struct TAllowance {
     std::string what = {};
     bool isUsed = false;
 };
+
+/// A word of what is checked, in quotes, as one visible line that is not too long.
+std::string Quoted(std::string_view word);
 
 /// What the checks have found. A checker adds its findings in any order:
 ///

@@ -58,7 +58,7 @@ private:
         const std::string type = property->GetType().ToString();
         const std::string text = call.substr(end + std::string_view(kValue).size());
         const std::string fault = FaultOfValue(type, text);
-        if (!fault.empty()) Tell(*property, type, CutText(VisibleText(text), 40), fault);
+        if (!fault.empty()) Tell(*property, type, Quoted(text), fault);
     }
 
     void Tell(const TCIMPropertyDecl& property, const std::string& type, const std::string& text,
@@ -66,7 +66,7 @@ private:
         const std::string name = fClass->GetName() + "." + property.GetName();
         if (!fTold.insert(name).second) return;
         fFindings.Add("R16", {fReported.file, 0, fClass->GetName(), property.GetName()},
-                      name + ": '" + text + "' was given for a " + type + ", but " + fault,
+                      name + ": " + text + " was given for a " + type + ", but " + fault,
                       "give a value of the type, or leave it out and say why in UnavailableValues");
     }
 

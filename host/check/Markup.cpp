@@ -27,8 +27,6 @@ bool EqualsUpper(std::string_view text, std::string_view upper) {
            std::equal(text.begin(), text.end(), upper.begin(), [](char a, char b) { return ToUpper(a) == ToUpper(b); });
 }
 
-std::string Quoted(std::string_view text) { return "'" + CutText(VisibleText(text), kLongestShown) + "'"; }
-
 // Where the text stops to be UTF-8; npos if nowhere.
 size_t FindNoUtf8(std::string_view text) {
     const auto* const bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());

@@ -73,7 +73,7 @@ public:
         const TElement* const root = fMarkup.Root();
         if (root == nullptr && fFindings.HasErrorIn(fMarkup.file)) return;
         if (root != nullptr && !root->Is("CIM"))
-            return Add("D17", *root, "the root element is " + Quoted(*root) + ", not CIM",
+            return Add("D17", *root, "the root element is " + Quoted(root->name) + ", not CIM",
                        "put all into <CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\">");
         if (root == nullptr)
             return fFindings.Add("D17", {fMarkup.file, 1}, "there is no element in the document", "write the document");
@@ -83,8 +83,6 @@ public:
     }
 
 private:
-    static std::string Quoted(const TElement& element) { return "'" + CutText(VisibleText(element.name), 60) + "'"; }
-
     void Add(const char* rule, const TElement& element, const std::string& text, const std::string& remedy) {
         if (!fFindings.CountsOnly(rule, fMarkup.file)) fFindings.Add(rule, fMarkup.PlaceOf(element), text, remedy);
     }
@@ -106,13 +104,11 @@ private:
     }
 
     void CheckText(const TElement& element) {
-        constexpr const char* kBlanks = " \t\r\n";
         const std::string name = UpperName(element.name);
         if (name == "VALUE" || name == "KEYVALUE" || name == "HOST" || TakenBy().count(name) == 0) return;
-        const size_t start = element.text.find_first_not_of(kBlanks);
-        if (start == std::string::npos) return;
-        const std::string text = element.text.substr(start, element.text.find_last_not_of(kBlanks) + 1 - start);
-        Add("D19", element, "the text '" + CutText(VisibleText(text), 60) + "' in " + Quoted(element) + " is not read",
+        const std::string text = Trimmed(element.text);
+        if (text.empty()) return;
+        Add("D19", element, "the text " + Quoted(text) + " in " + Quoted(element.name) + " is not read",
             "put values into VALUE, and the rest into comments");
     }
 
@@ -123,24 +119,25 @@ private:
                        "remove it");
         if (parentName == "METHOD") return;
         if (parentName == "VALUE")
-            return Add("D11", element, Quoted(element) + " in a VALUE ends the value",
+            return Add("D11", element, Quoted(element.name) + " in a VALUE ends the value",
                        "write < as &lt;, or put each value into a VALUE of its own");
         if (parentName == "SCOPE")
-            return Add("D10", element, Quoted(element) + " in SCOPE ends the declaration",
+            return Add("D10", element, Quoted(element.name) + " in SCOPE ends the declaration",
                        "write SCOPE as an empty element: <SCOPE ... />");
         if (parentName == "VALUE.REFERENCE" && Has(kPaths, name))
-            return Add("D13", element, "the reference names its object by " + Quoted(element),
+            return Add("D13", element, "the reference names its object by " + Quoted(element.name),
                        "leave the path out: <VALUE.REFERENCE><INSTANCENAME ...>");
         const auto taken = TakenBy().find(parentName);
         if (taken == TakenBy().end()) {
             if (IsKnown(parentName))
-                Add("D18", element, Quoted(parent) + " takes no elements, such as " + Quoted(element), "remove it");
+                Add("D18", element, Quoted(parent.name) + " takes no elements, such as " + Quoted(element.name),
+                    "remove it");
             return;
         }
         if (Has(taken->second, name)) return;
         std::vector<std::string> words;
         for (const std::string_view word : taken->second) words.emplace_back(word);
-        Add("D18", element, Quoted(parent) + " takes no " + Quoted(element),
+        Add("D18", element, Quoted(parent.name) + " takes no " + Quoted(element.name),
             NearestOr(name, words, "it takes " + Join(words)));
     }
 
