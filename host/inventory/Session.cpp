@@ -22,6 +22,7 @@
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TRootObject.h"
+#include "model/DateFaults.h"
 #include "states/HostIdentity.h"
 #include "states/InterfaceVersion.h"
 #include "states/StateInstances.h"
@@ -71,6 +72,17 @@ void TellInterfaces(TPluginLibrary& library) {
         PrintDiagnostic("plugin " + plugin.name + ": " + text);
         library.report.messages.push_back({"", kyrLogWarning, text, true});
     }
+}
+
+// What the core took as it was given.
+void TellDates(TPluginLibrary& library) {
+    for (const TCIMClass* cls : library.classes)
+        for (const TDateFault& fault : FindDateFaults(*cls)) {
+            const std::string more = fault.count == 1 ? "" : " (and " + std::to_string(fault.count - 1) + " more)";
+            const std::string text = cls->GetName() + "." + fault.property + ": " + fault.text + more;
+            PrintDiagnostic("plugin " + library.report.NameIn(library.path) + ": " + text);
+            library.report.messages.push_back({cls->GetName(), kyrLogWarning, text, true});
+        }
 }
 
 }  // namespace
@@ -129,6 +141,7 @@ void TSession::Run(const TClassSelection& wanted) {
         interruption = RunIsolated(rounds, asked);
     TellTakenClasses(fLibraries, fContainer);
     for (TPluginLibrary& library : fLibraries) TellInterfaces(library);
+    for (TPluginLibrary& library : fLibraries) TellDates(library);
     for (const TPluginLibrary& library : fLibraries) AddPluginQualifiers(library, fContainer);
     const auto mayReport = [this](const TCIMInstance& instance, const std::string& className) {
         const TPluginLibrary* const maker = fContainer.FindMaker(instance);

@@ -92,6 +92,15 @@ TEST_P(Mistakes, AreToldWithClassPropertyAndTheNearestWord) {
 INSTANTIATE_TEST_SUITE_P(InCalls, Mistakes, ::testing::ValuesIn(kMistakes),
                          [](const auto& mistake) { return std::string(mistake.param.name); });
 
+TEST(FailuresTest, DateThatDoesNotExistIsToldAndKept) {
+    const std::string text = "TEST_User.Since: \"20261301000000.000000+000\" is no date that exists: month 13";
+    for (const char* option : {"", " --in-process"}) {
+        const TRunResult run =
+            RunKyr("collect --raw" + TPluginRoot({"mistaken"}).Option() + option, "KYR_TEST_MISTAKE=NoSuchMonth");
+        EXPECT_THAT(run, FieldsAre(0, HasSubstr("2026-13-01T"), "kyr: plugin mistaken: " + text + "\n"));
+    }
+}
+
 TEST(FailuresTest, MistakeInACallHasAReasonForPrograms) {
     const TRunResult run = RunKyr("collect --json" + TPluginRoot({"mistaken"}).Option(), "KYR_TEST_MISTAKE=WrongCall");
     EXPECT_THAT(run.out, HasSubstr("\"reasonCode\": \"wrong type\""));

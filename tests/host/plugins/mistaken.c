@@ -52,6 +52,8 @@ static kyrStatusCode AddDate(kyrIOHandle handle, kyrStatusCode (*set)(kyrCIMDate
 
 static kyrStatusCode SetDash(kyrCIMDateTime date) { return kyrSetDateTimeString(date, "2024-01-31"); }
 static kyrStatusCode SetNothing(kyrCIMDateTime date) { return date == NULL ? kyrStatusFail : kyrStatusOK; }
+static kyrStatusCode SetMonth13(kyrCIMDateTime date) { return kyrSetDateTime(date, 2026, 13, 1, 0, 0, 0, 0, 0); }
+static kyrStatusCode NoSuchMonth(kyrIOHandle handle) { return AddDate(handle, SetMonth13); }
 static kyrStatusCode BadDate(kyrIOHandle handle) { return AddDate(handle, SetDash); }
 static kyrStatusCode NoDate(kyrIOHandle handle) { return AddDate(handle, SetNothing); }
 
@@ -115,6 +117,7 @@ static const struct {
     {"DateText", DateText},
     {"BadDate", BadDate},
     {"NoDate", NoDate},
+    {"NoSuchMonth", NoSuchMonth},
     {"WrongElement", WrongElement},
     {"UnknownArray", UnknownArray},
     {"ReferenceToUnknownClass", ReferenceToUnknownClass},

@@ -1,0 +1,20 @@
+#ifndef KYR_HOST_MODEL_DATEFAULTS_H
+#define KYR_HOST_MODEL_DATEFAULTS_H
+
+#include <string>
+#include <vector>
+
+class TCIMClass;
+
+/// A property of which instances have timestamps that no calendar has.
+struct TDateFault {
+    std::string property;
+    std::string text;  ///< ""20241301000000.000000+000" is no date that exists: month 13", of the first one
+    std::string path;  ///< the instance that it is in
+    size_t count;      ///< of the instances
+};
+
+/// The properties of the class that have them. The core takes the numbers of a timestamp as they come.
+std::vector<TDateFault> FindDateFaults(const TCIMClass& cls);
+
+#endif
