@@ -60,8 +60,11 @@ public:
         if (fRules) return PrintRules(output), eExitComplete;
         if (!fRule.empty()) return PrintRule(*FindRule(fRule), output), eExitComplete;
         if (fPaths.empty()) throw TCommandError(eExitUsage, "no PATH given (try 'kyr check --help')");
+        bool isRead = true;
+        const std::vector<TTarget> targets = FindAllTargets(isRead);
+        if (targets.empty()) return eExitNothing;
         TFindings findings;
-        const bool isRead = Check(findings);
+        isRead &= Check(targets, findings);
         Print(findings, output);
         if (!isRead) return eExitNothing;
         return IsFailure(findings) ? eExitPartial : eExitComplete;
@@ -73,18 +76,22 @@ private:
         for (const char* const option : {"--from", "--log", "--verbose"}) fApp.remove_option(fApp.get_option(option));
     }
 
-    bool Check(TFindings& findings) const {
+    // Of those that it cannot find it tells on standard error.
+    std::vector<TTarget> FindAllTargets(bool& isRead) const {
         std::vector<TTarget> targets;
-        bool isRead = true;
         for (const std::string& path : fPaths) try {
                 for (TTarget& target : FindTargets(path)) targets.push_back(std::move(target));
             } catch (const TCommandError& e) {
                 PrintDiagnostic(e.what());
                 isRead = false;
             }
+        return targets;
+    }
+
+    bool Check(const std::vector<TTarget>& targets, TFindings& findings) const {
         TCheckContext context{fSession.schema};
         for (const TPluginFolder& folder : fSession.plugins) context.plugins.push_back(folder.path);
-        return CheckTargets(targets, context, findings) && isRead;
+        return CheckTargets(targets, context, findings);
     }
 
     void Print(const TFindings& findings, TOutput& output) const {

@@ -74,6 +74,7 @@ TEST_F(CheckTest, ExitStatusTellsWhatWasFound) {
         {"error.xml clean.xml", 1, ""},
         {"error.xml none.xml", 3, "kyr: none.xml: No such file or directory\n"},
         {"cut.xml.gz", 3, "kyr: cut.xml.gz: cannot be read to its end: it is damaged, or not what its name says\n"},
+        {"none.xml --json", 3, "kyr: none.xml: No such file or directory\n"},
         {"/dev/null", 3, "kyr: /dev/null: is neither a file nor a folder\n"},
         {"--rules", 0, ""},
         {"--explain S03", 0, ""},
@@ -85,6 +86,7 @@ TEST_F(CheckTest, ExitStatusTellsWhatWasFound) {
     for (const auto& [arguments, status, err] : kRuns)
         EXPECT_THAT(Check(arguments), FieldsAre(status, _, HasSubstr(err))) << arguments;
     EXPECT_THAT(Check("error.xml none.xml").out, HasSubstr("[S01]"));
+    for (const char* const format : {"--json", "--sarif"}) EXPECT_EQ(Check(std::string("none.xml ") + format).out, "");
 }
 
 TEST_F(CheckTest, FindingsThatAreNotListedAreCounted) {
