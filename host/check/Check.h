@@ -32,6 +32,8 @@ struct TCheckContext {
 /// The files that an argument stands for. Raises TCommandError with eExitNothing if there are none.
 std::vector<TTarget> FindTargets(const std::string& path);
 
+/// Whether the core's reader takes the plain file for a compressed one, by its path.
+bool IsTakenForCompressed(const std::string& path);
 /// Whether document and library belong together by their names (D15).
 void CheckDocumentName(const std::string& path, TFindings& findings);
 void CheckLibraryName(const std::string& path, TFindings& findings);

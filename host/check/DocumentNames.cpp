@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "base/Text.h"
@@ -45,6 +47,15 @@ bool HasLibrary(const TFolder& folder, const std::string& document) {
 }
 
 }  // namespace
+
+bool IsTakenForCompressed(const std::string& path) {
+    constexpr char kMagic[] = {'\x1F', '\x8B'};
+    char start[sizeof kMagic] = {};
+    std::ifstream file(path, std::ios::binary);
+    file.read(start, sizeof start);
+    return path.find(".gz") != std::string::npos && file.gcount() > 0 &&
+           !std::equal(std::begin(kMagic), std::end(kMagic), start);
+}
 
 void CheckDocumentName(const std::string& path, TFindings& findings) {
     const TFolder folder(path);

@@ -109,16 +109,18 @@ size_t CountDeclarations(const TDocumentSchema& document) {
     return count;
 }
 
+constexpr const char* kSplit = "split it: kyr reads 8 MiB and 5000 classes at most";
+
 // Returns whether the document is small enough for the rest of the rules.
 bool CheckSize(const std::string& path, const std::string& text, const TDocumentSchema& document, TFindings& findings) {
     const size_t classes = document.classes.size(), declarations = CountDeclarations(document);
-    const bool isCheckable = text.size() <= kMostBytes && classes * declarations <= kMostProducts;
+    const bool isCheckable = classes * declarations <= kMostProducts;
     if (text.size() > kMostBytesRead || classes > kMostClasses || !isCheckable)
         findings.Add("D16", {path},
                      "the document has " + std::to_string(text.size() >> 20) + " MiB, " + std::to_string(classes) +
                          " classes and " + std::to_string(declarations - classes) + " properties" +
                          (isCheckable ? "" : ": too much to check the schema"),
-                     "split it: kyr reads 8 MiB and 5000 classes at most");
+                     kSplit);
     return isCheckable;
 }
 
@@ -129,11 +131,35 @@ size_t LineIn(const std::string& refusal) {
     return words == std::string::npos ? 0 : std::strtoul(refusal.c_str() + words + kWords.size(), nullptr, 10);
 }
 
+// What it declares, and whether the core's reader takes it.
+void CheckMeaning(const TMarkup& markup, const TDocumentSchema& document, const TCheckContext& context,
+                  TFindings& findings) {
+    TKnownSchema known;
+    std::unique_ptr<TNeighbours> neighbours;
+    if (!IsBaseDocument(document)) {
+        neighbours = std::make_unique<TNeighbours>(markup.file, context);
+        neighbours->AddTo(known);
+    }
+    CheckSchema(markup, document, known, findings);
+    CheckValues(markup, document, known, findings);
+    if (findings.HasErrorIn(markup.file)) return;
+    const std::vector<std::string> others = neighbours ? neighbours->Paths() : std::vector<std::string>();
+    const std::string refusal = TryReader(others, markup.file, document.classes.size());
+    if (!refusal.empty())
+        findings.Add("D17", {markup.file, LineIn(refusal)}, "the reader refuses it: " + refusal, "mend what it names");
+}
+
 }  // namespace
 
 void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings) {
+    if (IsTakenForCompressed(path))
+        return findings.Add("D14", {path}, "its path has .gz in it, and it is not compressed: the reader refuses it",
+                            "rename the file or its folder");
     std::string text;
     if (!ReadText(path, text)) throw TCommandError(eExitNothing, path + ": cannot be read");
+    // Where the text is cut, anything might look as if it was not closed.
+    if (text.size() > kMostBytes)
+        return findings.Add("D16", {path}, "the document has more than 32 MiB: too much to check", kSplit);
     const TMarkup markup = ReadMarkup(path, text, findings);
     AddAllowances(markup, findings);
     CheckStructure(markup, findings);
@@ -141,17 +167,5 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
     if (!CheckSize(path, text, document, findings)) return;
     if (IsEmpty(document) && !findings.HasErrorIn(path))
         findings.Add("D20", {path}, "the document declares no class", "declare the classes that the plugin reports");
-    TKnownSchema known;
-    std::unique_ptr<TNeighbours> neighbours;
-    if (!IsBaseDocument(document)) {
-        neighbours = std::make_unique<TNeighbours>(path, context);
-        neighbours->AddTo(known);
-    }
-    CheckSchema(markup, document, known, findings);
-    CheckValues(markup, document, known, findings);
-    if (findings.HasErrorIn(path)) return;
-    const std::vector<std::string> others = neighbours ? neighbours->Paths() : std::vector<std::string>();
-    const std::string refusal = TryReader(others, path, document.classes.size());
-    if (!refusal.empty())
-        findings.Add("D17", {path, LineIn(refusal)}, "the reader refuses it: " + refusal, "mend what it names");
+    CheckMeaning(markup, document, context, findings);
 }

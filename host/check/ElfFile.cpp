@@ -4,6 +4,7 @@
 #include <link.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 #include <fstream>
 #include <sstream>
@@ -174,18 +175,7 @@ private:
     size_t fSymbols = 0;
 };
 
-bool HasSymbol(const TElfFile& file, const std::string& name, bool isDefined) {
-    return std::any_of(file.symbols.begin(), file.symbols.end(), [&](const TElfFile::TSymbol& symbol) {
-        return symbol.isDefined == isDefined && symbol.name == name;
-    });
-}
-
-}  // namespace
-
-bool TElfFile::Defines(const std::string& symbol) const { return HasSymbol(*this, symbol, true); }
-bool TElfFile::Refers(const std::string& symbol) const { return HasSymbol(*this, symbol, false); }
-
-TElfFile ReadElfFile(const std::string& path) {
+std::string ReadBytes(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) throw TCommandError(eExitNothing, path + ": cannot be read");
     file.seekg(0, std::ios::end);
@@ -194,5 +184,25 @@ TElfFile ReadElfFile(const std::string& path) {
     file.seekg(0);
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
+    return bytes;
+}
+
+}  // namespace
+
+bool TElfFile::Refers(const std::string& symbol) const {
+    return std::any_of(symbols.begin(), symbols.end(),
+                       [&](const TSymbol& each) { return !each.isDefined && each.name == symbol; });
+}
+
+TElfFile ReadElfFile(const std::string& path) {
+    const std::string bytes = ReadBytes(path);
     return TElfReader(bytes).Read();
+}
+
+bool HoldsWord(const std::string& path, const std::string& word) {
+    const std::string bytes = ReadBytes(path), constant = word + '\0';
+    const auto isNamePart = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; };
+    for (size_t at = bytes.find(constant); at != std::string::npos; at = bytes.find(constant, at + 1))
+        if (at == 0 || !isNamePart(bytes[at - 1])) return true;
+    return false;
 }

@@ -20,11 +20,13 @@ struct TElfFile {
     bool hasExecutableStack = false;
     bool hasTextRelocations = false;
 
-    bool Defines(const std::string& symbol) const;
     bool Refers(const std::string& symbol) const;
 };
 
 /// Reads the file, whatever is in it. Raises TCommandError with eExitNothing if it cannot be read at all.
 TElfFile ReadElfFile(const std::string& path);
+
+/// Whether the word stands in the file as a text of its own, or at the end of one, as a string constant does.
+bool HoldsWord(const std::string& path, const std::string& word);
 
 #endif

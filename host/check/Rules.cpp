@@ -69,6 +69,9 @@ const std::vector<TRule>& AllRules() {
         {"D13", eError, "Reference to an object by a path",
          "The value of a reference is read from INSTANCENAME or CLASSNAME. With a path around it the document fails. "
          "Leave the path out."},
+        {"D14", eError, "Plain document with .gz in its path",
+         "The core's reader takes each file for compressed whose path has .gz in it, in the name of a folder too, and "
+         "refuses it if it is not. Rename the file or its folder."},
         {"D15", eError, "Document and library do not belong together",
          "The core finds the document of libfoo.pi.so as foo.properties.xml beside it. A document of any other name is "
          "not "
@@ -129,6 +132,9 @@ const std::vector<TRule>& AllRules() {
          "A qualifier is used that neither the base document nor this document declares in front of it. The reader "
          "ends "
          "there. Mend the name, or declare the qualifier with QUALIFIER.DECLARATION."},
+        {"S09", eWarning, "Qualifier on something that it is not for",
+         "The declaration of the qualifier says by SCOPE on what it may stand: on classes, associations, properties or "
+         "references. Elsewhere nobody looks for it. Move it to what it tells of."},
         {"S10", eWarning, "Qualifier has another type than declared",
          "The type of a qualifier is that of its use, whatever its declaration says. What reads it expects the "
          "declared "
@@ -147,10 +153,26 @@ const std::vector<TRule>& AllRules() {
          "The class that a PROPERTY.REFERENCE refers to is neither in the base document nor in another plugin's, nor "
          "in "
          "front of this class. The reader ends there. Mend the name, or move the class in front."},
+        {"S15", eNote, "Association whose references are no keys",
+         "A link is told from others by what it ties. If no reference is a key, the keys must be made up, and the same "
+         "link may be reported twice. Mark the references as keys."},
+        {"S16", eWarning, "Class name without the name of a schema",
+         "Names of classes begin with the name of their schema and an underscore, as EX_Pool does. All plugins of a "
+         "host share one set of names, and of two classes of one name the second is dropped. Put a name of yours in "
+         "front."},
+        {"S17", eNote, "Property name that is spelled otherwise",
+         "Names of properties are words that begin with a capital, without underscores: FreeSpace. People look for "
+         "them so, and kyr finds units and words in names by their capitals."},
+        {"S18", eNote, "Override spelled otherwise",
+         "Names are found in any case, but shown and saved as they are spelled. A property that is spelled one way in "
+         "a class and another way in its superclass makes two names in JSON. Spell it as the superclass does."},
         {"S19", eWarning, "No Description",
          "A class or a property without Description tells its readers nothing: kyr schema prints what the document "
          "says. "
          "Say in a sentence what it is, and for a property what its values mean."},
+        {"S22", eWarning, "Key that is an array or a real number",
+         "Keys are compared and written into references. Real numbers do not compare well, and arrays have no place in "
+         "a reference. Use a text or a whole number."},
         {"S24", eError, "Value is not of its type",
          "A default, the value of a qualifier or a value of an instance is not of the type: text where a number should "
          "be, "
@@ -203,9 +225,15 @@ const std::vector<TRule>& AllRules() {
          "Kilo, "
          "Mega and so on in front) and none of those of the CIM schema, so that most likely it is misspelt. Units are "
          "written exactly so, with capitals."},
+        {"V09", eWarning, "Unit on something that is no number",
+         "Units says what a number counts. On a text, a boolean or a date it has no effect. Declare a number, or "
+         "remove Units."},
         {"V10", eNote, "Name says another unit than Units",
          "The property's name ends in a unit, and Units says another one. One of them is wrong, or will be taken for "
          "wrong. Rename the property, or mend Units."},
+        {"V11", eWarning, "Display qualifier that does not do what it says",
+         "DISPLAYCPUTIME and ABBREVIATEUNITS count when they are there, even with the value false, and DISPLAYCPUTIME "
+         "only with Units of Seconds. BASE is 2, 8, 10 or 16. Mend or remove the qualifier."},
         {"V12", eNote, "Changing value is not Volatile",
          "The name says that the value changes while the machine stays the same (Free, Used, Uptime, Current...), and "
          "the "
@@ -215,6 +243,9 @@ const std::vector<TRule>& AllRules() {
         {"V14", eError, "Key that is Volatile",
          "The key tells which instance it is. If it changes by itself, no instance is ever found again. Choose another "
          "key, or remove Volatile."},
+        {"V15", eNote, "Date or time that is a text",
+         "A property with Date or Time at the end of its name is a string. A datetime is compared, shown and exported "
+         "as a date, whatever form the source has. Use the type datetime."},
         {"L01", eWarning, "Library exports symbols of its own",
          "In a host that loads all plugins into one process they share one scope of symbols: of two functions of "
          "one name both plugins call the one that was loaded first. Build with -fvisibility=hidden, make every "
@@ -256,8 +287,8 @@ const std::vector<TRule>& AllRules() {
          "plugin crashed, hung or gave up. The finding repeats what kyr collect says. A source that is missing or may "
          "not be read is none."},
         {"R03", eNote, "Class without an instance or a word why",
-         "The plugin was asked for the class, gave no instance and logged nothing. If the machine has none of the "
-         "kind, that is right; often the class was forgotten, or its source could not be read."},
+         "The plugin was asked for the class, gave no instance and logged nothing, and the class's name is no text in "
+         "the library. Most often it was forgotten. Of a class that the library names, the machine may have none."},
         {"R04", eWarning, "NULL without a reason",
          "A property has no value, and neither UnavailableValues of the instance nor the qualifier NullMeans of "
          "the property says why. Nobody can tell whether there is none, or whether it could not be read."},
@@ -280,10 +311,21 @@ const std::vector<TRule>& AllRules() {
         {"R10", eWarning, "Value that changes between two runs",
          "Two runs, one right after the other, gave different values for a property without the qualifier "
          "Volatile, or different keys. Then each kyr diff tells a change, and kyr collect --stable keeps it."},
+        {"R15", eNote, "Class that was not granted what it needs",
+         "The document says with the qualifier NEEDS that the class needs a right beyond reading, and check grants "
+         "none, so that the class was not checked. Collect it with --grant, and look at what it reports."},
         {"R16", eError, "Text that is no value of its property",
          "A text was given for a number or a boolean that it is not. The core takes it for another value without a "
          "word, "
          "such as 0. A number that is too large for kyrAddUint16Property is cut by the compiler, which warns of it."},
+        {"R17", eWarning, "Plugin for another version of the interface",
+         "The plugin was built for a newer minor number of the plugin interface than this kyr has, so that it may "
+         "count on what is not done for it, or it gives no such version. For a newer major number it is refused, which "
+         "R01 tells. Build it with the headers of the kyr that is to run it, with KYR_INTERFACE_VERSION in its "
+         "kyrPluginInfo."},
+        {"R18", eError, "Date that does not exist",
+         "The core takes the numbers of kyrSetDateTime as they come, so that month 13 or the 31st of April is stored "
+         "and shown. Check what a source says before it is given, and leave out what is no date."},
         {"X01", eWarning, "Suppression without use",
          "A comment kyr-check or a line of kyr-check.allow suppresses nothing: what it excused has been mended or has "
          "moved, or the suppression is misspelt or gives no reason. Remove or mend it."},

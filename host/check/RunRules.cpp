@@ -9,6 +9,7 @@
 
 #include "base/NearMatches.h"
 #include "base/Text.h"
+#include "check/ElfFile.h"
 #include "check/Schema.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -18,9 +19,11 @@
 #include "kyr/TContainer.h"
 #include "kyr/TKYRException.h"
 #include "model/ClassNames.h"
+#include "model/DateFaults.h"
 #include "model/Provenance.h"
 #include "model/Qualifiers.h"
 #include "model/Values.h"
+#include "states/InterfaceVersion.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -29,7 +32,8 @@ using TType = TCIMValue::TCIMType;
 
 constexpr size_t kLongestShown = 80;
 
-std::string Shown(const std::string& text) { return "'" + CutText(VisibleText(text), kLongestShown) + "'"; }
+// Of so many, the first of which is told.
+std::string MoreText(size_t count) { return count == 1 ? "" : " and " + std::to_string(count - 1) + " more"; }
 
 std::vector<std::string> PropertyNames(const TCIMClass& cls) {
     std::vector<std::string> names;
@@ -65,10 +69,9 @@ public:
     void AddFindings() const {
         for (const auto& [key, group] : fGroups) {
             const auto& [rule, cls, property, what] = key;
-            const std::string more = group.count == 1 ? "" : " and " + std::to_string(group.count - 1) + " more";
             fFindings.Add(rule.c_str(), {fReported.file, 0, cls, property},
                           cls + (property.empty() ? "" : "." + property) + ": " + what + " (" +
-                              CutText(group.first, kLongestShown) + more + ")",
+                              CutText(group.first, kLongestShown) + MoreText(group.count) + ")",
                           group.remedy);
         }
     }
@@ -151,13 +154,18 @@ private:
 class TInstanceCheck {
 public:
     TInstanceCheck(const TReported& reported, TFindings& findings)
-        : fGroups(reported, findings), fCollected(reported.container), fIsSaved(reported.isSaved) {
+        : fFindings(findings),
+          fFile(reported.file),
+          fGroups(reported, findings),
+          fCollected(reported.container),
+          fIsSaved(reported.isSaved) {
         for (const TCIMClass* cls : reported.classes) CheckClass(*cls);
         fGroups.AddFindings();
     }
 
 private:
     void CheckClass(const TCIMClass& cls) {
+        CheckDates(cls);
         std::unordered_map<const TCIMPropertyDecl*, TValueWords> words;
         for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls())
             words.emplace(declaration, *declaration);
@@ -170,6 +178,15 @@ private:
             before = path;
             CheckInstance(*instance, words);
         }
+    }
+
+    void CheckDates(const TCIMClass& cls) {
+        for (const TDateFault& fault : FindDateFaults(cls))
+            fFindings.Add("R18", {fFile, 0, cls.GetName(), fault.property},
+                          cls.GetName() + "." + fault.property + ": " + fault.text + " (" +
+                              CutText(fault.path, kLongestShown) + MoreText(fault.count) + ")",
+                          "give a date such as 20240131120000.000000+060, or leave it out and say why in "
+                          "UnavailableValues");
     }
 
     void CheckInstance(const TCIMInstance& instance,
@@ -209,15 +226,15 @@ private:
     void CheckEntry(const TCIMInstance& instance, const std::string& companion, const std::string& entry) {
         const size_t colon = entry.find(": ");
         if (colon == std::string::npos)
-            return fGroups.Add("R05", instance, companion, Shown(entry) + " is not of the form 'property: text'",
+            return fGroups.Add("R05", instance, companion, Quoted(entry) + " is not of the form 'property: text'",
                                "write it so");
         const std::string name = entry.substr(0, colon), note = entry.substr(colon + 2);
         const TCIMClass& cls = *instance.GetClass();
         if (FindPropertyNamed(cls, name) == nullptr)
-            return fGroups.Add("R05", instance, companion, "the class has no property " + Shown(name),
+            return fGroups.Add("R05", instance, companion, "the class has no property " + Quoted(name),
                                "name one of its properties" + DidYouMean(name, PropertyNames(cls)));
         if (companion == "UnavailableValues" && CodeOfAbsence(note) == EReason::eNone)
-            fGroups.Add("R05", instance, companion, Shown(note) + " is no reason that is known",
+            fGroups.Add("R05", instance, companion, Quoted(note) + " is no reason that is known",
                         "write not present, no permission, not supported, read error, does not apply or not reported");
     }
 
@@ -226,14 +243,14 @@ private:
         const TCIMClass* const cls = value.GetReferencedClass();
         if (cls == nullptr || !fCollected.Has(cls->GetName()) || cls->FindInstance(reference) != nullptr) return;
         fGroups.Add("R07", instance, declaration.GetName(),
-                    "there is no " + Shown(reference.GetPath()) + ", to which it refers",
+                    "there is no " + Quoted(reference.GetPath()) + ", to which it refers",
                     "give all keys, spelled as the class declares them, with the values of an instance");
     }
 
     void CheckWord(const TCIMInstance& instance, const TCIMProperty& property, const TValueWords& words) {
         const std::string other = words.FindOther(property);
         if (!other.empty())
-            fGroups.Add("R08", instance, property.GetName(), Shown(other) + " is not in ValueMap",
+            fGroups.Add("R08", instance, property.GetName(), Quoted(other) + " is not in ValueMap",
                         "add it to ValueMap and Values, or report what is meant");
     }
 
@@ -249,6 +266,8 @@ private:
         }
     }
 
+    TFindings& fFindings;
+    const std::string fFile;
     TGroups fGroups;
     const TCollected fCollected;
     const bool fIsSaved;
@@ -281,14 +300,45 @@ bool IsFailure(const TStoredOutcome& outcome) {
     return outcome.state == eFailed || outcome.state == eTimedOut || outcome.state == eRefused;
 }
 
-std::string FailureText(const std::string& name, const TStoredOutcome& outcome) {
-    return name + (outcome.state == ePartial ? " is not complete: " : " could not be collected: ") + outcome.text;
-}
+constexpr const char* kBuildAnew = "build it with the headers of this kyr, or use a newer kyr";
 
 std::string RemedyFor(const TStoredOutcome& outcome) {
+    if (outcome.code == EReason::eInterfaceTooNew) return kBuildAnew;
     const bool isSilent = outcome.code == EReason::eDataCallFailed && EndsWith(outcome.text, " logged nothing");
     return isSilent ? "say why with kyrWriteLog" : "mend what it names";
 }
+
+/// Classes that failed for one reason make one finding.
+class TFailures {
+public:
+    void Add(const std::string& name, const TStoredOutcome& outcome) {
+        TFailure& failure = fFailures[{outcome.state == ePartial, outcome.text}];
+        failure.names.push_back(name);
+        failure.remedy = RemedyFor(outcome);
+    }
+
+    bool IsEmpty() const { return fFailures.empty(); }
+
+    void AddFindings(const std::string& file, TFindings& findings) const {
+        for (const auto& [key, failure] : fFailures) {
+            const auto& [isPartial, text] = key;
+            const bool isOne = failure.names.size() == 1;
+            const char* const what = !isPartial ? " could not be collected: "
+                                     : isOne    ? " is not complete: "
+                                                : " are not complete: ";
+            findings.Add("R01", {file, 0, isOne ? failure.names.front() : ""}, Join(failure.names) + what + text,
+                         failure.remedy);
+        }
+    }
+
+private:
+    struct TFailure {
+        std::vector<std::string> names;
+        std::string remedy;
+    };
+
+    std::map<std::pair<bool, std::string>, TFailure> fFailures;  // by whether it is partial, and the reason
+};
 
 // Of its document there are findings anyway, and of classes that another plugin has.
 bool IsToldOfDocument(EReason code) {
@@ -298,12 +348,20 @@ bool IsToldOfDocument(EReason code) {
 }
 
 // What no class tells: a plugin that failed before it was asked for any, or that logged errors of its own.
-void CheckPlugins(const TReported& reported, TFindings& findings) {
+void AddPlugins(const TReported& reported, TFailures& failures) {
     for (const TCIMInstance* plugin : reported.plugins) {
         const TStoredOutcome outcome = OutcomeOf(*plugin);
         if (IsFailure(outcome) && outcome.HasReason() && !IsToldOfDocument(outcome.code))
-            findings.Add("R01", {reported.file}, FailureText("the plugin " + TextOf(*plugin, "Name"), outcome),
-                         RemedyFor(outcome));
+            failures.Add("the plugin " + TextOf(*plugin, "Name"), outcome);
+    }
+}
+
+// A newer major number is a failure. A library that was not loaded has no version at all.
+void CheckInterfaces(const TReported& reported, TFindings& findings) {
+    for (const TCIMInstance* plugin : reported.plugins) {
+        const std::string doubt = DoubtAbout(TextOf(*plugin, "InterfaceVersion"));
+        if (!doubt.empty() && !TextOf(*plugin, "Version").empty())
+            findings.Add("R17", {reported.file}, "the plugin " + TextOf(*plugin, "Name") + ": " + doubt, kBuildAnew);
     }
 }
 
@@ -339,20 +397,23 @@ void CheckInstances(const TReported& reported, TFindings& findings) { const TIns
 
 void CheckOutcomes(const TReported& reported, TFindings& findings) {
     std::vector<std::string> empty;
-    bool hasFailed = false;
+    TFailures failures;
     for (const TCIMClass* cls : reported.classes) {
         const TStoredOutcome outcome = StateOf(*cls, reported.container);
-        hasFailed |= IsFailure(outcome);
-        if (IsFailure(outcome))
-            findings.Add("R01", {reported.file, 0, cls->GetName()}, FailureText(cls->GetName(), outcome),
-                         RemedyFor(outcome));
-        else if (IsSilentlyEmpty(*cls, outcome, reported.container))
+        if (outcome.code == EReason::eNotGranted)
+            findings.Add("R15", {reported.file, 0, cls->GetName()}, cls->GetName() + ": " + outcome.text,
+                         "look at what kyr collect reports with --grant");
+        else if (IsFailure(outcome))
+            failures.Add(cls->GetName(), outcome);
+        else if (IsSilentlyEmpty(*cls, outcome, reported.container) && !HoldsWord(reported.file, cls->GetName()))
             empty.push_back(cls->GetName());
     }
-    if (!hasFailed) CheckPlugins(reported, findings);
+    if (failures.IsEmpty()) AddPlugins(reported, failures);
+    failures.AddFindings(reported.file, findings);
+    CheckInterfaces(reported, findings);
     if (!empty.empty())
         findings.Add("R03", {reported.file, 0, empty.size() == 1 ? empty.front() : ""},
-                     "no instance of " + Join(empty) + ", and no log line says why",
+                     "no instance of " + Join(empty) + ", no log line says why, and the library does not name it",
                      "report what this machine has; if a source cannot be read, report a MOLTA_MissingSource");
 }
 

@@ -19,9 +19,9 @@ struct TReported {
     bool isSaved = false;                           ///< perhaps without what is Volatile
 };
 
-/// The rules about instances: R04 to R09.
+/// The rules about instances: R04 to R09, and R18.
 void CheckInstances(const TReported& reported, TFindings& findings);
-/// What became of the plugins and their classes while they were collected: R01 and R03.
+/// What became of the plugins and their classes while they were collected: R01, R03, R15 and R17.
 void CheckOutcomes(const TReported& reported, TFindings& findings);
 /// What differs in a second run: R10.
 void CompareRuns(const TReported& reported, const TContainer& second, TFindings& findings);

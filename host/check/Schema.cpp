@@ -39,13 +39,22 @@ bool HasArray(const TElement& element) {
                        [](const TElement* child) { return child->Is("VALUE.ARRAY"); });
 }
 
+std::vector<std::string_view> ReadScopes(const TElement& declaration) {
+    std::vector<std::string_view> scopes;
+    for (const TElement* child : declaration.children)
+        if (child->Is("SCOPE"))
+            for (const TAttribute& attribute : child->attributes) scopes.push_back(attribute.name);
+    return scopes;
+}
+
 TQualifierDeclaration ReadQualifierDeclaration(const TElement& element) {
     return {&element,
             element.Get("NAME"),
             LowerName(element.Get("TYPE")),
             element.Get("ISARRAY") == "true" || HasArray(element),
             element.Get("TOSUBCLASS") != "false",
-            element.Get("OVERRIDABLE") != "false"};
+            element.Get("OVERRIDABLE") != "false",
+            ReadScopes(element)};
 }
 
 TPropertyDeclaration ReadProperty(const TElement& element) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -29,8 +30,9 @@ struct TQualifierDeclaration {
     std::string name;
     std::string type;
     bool isArray;
-    bool isInherited;    ///< by subclasses
-    bool isOverridable;  ///< by them
+    bool isInherited;                      ///< by subclasses
+    bool isOverridable;                    ///< by them
+    std::vector<std::string_view> scopes;  ///< the names in its SCOPE; none: it may stand everywhere
 };
 
 /// Classes and properties have qualifiers.

@@ -39,11 +39,32 @@ bool IsName(const std::string& name) {
            std::all_of(name.begin(), name.end(), isPart);
 }
 
-std::string Shown(const std::string& word) { return "'" + CutText(VisibleText(word), 60) + "'"; }
-
 std::string TypeText(const TPropertyDeclaration& property) {
     if (property.isReference) return "reference";
     return property.type + (property.isArray ? "[]" : "");
+}
+
+// Such as "EX_Pool", whose first part tells it from classes of others.
+bool HasSchemaName(const std::string& cls) {
+    const size_t underscore = cls.find('_');
+    return underscore != 0 && underscore != std::string::npos && underscore + 1 < cls.size();
+}
+
+bool IsReal(const std::string& type) { return StartsWith(type, "real"); }
+
+// An association is a class, too, and a reference a property.
+TWords ScopesOf(const TElement& carrier) {
+    if (carrier.Is("CLASS")) return {"class", "association", "indication"};
+    if (carrier.Is("PROPERTY.REFERENCE")) return {"property", "reference"};
+    return {"property"};
+}
+
+bool IsInScope(const TElement& carrier, const TQualifierDeclaration& declaration) {
+    const TWords allowed = ScopesOf(carrier);
+    const auto isAllowed = [&allowed](std::string_view scope) {
+        return std::find(allowed.begin(), allowed.end(), LowerName(std::string(scope))) != allowed.end();
+    };
+    return declaration.scopes.empty() || std::any_of(declaration.scopes.begin(), declaration.scopes.end(), isAllowed);
 }
 
 class TSchemaCheck {
@@ -83,15 +104,15 @@ private:
     void CheckName(const TElement& element, const std::string& name) {
         if (!IsName(name) && !CountsOnly("S27"))
             Add("S27", element,
-                name.empty() ? std::string(element.name) + " has no NAME" : Shown(name) + " is no name of CIM",
+                name.empty() ? std::string(element.name) + " has no NAME" : Quoted(name) + " is no name of CIM",
                 "use letters, digits and underscores, no digit first");
     }
 
     void CheckType(const TElement& element) {
         const std::string type = element.Get("TYPE");
         if (IsType(LowerName(type)) || CountsOnly("S26")) return;
-        const std::string what = "the type of '" + CutText(VisibleText(element.Get("NAME")), 60) + "'";
-        Add("S26", element, type.empty() ? what + " is missing" : what + ", " + Shown(type) + ", is not known",
+        const std::string what = "the type of " + Quoted(element.Get("NAME"));
+        Add("S26", element, type.empty() ? what + " is missing" : what + ", " + Quoted(type) + ", is not known",
             type.empty() ? "add TYPE=\"...\": " + Join(kTypes) : RemedyForType(type));
     }
 
@@ -102,7 +123,7 @@ private:
             if (!child->Is("VALUE")) continue;
             const std::string fault = FaultOfValue(type, child->text);
             if (!fault.empty() && !CountsOnly("S24"))
-                Add("S24", *child, "the value " + Shown(child->text) + " of " + of + " " + fault,
+                Add("S24", *child, "the value " + Quoted(child->text) + " of " + of + " " + fault,
                     "write a value of the type " + type);
         }
     }
@@ -111,6 +132,9 @@ private:
 
     void CheckClass(const TClassDeclaration& cls) {
         CheckName(*cls.element, cls.name);
+        if (!HasSchemaName(cls.name) && !CountsOnly("S16"))
+            Add("S16", *cls.element, "the class " + Quoted(cls.name) + " has no name of a schema in front",
+                "name it after you or your product, as in EX_" + cls.name);
         CheckDeclaredOnce(cls);
         CheckSuperclass(cls);
         CheckQualifiers(cls);
@@ -134,7 +158,7 @@ private:
 
     void CheckSuperclass(const TClassDeclaration& cls) {
         if (cls.superclass.empty() || fKnown.FindClass(cls.superclass) != nullptr) return;
-        CheckIsInFront("S02", *cls.element, "the superclass " + Shown(cls.superclass) + " of class " + cls.name,
+        CheckIsInFront("S02", *cls.element, "the superclass " + Quoted(cls.superclass) + " of class " + cls.name,
                        cls.superclass);
     }
 
@@ -173,6 +197,13 @@ private:
             Add("S12", *cls.element,
                 "the association " + cls.name + " has " + (count == 0 ? "no reference" : "one reference"),
                 "declare both ends with PROPERTY.REFERENCE");
+        const auto isKeyOfAnEnd = [](const TPropertyDeclaration& property) {
+            return property.isReference && property.isKey;
+        };
+        if (count >= 2 && std::none_of(cls.properties.begin(), cls.properties.end(), isKeyOfAnEnd) &&
+            cls.superclass.empty())
+            Add("S15", *cls.element, "no reference of the association " + cls.name + " is a key",
+                "add the qualifier Key with the value true to those that tell the links apart");
     }
 
     // Properties
@@ -184,8 +215,24 @@ private:
         CheckValuesIn(*property.element, property.type, cls.name + "." + property.name);
         if (property.isPropagated || property.name.empty()) return;
         CheckDescription(property, "property " + cls.name + "." + property.name);
+        CheckSpelling(cls, property);
+        CheckKeyType(cls, property);
         CheckOverride(cls, ancestry, property);
         if (property.isReference) CheckReference(cls, ancestry, property);
+    }
+
+    void CheckSpelling(const TClassDeclaration& cls, const TPropertyDeclaration& property) {
+        const bool isSmall = std::islower(static_cast<unsigned char>(property.name[0])) != 0;
+        if ((isSmall || property.name.find('_') != std::string::npos) && !CountsOnly("S17"))
+            Add("S17", *property.element,
+                "property " + cls.name + "." + property.name + " is not spelled as others are",
+                "begin each word with a capital, without underscores: FreeSpace");
+    }
+
+    void CheckKeyType(const TClassDeclaration& cls, const TPropertyDeclaration& property) {
+        if (property.isKey && (property.isArray || IsReal(property.type)))
+            Add("S22", *property.element, "the key " + cls.name + "." + property.name + " is " + TypeText(property),
+                "use a text or a whole number as key");
     }
 
     void CheckDescription(const TCarrier& carrier, const std::string& what) {
@@ -205,6 +252,9 @@ private:
                 "remove one of them");
         const TAncestry above(ancestry.begin() + 1, ancestry.end());
         const TPropertyDeclaration* const inherited = TKnownSchema::FindProperty(above, property.name);
+        if (inherited != nullptr && inherited->name != property.name && !CountsOnly("S18"))
+            Add("S18", *property.element, "property " + name + " is spelled " + inherited->name + " in its superclass",
+                "write " + inherited->name);
         if (inherited != nullptr && overrides) return CheckOverridden(name, property, *inherited);
         if (inherited != nullptr)
             return Add("S07", *property.element,
@@ -244,7 +294,7 @@ private:
                        "name the class it refers to");
         if (fKnown.FindClass(property.referencedClass) == nullptr)
             CheckIsInFront("S14", *property.element,
-                           "class " + Shown(property.referencedClass) + ", which " + name + " refers to,",
+                           "class " + Quoted(property.referencedClass) + ", which " + name + " refers to,",
                            property.referencedClass);
     }
 
@@ -262,10 +312,16 @@ private:
         CheckValuesIn(element, type, "the qualifier " + name + " of " + carrier.name);
         const TQualifierDeclaration* const declaration = fKnown.FindQualifier(name);
         if (declaration == nullptr && !CountsOnly("S08"))
-            Add("S08", element, "the qualifier " + Shown(name) + " of '" + carrier.name + "' is not declared",
+            Add("S08", element, "the qualifier " + Quoted(name) + " of '" + carrier.name + "' is not declared",
                 NearestOr(name, fKnown.QualifierNames(),
                           "declare it with QUALIFIER.DECLARATION in front of the classes"));
-        if (declaration != nullptr && IsType(type)) CheckDeclaredType(element, *declaration);
+        if (declaration == nullptr) return;
+        if (IsType(type)) CheckDeclaredType(element, *declaration);
+        if (!IsInScope(*carrier.element, *declaration) && !CountsOnly("S09"))
+            Add("S09", element,
+                "the qualifier '" + declaration->name + "' of '" + carrier.name + "' is declared for other things (" +
+                    LowerName(std::string(declaration->scopes.front())) + ")",
+                "move it to what it tells of, or remove it");
     }
 
     void CheckDeclaredType(const TElement& element, const TQualifierDeclaration& declaration) {
@@ -305,7 +361,7 @@ private:
         const TClassDeclaration* const cls = fKnown.FindClass(name);
         if (cls == nullptr) {
             if (!CountsOnly("S28"))
-                Add("S28", instance, "the class " + Shown(name) + " of an instance is not known",
+                Add("S28", instance, "the class " + Quoted(name) + " of an instance is not known",
                     NearestClassOr(name, "declare it in front"));
             return;
         }
@@ -367,7 +423,7 @@ private:
         const TPropertyDeclaration* const declaration = TKnownSchema::FindProperty(ancestry, name);
         if (declaration == nullptr) {
             if (!CountsOnly("S28"))
-                Add("S28", element, "class " + cls + " has no property " + Shown(name),
+                Add("S28", element, "class " + cls + " has no property " + Quoted(name),
                     NearestOr(name, NamesOf(ancestry), "mend the name"));
             return;
         }

@@ -20,6 +20,7 @@ namespace {
 
 // Whether it holds instances that say how a collection went.
 bool IsCollection(const std::string& path) {
+    if (IsTakenForCompressed(path)) return false;
     const std::string mark = std::string("<INSTANCE CLASSNAME=\"") + kCollectionClass + "\"";
     std::string rest;
     bool isFound = false;

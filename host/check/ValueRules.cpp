@@ -122,8 +122,6 @@ std::string RangeText(const TRange& range) {
     return range.low == range.high ? low : low + " to " + std::to_string(range.high);
 }
 
-std::string Shown(const std::string& word) { return "'" + CutText(VisibleText(word), 60) + "'"; }
-
 // The words of a name: "FreeSpaceMB" is free, space, mb.
 TWords WordsOf(const std::string& name) {
     TWords words;
@@ -164,7 +162,9 @@ private:
     void CheckProperty(const TPropertyDeclaration& property) {
         CheckWords(property);
         CheckUnit(property);
+        CheckDisplay(property);
         CheckVolatile(property);
+        CheckIsNoDate(property);
     }
 
     // Words
@@ -205,7 +205,7 @@ private:
         std::sort(entries.begin(), entries.end());
         for (auto at = std::adjacent_find(entries.begin(), entries.end()); at != entries.end();
              at = std::adjacent_find(std::upper_bound(at, entries.end(), *at), entries.end()))
-            Add("V02", *map.element, "ValueMap of " + fName + " has " + Shown(*at) + " more than once",
+            Add("V02", *map.element, "ValueMap of " + fName + " has " + Quoted(*at) + " more than once",
                 "keep one of them");
     }
 
@@ -220,7 +220,7 @@ private:
             for (const std::string& number : {entries.back().low, entries.back().high}) {
                 const std::string fault = number.empty() ? "" : FaultOfEntry(property.type, number);
                 if (fault.empty()) continue;
-                Add("V03", *map.element, "the entry " + Shown(text) + " in ValueMap of " + fName + " " + fault,
+                Add("V03", *map.element, "the entry " + Quoted(text) + " in ValueMap of " + fName + " " + fault,
                     "write a number of the type " + property.type);
                 isGood = false;
                 break;
@@ -244,13 +244,13 @@ private:
         const std::optional<TRanges> read = RangesRead(*entries, highest);
         if (!read)
             return Add("V04", *map.element,
-                       "no word of " + fName + " is shown: the entry " + Shown(map.values[FindRefused(*entries)]) +
+                       "no word of " + fName + " is shown: the entry " + Quoted(map.values[FindRefused(*entries)]) +
                            " in ValueMap stands behind a range, which the core reads as open upwards",
                        "move the ranges N.. and N..M to the end");
         for (size_t i = 0; i < meant.size(); ++i) {
             if (IsSame(meant[i], (*read)[i]) || IsOpenEnd(meant, *read, i, highest)) continue;
             return Add("V04", *map.element,
-                       "the entry " + Shown(map.values[i]) + " in ValueMap of " + fName + " is read as " +
+                       "the entry " + Quoted(map.values[i]) + " in ValueMap of " + fName + " is read as " +
                            RangeText(*(*read)[i]),
                        "write single numbers, and ranges as N.. behind them");
         }
@@ -275,14 +275,18 @@ private:
 
     void CheckUnit(const TPropertyDeclaration& property) {
         const TQualifierUse* const use = property.Find("Units");
-        const std::string unit = use == nullptr || use->values.empty() ? "" : use->values.front();
+        const std::string unit = FirstOf(use);
         if (unit.empty()) return CheckIsCounted(property);
+        if (property.type == "string" || property.type == "boolean" || property.type == "datetime")
+            Add("V09", *use->element,
+                "the unit " + Quoted(unit) + " of " + fName + " has no effect: it is " + property.type,
+                "declare a number, or remove Units");
         const std::string remedy = RemedyForUnit(unit);
         if (!remedy.empty())
-            return Add("V08", *use->element, "the unit " + Shown(unit) + " of " + fName + " is not known", remedy);
+            return Add("V08", *use->element, "the unit " + Quoted(unit) + " of " + fName + " is not known", remedy);
         const std::string named = UnitInName(WordsOf(property.name), unit);
         if (!named.empty())
-            Add("V10", *use->element, "the name " + fName + " says " + named + ", and Units says " + Shown(unit),
+            Add("V10", *use->element, "the name " + fName + " says " + named + ", and Units says " + Quoted(unit),
                 "rename the property, or mend Units");
     }
 
@@ -292,6 +296,37 @@ private:
             if (property.Find(qualifier) != nullptr) return;
         Add("V07", *property.element, "nobody knows what the number " + fName + " counts",
             "give it Units; for a number that is a name, the unit Identifier");
+    }
+
+    // Other qualifiers of the display, of which a false one counts as true.
+    void CheckDisplay(const TPropertyDeclaration& property) {
+        for (const char* const name : {"DISPLAYCPUTIME", "ABBREVIATEUNITS"})
+            if (const TQualifierUse* const use = property.Find(name); use != nullptr && !use->IsTrue())
+                TellDisplay(*use, "counts, whatever its value");
+        const std::string unit = FirstOf(property.Find("Units"));
+        if (const TQualifierUse* const use = property.Find("DISPLAYCPUTIME");
+            use != nullptr && !EndsWith(unit, "Seconds"))
+            TellDisplay(*use, "has an effect on a number of Seconds alone");
+        const std::string base = Trimmed(FirstOf(property.Find("BASE")));
+        if (!base.empty() && base != "2" && base != "8" && base != "10" && base != "16")
+            TellDisplay(*property.Find("BASE"), "is none of 2, 8, 10 and 16");
+    }
+
+    void TellDisplay(const TQualifierUse& use, const char* what) {
+        Add("V11", *use.element, "the qualifier " + use.name + " of " + fName + " " + what, "mend it, or remove it");
+    }
+
+    static std::string FirstOf(const TQualifierUse* use) {
+        return use == nullptr || use->values.empty() ? "" : use->values.front();
+    }
+
+    void CheckIsNoDate(const TPropertyDeclaration& property) {
+        if (property.type != "string" || property.isArray) return;
+        const TWords words = WordsOf(property.name);
+        const std::string last = words.empty() ? "" : words.back();
+        if (last == "date" || last == "time" || last == "timestamp")
+            Add("V15", *property.element, fName + " has '" + last + "' in its name, and is a string",
+                "use the type datetime, which is compared and shown as a date");
     }
 
     // Volatile

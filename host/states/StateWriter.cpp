@@ -89,12 +89,18 @@ private:
         state.SetPropertyValue("Library", TCIMValue(library.path));
         state.SetPropertyValue("Folder", TCIMValue(library.folder));
         state.SetPropertyValue("Name", TCIMValue(NameOf(library, plugin)));
-        if (plugin != nullptr) state.SetPropertyValue("Version", TCIMValue(plugin->version));
+        if (plugin != nullptr) StoreVersions(*plugin, state);
         const std::vector<std::string>& sandbox = library.report.sandbox;
         if (!sandbox.empty()) state.SetPropertyValue("Sandbox", StringArray({sandbox.begin(), sandbox.end()}));
         state.AddToContainer();
         ++fPlugins;
         fIncomplete += IsMissing(outcome);
+    }
+
+    static void StoreVersions(const TPluginInfo& plugin, TCIMInstance& state) {
+        state.SetPropertyValue("Version", TCIMValue(plugin.version));
+        if (!plugin.interfaceVersion.empty())
+            state.SetPropertyValue("InterfaceVersion", TCIMValue(plugin.interfaceVersion));
     }
 
     // The document of a class that was not selected may hold instances. They are not counted, since nobody asked for

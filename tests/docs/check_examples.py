@@ -69,10 +69,10 @@ def document(example, rule):
 
 def findings(text, name):
     with tempfile.TemporaryDirectory() as plugins:
-        folder = os.path.join(plugins, "example")
+        folder = os.path.join(plugins, os.path.dirname(name) or "example")
         os.mkdir(folder)
         open(os.path.join(folder, "libexample.pi.so"), "w", encoding="utf-8").close()
-        path = os.path.join(folder, name)
+        path = os.path.join(folder, os.path.basename(name))
         with open(path, "w", encoding="utf-8") as file:
             file.write(text)
         run = kyr_check("--json", path)
@@ -109,9 +109,10 @@ for rule in rules:
         found = findings(document(example, rule), name or "example.properties.xml")
         if ids(found) != expected:
             fail(f"the example {rule} {kind} gives {json.dumps(found, indent=1)}\n{document(example, rule)}")
-large = document("", "D16").replace("</CIM>", "<!--" + "-" * (9 << 20) + "--></CIM>")
-if ids(findings(large, "example.properties.xml")) != ["D16"]:
-    fail("a document of 9 MiB is no violation of D16")
+for megabytes in (9, 33):
+    large = document("", "D16").replace("</CIM>", "<!--" + "-" * (megabytes << 20) + "--></CIM>")
+    if ids(findings(large, "example.properties.xml")) != ["D16"]:
+        fail(f"a document of {megabytes} MiB violates not D16 alone")
 if not examples:
     fail("it has no examples")
 sys.exit("\n".join(faults) or None)

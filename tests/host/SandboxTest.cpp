@@ -197,7 +197,7 @@ TEST_F(SandboxTest, SuperuserStillReadsEveryFile) {
 TEST_F(SandboxTest, PluginCannotForgeWhatHeld) {
     const TPluginRoot root({"scribbling"});
     EXPECT_THAT(RunKyr("show --class MOLTA_CollectedPlugin" + root.Option()).out,
-                HasSubstr("  Sandbox     " + SandboxOf("") + "\n  State       failed\n"));
+                HasSubstr("  Sandbox           " + SandboxOf("") + "\n  State             failed\n"));
 }
 
 // Otherwise the other tests would show nothing.
