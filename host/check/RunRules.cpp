@@ -372,8 +372,10 @@ bool IsSilentlyEmpty(const TCIMClass& cls, const TStoredOutcome& outcome, const 
     return state != nullptr && TextsOf(*state, "LogLines").empty() && TextsOf(*state, "MissingSources").empty();
 }
 
-std::map<std::string, const TCIMInstance*> InstancesByPath(const TCIMClass& cls) {
-    std::map<std::string, const TCIMInstance*> instances;
+using TInstances = std::map<std::string, const TCIMInstance*>;
+
+TInstances InstancesByPath(const TCIMClass& cls) {
+    TInstances instances;
     for (const TCIMInstance* instance : cls.EnumerateInstances(false))
         instances.emplace(instance->BuildPath().GetPath(), instance);
     return instances;
@@ -422,7 +424,7 @@ void CompareRuns(const TReported& reported, const TContainer& second, TFindings&
     for (const TCIMClass* cls : reported.classes) {
         const TCIMClass* const other = FindClassNamed(second, cls->GetName());
         if (other == nullptr) continue;
-        auto there = InstancesByPath(*other);
+        const TInstances there = InstancesByPath(*other);
         for (const auto& [path, instance] : InstancesByPath(*cls)) {
             const auto same = there.find(path);
             if (same == there.end())
@@ -431,6 +433,21 @@ void CompareRuns(const TReported& reported, const TContainer& second, TFindings&
             else
                 CompareInstances(*instance, *same->second, groups);
         }
+    }
+    groups.AddFindings();
+}
+
+void CompareWithPart(const TReported& reported, const TContainer& second, const TContainer& part, TFindings& findings) {
+    TGroups groups(reported, findings);
+    for (const TCIMClass* cls : reported.classes) {
+        const TCIMClass *const inSecond = FindClassNamed(second, cls->GetName()), *const inPart = FindClassNamed(
+                                                                                      part, cls->GetName());
+        if (inSecond == nullptr || inPart == nullptr || StateOf(*inPart, part).state == eNotAsked) continue;
+        const TInstances expected = InstancesByPath(*inSecond), found = InstancesByPath(*inPart);
+        for (const auto& [path, instance] : InstancesByPath(*cls))
+            if (expected.count(path) != 0 && found.count(path) == 0)
+                groups.Add("R11", *instance, "", "a run that was asked for fewer classes does not report the instance",
+                           "report a class that is asked for, whatever else is");
     }
     groups.AddFindings();
 }

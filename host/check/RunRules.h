@@ -25,5 +25,7 @@ void CheckInstances(const TReported& reported, TFindings& findings);
 void CheckOutcomes(const TReported& reported, TFindings& findings);
 /// What differs in a second run: R10.
 void CompareRuns(const TReported& reported, const TContainer& second, TFindings& findings);
+/// What two whole runs report and one does not that was asked for some of the classes: R11.
+void CompareWithPart(const TReported& reported, const TContainer& second, const TContainer& part, TFindings& findings);
 
 #endif

@@ -140,6 +140,7 @@ private:
         CheckQualifiers(cls);
         for (const TQualifierUse& use : cls.qualifiers) CheckFixed(cls, use);
         CheckDescription(cls, "class " + cls.name);
+        CheckDescriptionIsOwn(cls);
         const TAncestry ancestry = fKnown.Ancestry(cls);
         for (const TPropertyDeclaration& property : cls.properties) CheckProperty(cls, ancestry, property);
         if (!fKnown.IsWhole(ancestry)) return;
@@ -239,6 +240,15 @@ private:
         const TWords texts = carrier.ValuesOf("Description");
         if ((texts.empty() || Trimmed(texts.front()).empty()) && !CountsOnly("S19"))
             Add("S19", *carrier.element, what + " has no Description", "say in a sentence what it is");
+    }
+
+    void CheckDescriptionIsOwn(const TClassDeclaration& cls) {
+        const TClassDeclaration* const superclass = fKnown.FindClass(cls.superclass);
+        const TWords texts = cls.ValuesOf("Description");
+        if (superclass != nullptr && !texts.empty() && texts == superclass->ValuesOf("Description") &&
+            !CountsOnly("S20"))
+            Add("S20", *cls.element, "class " + cls.name + " has the Description of " + superclass->name,
+                "say what is different about it");
     }
 
     void CheckOverride(const TClassDeclaration& cls, const TAncestry& ancestry, const TPropertyDeclaration& property) {

@@ -6,7 +6,7 @@
 
 #include "check/Check.h"
 
-/// Collects from the plugins of the libraries twice, in runs of kyr of their own in which each plugin has its sandbox,
+/// Collects from the plugins of the libraries in runs of kyr of their own in which each plugin has its sandbox,
 /// and checks what they reported: rules R. Plugins of kyr's own folder take part, since superclasses and what
 /// is referred to may be theirs.
 void CheckRuns(const std::vector<std::string>& libraries, const TCheckContext& context, TFindings& findings);

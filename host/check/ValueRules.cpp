@@ -183,7 +183,7 @@ private:
         if (property.IsUnsigned() || property.type == "boolean")
             CheckEntries(property, *map);
         else if (property.type.compare(0, 4, "sint") == 0)
-            CheckSigned(property, *map);
+            ReadEntries(property, *map);
     }
 
     void CheckEachWord(const TPropertyDeclaration& property, const TQualifierUse& words) {
@@ -208,8 +208,6 @@ private:
             Add("V02", *map.element, "ValueMap of " + fName + " has " + Quoted(*at) + " more than once",
                 "keep one of them");
     }
-
-    void CheckSigned(const TPropertyDeclaration& property, const TQualifierUse& map) { ReadEntries(property, map); }
 
     // The entries, if all of them can be read.
     std::optional<std::vector<TEntry>> ReadEntries(const TPropertyDeclaration& property, const TQualifierUse& map) {

@@ -28,7 +28,8 @@ KEY = """<PROPERTY NAME="Name" TYPE="string">
   <QUALIFIER NAME="Key" TYPE="boolean"><VALUE>true</VALUE></QUALIFIER>
 </PROPERTY>
 """
-DESCRIPTION = '<QUALIFIER NAME="Description" TYPE="string"><VALUE>What it is.</VALUE></QUALIFIER>'
+DESCRIPTION = '<QUALIFIER NAME="Description" TYPE="string"><VALUE>What {} is.</VALUE></QUALIFIER>'
+OF_DESCRIPTIONS = ("S19", "S20")  # their examples have those that are meant
 BEHIND_QUALIFIERS = re.compile(r"(?=<PROPERTY|<METHOD|<!--)|\Z")
 
 
@@ -46,7 +47,9 @@ def kyr_check(*arguments):
 def described(text):
     """The text with a description in each class and property of it."""
     text = re.sub(r"<(PROPERTY[^\s>]*)([^>]*)/>", r"<\1\2></\1>", text)
-    return re.sub(r"(<(?:CLASS|PROPERTY(?:\.\w+)?)\s[^>]*>)", r"\1" + DESCRIPTION, text)
+    def with_description(tag):
+        return tag[1] + DESCRIPTION.format(re.sub(r"\W", " ", tag[2]))
+    return re.sub(r"(<(?:CLASS|PROPERTY(?:\.\w+)?)\s([^>]*)>)", with_description, text)
 
 
 def document(example, rule):
@@ -58,11 +61,11 @@ def document(example, rule):
         if rule == "S19":
             in_class = described(KEY) + example
         example = THING.format(in_class)
-    if rule != "S19":
+    if rule not in OF_DESCRIPTIONS:
         example = re.sub(r"(<INSTANCE.*?</INSTANCE>)|(.+?)(?=<INSTANCE|\Z)",
                          lambda part: part[1] or described(part[2]), example, flags=re.S)
     else:
-        example = example.replace('NAME="EX_Thing">', 'NAME="EX_Thing">' + DESCRIPTION)
+        example = example.replace('NAME="EX_Thing">', 'NAME="EX_Thing">' + DESCRIPTION.format("it"))
     return FRAME.format(re.sub(r"<(CLASS|INSTANCE)\b.*?</\1>", r"<VALUE.OBJECT>\g<0></VALUE.OBJECT>", example,
                                flags=re.S))
 

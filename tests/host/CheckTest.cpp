@@ -134,8 +134,10 @@ TEST_F(CheckTest, FileAllowsWhatItNamesInItsFolder) {
 
 TEST_F(CheckTest, FolderIsCheckedWithItsNeighbours) {
     Write("root/a/a.properties.xml", Document(Class("EX_Pool", "")));
-    Write("root/b/b.properties.xml", Document("<VALUE.OBJECT><CLASS NAME=\"EX_Big\" SUPERCLASS=\"EX_Pool\">" +
-                                              std::string(kDescribed) + "</CLASS></VALUE.OBJECT>"));
+    Write("root/b/b.properties.xml",
+          Document("<VALUE.OBJECT><CLASS NAME=\"EX_Big\" SUPERCLASS=\"EX_Pool\">"
+                   "<QUALIFIER NAME=\"Description\" TYPE=\"string\"><VALUE>A big one.</VALUE>"
+                   "</QUALIFIER></CLASS></VALUE.OBJECT>"));
     EXPECT_THAT(Check("root"), FieldsAre(0, "", ""));
     EXPECT_THAT(Check("root/b"), FieldsAre(0, "", ""));
     Write("root/b/b.properties.xml", Document(Class("EX_Pool", "")));

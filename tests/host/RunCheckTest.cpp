@@ -26,6 +26,8 @@ TEST(RunCheckTest, WhatALibraryReportsIsCheckedInTwoRuns) {
     EXPECT_EQ(run.status, 1) << run.err;
     for (const char* text : kOfInstances) EXPECT_THAT(run.out, HasSubstr(text));
     EXPECT_THAT(run.out, HasSubstr("TEST_User.Reads: a second run gave another value, and it is not Volatile"));
+    EXPECT_THAT(run.out, HasSubstr("TEST_User: a run that was asked for fewer classes does not report the instance "
+                                   "(TEST_User.Id=\"guest\") [R11]"));
     EXPECT_THAT(run.out,
                 HasSubstr("no instance of TEST_Group, no log line says why, and the library does not name it [R03]"));
 }

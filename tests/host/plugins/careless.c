@@ -59,6 +59,7 @@ static kyrStatusCode GetData(kyrPluginHandle plugin, kyrIOHandle handle, const c
         } else if (strcmp(classNames[i], "TEST_User") == 0) {
             AddUser(handle, "root");
             AddUser(handle, gIsClean ? "daemon" : "root");
+            if (gIsClean || count > 1) AddUser(handle, "guest");
         } else if (gIsClean) {
             kyrWriteLog(plugin, kyrLogWarning, "TEST_Group: this machine has no groups");
         }
