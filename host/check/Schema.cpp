@@ -96,6 +96,7 @@ const TValue* FindIn(const std::unordered_map<std::string, const TValue*>& map, 
 template <typename TMap>
 std::vector<std::string> NamesIn(const TMap& map) {
     std::vector<std::string> names;
+    names.reserve(map.size());
     for (const auto& [key, declaration] : map) names.push_back(declaration->name);
     return names;
 }
