@@ -3,6 +3,13 @@ include(GNUInstallDirs)
 set(KYRCORE_PLUGINS_DIR ${CMAKE_INSTALL_LIBDIR}/kyrcore/plugins)
 set(KYRCORE_SCHEMA_DIR ${CMAKE_INSTALL_DATADIR}/kyrcore)
 
+# install(), unless this is a part of another project that installs nothing of it.
+function(kyrcore_install)
+  if(KYRCORE_INSTALL)
+    install(${ARGV})
+  endif()
+endfunction()
+
 # kyrcore_way(<variable> <from> <to>): the relative path from one installed folder to another; it holds when the tree is
 # moved.
 function(kyrcore_way variable from to)

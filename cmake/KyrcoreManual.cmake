@@ -11,11 +11,11 @@ endforeach()
 add_custom_command(OUTPUT ${manual}/man1/kyr.1 DEPENDS kyr VERBATIM
   COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=0 $<TARGET_FILE:kyr> __manual ${manual}/man1 ${KYRCORE_MANUAL_DATE})
 add_custom_target(manual ALL DEPENDS ${manual}/man1/kyr.1)
-install(DIRECTORY ${manual}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tool)
+kyrcore_install(DIRECTORY ${manual}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tool)
 
 set(KYRCORE_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions CACHE STRING
   "Folder for the completion of zsh; site-functions outside of Debian")
 set(completion ${PROJECT_SOURCE_DIR}/completion)
-install(FILES ${completion}/kyr.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kyr COMPONENT tool)
-install(FILES ${completion}/_kyr DESTINATION ${KYRCORE_ZSH_COMPLETIONS} COMPONENT tool)
-install(FILES ${completion}/kyr.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tool)
+kyrcore_install(FILES ${completion}/kyr.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kyr COMPONENT tool)
+kyrcore_install(FILES ${completion}/_kyr DESTINATION ${KYRCORE_ZSH_COMPLETIONS} COMPONENT tool)
+kyrcore_install(FILES ${completion}/kyr.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tool)

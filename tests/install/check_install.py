@@ -86,6 +86,13 @@ def check_project(folder, text, builds=True):
     return project
 
 
+def check_part(project):
+    for options, installed in (([], False), (["-DKYRCORE_INSTALL=ON"], True)):
+        run("cmake", "-S", project, "-B", f"{project}/build", *options)
+        run("cmake", "--install", f"{project}/build", "--prefix", f"{project}/prefix", "--component", "schema")
+        assert os.path.isdir(f"{project}/prefix") == installed, f"installed of a part with {options}"
+
+
 def check_pkg_config():
     for variable, file in (("pluginsdir", "usb/libusb.pi.so"), ("schemadir", "kyrcore.xml")):
         folder = run("pkg-config", f"--variable={variable}", "kyrcore", PKG_CONFIG_PATH=pkg_config_folder()).strip()
@@ -107,5 +114,5 @@ with tempfile.TemporaryDirectory() as temporary:
     check_pkg_config()
     check_project(temporary, PLUGIN)
     run(f"{check_project(temporary, STATIC)}/build/reader")
-    check_project(temporary, PART, builds=False)
+    check_part(check_project(temporary, PART, builds=False))
     check_library_alone(f"{temporary}/library")
