@@ -9,7 +9,7 @@ foreach(page kyr-collection.5 kyr-json.5 kyr-exit-status.7 kyr-plugin.7)
   configure_file(${PROJECT_SOURCE_DIR}/man/${page}.in ${manual}/man${section}/${page} @ONLY)
 endforeach()
 add_custom_command(OUTPUT ${manual}/man1/kyr.1 DEPENDS kyr VERBATIM
-  COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=0 $<TARGET_FILE:kyr> __manual ${manual}/man1 ${KYRCORE_MANUAL_DATE})
+  COMMAND ${CMAKE_COMMAND} -E env ASAN_OPTIONS=detect_leaks=0 ${KYRCORE_RUNNING_KYR} __manual ${manual}/man1 ${KYRCORE_MANUAL_DATE})
 add_custom_target(manual ALL DEPENDS ${manual}/man1/kyr.1)
 kyrcore_install(DIRECTORY ${manual}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tool)
 
