@@ -12,7 +12,12 @@ _kyr() {
         case $line in
             :files) _filedir ;;
             :folders) _filedir -d ;;
-            *) line=${line%%$'\t'*}; COMPREPLY+=("${line#"$option"}") ;;
+            *)
+                line=${line%%$'\t'*}
+                COMPREPLY+=("${line#"$option"}")
+                # It goes on behind the dot.
+                [[ $line != *. ]] || compopt -o nospace
+                ;;
         esac
     done < <("$kyr" __complete "${words[@]:1:cword}" 2>/dev/null)
     __ltrim_colon_completions "$cur"

@@ -11,6 +11,8 @@
 #include "base/NearMatches.h"
 #include "base/Text.h"
 #include "inventory/Inventory.h"
+#include "model/ClassNames.h"
+#include "model/InstanceChoice.h"
 #include "model/Needs.h"
 #include "model/SpokenNames.h"
 
@@ -126,6 +128,13 @@ std::vector<std::string> TCommand::ClassNamesFor(const std::string& start) {
     ResolvePaths();
     const TInventory inventory(fSession);
     return NamesLike(inventory.Container(), start);
+}
+
+std::vector<std::string> TCommand::PropertyNamesFor(const std::vector<std::string>& words) {
+    ResolvePaths();
+    const TInventory inventory(fSession);
+    const std::vector<TCIMClass*> named = TInstanceChoice(inventory.Container(), {}, words).Classes();
+    return PropertyNamesOf(named.empty() ? SelectAllClasses(inventory.Container()) : named);
 }
 
 CLI::Option* TCommand::AddFile() {

@@ -36,6 +36,8 @@ public:
     virtual EExit Run(TOutput& output) = 0;
     /// The names of classes that a name may be the start of, from the documents of the plugins; none is loaded.
     std::vector<std::string> ClassNamesFor(const std::string& start);
+    /// The names of the properties of those classes that are among the words, or of all classes if none is.
+    std::vector<std::string> PropertyNamesFor(const std::vector<std::string>& words);
 
 protected:
     /// Whether the options are declared that all commands have which work on a collection.

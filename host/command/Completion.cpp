@@ -4,13 +4,16 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <algorithm>
+#include <iterator>
 #include <set>
 
+#include "base/PluginFolders.h"
 #include "base/Text.h"
+#include "command/IdentityFacts.h"
 
 namespace {
 
-enum EKind { eNothing, eFiles, eFolders, eClasses };
+enum EKind { eNothing, eFiles, ePluginFolders, eClasses, eProperties, eExpressions };
 
 /// What may stand in a place: the first row counts that has the command, or none, and the name of the option, or the
 /// word that the help has for its value or for the argument.
@@ -25,10 +28,12 @@ constexpr TPlace kPlaces[] = {
     {"check", "PATH", eFiles},
     {"", "--role", eNothing},
     {"", "--result-role", eNothing},
+    {"", "--columns", eProperties},
+    {"", "EXPR", eExpressions},
     {"", "FILE", eFiles},
     {"", "OLD", eFiles},
     {"", "NEW", eFiles},
-    {"", "DIR", eFolders},
+    {"", "DIR", ePluginFolders},
     {"", "CLASS", eClasses},
     {"", "NAME", eClasses},
 };
@@ -47,12 +52,12 @@ EKind KindOf(const std::string& command, const std::string& name, const std::str
 /// The arguments of one command as far as they are typed, and what the last one may become.
 class TCompletion {
 public:
-    TCompletion(const CLI::App& app, TCommand& command, TOutput& output)
-        : fApp(app), fCommand(command), fOutput(output) {}
+    TCompletion(const TWords& before, TCommand& command, TOutput& output)
+        : fBefore(before), fApp(command.App()), fCommand(command), fOutput(output) {}
 
-    void Write(const TWords& before, const std::string& last) {
-        if (std::find(before.begin(), before.end(), "--") != before.end()) return WriteArguments(last);
-        if (const CLI::Option* const option = before.empty() ? nullptr : FindOption(before.back()))
+    void Write(const std::string& last) {
+        if (std::find(fBefore.begin(), fBefore.end(), "--") != fBefore.end()) return WriteArguments(last);
+        if (const CLI::Option* const option = fBefore.empty() ? nullptr : FindOption(fBefore.back()))
             if (TakesValue(*option)) return WriteValues(*option, last, "");
         const size_t equals = last.find('=');
         if (const CLI::Option* const option =
@@ -76,10 +81,35 @@ private:
     void WriteClasses(const std::string& start, const std::string& front) {
         for (const std::string& name : fCommand.ClassNamesFor(start)) Offer(front + name, front + start);
     }
+    void WriteProperties(const TWords& words, const std::string& start, const std::string& front) {
+        for (const std::string& name : fCommand.PropertyNamesFor(words)) Offer(front + name, front + start);
+    }
+    // In "Name,Dri" the last name is completed.
+    void WriteColumns(const std::string& start, const std::string& front) {
+        const size_t last = start.rfind(',') + 1;
+        TWords words;
+        std::copy_if(fBefore.begin(), fBefore.end(), std::back_inserter(words),
+                     [](const std::string& word) { return !StartsWith(word, "-"); });
+        WriteProperties(words, start.substr(last), front + start.substr(0, last));
+    }
+    // "os.Vers", or "os", which a dot follows.
+    void WriteExpressions(const std::string& start) {
+        const size_t dot = start.rfind('.');
+        if (dot != std::string::npos)
+            return WriteProperties({start.substr(0, dot)}, start.substr(dot + 1), start.substr(0, dot + 1));
+        for (const std::string& name : FactNames()) Offer(name, start);
+        for (const std::string& name : fCommand.ClassNamesFor(start)) Offer(name + ".", start);
+    }
+    void WritePluginFolders(const std::string& start, const std::string& front) {
+        Offer(front + kDefaultPlugins, front + start);
+        fOutput.Write(":folders\n");
+    }
     void WriteKinds(const std::set<EKind>& kinds, const std::string& start, const std::string& front) {
         if (kinds.count(eFiles) != 0) fOutput.Write(":files\n");
-        if (kinds.count(eFolders) != 0) fOutput.Write(":folders\n");
+        if (kinds.count(ePluginFolders) != 0) WritePluginFolders(start, front);
         if (kinds.count(eClasses) != 0) WriteClasses(start, front);
+        if (kinds.count(eProperties) != 0) WriteColumns(start, front);
+        if (kinds.count(eExpressions) != 0) WriteExpressions(start);
     }
     void WriteValues(const CLI::Option& option, const std::string& start, const std::string& front) {
         const std::string words = option.get_type_name();
@@ -97,6 +127,7 @@ private:
         WriteKinds(kinds, start, "");
     }
 
+    const TWords& fBefore;
     const CLI::App& fApp;
     TCommand& fCommand;
     TOutput& fOutput;
@@ -125,5 +156,5 @@ void WriteCompletions(const CLI::App& app, const TCommands& commands, std::vecto
     if (words.empty() || words == TWords{"help"}) return OfferCommands(app, last, output);
     TCommand* const command = FindCommand(commands, words.front());
     words.erase(words.begin());
-    if (command != nullptr) TCompletion(command->App(), *command, output).Write(words, last);
+    if (command != nullptr) TCompletion(words, *command, output).Write(last);
 }

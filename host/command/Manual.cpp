@@ -61,7 +61,7 @@ public:
         for (char& c : title) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         Macro("Dd " + date);
         Macro("Dt " + title + " 1");
-        Macro("Os");
+        Macro("Os kyr " KYRCORE_VERSION);
     }
 
     void Macro(const std::string& line) { fText += "." + line + "\n"; }

@@ -36,15 +36,19 @@ const TCIMPropertyDecl* FindPropertyNamed(const TCIMClass& cls, const std::strin
 }
 
 std::string GetPropertyNamed(const std::vector<TCIMClass*>& classes, const std::string& name) {
-    std::set<std::string> known;
-    for (const TCIMClass* cls : classes) {
+    for (const TCIMClass* cls : classes)
         if (const TCIMPropertyDecl* const declaration = FindPropertyNamed(*cls, name)) return declaration->GetName();
-        for (const TCIMPropertyDecl* declaration : cls->EnumeratePropertyDecls()) known.insert(declaration->GetName());
-    }
     const std::string of = classes.size() != 1 ? "" : " of class " + classes.front()->GetName();
-    const std::string near = DidYouMean(name, {known.begin(), known.end()});
+    const std::string near = DidYouMean(name, PropertyNamesOf(classes));
     const std::string hint = classes.empty() ? "" : "; see kyr schema " + classes.front()->GetName();
     throw TCommandError(eExitUsage, "unknown property '" + name + "'" + of + (near.empty() ? hint : near));
+}
+
+std::vector<std::string> PropertyNamesOf(const std::vector<TCIMClass*>& classes) {
+    std::set<std::string> names;
+    for (const TCIMClass* cls : classes)
+        for (const TCIMPropertyDecl* declaration : cls->EnumeratePropertyDecls()) names.insert(declaration->GetName());
+    return {names.begin(), names.end()};
 }
 
 std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls) {

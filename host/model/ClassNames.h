@@ -42,6 +42,9 @@ const TCIMPropertyDecl* FindPropertyNamed(const TCIMClass& cls, const std::strin
 /// similar ones.
 std::string GetPropertyNamed(const std::vector<TCIMClass*>& classes, const std::string& name);
 
+/// What the classes declare or inherit, each name once.
+std::vector<std::string> PropertyNamesOf(const std::vector<TCIMClass*>& classes);
+
 /// The class and all its subclasses.
 std::vector<TCIMClass*> WithSubClasses(TCIMClass& cls);
 

@@ -12,7 +12,7 @@ import tempfile
 
 COMPLETIONS, KYR = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 
-# What is typed, and what the last word becomes.
+# What is typed, and what the last word may become; if only one, it does.
 CASES = [
     ("kyr sh", "show"),
     ("kyr help sc", "schema"),
@@ -20,15 +20,21 @@ CASES = [
     ("kyr show --sandbox re", "require"),
     ("kyr show --sandbox=re", "--sandbox=require"),
     ("kyr collect --plugins fol", "folder/"),
-    ("kyr collect --plugins ", "folder/"),
+    ("kyr collect --plugins de", "default"),
+    ("kyr collect --plugins ", "default", "folder/"),
     ("kyr collect --plugins fol --class DiskD", "DiskDrive"),
     ("kyr show MOLTA_ComputerS", "MOLTA_ComputerSystem"),
     ("kyr show --stable mach", "machine.xml.gz"),
     ("kyr show -- mach", "machine.xml.gz"),
     ("kyr diff machine.xml.gz mach", "machine.xml.gz"),
     ("kyr diff machine.xml.gz --class=cach", "--class=cache"),
-    ("kyr assoc --role Dep", None),
-    ("kyr nosuch sh", None),
+    ("kyr show adapters --columns Nam", "Name"),
+    ("kyr show --columns Caption,KernelRel", "Caption,KernelRelease"),
+    ("kyr get serialN", "serialNumber"),
+    ("kyr get OperatingSy", "OperatingSystem."),
+    ("kyr get os.KernelRel", "os.KernelRelease"),
+    ("kyr assoc --role Dep",),
+    ("kyr nosuch sh",),
 ]
 
 BASH = r"""
@@ -82,23 +88,23 @@ def zsh(lines):
     return run("zsh", "-f", "-c", ZSH, "zsh", str(COMPLETIONS), *lines).splitlines()
 
 
-def expected(shell, word):
-    if word is None:
-        return []
-    if shell == "bash":
-        return [word.rstrip("/")]  # it adds the stroke itself
-    return [word]
+def expected(shell, words):
+    return [word.rstrip("/") for word in words] if shell == "bash" else words  # it adds the stroke itself
+
+
+def ending(word):
+    return "" if word[-1] in "./" else " "  # what goes on is not ended
 
 
 def check():
     faults = []
-    typed = zsh([line for line, _ in CASES])
-    for number, (line, word) in enumerate(CASES):
+    typed = zsh([case[0] for case in CASES])
+    for number, (line, *words) in enumerate(CASES):
         for shell, found in (("bash", bash(line)), ("fish", fish(line))):
-            if found != expected(shell, word):
-                faults.append(f"{shell}: {line}: {found}, and not {expected(shell, word)}")
-        whole = line if word is None else line[:line.rfind(" ") + 1] + word
-        found = typed[number].rstrip() if number < len(typed) else "nothing"
+            if sorted(found) != expected(shell, words):
+                faults.append(f"{shell}: {line}: {found}, and not {expected(shell, words)}")
+        whole = line[:line.rfind(" ") + 1] + words[0] + ending(words[0]) if len(words) == 1 else line
+        found = typed[number] if number < len(typed) else "nothing"
         if found != whole:
             faults.append(f"zsh: {line}: {found}, and not {whole}")
     return faults

@@ -11,6 +11,7 @@ import sys
 
 MANUAL, KYR, SOURCES = pathlib.Path(sys.argv[1]), sys.argv[2], pathlib.Path(sys.argv[3])
 faults = []
+VERSION = subprocess.run([KYR, "--version"], stdout=subprocess.PIPE, text=True, check=True).stdout.strip()
 
 
 def output(*command):
@@ -27,8 +28,10 @@ def text_of(page):
 
 
 def check_page(page):
-    # It looks for other pages in the system's manual alone.
-    faults.extend(line for line in output("mandoc", "-Tlint", str(page)).splitlines() if "referenced manual" not in line)
+    # It looks for other pages in the system's manual alone, and would have no version in those of the system itself.
+    meant = re.compile("referenced manual|operating system explicitly specified")
+    faults.extend(line for line in output("mandoc", "-Tlint", str(page)).splitlines() if not meant.search(line))
+    expect(text_of(page).endswith(f"{VERSION}\n"), f"{page.name}: the foot has no version")
     for name, section in re.findall(r"(?m)Xr (\S+) ([0-9])", page.read_text()):
         expect((MANUAL / f"man{section}" / f"{name}.{section}").exists(), f"{page.name}: no page {name}({section})")
 
