@@ -73,6 +73,11 @@ def check_moved(folder):
     os.mkdir(f"{moved}/plugins")
     told = run(f"{moved}/bin/kyr", "get", "MOLTA_OperatingSystem.KernelRelease", "--raw")
     assert told == f"{os.uname().release}\n", told
+    flags = run("pkg-config", f"--define-variable=prefix={moved}", "--cflags", "--libs", "kyrcore",
+                PKG_CONFIG_PATH=pkg_config_folder()).split()
+    for option, file in (("-I", "kyr/kyrPlugin.h"), ("-L", "libkyrcore.so")):
+        folder = next(flag[2:] for flag in flags if flag.startswith(option))
+        assert folder.startswith(moved) and os.path.exists(f"{folder}/{file}"), flags
 
 
 def check_project(folder, text, builds=True):
