@@ -1,4 +1,5 @@
-# The target "api_reference": the public headers as HTML, in reference/html of the build tree. It fails on a warning.
+# The target "api_reference": the public headers as HTML, in reference/html of the build tree, and installed if it was
+# made. It fails on a warning.
 find_program(KYRCORE_DOXYGEN doxygen)
 mark_as_advanced(KYRCORE_DOXYGEN)
 if(NOT KYRCORE_DOXYGEN)
@@ -12,3 +13,4 @@ add_custom_target(api_reference
   COMMAND ${KYRCORE_DOXYGEN} ${reference}/Doxyfile
   COMMAND ${CMAKE_COMMAND} -E rm -f ${reference}/html/dynsections.js ${reference}/html/jquery.js ${reference}/html/menudata.js
   VERBATIM)
+kyrcore_install(DIRECTORY ${reference}/html DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc OPTIONAL)
