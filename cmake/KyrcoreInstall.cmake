@@ -3,7 +3,7 @@
 #   development  headers, static library, files for find_package(kyrcore) and pkg-config
 #   schema       the base document
 #   plugins      the plugins with their documents
-#   tool         kyr with what only it reads
+#   tool         kyr with what only it reads, and the units of systemd that run it
 #   doc          the pages of docs/ and examples
 include(CMakePackageConfigHelpers)
 
