@@ -4,6 +4,7 @@
 #   schema       the base document
 #   plugins      the plugins with their documents
 #   tool         kyr with what only it reads, and the units of systemd that run it
+#   ansible      the collection of Ansible
 #   doc          the pages of docs/ and examples
 include(CMakePackageConfigHelpers)
 
