@@ -99,6 +99,8 @@ std::unique_ptr<TCommand> MakeIdentityCommand(CLI::App& app);
 std::unique_ptr<TCommand> MakeGetCommand(CLI::App& app);
 /// Prints what differs between a saved collection and this machine, or another saved collection.
 std::unique_ptr<TCommand> MakeDiffCommand(CLI::App& app);
+/// Writes this machine, or saved collections of many, as tables of a data base.
+std::unique_ptr<TCommand> MakeExportCommand(CLI::App& app);
 /// Tells what is wrong with documents, libraries and saved collections.
 std::unique_ptr<TCommand> MakeCheckCommand(CLI::App& app);
 /// Makes a folder with a plugin to begin with.

@@ -103,9 +103,9 @@ void RefuseConflicts(const CLI::App& command) {
 
 TCommands MakeCommands(CLI::App& app) {
     TCommands commands;
-    for (const auto make :
-         {MakeSummaryCommand, MakeCollectCommand, MakeShowCommand, MakeAssocCommand, MakeSchemaCommand,
-          MakeIdentityCommand, MakeGetCommand, MakeDiffCommand, MakeCheckCommand, MakeNewPluginCommand}) {
+    for (const auto make : {MakeSummaryCommand, MakeCollectCommand, MakeShowCommand, MakeAssocCommand,
+                            MakeSchemaCommand, MakeIdentityCommand, MakeGetCommand, MakeDiffCommand, MakeExportCommand,
+                            MakeCheckCommand, MakeNewPluginCommand}) {
         commands.push_back(make(app));
         commands.back()->App().set_version_flag("-V,--version", kVersionText);
     }

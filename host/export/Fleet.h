@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "export/CollectionExport.h"
+
 class IRunSink;
 
 struct TFleetOptions {
@@ -22,9 +24,8 @@ struct TFleetCounts {
 };
 
 /// Hands the saved collections to the sink in their order, each read in one of several processes. Those that cannot be
-/// read are told on standard error and counted. Does not call Finish. To be called before anything is opened that must
-/// not be inherited.
-TFleetCounts ExportFiles(const std::vector<std::string>& files, const TFleetOptions& options, IRunSink& sink);
+/// read are told on standard error and counted. Does not call the sink's Finish.
+TFleetCounts ExportFiles(const std::vector<TSource>& files, const TFleetOptions& options, IRunSink& sink);
 /// "1000 files: 990 runs stored, 5 already there, 2 older than the stored one, 3 unreadable"
 std::string TextOf(const TFleetCounts& counts);
 

@@ -16,7 +16,7 @@ struct TCell {
         eDigits,    ///< text: the decimal digits of an integer beyond int64
         eReal,      ///< real; may be infinite or no number
         eText,      ///< text, valid UTF-8 without NUL; JSON for eJson, ISO 8601 for eTime and eInterval
-        eReference  ///< integer: the row in the same run, or 0, and text: the object path then
+        eReference  ///< integer: the row in the same run, or 0; text: the object path, if there is no row or WantsPaths
     };
 
     EKind kind = eNull;
@@ -34,7 +34,8 @@ struct TMissingValue {
 
 struct TRow {
     int64_t id = 0;            ///< one numbering over all classes of a run, from 1; 0 in the tables' own
-    std::string key = {};      ///< what tells it from others of its class: "/dev/sda"; empty in the tables' own
+    std::string key = {};      ///< what tells it from others of its class: "/dev/sda"; empty in the tables' own, and of
+                               ///< associations unless paths are wanted
     std::vector<TCell> cells;  ///< as many as the table has columns
     std::vector<TMissingValue> missing = {};
 };
@@ -80,6 +81,8 @@ public:
 
     /// Whether saved collections themselves are wanted.
     virtual bool WantsDocuments() const { return false; }
+    /// Whether references come with their object paths also where there is a row for what they refer to.
+    virtual bool WantsPaths() const { return false; }
     /// What is to become of the run. It may be asked before runs in front of it are complete, if they have no name and
     /// no identifier in common. It changes and prints nothing.
     virtual TVerdict Decide(const TRun&) { return {}; }

@@ -1,12 +1,10 @@
 #ifndef KYR_HOST_EXPORT_TABLES_H
 #define KYR_HOST_EXPORT_TABLES_H
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
-
-class TCIMClass;
-class TCIMPropertyDecl;
-class TContainer;
 
 /// What a column holds. Unsigned64: an integer that may be beyond int64. Reference: two columns of a data base, with
 /// the number of a row of the same run, or the object path if what it refers to was not collected.
@@ -45,17 +43,16 @@ constexpr const char* kOwnTables[] = {"host", "run", "class_state", "missing", "
 
 /// A name of CIM as one of a table or column: "PCIDevice" is "pci_device". Words that SQL has for itself get a "_".
 std::string SqlName(const std::string& cimName);
-/// The name, or if it is longer than data bases take, its start with a hash of the whole.
-std::string ShortName(const std::string& name);
+/// The name, or if it has more bytes than that, which is what data bases take, its start with a hash of the whole.
+std::string ShortName(const std::string& name, size_t most = 63);
 
 /// How the numbers of a unit become those of its base unit: KiloBytes become bytes times 1024.
 struct TUnit {
-    const char* declared;  ///< the value of the qualifier Units
-    const char* base;      ///< the end of a column's name: "bytes"; empty for things that are merely counted
-    unsigned long factor;
-    unsigned long divisor;
+    std::string base;  ///< in words: "bits per second"; empty for things that are merely counted, as packets are
+    uint64_t factor = 1;
+    uint64_t divisor = 1;
 };
-/// A unit that is in no table keeps its words, with blanks as "_"; its declared is null.
+/// Of the qualifier Units. A unit that is not known stays as it is.
 TUnit BaseUnitOf(const std::string& declared);
 
 /// The table class_state: class, plugin, state, reason_code, reason, instances.

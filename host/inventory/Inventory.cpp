@@ -1,6 +1,5 @@
 #include "inventory/Inventory.h"
 
-#include <exception>
 #include <list>
 #include <utility>
 
@@ -49,7 +48,7 @@ public:
         if (options.from.empty())
             fSession = std::make_unique<TSession>(options, *fLog, fContainer);
         else
-            ReadFile(options.from);
+            fFileChange = ReadCollectionWithStates(options.from, fContainer);
     }
 
     TContainer& Container() { return fContainer; }
@@ -69,26 +68,11 @@ public:
     }
 
 private:
-    void ReadFile(const std::string& path) {
-        fFileChange = ReadCollection(path, fContainer);
-        CheckInstanceCounts(fContainer);
-        if (fFileChange) KeepFileChange();
-    }
-
     EExit ReportStates(EExit (*report)(const TContainer&)) const {
         const EExit status = report(fContainer);
         if (!fFileChange || status != eExitComplete) return status;
         PrintDiagnostic(SentenceOf(fFileChange));
         return eExitPartial;
-    }
-
-    // What is left of a damaged schema may take no states; Conclude tells of the change all the same.
-    void KeepFileChange() {
-        const TLogCapture capture;
-        try {
-            StoreFileChange(fContainer, fFileChange);
-        } catch (const std::exception&) {
-        }
     }
 
     const std::shared_ptr<const TCoreLog> fLog;

@@ -9,10 +9,7 @@
 namespace {
 
 /// An element of a companion property: "property: note".
-struct TEntry {
-    std::string property;
-    std::string note;
-};
+using TEntry = TAbsenceNote;
 
 std::vector<TEntry> EntriesOf(const TCIMInstance& instance, const char* companion) {
     std::vector<TEntry> entries;
@@ -52,9 +49,13 @@ TReason AbsenceIn(const TEntry& entry, const TCIMInstance& instance) {
 
 }  // namespace
 
+std::vector<TAbsenceNote> AbsenceNotesOf(const TCIMInstance& instance) {
+    return EntriesOf(instance, "UnavailableValues");
+}
+
 std::vector<TReason> AbsencesOf(const TCIMInstance& instance) {
     std::vector<TReason> reasons;
-    for (const TEntry& entry : EntriesOf(instance, "UnavailableValues"))
+    for (const TEntry& entry : AbsenceNotesOf(instance))
         if (const TReason reason = AbsenceIn(entry, instance)) reasons.push_back(reason);
     return reasons;
 }

@@ -11,6 +11,13 @@
 class TCIMInstance;
 class TCIMPropertyDecl;
 
+/// Why a property has no value, as the instance's property UnavailableValues says it: "no permission: /sys/...".
+struct TAbsenceNote {
+    std::string property;
+    std::string note;
+};
+std::vector<TAbsenceNote> AbsenceNotesOf(const TCIMInstance& instance);
+
 /// Why properties of the instance have no value: the entries of its property UnavailableValues, in their order. Entries
 /// that do not use one of the wordings in that property's description are left out.
 std::vector<TReason> AbsencesOf(const TCIMInstance& instance);

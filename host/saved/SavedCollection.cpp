@@ -25,6 +25,7 @@
 #include "saved/DocumentText.h"
 #include "saved/EndMark.h"
 #include "saved/StreamedFile.h"
+#include "states/StateInstances.h"
 
 namespace {
 
@@ -195,6 +196,15 @@ TReason ReadNamed(const std::string& path, const std::string& name, TContainer& 
     return FindChange(ends, container);
 }
 
+// What is left of a damaged schema may take no states.
+void KeepFileChange(const TReason& change, TContainer& container) {
+    const TLogCapture capture;
+    try {
+        StoreFileChange(container, change);
+    } catch (const std::exception&) {
+    }
+}
+
 }  // namespace
 
 TReason ReadCollection(const std::string& path, TContainer& container) {
@@ -204,4 +214,11 @@ TReason ReadCollection(const std::string& path, TContainer& container) {
     if (!isStream && IsNamedAsItIs(path)) return ReadNamed(path, name, container);
     const TStreamedFile file(path);
     return ReadNamed(file.Path(), name, container);
+}
+
+TReason ReadCollectionWithStates(const std::string& path, TContainer& container) {
+    const TReason change = ReadCollection(path, container);
+    CheckInstanceCounts(container);
+    if (change) KeepFileChange(change, container);
+    return change;
 }

@@ -27,5 +27,8 @@ void SaveCollection(const TContainer& container, const std::string& path, bool s
 /// programs. The path may stand for a stream, see TStreamedFile; whether a file is compressed is told by its content.
 /// Raises TCommandError with eExitNothing.
 TReason ReadCollection(const std::string& path, TContainer& container);
+/// The same, and the states tell what was lost since it was saved: instances that are missing, and how the file is not
+/// as it was.
+TReason ReadCollectionWithStates(const std::string& path, TContainer& container);
 
 #endif
