@@ -1,5 +1,6 @@
 #include "export/CollectionExport.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -107,6 +108,7 @@ void WriteChanges(const TContainer& container, const TRun& run, const TVerdict::
     const std::string& earlier = neighbour.isOlder ? other : run.collectedAt;
     const std::string& later = neighbour.isOlder ? run.collectedAt : other;
     TContainer stored;
+    malloc_trim(0);  // the greatest need is while the second collection is read
     try {
         ReadNeighbour(neighbour, stored);
     } catch (const TCommandError& e) {

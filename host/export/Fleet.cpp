@@ -1,5 +1,6 @@
 #include "export/Fleet.h"
 
+#include <malloc.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -25,7 +26,7 @@
 namespace {
 
 // What is read ahead of each process, so that it goes on while the files in front of its own are stored.
-constexpr size_t kReadAhead = size_t{1} << 20;
+constexpr size_t kReadAhead = size_t{1} << 19;
 constexpr size_t kChunk = size_t{1} << 16;
 
 struct TSocketPair {
@@ -57,8 +58,10 @@ void ReadShare(const TShare& share, size_t first, int socket, const IRunSink& wi
     const TCoreLog log({});
     TRowSender sender(socket, wishes);
     TClassTables tables;
-    for (size_t i = first; i < share.files.size(); i += share.step)
+    for (size_t i = first; i < share.files.size(); i += share.step) {
         ReadOne(share.files[i], share.options, tables, sender);
+        malloc_trim(0);
+    }
 }
 
 /// A process that reads files, as the storing process sees it.
