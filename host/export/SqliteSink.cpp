@@ -17,8 +17,7 @@ constexpr int64_t kVersion = 1;
 constexpr size_t kRowsInTransaction = 50000;
 constexpr size_t kChangedAt = 0;  // index in the columns of the table change
 
-// Of files that are there for others to read it is better to have few pages in memory than a quick second import.
-constexpr const char* kSettings = "PRAGMA cache_size = -4000; PRAGMA journal_mode = DELETE;";
+constexpr const char* kSettings = "PRAGMA cache_size = -4000";  // 4 MB, however large the file is
 
 constexpr const char* kSchema = R"(
 CREATE TABLE host (id INTEGER PRIMARY KEY AUTOINCREMENT, key TEXT NOT NULL, name TEXT, machine_id TEXT, uuid TEXT,
