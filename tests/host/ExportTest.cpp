@@ -6,8 +6,14 @@
 #include <memory>
 
 #include "KyrRun.h"
+#include "export/ClassTable.h"
 #include "export/Fleet.h"
 #include "export/RunSink.h"
+#include "kyr/TCIMClass.h"
+#include "kyr/TCIMInstance.h"
+#include "kyr/TCIMProperty.h"
+#include "kyr/TContainer.h"
+#include "model/Values.h"
 
 using testing::EndsWith;
 
@@ -282,4 +288,74 @@ TEST_F(ExportTest, LosesOneFileWithAProcessThatDies) {
                 EndsWith("day2.xml': the process that read it was ended by SIGKILL\n"));
     EXPECT_EQ(TextOf(counts), "3 files: 2 runs stored, 1 unreadable");
     EXPECT_EQ(sink.calls, "begin 2026-01-01 end begin 2026-01-03 end ");
+}
+
+using ExportNamesTest = LoggedTest;
+
+TEST_F(ExportNamesTest, AreWordsInSmallLettersThatNoDataBaseReserves) {
+    const TLines cases[] = {{"Size", "size"},
+                            {"PCIDeviceID", "pci_device_id"},
+                            {"NUMANode", "numa_node"},
+                            {"IPv6Address", "ipv6_address"},
+                            {"BogoMIPS", "bogo_mips"},
+                            {"VLANID", "vlan_id"},
+                            {"SHA256Sum", "sha256_sum"},
+                            {"a_B.c d", "a_b_c_d"},
+                            {"3Com", "_3_com"},
+                            {"Table", "table_"},
+                            {"Use", "use_"},
+                            {"Order", "order_"},
+                            {"Xmin", "xmin_"}};
+    for (const TLines& each : cases) EXPECT_EQ(SqlName(each[0]), each[1]);
+    const std::string start(60, 'x'), other = start + "yyyyy";
+    EXPECT_EQ(ShortName(start + "zzz"), start + "zzz");
+    EXPECT_EQ(ShortName(start + "zzzz").size(), 63u);
+    EXPECT_NE(ShortName(start + "zzzz"), ShortName(other));
+    TContainer container;
+    std::vector<TCIMClass*> classes;
+    for (const char* name : {"CIM_Disk", "MOLTA_Disk", "XYZ_Change", "XYZ_SqliteThing"})
+        classes.push_back(container.AllocateClass(name, container.GetRootClass()));
+    const std::vector<std::unique_ptr<TCIMClass>> owners(classes.begin(), classes.end());
+    EXPECT_THAT(TableNamesOf(classes), ElementsAre("disk", "molta_disk", "change_", "t_sqlite_thing"));
+}
+
+// A value in a unit is displayed as the same value in the base unit.
+TEST_F(ExportNamesTest, TellUnitsAsValuesAreDisplayedInThem) {
+    const struct {
+        const char* base;
+        TLines magnitudes;
+        unsigned long count;
+    } cases[] = {{"Bytes", {"Kilo", "Mega", "Giga", "Tera", "Peta"}, 3},
+                 {"Bits", {"Kilo", "Mega", "Giga", "Tera", "Peta"}, 3},
+                 {"Bytes per Second", {"Kilo", "Mega", "Giga"}, 3},
+                 {"Bits per Second", {"Kilo", "Mega", "Giga", "Tera", "Peta"}, 3},
+                 {"Seconds", {"Milli", "Micro", "Nano"}, 5000000000}};
+    const auto displayed = [](const std::string& unit, unsigned long count) {
+        const TempFolder folder;
+        TContainer container;
+        container.PopulateContainerFromFile(folder.Write(
+            "units.xml",
+            "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><DECLARATION><DECLGROUP>"
+            "<QUALIFIER.DECLARATION NAME=\"Units\" TYPE=\"string\"><SCOPE PROPERTY=\"true\"/></QUALIFIER.DECLARATION>"
+            "<QUALIFIER.DECLARATION NAME=\"Key\" TYPE=\"boolean\"><SCOPE PROPERTY=\"true\"/></QUALIFIER.DECLARATION>"
+            "<VALUE.OBJECT><CLASS NAME=\"A_B\"><PROPERTY NAME=\"K\" TYPE=\"string\"><QUALIFIER NAME=\"Key\" "
+            "TYPE=\"boolean\"><VALUE>true</VALUE></QUALIFIER></PROPERTY><PROPERTY NAME=\"C\" "
+            "TYPE=\"uint64\"><QUALIFIER NAME=\"Units\" "
+            "TYPE=\"string\"><VALUE>" +
+                unit +
+                "</VALUE></QUALIFIER></PROPERTY></CLASS></VALUE.OBJECT></DECLGROUP>"
+                "</DECLARATION></CIM>"));
+        TCIMProperty property(*container.GetClass("A_B")->GetPropertyDecl("C"));
+        property.SetValue(TCIMValue(count));
+        return DisplayText(property);
+    };
+    for (const auto& [base, magnitudes, count] : cases)
+        for (const std::string& magnitude : magnitudes) {
+            const TUnit unit = BaseUnitOf(magnitude + base);
+            EXPECT_EQ(displayed(magnitude + base, count), displayed(base, count * unit.factor / unit.divisor))
+                << magnitude;
+            EXPECT_EQ(unit.base, BaseUnitOf(base).base);
+        }
+    EXPECT_EQ(BaseUnitOf("Million Loops per Second").base, "Million Loops per Second");
+    EXPECT_EQ(BaseUnitOf("MilliAmperes").divisor, 1000u);
 }
