@@ -5,6 +5,7 @@
 
 #include "base/Text.h"
 #include "difference/Difference.h"
+#include "export/Cells.h"
 #include "export/RunSink.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -18,13 +19,6 @@ namespace {
 constexpr const char* kOperations[] = {"removed", "added", "moved", "changed", "unreadable"};  // by EChange
 static_assert(std::size(kOperations) == kChanges);
 constexpr const char* kNotCompared = "not compared";
-
-TCell TextCell(const std::string& text) {
-    TCell cell;
-    cell.kind = text.empty() ? TCell::eNull : TCell::eText;
-    cell.text = text;
-    return cell;
-}
 
 std::string TextOfValue(const TCIMProperty* property) {
     if (property == nullptr || property->GetValue().IsNull()) return "";

@@ -1,16 +1,11 @@
 #include "export/Rows.h"
 
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
-
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <ctime>
 #include <unordered_map>
 
 #include "base/Text.h"
 #include "difference/Identity.h"
+#include "export/Cells.h"
 #include "export/ClassTable.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
@@ -32,142 +27,12 @@
 
 namespace {
 
-using TWriter = rapidjson::Writer<rapidjson::StringBuffer>;
-__extension__ typedef __int128 TInteger;  // a 64-bit number times the factor of its unit
-
 constexpr const char* kUnavailableValues = "UnavailableValues";
-
-// No data base takes a NUL in a text.
-std::string CellText(const std::string& text) {
-    std::string valid = ValidText(text);
-    for (size_t at = 0; (at = valid.find('\0', at)) != std::string::npos;) valid.replace(at, 1, "\\x00");
-    return valid;
-}
-
-TCell TextCell(const std::string& text) {
-    TCell cell;
-    cell.kind = text.empty() ? TCell::eNull : TCell::eText;
-    cell.text = CellText(text);
-    return cell;
-}
-
-TCell IntegerCell(int64_t integer) {
-    TCell cell;
-    cell.kind = TCell::eInteger;
-    cell.integer = integer;
-    return cell;
-}
-
-std::string DigitsOf(TInteger number) {
-    if (number < 0) return "-" + DigitsOf(-number);
-    const std::string last(1, static_cast<char>('0' + static_cast<int>(number % 10)));
-    return number < 10 ? last : DigitsOf(number / 10) + last;
-}
-
-TCell NumberCell(TInteger number) {
-    if (number >= INT64_MIN && number <= INT64_MAX) return IntegerCell(static_cast<int64_t>(number));
-    TCell cell;
-    cell.kind = TCell::eDigits;
-    cell.text = DigitsOf(number);
-    return cell;
-}
-
-TCell RealCell(double real) {
-    TCell cell;
-    cell.kind = TCell::eReal;
-    cell.real = real;
-    return cell;
-}
-
-// The double that has the digits of the float: 1.1 and not 1.10000002.
-double Widened(float number) {
-    if (!std::isfinite(number)) return static_cast<double>(number);
-    char digits[64];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    double wide = 0;
-    std::from_chars(digits, end, wide);
-    return wide;
-}
-
-TCell ScaledCell(double number, const TUnit& unit) {
-    return RealCell(number * static_cast<double>(unit.factor) / static_cast<double>(unit.divisor));
-}
-
-template <typename TNumber>
-TCell ScaledCell(TNumber number, const TUnit& unit) {
-    if (unit.divisor > 1) return ScaledCell(static_cast<double>(number), unit);
-    return NumberCell(TInteger{number} * TInteger{unit.factor});
-}
-
-void WriteText(TWriter& json, const std::string& text) {
-    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-}
-
-// JSON has no word for what is no number.
-void WriteReal(TWriter& json, double real) {
-    if (!std::isfinite(real)) return WriteText(json, std::isnan(real) ? "NaN" : real < 0 ? "-Infinity" : "Infinity");
-    char digits[64];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, real).ptr;
-    json.RawValue(digits, static_cast<size_t>(end - digits), rapidjson::kNumberType);
-}
-
-void WriteCell(TWriter& json, const TCell& cell) {
-    switch (cell.kind) {
-        case TCell::eNull:
-            return (void)json.Null();
-        case TCell::eInteger:
-            return (void)json.Int64(cell.integer);
-        case TCell::eDigits:
-            return (void)json.RawValue(cell.text.data(), cell.text.size(), rapidjson::kNumberType);
-        case TCell::eReal:
-            return WriteReal(json, cell.real);
-        default:
-            return WriteText(json, cell.text);
-    }
-}
-
-TCell JsonCell(const std::vector<TCell>& elements) {
-    rapidjson::StringBuffer buffer;
-    TWriter json(buffer);
-    json.StartArray();
-    for (const TCell& element : elements) WriteCell(json, element);
-    json.EndArray();
-    TCell cell;
-    cell.kind = TCell::eText;
-    cell.text.assign(buffer.GetString(), buffer.GetSize());
-    return cell;
-}
-
-bool IsInRange(unsigned value, unsigned first, unsigned last) { return value >= first && value <= last; }
-
-unsigned DaysIn(unsigned month, unsigned year) {
-    const bool isLeap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-    if (month == 2) return isLeap ? 29 : 28;
-    return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
-}
-
-// The core takes dates as the 31st of a 13th month. The offset is at most what data bases take.
-bool Exists(const TCIMDateTime& moment) {
-    return IsInRange(moment.GetYear(), 1, 9999) && IsInRange(moment.GetMonth(), 1, 12) &&
-           IsInRange(moment.GetDay(), 1, DaysIn(moment.GetMonth(), moment.GetYear())) && moment.GetHour() < 24 &&
-           moment.GetMinute() < 60 && moment.GetSecond() < 60 && std::abs(moment.GetUTCOffset()) < 16 * 60;
-}
 
 bool IsLength(const TCIMValue& value) {
     if (value.GetType() != TCIMValue::TCIMType::eCIMDateTime || value.IsNull()) return false;
     const TCIMDateTime moment = value;
     return !moment.IsNull() && moment.IsInterval();
-}
-
-int64_t MicrosecondsOf(const TCIMDateTime& moment) {
-    tm fields{};
-    fields.tm_year = moment.GetYear() - 1900;
-    fields.tm_mon = moment.GetMonth() - 1;
-    fields.tm_mday = static_cast<int>(moment.GetDay());
-    fields.tm_hour = moment.GetHour();
-    fields.tm_min = moment.GetMinute() - moment.GetUTCOffset();
-    fields.tm_sec = moment.GetSecond();
-    return int64_t{timegm(&fields)} * 1000000 + moment.GetMicroSeconds();
 }
 
 /// What the keys of the scope say of all instances, so that it need not stand in each row.
@@ -347,6 +212,7 @@ private:
 
     TCell ArrayCell(const std::vector<TCIMValue>& elements, const TUnit& unit) {
         std::vector<TCell> cells;
+        cells.reserve(elements.size());
         for (const TCIMValue& element : elements)
             cells.push_back(element.IsNull() ? TCell() : ValueCell(element, unit));
         return JsonCell(cells);
