@@ -54,6 +54,7 @@ size_t FindWidth() {
 TOutput::TOutput() : fTerminal(isatty(STDOUT_FILENO) != 0), fColour(fTerminal && MayColour()), fWidth(FindWidth()) {}
 
 void TOutput::Write(std::string_view text) {
+    if (fWrite) return fWrite(text);
     if (!fDropping && std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) HandleFailure();
 }
 
@@ -66,7 +67,7 @@ void TOutput::WriteWrapped(std::string_view visible, std::string start, size_t c
 }
 
 void TOutput::Flush() {
-    if (!fDropping && std::fflush(stdout) != 0) HandleFailure();
+    if (!fWrite && !fDropping && std::fflush(stdout) != 0) HandleFailure();
     if (!fFailure.empty()) throw TCommandError(eExitOutput, fFailure);
 }
 

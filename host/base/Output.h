@@ -2,15 +2,21 @@
 #define KYR_HOST_BASE_OUTPUT_H
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
-/// Standard output. What cannot be written raises TCommandError with eExitOutput.
+/// Standard output, or what stands in its place. What cannot be written raises TCommandError with eExitOutput.
 class TOutput {
 public:
+    using TWrite = std::function<void(std::string_view)>;
+
     static constexpr size_t kUnlimited = 1 << 30;  ///< columns of a line that is never broken
 
     TOutput();
+    /// Hands all that is written to the function.
+    explicit TOutput(TWrite write) : fWrite(std::move(write)) {}
 
     void Write(std::string_view text);
     /// Writes a visible text in lines that fit the output and have at most that many columns. The first line stands
@@ -38,9 +44,10 @@ private:
     bool fPaged = false;
     bool fDropping = false;  // the user has left the pager
     std::string fFailure;
-    bool fTerminal;
-    bool fColour;
-    size_t fWidth;
+    const TWrite fWrite;  // none: standard output
+    bool fTerminal = false;
+    bool fColour = false;
+    size_t fWidth = kUnlimited;
 };
 
 /// Prints one line on standard error, with "kyr: " in front.

@@ -17,9 +17,12 @@ class TStream {
 public:
     using Ch = char;
 
-    explicit TStream(TOutput& output) : fOutput(output) {}
+    TStream(TOutput& output, TJsonWriter::ELayout layout)
+        : fOutput(output), fIsOneLine(layout == TJsonWriter::ELayout::eOneLine) {}
 
+    // In texts a line feed is escaped, so that one that comes here only arranges them.
     void Put(char c) {
+        if (fIsOneLine && c == '\n') return;
         if (fBlock.size() == kBlockSize) WriteBlock();
         fBlock += c;
     }
@@ -33,7 +36,7 @@ public:
     }
     // RapidJSON calls it once, at the end of the document.
     void Flush() {
-        Put('\n');
+        Append("\n");
         WriteBlock();
     }
 
@@ -46,6 +49,7 @@ private:
     }
 
     TOutput& fOutput;
+    const bool fIsOneLine;
     std::string fBlock;
 };
 
@@ -105,8 +109,8 @@ rapidjson::SizeType SizeOf(std::string_view text) { return static_cast<rapidjson
 
 class TJsonWriter::TBody {
 public:
-    explicit TBody(TOutput& output) : fStream(output), fWriter(fStream) {
-        fWriter.SetIndent(' ', 2);
+    TBody(TOutput& output, ELayout layout) : fStream(output, layout), fWriter(fStream) {
+        fWriter.SetIndent(' ', layout == ELayout::eOneLine ? 0 : 2);
         fWriter.SetFormatOptions(rapidjson::kFormatSingleLineArray);
     }
 
@@ -137,7 +141,7 @@ public:
     TWriter fWriter;
 };
 
-TJsonWriter::TJsonWriter(TOutput& output) : fBody(std::make_unique<TBody>(output)) {}
+TJsonWriter::TJsonWriter(TOutput& output, ELayout layout) : fBody(std::make_unique<TBody>(output, layout)) {}
 TJsonWriter::~TJsonWriter() = default;
 
 void TJsonWriter::StartObject() { fBody->fWriter.StartObject(); }

@@ -11,7 +11,9 @@
 /// JSON escapes, which a reader of the JSON turns back into the characters.
 class TJsonWriter {
 public:
-    explicit TJsonWriter(TOutput& output);
+    enum class ELayout { eIndented, eOneLine };
+
+    explicit TJsonWriter(TOutput& output, ELayout layout = ELayout::eIndented);
     ~TJsonWriter();
     TJsonWriter(const TJsonWriter&) = delete;
     TJsonWriter& operator=(const TJsonWriter&) = delete;

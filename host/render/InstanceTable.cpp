@@ -11,6 +11,7 @@
 #include <sstream>
 #include <utility>
 
+#include "base/Csv.h"
 #include "base/ExitStatus.h"
 #include "base/Text.h"
 #include "kyr/TCIMClass.h"
@@ -93,22 +94,9 @@ TTable TableOf(const std::vector<TCIMClass*>& classes, const TRow& names, const 
     return table;
 }
 
-std::string CSVField(const std::string& text) {
-    if (text.find_first_of(",\"") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + "\"";
-}
-
-void PrintCSVLine(const TRow& row, TOutput& output) {
-    std::vector<std::string> fields;
-    for (const std::string& text : row) fields.push_back(CSVField(text));
-    output.Write(Join(fields, ",") + "\r\n");
-}
-
 void PrintCSV(const TTable& table, TOutput& output) {
-    PrintCSVLine(table.names, output);
-    for (const TRow& row : table.rows) PrintCSVLine(row, output);
+    output.Write(CsvLine(table.names));
+    for (const TRow& row : table.rows) output.Write(CsvLine(row));
 }
 
 size_t LongestWordOf(const std::string& text) {
