@@ -9,17 +9,11 @@
 
 namespace {
 
-/// By EColumn: the type in SQLite, and what a column's name ends with if the name is taken by one of another type.
-struct TType {
-    const char* sql;
-    const char* suffix;
-};
-// In a column of type ANY a number beyond 64 bits is a text, which SQLite compares as greater than all numbers.
-constexpr TType kTypes[] = {{"INTEGER", "_integer"}, {"ANY", "_uint64"},      {"REAL", "_real"},
-                            {"TEXT", "_text"},       {"INTEGER", "_boolean"}, {"TEXT", "_time"},
-                            {"TEXT", "_interval"},   {"TEXT", "_json"},       {"INTEGER", "_reference"}};
+// By EColumn. In a column of type ANY a number beyond 64 bits is a text, which SQLite compares as greater than all
+// numbers.
+constexpr const char* kTypes[] = {"INTEGER", "ANY", "REAL", "TEXT", "INTEGER", "TEXT", "TEXT", "TEXT", "INTEGER"};
 
-const TType& TypeOf(EColumn kind) { return kTypes[static_cast<size_t>(kind)]; }
+const char* TypeOf(EColumn kind) { return kTypes[static_cast<size_t>(kind)]; }
 
 constexpr int kFirstParameter = 4;  // behind run_id, host_id and id
 
@@ -79,13 +73,13 @@ TSqliteTables::TTarget TSqliteTables::MakeTarget(const TTable& table) {
 
 // Which class a table is of, the data base remembers: that of another class gets another name.
 std::string TSqliteTables::NameFor(const TTable& table) const {
-    const auto isTaken = [&](const std::string& name) {
-        const auto stored = fStored.find(name);
-        return stored != fStored.end() && stored->second.className != table.className;
-    };
-    if (!isTaken(table.name)) return table.name;
+    const auto ofClass = std::find_if(fStored.begin(), fStored.end(), [&](const auto& stored) {
+        return !table.className.empty() && stored.second.className == table.className;
+    });
+    if (ofClass != fStored.end()) return ofClass->first;
+    if (table.className.empty() || fStored.count(table.name) == 0) return table.name;
     std::string name = table.nameWithPrefix;
-    while (isTaken(name)) name += '_';
+    while (fStored.count(name) != 0) name += '_';
     return name;
 }
 
@@ -105,23 +99,25 @@ void TSqliteTables::Create(const std::string& name, const TTable& table, TStored
 TSqliteTables::TPlace TSqliteTables::PlaceFor(const TTable& table, const std::string& name, TStored& stored,
                                               size_t cell, TPlace::EWhat what) {
     const TColumn& column = table.columns[cell];
-    const TType type = what == TPlace::ePath ? TypeOf(EColumn::eText) : TypeOf(column.kind);
+    const EColumn kind = what == TPlace::ePath ? EColumn::eText : column.kind;
+    const std::string type = TypeOf(kind);
     std::string place = column.name;
     if (what != TPlace::eCell) place += what == TPlace::eRow ? kIdSuffix : kPathSuffix;
     const auto fits = [&](const std::string& each) {
         const auto found = stored.types.find(each);
-        return found == stored.types.end() || found->second == type.sql;
+        return found == stored.types.end() || found->second == type;
     };
-    if (!fits(place)) place = ShortName(place + type.suffix);
+    if (!fits(place)) place = ShortName(place + TypeSuffix(kind));
     while (!fits(place)) place += '_';
     const bool isThere = stored.types.count(place) != 0;
-    if (!isThere && !AddColumn(name, place, type.sql, stored)) return {cell, what, 0, place};
+    if (!isThere && !AddColumn(name, place, type, stored)) return {cell, what, 0, place};
     if (!isThere) Describe(name, place, table, column);
     return {cell, what, kFirstParameter, place};
 }
 
 // False if the table is full.
-bool TSqliteTables::AddColumn(const std::string& table, const std::string& name, const char* type, TStored& stored) {
+bool TSqliteTables::AddColumn(const std::string& table, const std::string& name, const std::string& type,
+                              TStored& stored) {
     if (stored.types.size() >= fFile.MostColumns()) {
         PrintDiagnostic("the table " + VisibleText(table) + " cannot have more columns; " + VisibleText(name) +
                         " is left out");

@@ -59,7 +59,7 @@ private:
     std::string NameFor(const TTable& table) const;
     void Create(const std::string& name, const TTable& table, TStored& stored);
     TPlace PlaceFor(const TTable& table, const std::string& name, TStored& stored, size_t cell, TPlace::EWhat what);
-    bool AddColumn(const std::string& table, const std::string& name, const char* type, TStored& stored);
+    bool AddColumn(const std::string& table, const std::string& name, const std::string& type, TStored& stored);
     void Describe(const std::string& table, const std::string& name, const TTable& of, const TColumn& column);
     void Prepare(TTarget& target) const;
     std::string BindPlace(TSqliteStatement& insert, const TPlace& place, const TCell& cell) const;

@@ -245,7 +245,13 @@ TColumn OwnColumn(const char* name, EColumn kind, const char* description) {
     return column;
 }
 
+// By EColumn.
+constexpr const char* kTypeSuffixes[] = {"_integer", "_uint64",   "_real", "_text",     "_boolean",
+                                         "_time",    "_interval", "_json", "_reference"};
+
 }  // namespace
+
+const char* TypeSuffix(EColumn kind) { return kTypeSuffixes[static_cast<size_t>(kind)]; }
 
 std::string SqlName(const std::string& cimName) {
     const std::string name = WithWords(cimName);

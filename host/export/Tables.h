@@ -41,6 +41,9 @@ constexpr char kPathSuffix[] = "_path";
 /// The tables' own names. A class of that name gets a table with "_" behind it.
 constexpr const char* kOwnTables[] = {"host", "run", "class_state", "missing", "column_info", "change", "document"};
 
+/// What the name of a column ends with if its name is taken by one of another type: "_text".
+const char* TypeSuffix(EColumn kind);
+
 /// A name of CIM as one of a table or column: "PCIDevice" is "pci_device". Words that SQL has for itself get a "_".
 std::string SqlName(const std::string& cimName);
 /// The name, or if it has more bytes than that, which is what data bases take, its start with a hash of the whole.
