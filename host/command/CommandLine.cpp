@@ -58,23 +58,30 @@ void RefuseUnknownArguments(const CLI::App& app) {
 struct TConflict {
     const char* option;
     std::vector<const char*> others;
-    std::string why = {};  // added to the message
+    std::string why = {};           // added to the message
+    const char* command = nullptr;  // of this command only
 };
 
 const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--sandbox",
                                                 "--grant",   "--plugins",  "--schema"};
 const std::string kNothingIsCollected = ": no plugin is asked for a saved collection";
 
-const std::vector<const char*> kNoTable = {"--json", "--null", "--references", "--provenance",
-                                           "--keys", "--tree", "--output"};
+const std::vector<const char*> kNoTable = {"--json", "--null", "--references", "--provenance", "--keys", "--tree"};
 
 const TConflict kConflicts[] = {
     {"--from", {"FILE", "NEW"}},
     {"--from", kOfCollecting, kNothingIsCollected},
     {"FILE", kOfCollecting, kNothingIsCollected},
     {"NEW", kOfCollecting, kNothingIsCollected},
+    {"COLLECTION", kOfCollecting, kNothingIsCollected},
+    {"--sqlite", {"--postgres", "--jsonl", "--csv", "--output"}},
+    {"--postgres", {"--jsonl", "--csv"}},
+    {"--jsonl", {"--csv"}},
+    {"--keep-runs", {"--jsonl", "--csv"}, ": only a data base keeps runs"},
+    {"--csv", {"--class"}, "", "export"},
     {"--in-process", {"--sandbox", "--grant"}, ": no plugin has a process of its own"},
     {"--tree", {"--json", "--raw", "--null", "--references", "--provenance"}},
+    {"--output", {"--columns", "--table", "--csv"}, "", "collect"},
     {"--output", {"--json", "--raw", "--null", "--references", "--provenance"}},
     {"--quiet", {"--json"}},
     {"--json-schema", {"--json", "CLASS"}},
@@ -94,9 +101,12 @@ bool IsGiven(const CLI::App& command, const char* name) {
 }
 
 void RefuseConflicts(const CLI::App& command) {
+    const auto isOfCommand = [&command](const TConflict& conflict) {
+        return conflict.command == nullptr || command.get_name() == conflict.command;
+    };
     for (const TConflict& conflict : kConflicts)
         for (const char* other : conflict.others)
-            if (IsGiven(command, conflict.option) && IsGiven(command, other))
+            if (isOfCommand(conflict) && IsGiven(command, conflict.option) && IsGiven(command, other))
                 RefuseUse(command,
                           std::string(conflict.option) + " and " + other + " do not go together" + conflict.why);
 }

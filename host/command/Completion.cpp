@@ -34,6 +34,7 @@ constexpr TPlace kPlaces[] = {
     {"", "OLD", eFiles},
     {"", "NEW", eFiles},
     {"", "DIR", ePluginFolders},
+    {"", "COLLECTION", eFiles},
     {"", "CLASS", eClasses},
     {"", "NAME", eClasses},
 };
