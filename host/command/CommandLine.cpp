@@ -77,6 +77,7 @@ const TConflict kConflicts[] = {
     {"--sqlite", {"--postgres", "--jsonl", "--csv", "--output"}},
     {"--postgres", {"--jsonl", "--csv"}},
     {"--jsonl", {"--csv"}},
+    {"--cyclonedx", {"--sqlite", "--postgres", "--jsonl", "--csv", "--class", "--keep-runs"}},
     {"--keep-runs", {"--jsonl", "--csv"}, ": only a data base keeps runs"},
     {"--csv", {"--class"}, "", "export"},
     {"--in-process", {"--sandbox", "--grant"}, ": no plugin has a process of its own"},

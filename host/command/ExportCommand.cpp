@@ -8,6 +8,7 @@
 #include "command/CollectionList.h"
 #include "command/Command.h"
 #include "export/CsvSink.h"
+#include "export/CycloneDx.h"
 #include "export/Fleet.h"
 #include "export/JsonLinesSink.h"
 #include "export/PostgresSink.h"
@@ -30,7 +31,8 @@ constexpr const char* kNotes =
     "  kyr export --postgres *.xml.gz | psql fleet\n"
     "  kyr export --postgres yesterday/db01.xml.gz today/db01.xml.gz | psql fleet\n"
     "  kyr export --jsonl --class disks -o disks.jsonl @machines.txt\n"
-    "  kyr export --csv packages machine.xml.gz\n\n"
+    "  kyr export --csv packages machine.xml.gz\n"
+    "  kyr export --cyclonedx -o machine.cdx.json\n\n"
     "Exit status: 0 complete, 1 a collection could not be read, the others are\n"
     "written, or this machine was not completely collected, 2 wrong use,\n"
     "3 nothing could be collected or read, 4 the output could not be written.";
@@ -98,6 +100,7 @@ public:
             ->type_name("")
             ->check(CheckNotEmpty);
         AddForms();
+        AddBillOptions();
         fApp.add_option("--class", fOptions.classes, "Only this class and its subclasses; may be repeated")
             ->type_name("NAME")
             ->allow_extra_args(false);
@@ -120,6 +123,7 @@ public:
 
     EExit Run(TOutput& output) override {
         RequireForm();
+        if (fCycloneDx) return ExportBill(output);
         return fCollections.empty() ? ExportMachine(output) : ExportSaved(output);
     }
 
@@ -133,12 +137,39 @@ private:
         fApp.add_option("--csv", fCsvClass, "Comma-separated values of one class, or class_state or change")
             ->type_name("CLASS")
             ->check(CheckNotEmpty);
+        fApp.add_flag("--cyclonedx", fCycloneDx, "A bill of materials of one machine, as CycloneDX 1.6");
+    }
+
+    void AddBillOptions() {
+        fApp.add_flag("--identifiers", fBill.identifiers,
+                      "In a bill of materials: serial numbers, addresses and names");
+        fApp.add_flag("--source-packages", fBill.sourcePackages, "In a bill of materials: the source packages, too");
+        fApp.add_flag("--stable", fBill.stable, "In a bill of materials: no time, so that two can be compared");
     }
 
     void RequireForm() const {
-        if (fSqlite.empty() && !fPostgres && !fJsonLines && fCsvClass.empty())
-            throw TCommandError(eExitUsage,
-                                "say what is to be written: --sqlite FILE, --postgres, --jsonl or --csv CLASS");
+        if (fSqlite.empty() && !fPostgres && !fJsonLines && fCsvClass.empty() && !fCycloneDx)
+            throw TCommandError(
+                eExitUsage,
+                "say what is to be written: --sqlite FILE, --postgres, --jsonl, --csv CLASS or --cyclonedx");
+        if (!fCycloneDx && (fBill.identifiers || fBill.sourcePackages || fBill.stable))
+            throw TCommandError(eExitUsage, "--identifiers, --source-packages and --stable belong to --cyclonedx");
+        if (fCycloneDx && (fCollections.size() > 1 || (!fCollections.empty() && fCollections[0][0] == '@')))
+            throw TCommandError(eExitUsage, "--cyclonedx writes a document of one machine: name one collection");
+    }
+
+    // What is missing of a saved collection is part of the document.
+    EExit ExportBill(TOutput& output) {
+        const bool isSaved = !fCollections.empty();
+        if (isSaved) fSession.from = fCollections.front();
+        TInventory inventory(fSession);
+        inventory.Collect(CycloneDxClasses());
+        const EExit status = isSaved ? inventory.ConcludeSilently() : inventory.Conclude();
+        if (status == eExitNothing) return status;
+        TTarget target(fOutput, output);
+        WriteCycloneDx(inventory.Container(), fBill, target.Output());
+        target.Finish();
+        return isSaved ? eExitComplete : status;
     }
 
     EExit ExportSaved(TOutput& output) {
@@ -192,6 +223,8 @@ private:
     bool fPostgres = false;
     bool fJsonLines = false;
     std::string fCsvClass;
+    bool fCycloneDx = false;
+    TCycloneDxOptions fBill;
     std::string fOutput;
     TFleetOptions fOptions;
     size_t fKeepRuns = 1;

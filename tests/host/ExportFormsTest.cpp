@@ -60,7 +60,8 @@ TEST_F(ExportFormsTest, SayWhatIsWrong) {
         int status;
         const char* err;
     } kCases[] = {
-        {"{}/server.xml", 2, "say what is to be written: --sqlite FILE, --postgres, --jsonl or --csv CLASS"},
+        {"{}/server.xml", 2,
+         "say what is to be written: --sqlite FILE, --postgres, --jsonl, --csv CLASS or --cyclonedx"},
         {"--jsonl {}", 2, "is a folder: name its files, as by find"},
         {"--jsonl @{}/nothing", 2, "names no collection"},
         {"--jsonl - </dev/null", 2, "standard input names no collection"},
