@@ -32,7 +32,7 @@ bool HasPackageInPart(const TContainer& container) {
 }
 
 std::string StateText(const TClassState& state) {
-    if (!state.HasState()) return "unknown";
+    if (state.word.empty()) return "unknown";
     return state.word + (state.code.empty() ? "" : ": " + state.code);
 }
 
