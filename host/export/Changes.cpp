@@ -48,11 +48,11 @@ public:
                      TextOfValue(property.after));
     }
 
-    // A class that is incomplete alike in both is no change, nor is one that was left out.
+    // A class that is incomplete alike in both is no change. One that is left out now has that as its state; one that
+    // was left out before and is back may have changed meanwhile.
     void Write(const TNotCompared& limits) {
-        const bool isLeftOut = limits.before.IsLeftOut() || limits.after.IsLeftOut();
         const bool isAlike = IsSameState(limits.before, limits.after) && limits.onlyBefore + limits.onlyAfter == 0;
-        if (isLeftOut || isAlike) return;
+        if (limits.after.IsLeftOut() || isAlike) return;
         WriteRow(limits.name, "", kNotCompared, "", StateText(limits.before), StateText(limits.after));
     }
 

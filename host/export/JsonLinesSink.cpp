@@ -107,6 +107,7 @@ private:
             json.Boolean(*fRun.superuser);
         }
         WriteIfAny(json, "state", fRun.state);
+        WriteIfAny(json, "reason_code", fRun.reasonCode);
         WriteIfAny(json, "reason", fRun.reason);
         WriteIfAny(json, "file", fRun.file);
         json.EndObject();

@@ -43,7 +43,8 @@ public:
         for (const std::string* text : {&fRun.machineId, &fRun.uuid, &fRun.serial}) line.TextOrNull(*text);
         line.Text(fRun.collectedAt).TextOrNull(fRun.tool).TextOrNull(fRun.toolVersion);
         fRun.superuser ? line.Text(*fRun.superuser ? "t" : "f") : line.Null();
-        line.TextOrNull(fRun.state).TextOrNull(fRun.reason).Text(std::to_string(fRun.fingerprint)).End();
+        for (const std::string* text : {&fRun.state, &fRun.reasonCode, &fRun.reason}) line.TextOrNull(*text);
+        line.Text(std::to_string(fRun.fingerprint)).End();
         fHistory.Add(fRun);
     }
 

@@ -98,7 +98,7 @@ TRowSender::TRowSender(int socket, const IRunSink& wishes)
 TVerdict TRowSender::Decide(const TRun& run) {
     StartFrame(EFrame::eRun);
     for (const std::string* text : {&run.name, &run.machineId, &run.uuid, &run.serial, &run.collectedAt, &run.tool,
-                                    &run.toolVersion, &run.state, &run.reason, &run.file})
+                                    &run.toolVersion, &run.state, &run.reasonCode, &run.reason, &run.file})
         PutText(*text);
     PutNumber(run.collectedMicroseconds);
     PutNumber(run.fingerprint);
@@ -236,7 +236,7 @@ TRun TRowReceiver::Run() const {
     TRecordReader reader(fPayload);
     TRun run;
     for (std::string* text : {&run.name, &run.machineId, &run.uuid, &run.serial, &run.collectedAt, &run.tool,
-                              &run.toolVersion, &run.state, &run.reason, &run.file})
+                              &run.toolVersion, &run.state, &run.reasonCode, &run.reason, &run.file})
         reader.TakeText(*text);
     run.collectedMicroseconds = reader.TakeNumber<int64_t>();
     run.fingerprint = reader.TakeNumber<uint64_t>();

@@ -327,6 +327,7 @@ void SetState(const TCIMInstance& collection, TRun& run) {
     run.tool = CellText(TextOf(collection, "Tool"));
     run.toolVersion = CellText(TextOf(collection, "ToolVersion"));
     run.state = wordOf("State");
+    run.reasonCode = wordOf("ReasonCode");
     run.reason = CellText(TextOf(collection, "Reason"));
     const TCIMProperty* const superuser = collection.FindProperty("Superuser");
     if (superuser == nullptr || superuser->GetType() != TCIMValue::TCIMType::eCIMBoolean) return;

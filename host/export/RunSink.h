@@ -48,9 +48,9 @@ struct TRun {
     bool hasTime = true;                        ///< false: it is the time of the file
     std::string tool, toolVersion;
     std::optional<bool> superuser;
-    std::string state, reason;  ///< the words
-    uint64_t fingerprint = 0;   ///< of the uncompressed document
-    std::string file;           ///< its name; empty for this machine
+    std::string state, reasonCode, reason;  ///< the words
+    uint64_t fingerprint = 0;               ///< of the uncompressed document
+    std::string file;                       ///< its name; empty for this machine
 };
 
 /// What a sink does with a run, and what it has of the same host.

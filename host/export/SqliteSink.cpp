@@ -27,8 +27,8 @@ CREATE INDEX host_machine_id ON host (machine_id);
 CREATE INDEX host_uuid ON host (uuid);
 CREATE INDEX host_serial ON host (serial);
 CREATE TABLE run (id INTEGER PRIMARY KEY AUTOINCREMENT, host_id INTEGER NOT NULL, collected_at TEXT,
-    collected_microseconds INTEGER NOT NULL, tool TEXT, tool_version TEXT, superuser INTEGER, state TEXT, reason TEXT,
-    file TEXT, fingerprint INTEGER NOT NULL) STRICT;
+    collected_microseconds INTEGER NOT NULL, tool TEXT, tool_version TEXT, superuser INTEGER, state TEXT,
+    reason_code TEXT, reason TEXT, file TEXT, fingerprint INTEGER NOT NULL) STRICT;
 CREATE INDEX run_host ON run (host_id, collected_microseconds);
 CREATE TABLE missing (run_id INTEGER NOT NULL, table_name TEXT NOT NULL, row_id INTEGER NOT NULL,
     column_name TEXT NOT NULL, reason TEXT NOT NULL, source TEXT) STRICT;
@@ -240,9 +240,10 @@ private:
         fInsertRun.BindIfAny(5, run.toolVersion);
         run.superuser ? fInsertRun.Bind(6, int64_t{*run.superuser}) : fInsertRun.BindNull(6);
         fInsertRun.BindIfAny(7, run.state);
-        fInsertRun.BindIfAny(8, run.reason);
-        fInsertRun.BindIfAny(9, run.file);
-        fInsertRun.Bind(10, FingerprintOf(run));
+        fInsertRun.BindIfAny(8, run.reasonCode);
+        fInsertRun.BindIfAny(9, run.reason);
+        fInsertRun.BindIfAny(10, run.file);
+        fInsertRun.Bind(11, FingerprintOf(run));
         fInsertRun.Run();
         return fFile.LastRow();
     }
@@ -290,7 +291,8 @@ private:
                                "last_seen = iif(julianday(?1) > julianday(last_seen), ?1, last_seen) WHERE id = ?2"};
     TSqliteStatement fInsertRun{fFile,
                                 "INSERT INTO run (host_id, collected_at, collected_microseconds, tool, tool_version, "
-                                "superuser, state, reason, file, fingerprint) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"};
+                                "superuser, state, reason_code, reason, file, fingerprint) "
+                                "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"};
     TSqliteStatement fInsertDocument{fFile, "INSERT INTO document VALUES (?, ?)"};
     TSqliteStatement fRemoveMissing{fFile, "DELETE FROM missing WHERE run_id = ?"};
     TSqliteStatement fRemoveDocument{fFile, "DELETE FROM document WHERE run_id = ?"};
