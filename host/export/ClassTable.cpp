@@ -70,7 +70,7 @@ bool IsEnumeration(const TCIMPropertyDecl& declaration) {
 }
 
 std::string WithBlanksAsUnderscores(const std::string& words) {
-    std::string name = SqlName(words);
+    std::string name = SqlWords(words);
     name.erase(name.begin(), std::find_if(name.begin(), name.end(), [](char c) { return c != '_'; }));
     name.erase(std::unique(name.begin(), name.end(), [](char a, char b) { return a == '_' && b == '_'; }), name.end());
     return name;
@@ -107,7 +107,7 @@ private:
 
     void AddProperty(size_t index) {
         const TCIMPropertyDecl& declaration = *fDeclarations[index];
-        const std::string name = SqlName(declaration.GetName());
+        const std::string name = SqlWords(declaration.GetName());
         if (IsEnumeration(declaration)) return AddEnumeration(index, name);
         const std::string declared = UnitOf(declaration);
         const TUnit unit = BaseUnitOf(declared);
@@ -129,7 +129,7 @@ private:
 
     void AddInterval(size_t index) {
         const TType type{CIM::eCIMDateTime, EColumn::eInterval, 0};
-        Add(ColumnFor(index, SqlName(fDeclarations[index]->GetName()) + "_interval", type),
+        Add(ColumnFor(index, SqlWords(fDeclarations[index]->GetName()) + "_interval", type),
             {index, EPart::eInterval, {}});
     }
 
@@ -148,9 +148,9 @@ private:
         return column;
     }
 
-    // A reference takes two names.
+    // A reference takes two names, which are no words of SQL.
     std::string FreeName(const std::string& name, bool isReference) {
-        std::string tried = ShortName(name, 63 - std::string(kPathSuffix).size());
+        std::string tried = ShortName(isReference ? name : Unreserved(name), 63 - std::string(kPathSuffix).size());
         while (!IsFree(tried, isReference)) tried += '_';
         if (!isReference) return *fNames.insert(tried).first;
         for (const char* suffix : {kIdSuffix, kPathSuffix}) fNames.insert(tried + suffix);

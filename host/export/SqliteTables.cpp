@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 #include "base/Output.h"
 #include "base/Text.h"
@@ -61,7 +60,6 @@ TSqliteTables::TTarget TSqliteTables::MakeTarget(const TTable& table) {
     target.hasRowIds = !table.className.empty();
     TStored& stored = fStored[target.name];
     if (stored.types.empty()) Create(target.name, table, stored);
-    std::set<std::string> used;
     for (size_t i = 0; i < table.columns.size(); ++i) {
         const bool isReference = table.columns[i].kind == EColumn::eReference;
         target.places.push_back(PlaceFor(table, target.name, stored, i, isReference ? TPlace::eRow : TPlace::eCell));

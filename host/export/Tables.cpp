@@ -253,7 +253,7 @@ constexpr const char* kTypeSuffixes[] = {"_integer", "_uint64",   "_real", "_tex
 
 const char* TypeSuffix(EColumn kind) { return kTypeSuffixes[static_cast<size_t>(kind)]; }
 
-std::string SqlName(const std::string& cimName) {
+std::string SqlWords(const std::string& cimName) {
     const std::string name = WithWords(cimName);
     std::string words;
     for (size_t i = 0; i < name.size(); ++i) {
@@ -261,9 +261,14 @@ std::string SqlName(const std::string& cimName) {
         words += IsWordByte(name[i]) ? LowerByte(name[i]) : '_';
     }
     if (words.empty() || IsDigit(words.front())) words.insert(words.begin(), '_');
-    if (std::binary_search(std::begin(kReserved), std::end(kReserved), words)) words += '_';
     return words;
 }
+
+std::string Unreserved(const std::string& name) {
+    return std::binary_search(std::begin(kReserved), std::end(kReserved), name) ? name + '_' : name;
+}
+
+std::string SqlName(const std::string& cimName) { return Unreserved(SqlWords(cimName)); }
 
 std::string ShortName(const std::string& name, size_t most) {
     if (name.size() <= most) return name;

@@ -44,7 +44,11 @@ constexpr const char* kOwnTables[] = {"host", "run", "class_state", "missing", "
 /// What the name of a column ends with if its name is taken by one of another type: "_text".
 const char* TypeSuffix(EColumn kind);
 
-/// A name of CIM as one of a table or column: "PCIDevice" is "pci_device". Words that SQL has for itself get a "_".
+/// A name of CIM in small letters, as the start of a name in SQL: "PCIDevice" is "pci_device".
+std::string SqlWords(const std::string& cimName);
+/// The name, with a "_" behind it if it is a word that SQL has for itself.
+std::string Unreserved(const std::string& name);
+/// A name of CIM as one of a table or column.
 std::string SqlName(const std::string& cimName);
 /// The name, or if it has more bytes than that, which is what data bases take, its start with a hash of the whole.
 std::string ShortName(const std::string& name, size_t most = 63);

@@ -127,7 +127,7 @@ class Collection:
     def cells(self, cls, name, each, columns):
         value, kind = each["value"], each["type"]
         if (cls, name) in self.words:
-            assert columns[1] == columns[0] + "_code", (cls, columns)
+            assert columns[1] == columns[0].rstrip("_") + "_code", (cls, columns)
             yield columns[1], value
             yield columns[0], self.word(each)
         elif kind == "datetime":

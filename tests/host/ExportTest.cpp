@@ -303,7 +303,6 @@ TEST_F(ExportNamesTest, AreWordsInSmallLettersThatNoDataBaseReserves) {
                             {"a_B.c d", "a_b_c_d"},
                             {"3Com", "_3_com"},
                             {"Table", "table_"},
-                            {"Use", "use_"},
                             {"Order", "order_"},
                             {"Xmin", "xmin_"}};
     for (const TLines& each : cases) EXPECT_EQ(SqlName(each[0]), each[1]);
