@@ -10,12 +10,6 @@ namespace {
 
 constexpr size_t kMostMatches = 3;
 
-std::string ToLower(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return text;
-}
-
 bool IsTransposed(const std::string& from, size_t i, const std::string& to, size_t j) {
     return i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j];
 }
@@ -45,10 +39,10 @@ size_t EditDistance(const std::string& from, const std::string& to) {
 }
 
 std::vector<std::string> FindNearMatches(const std::string& name, const std::vector<std::string>& candidates) {
-    const std::string wanted = ToLower(name);
+    const std::string wanted = LowerCase(name);
     std::vector<std::pair<size_t, std::string>> near;
     for (const std::string& candidate : candidates) {
-        const std::string lowered = ToLower(candidate);
+        const std::string lowered = LowerCase(candidate);
         const size_t distance = EditDistance(wanted, lowered);
         if (IsNear(wanted, lowered, distance)) near.emplace_back(distance, candidate);
     }

@@ -172,6 +172,12 @@ std::string CutText(const std::string& text, size_t size) {
     return text.substr(0, end) + "...";
 }
 
+std::string LowerCase(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return text;
+}
+
 std::string Join(const std::vector<std::string>& texts, const char* separator) {
     std::string joined;
     for (size_t i = 0; i < texts.size(); ++i) joined += (i == 0 ? "" : separator) + texts[i];

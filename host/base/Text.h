@@ -29,6 +29,9 @@ std::vector<std::string> WrapText(std::string_view visible, size_t width);
 /// The text if it has at most that many bytes. Otherwise as many whole characters of it as fit, and "..." behind them.
 std::string CutText(const std::string& text, size_t size);
 
+/// With the letters of ASCII as small ones.
+std::string LowerCase(std::string text);
+
 /// The texts with the separator between them.
 std::string Join(const std::vector<std::string>& texts, const char* separator = ", ");
 

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <set>
 
+#include "base/Gzip.h"
 #include "base/Text.h"
 #include "check/Check.h"
 #include "kyr/TOSSpecific.h"
@@ -49,12 +50,10 @@ bool HasLibrary(const TFolder& folder, const std::string& document) {
 }  // namespace
 
 bool IsTakenForCompressed(const std::string& path) {
-    constexpr char kMagic[] = {'\x1F', '\x8B'};
-    char start[sizeof kMagic] = {};
+    char start[2] = {};
     std::ifstream file(path, std::ios::binary);
     file.read(start, sizeof start);
-    return path.find(".gz") != std::string::npos && file.gcount() > 0 &&
-           !std::equal(std::begin(kMagic), std::end(kMagic), start);
+    return path.find(".gz") != std::string::npos && file.gcount() > 0 && !IsGzip({start, sizeof start});
 }
 
 void CheckDocumentName(const std::string& path, TFindings& findings) {

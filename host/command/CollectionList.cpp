@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "base/ExitStatus.h"
+#include "base/Gzip.h"
 #include "base/Text.h"
 
 namespace {
@@ -26,8 +27,7 @@ std::string Quoted(const std::string& path) { return "'" + VisibleText(path) + "
 // A collection is compressed, or XML, perhaps behind a byte order mark. No name of a file looks so.
 bool IsCollection(const std::string& start) {
     const size_t first = start.find_first_not_of(" \t\r\n");
-    return StartsWith(start, "\x1F\x8B") || StartsWith(start, "\xEF\xBB\xBF<") ||
-           (first != std::string::npos && start[first] == '<');
+    return IsGzip(start) || StartsWith(start, "\xEF\xBB\xBF<") || (first != std::string::npos && start[first] == '<');
 }
 
 std::ifstream Open(const std::string& path) {

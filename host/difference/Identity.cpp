@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "base/Text.h"
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
@@ -28,12 +29,6 @@ std::string LettersAndDigits(const std::string& text) {
         if (std::isalnum(static_cast<unsigned char>(c)) != 0)
             plain += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return plain;
-}
-
-// Kernels have written the same UUID in capitals and in small letters.
-std::string LowerCase(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
 }
 
 // Of a property that is no text: a number, or nothing.
@@ -80,6 +75,7 @@ void TIdentities::Enter(const std::string& name, const TCIMInstance& instance) {
     if (property == nullptr || !IsText(*property)) return;
     const std::string text = TextIn(*property);
     if (text.empty()) return;
+    // Kernels have written the same UUID in capitals and in small letters.
     const auto [owner, isFirst] = fOwners[name].emplace(LowerCase(text), &instance);
     if (!isFirst) owner->second = nullptr;
 }

@@ -1,20 +1,18 @@
 #include "export/CollectionExport.h"
 
 #include <malloc.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <zlib.h>
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fstream>
 #include <iterator>
 
-#include "base/Descriptor.h"
 #include "base/ExitStatus.h"
+#include "base/Gzip.h"
+#include "base/Spool.h"
 #include "base/Text.h"
 #include "export/Changes.h"
 #include "export/Rows.h"
@@ -23,7 +21,6 @@
 
 namespace {
 
-constexpr const char* kGzipMagic = "\x1F\x8B";
 constexpr size_t kGzipEnd = 8;  // a check sum and the size of what is compressed
 
 std::string ReadBytes(const std::string& path) {
@@ -31,12 +28,10 @@ std::string ReadBytes(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-bool IsCompressed(const std::string& bytes) { return StartsWith(bytes, kGzipMagic); }
-
 // Of the uncompressed document, whether it is compressed or not: its check sum and size.
 uint64_t FingerprintOf(const std::string& bytes) {
     uint32_t parts[2] = {0, static_cast<uint32_t>(bytes.size())};
-    if (IsCompressed(bytes) && bytes.size() >= kGzipEnd)
+    if (IsGzip(bytes) && bytes.size() >= kGzipEnd)
         std::memcpy(parts, bytes.data() + bytes.size() - kGzipEnd, sizeof parts);
     else
         parts[0] =
@@ -83,23 +78,12 @@ TRun RunOf(const TSource& source, const TContainer& container, const std::string
     return run;
 }
 
-/// Bytes in a file that is in memory.
-class TMemoryFile {
-public:
-    explicit TMemoryFile(const std::string& bytes) : fFile(memfd_create("kyr-document", MFD_CLOEXEC)) {
-        const bool isWritten = write(fFile.Number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
-        if (!isWritten)
-            throw TCommandError(eExitNothing, std::string("no memory for a document: ") + std::strerror(errno));
-    }
-    std::string Path() const { return "/proc/self/fd/" + std::to_string(fFile.Number()); }
-
-private:
-    const TDescriptor fFile;
-};
-
 void ReadNeighbour(const TVerdict::TNeighbour& neighbour, TContainer& container) {
     if (neighbour.document.empty()) return (void)ReadCollectionWithStates(neighbour.file, container);
-    ReadCollectionWithStates(TMemoryFile(neighbour.document).Path(), container);
+    TSpool document;
+    document.Write(neighbour.document);
+    document.Rewind();
+    ReadCollectionWithStates(document.Path(), container);
 }
 
 void WriteChanges(const TContainer& container, const TRun& run, const TVerdict::TNeighbour& neighbour,
@@ -133,6 +117,6 @@ void ExportCollection(const TSource& source, const std::vector<std::string>& cla
     WriteRows(container, {classes, sink.WantsPaths()}, tables, sink);
     for (const TVerdict::TNeighbour& neighbour : verdict.neighbours)
         WriteChanges(container, run, neighbour, classes, sink);
-    if (sink.WantsDocuments()) sink.Document(IsCompressed(bytes) ? std::move(bytes) : Compressed(bytes));
+    if (sink.WantsDocuments()) sink.Document(IsGzip(bytes) ? std::move(bytes) : Compressed(bytes));
     sink.End();
 }

@@ -301,12 +301,6 @@ std::string IdentityText(const TContainer& container, const THostText& text) {
     return IsPlaceholder(told) ? "" : CellText(told);
 }
 
-// They have been written in capitals and in small letters.
-std::string LowerCase(std::string text) {
-    for (char& c : text) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    return text;
-}
-
 void SetTime(const TCIMInstance& collection, TRun& run) {
     const TCIMProperty* const property = collection.FindProperty("DateTimeOfCollection");
     if (property == nullptr || property->GetType() != TCIMValue::TCIMType::eCIMDateTime) return;
@@ -340,6 +334,7 @@ TRun RunOf(const TContainer& container) {
     TRun run;
     run.hasTime = false;
     run.name = CellText(HostTextOf(container, kHostTexts[0]));
+    // These have been written in capitals and in small letters.
     run.machineId = LowerCase(IdentityText(container, kHostTexts[1]));
     run.uuid = LowerCase(IdentityText(container, kHostTexts[2]));
     run.serial = IdentityText(container, kHostTexts[3]);

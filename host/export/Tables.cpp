@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include "base/Text.h"
 
@@ -164,8 +165,6 @@ bool StartsWord(const std::string& name, size_t at) {
     return IsLower(before) || IsDigit(before) || (IsUpper(before) && at + 1 < name.size() && IsLower(name[at + 1]));
 }
 
-char LowerByte(char c) { return IsUpper(c) ? static_cast<char>(c - 'A' + 'a') : c; }
-
 // FNV-1a
 uint32_t HashOf(const std::string& text) {
     uint32_t hash = 2166136261u;
@@ -258,10 +257,10 @@ std::string SqlWords(const std::string& cimName) {
     std::string words;
     for (size_t i = 0; i < name.size(); ++i) {
         if (StartsWord(name, i)) words += '_';
-        words += IsWordByte(name[i]) ? LowerByte(name[i]) : '_';
+        words += IsWordByte(name[i]) ? name[i] : '_';
     }
     if (words.empty() || IsDigit(words.front())) words.insert(words.begin(), '_');
-    return words;
+    return LowerCase(std::move(words));
 }
 
 std::string Unreserved(const std::string& name) {

@@ -13,6 +13,7 @@
 
 #include "base/CoreLog.h"
 #include "base/ExitStatus.h"
+#include "base/Gzip.h"
 #include "base/OutputFile.h"
 #include "base/StatusWords.h"
 #include "base/Text.h"
@@ -89,8 +90,7 @@ void RequireFile(const std::string& path, const std::string& name) {
 bool IsNamedAsItIs(const std::string& path) {
     char start[2] = {};
     std::ifstream(path, std::ios::binary).read(start, sizeof start);
-    const bool isCompressed = start[0] == '\x1F' && start[1] == '\x8B';
-    return isCompressed == (path.find(".gz") != std::string::npos);
+    return IsGzip({start, sizeof start}) == (path.find(".gz") != std::string::npos);
 }
 
 // "1 of 3 instances", or nothing if as many are there as were saved.
