@@ -45,22 +45,16 @@ std::string SerialNumberOf(const TBom& bom) {
     return "urn:uuid:" + to_string(boost::uuids::name_generator_sha1(space)(digest.Text()));
 }
 
-void WriteMember(TJsonWriter& json, const char* key, const std::string& text) {
-    if (text.empty()) return;
-    json.Key(key);
-    json.String(text);
-}
-
 void WriteSupplier(TJsonWriter& json, const TBomComponent& component) {
     if (component.supplier.empty() && component.email.empty()) return;
     json.Key("supplier");
     json.StartObject();
-    WriteMember(json, "name", component.supplier);
+    WriteIfAny(json, "name", component.supplier);
     if (!component.email.empty()) {
         json.Key("contact");
         json.StartArray();
         json.StartObject();
-        WriteMember(json, "email", component.email);
+        WriteIfAny(json, "email", component.email);
         json.EndObject();
         json.EndArray();
     }
@@ -73,8 +67,8 @@ void WriteProperties(TJsonWriter& json, const std::vector<TBomProperty>& propert
     json.StartArray();
     for (const TBomProperty& property : properties) {
         json.StartObject();
-        WriteMember(json, "name", property.name);
-        WriteMember(json, "value", property.value);
+        WriteIfAny(json, "name", property.name);
+        WriteIfAny(json, "value", property.value);
         json.EndObject();
     }
     json.EndArray();
@@ -82,13 +76,13 @@ void WriteProperties(TJsonWriter& json, const std::vector<TBomProperty>& propert
 
 void WriteComponent(TJsonWriter& json, const TBomComponent& component) {
     json.StartObject();
-    WriteMember(json, "type", component.type);
-    WriteMember(json, "bom-ref", component.ref);
+    WriteIfAny(json, "type", component.type);
+    WriteIfAny(json, "bom-ref", component.ref);
     WriteSupplier(json, component);
-    WriteMember(json, "name", component.name);
-    WriteMember(json, "version", CutText(component.version, kLongestVersion));
-    WriteMember(json, "description", component.description);
-    WriteMember(json, "purl", component.purl);
+    WriteIfAny(json, "name", component.name);
+    WriteIfAny(json, "version", CutText(component.version, kLongestVersion));
+    WriteIfAny(json, "description", component.description);
+    WriteIfAny(json, "purl", component.purl);
     WriteProperties(json, component.properties);
     json.EndObject();
 }
@@ -111,7 +105,7 @@ void WriteLifecycle(TJsonWriter& json) {
     json.Key("lifecycles");
     json.StartArray();
     json.StartObject();
-    WriteMember(json, "phase", "operations");
+    WriteIfAny(json, "phase", "operations");
     json.EndObject();
     json.EndArray();
 }
@@ -119,7 +113,7 @@ void WriteLifecycle(TJsonWriter& json) {
 void WriteMetadata(TJsonWriter& json, const TBom& bom) {
     json.Key("metadata");
     json.StartObject();
-    WriteMember(json, "timestamp", bom.fTimestamp);
+    WriteIfAny(json, "timestamp", bom.fTimestamp);
     WriteLifecycle(json);
     WriteTool(json);
     json.Key("component");
@@ -141,7 +135,7 @@ void WriteDependencies(TJsonWriter& json, const TBom& bom) {
     json.StartArray();
     for (const auto& [ref, others] : bom.fDependencies) {
         json.StartObject();
-        WriteMember(json, "ref", ref);
+        WriteIfAny(json, "ref", ref);
         WriteTexts(json, "dependsOn", others);
         json.EndObject();
     }
@@ -153,7 +147,7 @@ void WriteCompositions(TJsonWriter& json, const TBom& bom) {
     json.StartArray();
     for (const TBomComposition& composition : bom.fCompositions) {
         json.StartObject();
-        WriteMember(json, "aggregate", composition.aggregate);
+        WriteIfAny(json, "aggregate", composition.aggregate);
         WriteTexts(json, "dependencies", std::vector<std::string>{composition.ref});
         json.EndObject();
     }
@@ -165,9 +159,9 @@ void WriteCompositions(TJsonWriter& json, const TBom& bom) {
 void WriteBom(const TBom& bom, TOutput& output) {
     TJsonWriter json(output);
     json.StartObject();
-    WriteMember(json, "bomFormat", "CycloneDX");
-    WriteMember(json, "specVersion", "1.6");
-    WriteMember(json, "serialNumber", SerialNumberOf(bom));
+    WriteIfAny(json, "bomFormat", "CycloneDX");
+    WriteIfAny(json, "specVersion", "1.6");
+    WriteIfAny(json, "serialNumber", SerialNumberOf(bom));
     json.Key("version");
     json.Integer("1");
     WriteMetadata(json, bom);

@@ -12,12 +12,6 @@ namespace {
 
 constexpr size_t kChunk = 1 << 16;
 
-void WriteIfAny(TJsonWriter& json, const char* key, const std::string& text) {
-    if (text.empty()) return;
-    json.Key(key);
-    json.String(text);
-}
-
 void WriteText(TJsonWriter& json, const std::string& text, EColumn kind) {
     kind == EColumn::eJson ? json.Json(text) : json.String(text);
 }

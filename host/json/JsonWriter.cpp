@@ -22,7 +22,7 @@ public:
 
     // In texts a line feed is escaped, so that one that comes here only arranges them.
     void Put(char c) {
-        if (fIsOneLine && c == '\n') return;
+        if (fIsOneLine && c == '\n') return fBlock.back() == ',' ? Put(' ') : void();
         if (fBlock.size() == kBlockSize) WriteBlock();
         fBlock += c;
     }
@@ -159,3 +159,9 @@ void TJsonWriter::Integer(std::string_view digits) {
 void TJsonWriter::Real(float value) { fBody->Real(value); }
 void TJsonWriter::Real(double value) { fBody->Real(value); }
 void TJsonWriter::Json(std::string_view text) { fBody->Json(text); }
+
+void WriteIfAny(TJsonWriter& json, std::string_view key, std::string_view text) {
+    if (text.empty()) return;
+    json.Key(key);
+    json.String(text);
+}

@@ -42,4 +42,7 @@ private:
     std::unique_ptr<TBody> fBody;
 };
 
+/// Writes the member of an object, if the text is not empty.
+void WriteIfAny(TJsonWriter& json, std::string_view key, std::string_view text);
+
 #endif

@@ -96,7 +96,7 @@ TEST_F(ExportFormsTest, WriteAFileOnlyWhole) {
 TEST(ExportMachineTest, CollectsThisMachineIfNoCollectionIsNamed) {
     const TRunResult run = RunKyrOn("server", "export --jsonl --class computers");
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_THAT(run.out, HasSubstr("\"class\": \"computer_system\",\"key\": \"db01.example.net\""));
+    EXPECT_THAT(run.out, HasSubstr("\"class\": \"computer_system\", \"key\": \"db01.example.net\""));
     EXPECT_THAT(RunKyrOn("server", "export --csv nonsense"),
                 FieldsAre(2, IsEmpty(), HasSubstr("unknown class 'nonsense'")));
 }
