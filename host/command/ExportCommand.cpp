@@ -1,6 +1,5 @@
 #include <CLI/App.hpp>
 #include <optional>
-#include <utility>
 
 #include "base/OutputFile.h"
 #include "base/Spool.h"
@@ -63,31 +62,6 @@ private:
     TOutput& fStandard;
     std::optional<TOutputFile> fFile;
     std::optional<TOutput> fToFile;
-};
-
-/// Hands all on, and notes whether any collection knew a class.
-class TNotingSink : public IRunSink {
-public:
-    explicit TNotingSink(std::unique_ptr<IRunSink> sink) : fSink(std::move(sink)) {}
-
-    bool KnewClass() const { return fKnewClass; }
-    bool WantsDocuments() const override { return fSink->WantsDocuments(); }
-    bool WantsPaths() const override { return fSink->WantsPaths(); }
-    TVerdict Decide(const TRun& run) override { return fSink->Decide(run); }
-    void Begin(const TRun& run) override { fSink->Begin(run); }
-    void Table(const TTable& table) override {
-        fKnewClass |= !table.className.empty();
-        fSink->Table(table);
-    }
-    void Row(const TTable& table, TRow&& row) override { fSink->Row(table, std::move(row)); }
-    void Document(std::string&& document) override { fSink->Document(std::move(document)); }
-    void End() override { fSink->End(); }
-    void Abandon() override { fSink->Abandon(); }
-    void Finish() override { fSink->Finish(); }
-
-private:
-    const std::unique_ptr<IRunSink> fSink;
-    bool fKnewClass = false;
 };
 
 class TExportCommand : public TCommand {
@@ -202,11 +176,11 @@ private:
     TFleetCounts Export(const std::vector<TSource>& sources, TOutput& output) {
         fOptions.classes = WantedClasses();
         TTarget target(fOutput, output);
-        TNotingSink sink(MakeSink(target.Output()));
-        const TFleetCounts counts = ExportFiles(sources, fOptions, sink);
-        if (!fOptions.classes.empty() && counts.stored > 0 && !sink.KnewClass())
+        const std::unique_ptr<IRunSink> sink = MakeSink(target.Output());
+        const TFleetCounts counts = ExportFiles(sources, fOptions, *sink);
+        if (!fOptions.classes.empty() && counts.stored > 0 && !counts.haveClasses)
             throw TCommandError(eExitUsage, "no collection knows the class '" + Join(fOptions.classes, "' or '") + "'");
-        sink.Finish();
+        sink->Finish();
         target.Finish();
         return counts;
     }

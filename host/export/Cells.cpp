@@ -9,7 +9,9 @@
 #include <ctime>
 
 #include "base/Text.h"
+#include "export/CellText.h"
 #include "kyr/TCIMDateTime.h"
+#include "model/DateFaults.h"
 
 namespace {
 
@@ -21,39 +23,14 @@ std::string DigitsOf(TWideInteger number) {
     return number < 10 ? last : DigitsOf(number / 10) + last;
 }
 
-void WriteText(TWriter& json, const std::string& text) {
-    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-}
-
 // JSON has no word for what is no number.
-void WriteReal(TWriter& json, double real) {
-    if (!std::isfinite(real)) return WriteText(json, std::isnan(real) ? "NaN" : real < 0 ? "-Infinity" : "Infinity");
-    char digits[64];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, real).ptr;
-    json.RawValue(digits, static_cast<size_t>(end - digits), rapidjson::kNumberType);
-}
-
-void WriteCell(TWriter& json, const TCell& cell) {
-    switch (cell.kind) {
-        case TCell::eNull:
-            return (void)json.Null();
-        case TCell::eInteger:
-            return (void)json.Int64(cell.integer);
-        case TCell::eDigits:
-            return (void)json.RawValue(cell.text.data(), cell.text.size(), rapidjson::kNumberType);
-        case TCell::eReal:
-            return WriteReal(json, cell.real);
-        default:
-            return WriteText(json, cell.text);
-    }
-}
-
-bool IsInRange(unsigned value, unsigned first, unsigned last) { return value >= first && value <= last; }
-
-unsigned DaysIn(unsigned month, unsigned year) {
-    const bool isLeap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-    if (month == 2) return isLeap ? 29 : 28;
-    return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
+void WriteCell(TWriter& json, const TCell& cell, EColumn kind) {
+    if (cell.kind == TCell::eNull) return (void)json.Null();
+    const std::string text = TextOfCell(cell, kind);
+    const bool isWhole = cell.kind == TCell::eInteger || cell.kind == TCell::eDigits;
+    if (isWhole || (cell.kind == TCell::eReal && std::isfinite(cell.real)))
+        return (void)json.RawValue(text.data(), text.size(), rapidjson::kNumberType);
+    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
 }  // namespace
@@ -64,34 +41,16 @@ std::string CellText(const std::string& text) {
     return valid;
 }
 
-TCell TextCell(const std::string& text) {
-    TCell cell;
-    cell.kind = text.empty() ? TCell::eNull : TCell::eText;
-    cell.text = CellText(text);
-    return cell;
-}
+TCell TextCell(const std::string& text) { return {text.empty() ? TCell::eNull : TCell::eText, 0, 0, CellText(text)}; }
 
-TCell IntegerCell(int64_t integer) {
-    TCell cell;
-    cell.kind = TCell::eInteger;
-    cell.integer = integer;
-    return cell;
-}
+TCell IntegerCell(int64_t integer) { return {TCell::eInteger, integer}; }
 
 TCell NumberCell(TWideInteger number) {
     if (number >= INT64_MIN && number <= INT64_MAX) return IntegerCell(static_cast<int64_t>(number));
-    TCell cell;
-    cell.kind = TCell::eDigits;
-    cell.text = DigitsOf(number);
-    return cell;
+    return {TCell::eDigits, 0, 0, DigitsOf(number)};
 }
 
-TCell RealCell(double real) {
-    TCell cell;
-    cell.kind = TCell::eReal;
-    cell.real = real;
-    return cell;
-}
+TCell RealCell(double real) { return {TCell::eReal, 0, real}; }
 
 double Widened(float number) {
     if (!std::isfinite(number)) return static_cast<double>(number);
@@ -102,23 +61,19 @@ double Widened(float number) {
     return wide;
 }
 
-TCell JsonCell(const std::vector<TCell>& elements) {
+TCell JsonCell(const std::vector<TCell>& elements, EColumn kind) {
     rapidjson::StringBuffer buffer;
     TWriter json(buffer);
     json.StartArray();
-    for (const TCell& element : elements) WriteCell(json, element);
+    for (const TCell& element : elements) WriteCell(json, element, kind);
     json.EndArray();
-    TCell cell;
-    cell.kind = TCell::eText;
-    cell.text.assign(buffer.GetString(), buffer.GetSize());
-    return cell;
+    return {TCell::eText, 0, 0, {buffer.GetString(), buffer.GetSize()}};
 }
 
-// The offset is at most what PostgreSQL takes.
+// PostgreSQL takes no year 0 and no such offset, and SQLite no leap second.
 bool Exists(const TCIMDateTime& moment) {
-    return IsInRange(moment.GetYear(), 1, 9999) && IsInRange(moment.GetMonth(), 1, 12) &&
-           IsInRange(moment.GetDay(), 1, DaysIn(moment.GetMonth(), moment.GetYear())) && moment.GetHour() < 24 &&
-           moment.GetMinute() < 60 && moment.GetSecond() < 60 && std::abs(moment.GetUTCOffset()) < 16 * 60;
+    return DateFaultOf(moment).empty() && moment.GetYear() > 0 && moment.GetSecond() < 60 &&
+           std::abs(moment.GetUTCOffset()) < 16 * 60;
 }
 
 int64_t MicrosecondsOf(const TCIMDateTime& moment) {

@@ -21,8 +21,8 @@ TCell TextCell(const std::string& text);
 TCell IntegerCell(int64_t integer);
 TCell NumberCell(TWideInteger number);
 TCell RealCell(double real);
-/// A JSON array of the cells.
-TCell JsonCell(const std::vector<TCell>& elements);
+/// A JSON array of the cells, each of that kind.
+TCell JsonCell(const std::vector<TCell>& elements, EColumn kind);
 
 /// The double that has the digits of the float: 1.1 and not 1.10000002.
 double Widened(float number);

@@ -132,6 +132,7 @@ public:
             StoreOne();
             fTold.erase(fTurn);
         }
+        fCounts.haveClasses = fPool.HasClasses();
         return fCounts;
     }
 

@@ -69,7 +69,8 @@ BEGIN
     column_name text NOT NULL, reason text, source text);
   CREATE INDEX ON missing (run_id);
   CREATE TABLE column_info (table_name text, column_name text, class text, property text, cim_type text, unit text,
-    declared_unit text, description text, null_meaning text, volatile boolean NOT NULL, PRIMARY KEY (table_name, column_name));
+    declared_unit text, description text, null_meaning text, volatile boolean NOT NULL,
+    PRIMARY KEY (table_name, column_name));
   EXECUTE format('COMMENT ON TABLE column_info IS %L', mark);
 END $kyr$;
 
@@ -96,8 +97,9 @@ BEGIN
   shared := concat_ws(' and ', CASE WHEN other.machine_id = new.machine_id THEN 'the machine ID ' || new.machine_id END,
     CASE WHEN other.uuid = new.uuid THEN 'the UUID ' || new.uuid END,
     CASE WHEN other.serial = new.serial THEN 'the serial number ' || new.serial END);
-  RAISE WARNING '% and % have in common %, and are stored as two hosts; if one is a copy of the other, give it a machine ID of its own',
-    pg_temp.kyr_described(other.name, (SELECT file FROM run WHERE host_id = other.id ORDER BY collected_at DESC LIMIT 1)),
+  RAISE WARNING '% and % have in common %, and are stored as two hosts; if one is a copy of the other, give it a '
+    'machine ID of its own', pg_temp.kyr_described(other.name,
+      (SELECT file FROM run WHERE host_id = other.id ORDER BY collected_at DESC LIMIT 1)),
     pg_temp.kyr_described(new.name, new.file), coalesce(nullif(shared, ''), 'the name ' || new.name);
 END $kyr$;
 
@@ -107,7 +109,8 @@ DECLARE
   found_id integer;
 BEGIN
   SELECT id INTO found_id FROM host h WHERE h.key = new.key
-    AND h.name IS NOT DISTINCT FROM new.name AND coalesce(h.uuid = new.uuid, true) AND coalesce(h.serial = new.serial, true) ORDER BY id LIMIT 1;
+    AND h.name IS NOT DISTINCT FROM new.name AND coalesce(h.uuid = new.uuid, true)
+    AND coalesce(h.serial = new.serial, true) ORDER BY id LIMIT 1;
   IF found_id IS NOT NULL THEN RETURN found_id; END IF;
   PERFORM pg_temp.kyr_warn_of_clone(new);
   INSERT INTO host (key, name, machine_id, uuid, serial, first_seen, last_seen) VALUES (new.key, new.name,
@@ -137,8 +140,8 @@ BEGIN
     SELECT * INTO newer FROM run WHERE host_id = of_host AND collected_at > new.collected_at
       ORDER BY collected_at DESC OFFSET keep - 1 LIMIT 1;
     IF FOUND THEN
-      RAISE WARNING 'the run of % of % is older than the stored one of % and not stored; --keep-runs % keeps more of them',
-        new.collected_at, pg_temp.kyr_described(new.name, new.file), newer.collected_at, keep + 1;
+      RAISE WARNING 'the run of % of % is older than the stored one of % and not stored; --keep-runs % keeps more of '
+        'them', new.collected_at, pg_temp.kyr_described(new.name, new.file), newer.collected_at, keep + 1;
       older := older + 1;
       CONTINUE;
     END IF;
@@ -205,7 +208,8 @@ $kyr$;
 
 -- The column for the values of a property, which is made if there is none; null if the table has no room for it. Where
 -- the type of a property is another one than before, its values get a column of their own.
-CREATE OR REPLACE FUNCTION pg_temp.kyr_column_for(table_name text, class text, new kyr_column) RETURNS text LANGUAGE plpgsql AS $kyr$
+CREATE OR REPLACE FUNCTION pg_temp.kyr_column_for(table_name text, class text, new kyr_column) RETURNS text
+  LANGUAGE plpgsql AS $kyr$
 #variable_conflict use_variable
 DECLARE
   place CONSTANT regclass := pg_temp.kyr_find(table_name);

@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -12,15 +13,31 @@ namespace {
 constexpr size_t kBufferSize = size_t{1} << 16;
 constexpr size_t kLargestFrame = size_t{1} << 30;
 
-// Text and numbers as TRecordReader takes them.
-void AppendText(std::string& bytes, std::string_view text) {
-    const auto size = static_cast<uint32_t>(text.size());
-    bytes.append(reinterpret_cast<const char*>(&size), sizeof size).append(text);
+// The texts of a run, a column and a table, in the order in which they are sent. The object may be constant.
+template <typename TOfRun>
+auto TextsOfRun(TOfRun& run) {
+    return std::array{&run.name,        &run.machineId, &run.uuid,       &run.serial, &run.collectedAt, &run.tool,
+                      &run.toolVersion, &run.state,     &run.reasonCode, &run.reason, &run.file};
+}
+template <typename TOfColumn>
+auto TextsOfColumn(TOfColumn& column) {
+    return std::array{&column.name,         &column.property,    &column.cimType,    &column.unit,
+                      &column.declaredUnit, &column.description, &column.nullMeaning};
+}
+template <typename TOfTable>
+auto TextsOfTable(TOfTable& table) {
+    return std::array{&table.name, &table.nameWithPrefix, &table.className};
 }
 
+// Text and numbers as TRecordReader takes them.
 template <typename TNumber>
 void AppendNumber(std::string& bytes, TNumber number) {
     bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+void AppendText(std::string& bytes, std::string_view text) {
+    AppendNumber(bytes, static_cast<uint32_t>(text.size()));
+    bytes.append(text);
 }
 
 // False if the other process has ended.
@@ -47,12 +64,9 @@ std::string ReceiveExactly(int socket, size_t count) {
 
 TColumn TakeColumn(TRecordReader& bytes) {
     TColumn column;
-    column.name = bytes.TakeText();
+    for (std::string* text : TextsOfColumn(column)) bytes.TakeText(*text);
     column.kind = bytes.TakeNumber<EColumn>();
     column.bits = bytes.TakeNumber<int>();
-    for (std::string* text : {&column.property, &column.cimType, &column.unit, &column.declaredUnit,
-                              &column.description, &column.nullMeaning})
-        bytes.TakeText(*text);
     column.isVolatile = bytes.TakeNumber<uint8_t>() != 0;
     column.isKey = bytes.TakeNumber<uint8_t>() != 0;
     return column;
@@ -60,7 +74,7 @@ TColumn TakeColumn(TRecordReader& bytes) {
 
 TTable TakeTable(TRecordReader& bytes) {
     TTable table;
-    for (std::string* text : {&table.name, &table.nameWithPrefix, &table.className}) bytes.TakeText(*text);
+    for (std::string* text : TextsOfTable(table)) bytes.TakeText(*text);
     table.isAssociation = bytes.TakeNumber<uint8_t>() != 0;
     while (!bytes.IsAtEnd()) table.columns.push_back(TakeColumn(bytes));
     return table;
@@ -95,11 +109,16 @@ TRow TakeRow(TRecordReader& bytes, const TTable& table) {
 TRowSender::TRowSender(int socket, const IRunSink& wishes)
     : fSocket(socket), fWantsDocuments(wishes.WantsDocuments()), fWantsPaths(wishes.WantsPaths()) {}
 
+void TRowSender::PutText(std::string_view text) { AppendText(fBuffer, text); }
+
+template <typename TNumber>
+void TRowSender::PutNumber(TNumber number) {
+    AppendNumber(fBuffer, number);
+}
+
 TVerdict TRowSender::Decide(const TRun& run) {
     StartFrame(EFrame::eRun);
-    for (const std::string* text : {&run.name, &run.machineId, &run.uuid, &run.serial, &run.collectedAt, &run.tool,
-                                    &run.toolVersion, &run.state, &run.reasonCode, &run.reason, &run.file})
-        PutText(*text);
+    for (const std::string* text : TextsOfRun(run)) PutText(*text);
     PutNumber(run.collectedMicroseconds);
     PutNumber(run.fingerprint);
     PutNumber<uint8_t>(run.hasTime ? 1 : 0);
@@ -169,18 +188,13 @@ void TRowSender::Flush() {
     fBuffer.clear();
 }
 
-void TRowSender::PutText(std::string_view text) { AppendText(fBuffer, text); }
-
 void TRowSender::PutTable(const TTable& table) {
-    for (const std::string* text : {&table.name, &table.nameWithPrefix, &table.className}) PutText(*text);
+    for (const std::string* text : TextsOfTable(table)) PutText(*text);
     PutNumber<uint8_t>(table.isAssociation ? 1 : 0);
     for (const TColumn& column : table.columns) {
-        PutText(column.name);
+        for (const std::string* text : TextsOfColumn(column)) PutText(*text);
         PutNumber(column.kind);
         PutNumber(column.bits);
-        for (const std::string* text : {&column.property, &column.cimType, &column.unit, &column.declaredUnit,
-                                        &column.description, &column.nullMeaning})
-            PutText(*text);
         PutNumber<uint8_t>(column.isVolatile ? 1 : 0);
         PutNumber<uint8_t>(column.isKey ? 1 : 0);
     }
@@ -235,9 +249,7 @@ bool TRowReceiver::Look(size_t offset) {
 TRun TRowReceiver::Run() const {
     TRecordReader reader(fPayload);
     TRun run;
-    for (std::string* text : {&run.name, &run.machineId, &run.uuid, &run.serial, &run.collectedAt, &run.tool,
-                              &run.toolVersion, &run.state, &run.reasonCode, &run.reason, &run.file})
-        reader.TakeText(*text);
+    for (std::string* text : TextsOfRun(run)) reader.TakeText(*text);
     run.collectedMicroseconds = reader.TakeNumber<int64_t>();
     run.fingerprint = reader.TakeNumber<uint64_t>();
     run.hasTime = reader.TakeNumber<uint8_t>() != 0;

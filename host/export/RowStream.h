@@ -37,11 +37,8 @@ private:
     void StartFrame(EFrame kind);
     void EndFrame();
     void Flush();
-    void Put(const void* bytes, size_t count) { fBuffer.append(static_cast<const char*>(bytes), count); }
     template <typename TNumber>
-    void PutNumber(TNumber number) {
-        Put(&number, sizeof number);
-    }
+    void PutNumber(TNumber number);
     void PutText(std::string_view text);
     void PutTable(const TTable& table);
     void PutCell(const TCell& cell);
@@ -59,8 +56,10 @@ class TTablePool {
 public:
     /// From the bytes of a frame. Raises TRecordError.
     const TTable& Of(std::string_view bytes);
+    bool HasClasses() const { return !fTables.empty(); }
 
 private:
+    // Those of classes, by their bytes.
     std::map<std::string, std::unique_ptr<const TTable>, std::less<>> fTables;
 };
 

@@ -35,6 +35,11 @@ bool IsLength(const TCIMValue& value) {
     return !moment.IsNull() && moment.IsInterval();
 }
 
+std::string WordOf(const TCIMInstance& state, const char* name) {
+    const TCIMProperty* const property = state.FindProperty(name);
+    return property == nullptr || property->GetValue().IsNull() ? "" : DisplayText(*property);
+}
+
 /// What the keys of the scope say of all instances, so that it need not stand in each row.
 struct TExpectedScope {
     std::string host;
@@ -170,7 +175,7 @@ private:
         const std::vector<TCIMValue>& elements = static_cast<std::vector<TCIMValue>&>(value);
         std::vector<TCell> cells;
         for (size_t i = 0; i < elements.size() && i < words.size(); ++i) cells.push_back(WordIn(words[i], elements[i]));
-        return JsonCell(cells);
+        return JsonCell(cells, EColumn::eText);
     }
 
     static TCell WordIn(const std::string& text, const TCIMValue& value) {
@@ -191,7 +196,7 @@ private:
                      TOverloads{[&](bool isTrue) { cell = IntegerCell(isTrue ? 1 : 0); },
                                 [&](float number) { cell = ScaledCell(Widened(number), unit); },
                                 [&](double number) { cell = ScaledCell(number, unit); },
-                                [&](const std::string& text) { cell = GivenTextCell(text); },
+                                [&](const std::string& text) { cell = GivenText(text); },
                                 [&](const TCIMDateTime& moment) { cell = ElementOf(moment, value); },
                                 [&](const TCIMReference& reference) { cell = ReferenceCell(reference); },
                                 [&](const std::vector<TCIMValue>& elements) { cell = ArrayCell(elements, unit); },
@@ -200,11 +205,7 @@ private:
     }
 
     // An empty text is a value.
-    static TCell GivenTextCell(const std::string& text) {
-        TCell cell = TextCell(text);
-        cell.kind = TCell::eText;
-        return cell;
-    }
+    static TCell GivenText(const std::string& text) { return {TCell::eText, 0, 0, CellText(text)}; }
 
     static TCell ElementOf(const TCIMDateTime& moment, const TCIMValue& value) {
         return moment.IsNull() ? TCell() : TextCell(RawText(value));
@@ -215,7 +216,8 @@ private:
         cells.reserve(elements.size());
         for (const TCIMValue& element : elements)
             cells.push_back(element.IsNull() ? TCell() : ValueCell(element, unit));
-        return JsonCell(cells);
+        const bool areBooleans = !elements.empty() && elements[0].GetType() == TCIMValue::TCIMType::eCIMBoolean;
+        return JsonCell(cells, areBooleans ? EColumn::eBoolean : EColumn::eJson);
     }
 
     TCell ReferenceCell(const TCIMReference& reference) {
@@ -279,11 +281,6 @@ private:
         fSink.Row(ClassStateTable(), std::move(row));
     }
 
-    static std::string WordOf(const TCIMInstance& state, const char* name) {
-        const TCIMProperty* const property = state.FindProperty(name);
-        return property == nullptr || property->GetValue().IsNull() ? "" : DisplayText(*property);
-    }
-
     const TContainer& fContainer;
     const TRowOptions& fOptions;
     TClassTables& fTables;
@@ -314,14 +311,10 @@ void SetTime(const TCIMInstance& collection, TRun& run) {
 }
 
 void SetState(const TCIMInstance& collection, TRun& run) {
-    const auto wordOf = [&](const char* name) {
-        const TCIMProperty* const property = collection.FindProperty(name);
-        return property == nullptr || property->GetValue().IsNull() ? "" : DisplayText(*property);
-    };
     run.tool = CellText(TextOf(collection, "Tool"));
     run.toolVersion = CellText(TextOf(collection, "ToolVersion"));
-    run.state = wordOf("State");
-    run.reasonCode = wordOf("ReasonCode");
+    run.state = WordOf(collection, "State");
+    run.reasonCode = WordOf(collection, "ReasonCode");
     run.reason = CellText(TextOf(collection, "Reason"));
     const TCIMProperty* const superuser = collection.FindProperty("Superuser");
     if (superuser == nullptr || superuser->GetType() != TCIMValue::TCIMType::eCIMBoolean) return;

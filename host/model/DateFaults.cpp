@@ -15,9 +15,11 @@ unsigned DaysIn(unsigned year, unsigned month) {
     return month == 2 && isLeap ? 29 : kDays[month - 1];
 }
 
-// The part that no calendar and no clock has, such as "month 13"; empty if there is none. A minute may have a leap
-// second, and the text form of a timestamp has no room for more digits of the year and the offset.
-std::string FaultOf(const TCIMDateTime& date) {
+}  // namespace
+
+// A minute may have a leap second, and the text form of a timestamp has no room for more digits of the year and the
+// offset.
+std::string DateFaultOf(const TCIMDateTime& date) {
     if (date.IsNull() || date.IsInterval()) return "";
     const unsigned month = date.GetMonth();
     const bool isMonth = month >= 1 && month <= 12;
@@ -37,8 +39,6 @@ std::string FaultOf(const TCIMDateTime& date) {
     return "";
 }
 
-}  // namespace
-
 std::vector<TDateFault> FindDateFaults(const TCIMClass& cls) {
     std::vector<TDateFault> faults;
     for (const TCIMPropertyDecl* declaration : cls.EnumeratePropertyDecls()) {
@@ -47,7 +47,7 @@ std::vector<TDateFault> FindDateFaults(const TCIMClass& cls) {
         for (const TCIMInstance* instance : cls.EnumerateInstances(false)) {
             const TCIMProperty* const property = instance->FindProperty(fault.property);
             const TCIMValue value = property == nullptr ? TCIMValue() : property->GetValue();
-            const std::string part = value.IsNull() ? "" : FaultOf(value);
+            const std::string part = value.IsNull() ? "" : DateFaultOf(value);
             if (part.empty() || fault.count++ > 0) continue;
             fault.text = '"' + PlainText(value) + "\" is no date that exists: " + part;
             fault.path = VisiblePath(*instance);

@@ -5,6 +5,11 @@
 #include <vector>
 
 class TCIMClass;
+class TCIMDateTime;
+
+/// The part of a timestamp that no calendar and no clock has, such as "month 13"; empty if there is none. The core
+/// takes the numbers as they come.
+std::string DateFaultOf(const TCIMDateTime& date);
 
 /// A property of which instances have timestamps that no calendar has.
 struct TDateFault {
@@ -14,7 +19,7 @@ struct TDateFault {
     size_t count;      ///< of the instances
 };
 
-/// The properties of the class that have them. The core takes the numbers of a timestamp as they come.
+/// The properties of the class that have them.
 std::vector<TDateFault> FindDateFaults(const TCIMClass& cls);
 
 #endif

@@ -22,7 +22,10 @@ SCOPE = {"CreationClassName", "SystemCreationClassName", "SystemName", "CSCreati
 
 
 def frozen(value):
-    return tuple(frozen(each) for each in value) if isinstance(value, list) else value
+    """Arrays as tuples, in which True is not 1."""
+    if isinstance(value, list):
+        return tuple(str(each) if isinstance(each, bool) else frozen(each) for each in value)
+    return value
 
 
 def visible(text):

@@ -12,7 +12,8 @@ PROPERTIES = [("Key", "string", "", "a\tb\\N\\.\nc,\"d\"\re'; DROP TABLE host; -
               ("Time", "datetime", "", "00010102000000.000000+720"), ("Late", "datetime", "", "99991230235959.999999-720"),
               ("Never", "datetime", "", "20261340000000.000000+000"), ("Length", "datetime", "", "99999999235959.999999:000")]
 PROPERTIES += [(kind.capitalize(), kind, "", number) for kind, number in NUMBERS.items()]
-ARRAYS = [("Texts", "string", ["a,b", "\\.", "", "\t"]), ("Sizes", "uint64", [2**64 - 1, 0])]
+ARRAYS = [("Texts", "string", ["a,b", "\\.", "", "\t"]), ("Sizes", "uint64", [2**64 - 1, 0]),
+          ("Flags", "boolean", ["TRUE", "FALSE"])]
 WIDE = 700
 
 
