@@ -17,12 +17,8 @@ protected:
     /// A copy of the file with a text in it replaced everywhere, and without the mark that would tell that.
     std::string Edit(const std::string& file, const std::string& name, const std::string& text,
                      const std::string& other) {
-        std::string content = ReadFile(file);
-        for (size_t mark = 0; (mark = content.find("<!--")) != std::string::npos;)
-            content.erase(mark, content.find("-->", mark) + 3 - mark);
-        EXPECT_NE(content.find(text), std::string::npos) << text;
-        for (size_t at = 0; (at = content.find(text, at)) != std::string::npos; at += other.size())
-            content.replace(at, text.size(), other);
+        std::string content = WithoutMarks(ReadFile(file));
+        ReplaceIn(content, text, other);
         return fFolder.Write(name + ".xml", content);
     }
 

@@ -9,11 +9,8 @@
 #include "export/ClassTable.h"
 #include "export/Fleet.h"
 #include "export/RunSink.h"
-#include "kyr/TCIMClass.h"
-#include "kyr/TCIMInstance.h"
-#include "kyr/TCIMProperty.h"
-#include "kyr/TContainer.h"
 #include "model/Values.h"
+#include "support/SchemaBuilder.h"
 
 using testing::EndsWith;
 
@@ -51,11 +48,7 @@ protected:
         const TRunResult run =
             RunKyrOn("server", "collect --class CIM_ComputerSystem --class CIM_OperatingSystem -o " + file);
         EXPECT_EQ(run.status, 0) << run.err;
-        fContent = ReadFile(file);
-        const size_t mark = fContent.rfind("<!--");
-        fContent.erase(mark);
-        const size_t announced = fContent.find("<!--");
-        fContent.erase(announced, fContent.find("-->", announced) + 3 - announced);
+        fContent = WithoutMarks(ReadFile(file));
         const size_t time = fContent.find("<VALUE>", fContent.rfind("\"DateTimeOfCollection\"")) + 7;
         fTime = fContent.substr(time, 25);
     }
@@ -63,19 +56,13 @@ protected:
     /// A copy of that day of January, in which texts are replaced everywhere.
     std::string Copy(const std::string& name, int day, const TEdits& edits = {}) {
         std::string content = fContent;
-        Replace(content, fTime, "2026010" + std::to_string(day) + "120000.000000+000");
-        for (const auto& [text, other] : edits) Replace(content, text, other);
+        ReplaceIn(content, fTime, "2026010" + std::to_string(day) + "120000.000000+000");
+        for (const auto& [text, other] : edits) ReplaceIn(content, text, other);
         return " " + fFolder.Write(name + ".xml", content);
     }
 
     TRunResult Export(const std::string& arguments) const {
         return RunKyr("export --sqlite " + fBase + " " + arguments);
-    }
-
-    static void Replace(std::string& content, const std::string& text, const std::string& other) {
-        EXPECT_NE(content.find(text), std::string::npos) << text;
-        for (size_t at = 0; (at = content.find(text, at)) != std::string::npos; at += other.size())
-            content.replace(at, text.size(), other);
     }
 
     TempFolder fFolder;
@@ -169,7 +156,7 @@ TEST_F(ExportTest, AddsWhatNewerCollectionsHaveAndDropsNothing) {
     std::string text = fContent;
     for (size_t place = 0; (place = text.find("\"SystemUpTime\"", place)) != std::string::npos; ++place)
         text.replace(text.find("TYPE=\"uint64\"", place), 13, "TYPE=\"string\"");
-    Replace(text, fTime, "20260104120000.000000+000");
+    ReplaceIn(text, fTime, "20260104120000.000000+000");
     EXPECT_EQ(Export("--keep-runs 4 " + fFolder.Write("fourth.xml", text)).status, 0);
     EXPECT_EQ(Query(fBase,
                     "SELECT typeof(system_up_time_seconds), typeof(system_up_time_seconds_text) FROM "
@@ -290,7 +277,7 @@ TEST_F(ExportTest, LosesOneFileWithAProcessThatDies) {
     EXPECT_EQ(sink.calls, "begin 2026-01-01 end begin 2026-01-03 end ");
 }
 
-using ExportNamesTest = LoggedTest;
+using ExportNamesTest = SchemaTest;
 
 TEST_F(ExportNamesTest, AreWordsInSmallLettersThatNoDataBaseReserves) {
     const TLines cases[] = {{"Size", "size"},
@@ -310,11 +297,9 @@ TEST_F(ExportNamesTest, AreWordsInSmallLettersThatNoDataBaseReserves) {
     EXPECT_EQ(ShortName(start + "zzz"), start + "zzz");
     EXPECT_EQ(ShortName(start + "zzzz").size(), 63u);
     EXPECT_NE(ShortName(start + "zzzz"), ShortName(other));
-    TContainer container;
     std::vector<TCIMClass*> classes;
     for (const char* name : {"CIM_Disk", "MOLTA_Disk", "XYZ_Change", "XYZ_SqliteThing"})
-        classes.push_back(container.AllocateClass(name, container.GetRootClass()));
-    const std::vector<std::unique_ptr<TCIMClass>> owners(classes.begin(), classes.end());
+        classes.push_back(&fSchema.AddClass(name, {Key("ID")}));
     EXPECT_THAT(TableNamesOf(classes), ElementsAre("disk", "molta_disk", "change_", "t_sqlite_thing"));
 }
 
@@ -329,24 +314,11 @@ TEST_F(ExportNamesTest, TellUnitsAsValuesAreDisplayedInThem) {
                  {"Bytes per Second", {"Kilo", "Mega", "Giga"}, 3},
                  {"Bits per Second", {"Kilo", "Mega", "Giga", "Tera", "Peta"}, 3},
                  {"Seconds", {"Milli", "Micro", "Nano"}, 5000000000}};
-    const auto displayed = [](const std::string& unit, unsigned long count) {
-        const TempFolder folder;
-        TContainer container;
-        container.PopulateContainerFromFile(folder.Write(
-            "units.xml",
-            "<?xml version=\"1.0\"?><CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.0\"><DECLARATION><DECLGROUP>"
-            "<QUALIFIER.DECLARATION NAME=\"Units\" TYPE=\"string\"><SCOPE PROPERTY=\"true\"/></QUALIFIER.DECLARATION>"
-            "<QUALIFIER.DECLARATION NAME=\"Key\" TYPE=\"boolean\"><SCOPE PROPERTY=\"true\"/></QUALIFIER.DECLARATION>"
-            "<VALUE.OBJECT><CLASS NAME=\"A_B\"><PROPERTY NAME=\"K\" TYPE=\"string\"><QUALIFIER NAME=\"Key\" "
-            "TYPE=\"boolean\"><VALUE>true</VALUE></QUALIFIER></PROPERTY><PROPERTY NAME=\"C\" "
-            "TYPE=\"uint64\"><QUALIFIER NAME=\"Units\" "
-            "TYPE=\"string\"><VALUE>" +
-                unit +
-                "</VALUE></QUALIFIER></PROPERTY></CLASS></VALUE.OBJECT></DECLGROUP>"
-                "</DECLARATION></CIM>"));
-        TCIMProperty property(*container.GetClass("A_B")->GetPropertyDecl("C"));
-        property.SetValue(TCIMValue(count));
-        return DisplayText(property);
+    const auto displayed = [&](const std::string& unit, unsigned long count) {
+        const std::unique_ptr<TCIMPropertyDecl> declaration =
+            fSchema.NewProperty(*fContainer.GetRootClass(), {"Counted", TCIMValue(count)});
+        fSchema.Qualify(*declaration, "Units", TCIMValue(unit));
+        return DisplayText(TCIMProperty(*declaration, TCIMValue(count)));
     };
     for (const auto& [base, magnitudes, count] : cases)
         for (const std::string& magnitude : magnitudes) {

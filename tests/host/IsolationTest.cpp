@@ -163,8 +163,7 @@ TEST(IsolationTest, DocumentThatIsTooLargeCostsItsOwnPlugin) {
 #endif
     for (const std::string& document : documents) {
         const TPluginRoot root({"shown"});
-        fs::create_directory(root.Path() + "/large");
-        fs::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", root.Path() + "/large/liblarge.pi.so");
+        CopyLibrary("shown", root.Path() + "/large/liblarge.pi.so");
         root.Write("large/large.properties.xml", document);
         EXPECT_THAT(RunKyr("collect" + root.Option()),
                     FieldsAre(1, AllOf(HasSubstr("TEST_Shown (2)\n"), HasSubstr("MOLTA_OperatingSystem\n")),

@@ -46,6 +46,11 @@ TPluginRoot::TPluginRoot(std::initializer_list<const char*> fixtures) {
         fs::create_directory_symlink(FIXTURE_PLUGINS "/" + name, Path() + "/" + name);
 }
 
+void CopyLibrary(const std::string& fixture, const std::string& target) {
+    fs::create_directories(fs::path(target).parent_path());
+    fs::copy_file(FIXTURE_PLUGINS "/" + fixture + "/lib" + fixture + ".pi.so", target);
+}
+
 TRunResult RunKyrWith(std::initializer_list<const char*> fixtures, const std::string& arguments,
                       const std::string& environment) {
     return RunKyr(arguments + TPluginRoot(fixtures).Option(), environment);
@@ -57,6 +62,18 @@ void TerminalTest::SetUp() {
 
 TRunResult TerminalTest::RunOnTerminal(const std::string& environment, const std::string& command) {
     return RunShell("PAGER=cat env " + environment + " script -qec '" + command + "' /dev/null </dev/null");
+}
+
+std::string WithoutMarks(std::string document) {
+    for (size_t mark = 0; (mark = document.find("<!--")) != std::string::npos;)
+        document.erase(mark, document.find("-->", mark) + 3 - mark);
+    return document;
+}
+
+void ReplaceIn(std::string& content, const std::string& text, const std::string& other) {
+    EXPECT_NE(content.find(text), std::string::npos) << text;
+    for (size_t at = 0; (at = content.find(text, at)) != std::string::npos; at += other.size())
+        content.replace(at, text.size(), other);
 }
 
 size_t CountIn(const std::string& text, const std::string& part) {

@@ -37,6 +37,9 @@ public:
     std::string Option() const { return " --plugins " + Path() + " "; }
 };
 
+/// Copies the library of a fixture plugin, making the folders on the way.
+void CopyLibrary(const std::string& fixture, const std::string& target);
+
 /// A run with such a root of its own.
 TRunResult RunKyrWith(std::initializer_list<const char*> fixtures, const std::string& arguments,
                       const std::string& environment = "");
@@ -48,6 +51,11 @@ protected:
     /// Standard output holds both. There is no pager unless the environment has one.
     static TRunResult RunOnTerminal(const std::string& environment, const std::string& command);
 };
+
+/// A saved document without the marks that would tell that it has been edited.
+std::string WithoutMarks(std::string document);
+/// The text is replaced wherever it stands; fails the test if it stands nowhere.
+void ReplaceIn(std::string& content, const std::string& text, const std::string& other);
 
 /// Whether a line has more bytes than that.
 bool HasLineOver(size_t length, const std::string& text);

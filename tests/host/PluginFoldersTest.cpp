@@ -11,11 +11,6 @@ namespace {
 
 const std::string kNobody = "setpriv --reuid=65534 --regid=65534 --clear-groups env ";
 
-void CopyLibrary(const std::string& target) {
-    fs::create_directories(fs::path(target).parent_path());
-    fs::copy_file(FIXTURE_PLUGINS "/shown/libshown.pi.so", target);
-}
-
 void CopyDocument(const std::string& target) {
     fs::create_directories(fs::path(target).parent_path());
     fs::copy_file(FIXTURE_PLUGINS "/shown/shown.properties.xml", target);
@@ -25,7 +20,7 @@ void CopyDocument(const std::string& target) {
 class TShownFolder : public TempFolder {
 public:
     TShownFolder() {
-        CopyLibrary(Path() + kShown);
+        CopyLibrary("shown", Path() + kShown);
         CopyDocument(Path() + "/shown/shown.properties.xml");
     }
     std::string Library() const { return Path() + kShown; }
@@ -94,7 +89,7 @@ TEST(PluginFoldersTest, UsersOwnFolderIsSearchedForUsersOnly) {
     const TempFolder data;
     chmod(data.Path().c_str(), 0755);
     const std::string folder = data.Path() + "/kyrcore/plugins/shown";
-    CopyLibrary(folder + "/libshown.pi.so");
+    CopyLibrary("shown", folder + "/libshown.pi.so");
     CopyDocument(folder + "/shown.properties.xml");
     const std::string variable = "XDG_DATA_HOME=" + data.Path() + " ";
     EXPECT_EQ(RunKyr("schema TEST_Shown", variable).status, 2);
@@ -144,7 +139,7 @@ TEST(PluginFoldersTest, LibraryInTheWrongPlaceIsToldTheRightOne) {
     };
     for (const auto& each : cases) {
         const TPluginRoot root({});
-        CopyLibrary(root.Path() + "/" + each.library);
+        CopyLibrary("shown", root.Path() + "/" + each.library);
         CopyDocument(root.Path() + "/" + each.document);
         const std::string text = each.text, remedy = "it belongs at " + root.Path() + "/" + each.right +
                                                      ", with its document beside it\n";
@@ -158,9 +153,9 @@ TEST(PluginFoldersTest, LibraryInTheWrongPlaceIsToldTheRightOne) {
 
 TEST(PluginFoldersTest, CopiesOfALibraryInItsPlaceAreNoMistake) {
     const TShownFolder root;
-    CopyLibrary(root.Path() + "/libshown.pi.so");
-    CopyLibrary(root.Path() + "/shown/old/libshown.pi.so");
-    CopyLibrary(root.Path() + "/shown/libhelper.so");
+    CopyLibrary("shown", root.Path() + "/libshown.pi.so");
+    CopyLibrary("shown", root.Path() + "/shown/old/libshown.pi.so");
+    CopyLibrary("shown", root.Path() + "/shown/libhelper.so");
     EXPECT_EQ(RunKyr(kList + "--plugins " + root.Path()).err, "");
 }
 
