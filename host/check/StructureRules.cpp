@@ -127,6 +127,11 @@ private:
         if (parentName == "VALUE.REFERENCE" && Has(kPaths, name))
             return Add("D13", element, "the reference names its object by " + Quoted(element.name),
                        "leave the path out: <VALUE.REFERENCE><INSTANCENAME ...>");
+        CheckTaken(element, parent);
+    }
+
+    void CheckTaken(const TElement& element, const TElement& parent) {
+        const std::string name = UpperName(element.name), parentName = UpperName(parent.name);
         const auto taken = TakenBy().find(parentName);
         if (taken == TakenBy().end()) {
             if (IsKnown(parentName))

@@ -144,7 +144,6 @@ private:
         column.description = DescriptionOf(declaration);
         column.nullMeaning = NullMeaningOf(declaration);
         column.isVolatile = IsVolatile(declaration);
-        column.isKey = IsKey(declaration);
         return column;
     }
 

@@ -70,7 +70,7 @@ TRun RunOf(const TSource& source, const TContainer& container, const std::string
     TRun run = RunOf(container);
     run.file = ValidText(source.name);
     run.fingerprint = FingerprintOf(bytes);
-    if (!run.hasTime) SetTimeOfFile(source.path, run);
+    if (run.collectedAt.empty()) SetTimeOfFile(source.path, run);
     if (run.name.empty() && run.machineId.empty() && run.uuid.empty() && run.serial.empty())
         throw TCommandError(eExitNothing, "cannot take the collection '" + VisibleText(source.name) +
                                               "': it does not tell of which host it is; collect it with the class "

@@ -68,7 +68,6 @@ TColumn TakeColumn(TRecordReader& bytes) {
     column.kind = bytes.TakeNumber<EColumn>();
     column.bits = bytes.TakeNumber<int>();
     column.isVolatile = bytes.TakeNumber<uint8_t>() != 0;
-    column.isKey = bytes.TakeNumber<uint8_t>() != 0;
     return column;
 }
 
@@ -121,7 +120,6 @@ TVerdict TRowSender::Decide(const TRun& run) {
     for (const std::string* text : TextsOfRun(run)) PutText(*text);
     PutNumber(run.collectedMicroseconds);
     PutNumber(run.fingerprint);
-    PutNumber<uint8_t>(run.hasTime ? 1 : 0);
     PutNumber<uint8_t>(!run.superuser ? 2 : *run.superuser ? 1 : 0);
     EndFrame();
     Flush();
@@ -196,7 +194,6 @@ void TRowSender::PutTable(const TTable& table) {
         PutNumber(column.kind);
         PutNumber(column.bits);
         PutNumber<uint8_t>(column.isVolatile ? 1 : 0);
-        PutNumber<uint8_t>(column.isKey ? 1 : 0);
     }
 }
 
@@ -252,7 +249,6 @@ TRun TRowReceiver::Run() const {
     for (std::string* text : TextsOfRun(run)) reader.TakeText(*text);
     run.collectedMicroseconds = reader.TakeNumber<int64_t>();
     run.fingerprint = reader.TakeNumber<uint64_t>();
-    run.hasTime = reader.TakeNumber<uint8_t>() != 0;
     if (const auto superuser = reader.TakeNumber<uint8_t>(); superuser != 2) run.superuser = superuser != 0;
     return run;
 }

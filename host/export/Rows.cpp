@@ -307,7 +307,6 @@ void SetTime(const TCIMInstance& collection, TRun& run) {
     if (moment.IsNull() || moment.IsInterval() || !Exists(moment)) return;
     run.collectedAt = RawText(value);
     run.collectedMicroseconds = MicrosecondsOf(moment);
-    run.hasTime = true;
 }
 
 void SetState(const TCIMInstance& collection, TRun& run) {
@@ -325,7 +324,6 @@ void SetState(const TCIMInstance& collection, TRun& run) {
 
 TRun RunOf(const TContainer& container) {
     TRun run;
-    run.hasTime = false;
     run.name = CellText(HostTextOf(container, kHostTexts[0]));
     // These have been written in capitals and in small letters.
     run.machineId = LowerCase(IdentityText(container, kHostTexts[1]));

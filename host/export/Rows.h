@@ -10,7 +10,7 @@ class TClassTables;
 class TContainer;
 
 /// The run that a collection is: its host, its time and its state. Fingerprint and file are left to the caller, and the
-/// time too, if the collection has none: then hasTime is false.
+/// time too, if the collection has none.
 TRun RunOf(const TContainer& container);
 
 /// What rows are wanted, and how.

@@ -43,9 +43,8 @@ struct TRow {
 /// One collection of one host. Texts are empty if the collection does not tell.
 struct TRun {
     std::string name, machineId, uuid, serial;  ///< of the host; what says nothing, as "To be filled", is empty
-    std::string collectedAt;                    ///< ISO 8601 with the offset from UTC
-    int64_t collectedMicroseconds = 0;          ///< since 1970 in UTC, to order runs by
-    bool hasTime = true;                        ///< false: it is the time of the file
+    std::string collectedAt;  ///< ISO 8601 with the offset from UTC; of the file if the collection has no time
+    int64_t collectedMicroseconds = 0;  ///< since 1970 in UTC, to order runs by
     std::string tool, toolVersion;
     std::optional<bool> superuser;
     std::string state, reasonCode, reason;  ///< the words

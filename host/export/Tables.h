@@ -22,7 +22,6 @@ struct TColumn {
     std::string description = {};
     std::string nullMeaning = {};  ///< what a row without a value means, if it says nothing else: "not present"
     bool isVolatile = false;
-    bool isKey = false;
 };
 
 /// The table of a class, or one of the tables' own, such as class_state.
