@@ -29,7 +29,9 @@ CREATE TEMPORARY TABLE kyr_missing (run integer, stage integer, id integer, numb
 )sql";
 
 const char kPostgresLoad[] = R"sql(
-ALTER TABLE kyr_run ADD COLUMN run_id integer, ADD COLUMN host_id integer, ADD COLUMN is_kept boolean DEFAULT false;
+ALTER TABLE kyr_run ADD COLUMN run_id integer, ADD COLUMN host_id integer, ADD COLUMN is_kept boolean DEFAULT false,
+  ADD COLUMN not_compared_with timestamptz;
+CREATE INDEX ON kyr_run (fingerprint);
 ALTER TABLE kyr_table ADD COLUMN target text;
 ALTER TABLE kyr_column ADD COLUMN target text;
 CREATE TEMPORARY TABLE kyr_gone (run_id integer) ON COMMIT DROP;
@@ -118,6 +120,13 @@ BEGIN
   RETURN found_id;
 END $kyr$;
 
+-- When the run of the host before that time was collected, if it is not in this text: what changed since is not known.
+CREATE OR REPLACE FUNCTION pg_temp.kyr_stored_before(of_host integer, moment timestamptz) RETURNS timestamptz LANGUAGE sql AS $kyr$
+  SELECT CASE WHEN NOT EXISTS (SELECT FROM kyr_run k WHERE k.collected_at = r.collected_at AND k.fingerprint = r.fingerprint)
+      THEN r.collected_at END
+    FROM run r WHERE r.host_id = of_host AND r.collected_at < moment ORDER BY r.collected_at DESC LIMIT 1
+$kyr$;
+
 -- Gives the runs that are wanted a number in the data base. The others have none, and their rows go nowhere.
 CREATE OR REPLACE FUNCTION pg_temp.kyr_take_runs() RETURNS void LANGUAGE plpgsql AS $kyr$
 DECLARE
@@ -149,7 +158,8 @@ BEGIN
         fingerprint)
       VALUES (of_host, new.collected_at, new.tool, new.tool_version, new.superuser, new.state, new.reason_code,
         new.reason, new.file, new.fingerprint) RETURNING id INTO taken;
-    UPDATE kyr_run SET run_id = taken, host_id = of_host WHERE number = new.number;
+    UPDATE kyr_run SET run_id = taken, host_id = of_host, not_compared_with = pg_temp.kyr_stored_before(of_host, new.collected_at)
+      WHERE number = new.number;
     UPDATE host SET machine_id = coalesce(machine_id, new.machine_id), uuid = coalesce(uuid, new.uuid),
       serial = coalesce(serial, new.serial), first_seen = least(first_seen, new.collected_at),
       last_seen = greatest(last_seen, new.collected_at) WHERE id = of_host;
@@ -288,6 +298,13 @@ BEGIN
     LEFT JOIN kyr_column c ON c.stage = m.stage AND c.number = m.number WHERE r.is_kept;
 END $kyr$;
 
+CREATE OR REPLACE FUNCTION pg_temp.kyr_tell_what_was_not_compared() RETURNS void LANGUAGE plpgsql AS $kyr$
+BEGIN
+  INSERT INTO change (run_id, host_id, changed_at, previous_at, op, old)
+    SELECT run_id, host_id, collected_at, not_compared_with, 'not compared', 'the run before was not loaded together with this one'
+      FROM kyr_run WHERE not_compared_with IS NOT NULL;
+END $kyr$;
+
 -- Changes that came with a run between two others are those of the later one. What was found between these two before,
 -- is told by them.
 CREATE OR REPLACE FUNCTION pg_temp.kyr_arrange_changes() RETURNS void LANGUAGE plpgsql AS $kyr$
@@ -306,6 +323,7 @@ BEGIN
   PERFORM pg_temp.kyr_make_tables();
   PERFORM pg_temp.kyr_tell_columns_left_out();
   PERFORM pg_temp.kyr_fill_tables();
+  PERFORM pg_temp.kyr_tell_what_was_not_compared();
   PERFORM pg_temp.kyr_arrange_changes();
 END $kyr$;
 COMMIT;

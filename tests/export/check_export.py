@@ -325,13 +325,16 @@ def check_loads(kyr, folder):
     rotational = "SELECT string_agg(concat(rotational, rotational_text), ',' ORDER BY run_id, id) FROM disk_drive"
     changes = "SELECT string_agg(concat_ws(' ', op, class, old, new), ', ' ORDER BY op DESC) FROM change WHERE property IS NULL"
     replaced = "removed MOLTA_DiskDrive EXAMPLE SSD PM9A1 1TB, added MOLTA_DiskDrive EXAMPLE SSD PM9A1 1TB"
+    not_compared = ("SELECT string_agg(to_char(previous_at, 'DD') || to_char(changed_at, ' \"to\" DD'), ', ') FROM change"
+                    " WHERE op = 'not compared'")
     steps = [((day[1],), [], "1 runs stored", "2", None),
              ((day[1],), [], "0 runs stored, 1 already there", "2", ("SELECT count(*) FROM change", "0")),
              ((day[0],), [], "is older than the stored one of 2026-12-02", "2", None),
              ((day[1], day[2]), [], "1 runs stored, 1 already there", "3", (changes, replaced)),
              ((day[0],), ["--keep-runs=2"], "1 runs stored", "1,3", (changes, replaced)),
              ((clone,), [], f"'tern' ({day[2]}) and 'kite' ({clone})", "1,2,3", ("SELECT count(*) FROM host", "2")),
-             ((day[3],), [], "1 runs stored", "2,4", (rotational, "f,t,false,true"))]
+             ((day[3],), [], "1 runs stored", "2,4", (rotational, "f,t,false,true")),
+             ((day[3],), [], "1 already there", "2,4", (not_compared, "03 to 04"))]
     new_database()
     for files, options, told, runs, asked in steps:
         err = psql(run(kyr, "export", "--postgres", *options, *files)[0])[1]
