@@ -35,7 +35,7 @@ STATES = {"disks refused": ("MOLTA_DiskDrive", 5, 51, "no permission: /sys/class
           "modules asked from day 2": ("MOLTA_PhysicalMemory", 6, 10, "not selected"),
           "packages not asked": ("MOLTA_Package", 6, 10, "not selected")}
 FIRMWARE = ("1.9", "1.27", "2.2", "2.9", "2.10", "2.10.1", "10.0")
-KERNELS = (("5.10.0-28-amd64", "#1 SMP Debian 5.10.209-2 (2024-01-31)"),
+KERNELS = (("5.14.0-427.el9.x86_64", "#1 SMP PREEMPT_DYNAMIC Fri Mar  8 10:27:09 EST 2024"),
            ("6.1.0-18-amd64", "#1 SMP PREEMPT_DYNAMIC Debian 6.1.76-1 (2024-02-01)"),
            ("6.1.0-31-amd64", "#1 SMP PREEMPT_DYNAMIC Debian 6.1.128-1 (2025-02-07)"),
            ("6.8.0-31-generic", "#31-Ubuntu SMP PREEMPT_DYNAMIC Sat Apr 20 00:40:06 UTC 2024"),

@@ -5,13 +5,13 @@
 --
 -- Compared is the version if it is made of numbers and dots, else the release that SMBIOS has as two numbers. 2.9 is
 -- below 2.10, and 2.10 is the same as 2.10.0. Numbers have up to nine digits. Where there is neither, the answer is
--- "not known": look at the versions yourself.
+-- "not known": look at the versions yourself. So it is everywhere if version is set to anything else.
 
 WITH RECURSIVE parameters AS (SELECT '%' AS product, '2.10' AS version),
   latest AS (SELECT h.name AS machine, r.* FROM host h JOIN run r ON r.id =
     (SELECT max(n.id) FROM run n WHERE n.host_id = h.id AND n.collected_at = h.last_seen)),
   firmware AS (SELECT l.machine, c.manufacturer, c.product_name, b.version, b.firmware_release, b.release_date,
-      CASE WHEN ltrim(b.version, '0123456789.') = '' THEN b.version
+      CASE WHEN ltrim(b.version, '0123456789.') = '' AND trim(b.version, '.') <> '' THEN b.version
            WHEN ltrim(b.firmware_release, '0123456789.') = '' THEN b.firmware_release END AS compared
     FROM latest l JOIN system_bios_element b ON b.run_id = l.id LEFT JOIN computer_system c ON c.run_id = l.id),
   -- Each number gets leading zeros, and what is left of 2.10 and 2.10.0 without the last zeros is the same.
@@ -25,11 +25,13 @@ WITH RECURSIVE parameters AS (SELECT '%' AS product, '2.10' AS version),
     FROM reading WHERE rest <> ''),
   sorting AS (SELECT version, rtrim(sorted, '0') AS sorted FROM reading WHERE rest = '')
 SELECT f.machine, f.manufacturer, f.product_name, f.version, f.firmware_release, f.release_date,
-  CASE WHEN f.compared IS NULL THEN 'not known' ELSE 'below' END AS answer
-FROM parameters p CROSS JOIN firmware f JOIN sorting asked ON asked.version = p.version
+  CASE WHEN own.sorted < asked.sorted THEN 'below' ELSE 'not known' END AS answer
+FROM parameters p CROSS JOIN firmware f
+  LEFT JOIN sorting asked ON asked.version = p.version AND ltrim(p.version, '0123456789.') = ''
+    AND trim(p.version, '.') <> ''
   LEFT JOIN sorting own ON own.version = f.compared
 WHERE lower(coalesce(f.product_name, p.product)) LIKE lower(p.product)
-  AND (own.sorted IS NULL OR own.sorted < asked.sorted)
+  AND coalesce(own.sorted < asked.sorted, TRUE)
 ORDER BY answer, own.sorted, f.machine;
 
 -- For these machines that is not the whole truth.

@@ -11,7 +11,7 @@ WITH latest AS (SELECT h.name AS machine, r.* FROM host h JOIN run r ON r.id =
   gap AS (SELECT run_id, class FROM class_state WHERE state <> 'complete' UNION ALL SELECT run_id, class FROM unknown)
 SELECT l.machine, l.collected_at, l.superuser, l.state, l.reason, count(g.class) AS classes
 FROM latest l LEFT JOIN gap g ON g.run_id = l.id
-WHERE l.state <> 'complete' OR g.class IS NOT NULL
+WHERE coalesce(l.state, '') <> 'complete' OR g.class IS NOT NULL
 GROUP BY l.id, l.machine, l.collected_at, l.superuser, l.state, l.reason
 ORDER BY classes DESC, l.machine;
 

@@ -2,14 +2,15 @@
 --
 -- Each machine's running kernel with the day on which it was built, the oldest first, and since when it runs. The day
 -- is read from the version in the manner of Debian ("(2024-02-01)"), Alpine ("2024-05-06 07:40:41") and most others
--- ("Sat Apr 20 00:40:06 UTC 2024"); where it is told otherwise, it is NULL, and those kernels stand at the end.
+-- ("Sat Apr 20 00:40:06 UTC 2024", with any zone of three letters); where it is told otherwise, it is NULL, and those
+-- kernels stand at the end.
 
 WITH latest AS (SELECT h.name AS machine, r.* FROM host h JOIN run r ON r.id =
     (SELECT max(n.id) FROM run n WHERE n.host_id = h.id AND n.collected_at = h.last_seen)),
   kernel AS (SELECT run_id, name, kernel_release, kernel_version, last_boot_up_time, length(kernel_version) AS size,
       CASE WHEN kernel_version LIKE '%(____-__-__)' THEN 'day'
            WHEN kernel_version LIKE '%____-__-__ __:__:__' THEN 'time'
-           WHEN kernel_version LIKE '% ___ __ __:__:__ UTC ____' THEN 'date' END AS manner
+           WHEN kernel_version LIKE '% ___ __ __:__:__ ___ ____' THEN 'date' END AS manner
     FROM operating_system),
   built AS (SELECT run_id, name, kernel_release, kernel_version, last_boot_up_time,
       CASE manner WHEN 'day' THEN substr(kernel_version, size - 10, 10)

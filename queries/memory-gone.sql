@@ -1,10 +1,11 @@
 -- Which memory disappeared?
 --
--- Set: since, a day as year-month-day, such as that of last week. A collection of that day or later is asked for what
--- is no more there than in the one before.
+-- Set: since, a day as year-month-day in ten characters, such as that of last week. A collection of that day or later
+-- is asked for what is no more there than in the one before.
 --
--- Modules that were removed, with their properties of before, and totals that changed: those of virtual machines,
--- which have no modules. A module that was moved to another slot, or could not be read, did not disappear.
+-- Modules that were removed, by their names (the table change has their properties, too), and totals that changed:
+-- those of virtual machines, which have no modules. A module that was moved to another slot, or could not be read, did
+-- not disappear.
 
 WITH parameters AS (SELECT '2026-01-01' AS since),
   recent AS (SELECT h.name AS machine, c.* FROM change c JOIN host h ON h.id = c.host_id CROSS JOIN parameters p
@@ -17,7 +18,7 @@ FROM recent WHERE class = 'MOLTA_SystemMemory' AND op = 'changed' AND property I
 ORDER BY machine, changed_at, what, before;
 
 -- For these machines that is not the whole truth: modules that could not be compared, classes that are not complete
--- now, and machines that were first seen since then.
+-- now, and machines that were first seen since then, or not seen any more.
 WITH parameters AS (SELECT '2026-01-01' AS since),
   latest AS (SELECT h.name AS machine, r.* FROM host h JOIN run r ON r.id =
     (SELECT max(n.id) FROM run n WHERE n.host_id = h.id AND n.collected_at = h.last_seen)),
@@ -36,4 +37,7 @@ WHERE coalesce(s.state, '') <> 'complete' OR l.reason_code IN ('file changed', '
 UNION ALL
 SELECT h.name, NULL, 'first seen', CAST(h.first_seen AS TEXT) FROM host h CROSS JOIN parameters p
 WHERE substr(CAST(h.first_seen AS TEXT), 1, 10) >= p.since
+UNION ALL
+SELECT h.name, NULL, 'last seen', CAST(h.last_seen AS TEXT) FROM host h CROSS JOIN parameters p
+WHERE substr(CAST(h.last_seen AS TEXT), 1, 10) < p.since
 ORDER BY 1, 2, 3;

@@ -42,9 +42,11 @@ class Run:
         return self.classes[cls]["state"] == "complete" and self.code not in ENTIRELY_UNCERTAIN
 
     def seen(self, cls):
-        """The state of a class with its reason, and what there is of it."""
+        """The state of a class with its reason, and which things there are of it."""
         found = self.classes[cls]
-        return found["state"], found["reason"], sorted(each["path"] for each in found["instances"])
+        things = [[each["path"]] + [each["properties"].get(name, {}).get("value") or "" for name in ("SerialNumber", "WWN")]
+                  for each in found["instances"]]
+        return found["state"], found["reason"], sorted(things)
 
 
 class Host:
@@ -113,7 +115,7 @@ def incomplete_machines(fleet):
 
 
 def numbers(version):
-    if not version or not re.fullmatch(r"[0-9.]+", version):
+    if not re.fullmatch(r"[0-9.]*[0-9][0-9.]*", version or ""):
         return None
     found = [int(each or 0) for each in version.split(".")]
     while found and found[-1] == 0:
@@ -131,10 +133,17 @@ def firmware_below(fleet, product, version):
                        None)
             if system["ProductName"] is not None and not wanted.fullmatch(system["ProductName"]):
                 continue
-            if own is None or own < numbers(version):
+            asked = numbers(version)
+            if own is None or asked is None or own < asked:
                 rows.append((host.name, firmware["Version"], firmware["FirmwareRelease"],
-                             "not known" if own is None else "below"))
+                             "not known" if own is None or asked is None else "below"))
     return rows, fleet.gaps("MOLTA_SystemBIOSElement", "MOLTA_ComputerSystem")
+
+
+def times_not_compared(host, cls):
+    """When the class was told as not compared with the run before."""
+    return [after.time for before, after in zip(host.runs, host.runs[1:])
+            if not (before.is_compared(cls) and after.is_compared(cls)) and before.seen(cls) != after.seen(cls)]
 
 
 def added_at(host, disk):
@@ -152,7 +161,7 @@ def old_disks(fleet, day):
     for host in fleet.hosts:
         for disk in host.now.instances("MOLTA_DiskDrive"):
             added = added_at(host, disk)
-            since = added or host.first_seen
+            since = added or max([host.first_seen, *times_not_compared(host, "MOLTA_DiskDrive")])
             if added is None or since[:10] < day:
                 rows.append((host.name, disk["DeviceID"], disk["SerialNumber"], disk["Size"], since,
                              "older" if since[:10] < day else "not known"))
@@ -178,6 +187,9 @@ def memory_gone(fleet, since):
     rows, gaps = [], []
     for host in fleet.hosts:
         gaps += [(host.name, None, "first seen")] if host.first_seen[:10] >= since else []
+        gaps += [(host.name, None, "last seen")] if host.now.time[:10] < since else []
+        gaps += [(host.name, "MOLTA_PhysicalMemory", "not compared")
+                 for time in times_not_compared(host, "MOLTA_PhysicalMemory") if time[:10] >= since]
         for before, after in zip(host.runs, host.runs[1:]):
             if after.time[:10] < since:
                 continue
@@ -185,8 +197,6 @@ def memory_gone(fleet, since):
                 left = [(each["Tag"], each["SerialNumber"]) for each in after.instances("MOLTA_PhysicalMemory")]
                 rows += [(host.name, "removed", after.time) for each in before.instances("MOLTA_PhysicalMemory")
                          if (each["Tag"], each["SerialNumber"]) not in left]
-            elif before.seen("MOLTA_PhysicalMemory") != after.seen("MOLTA_PhysicalMemory"):
-                gaps.append((host.name, "MOLTA_PhysicalMemory", "not compared"))
             for name in ("TotalSize", "InstalledSize"):
                 old, new = before.only("MOLTA_SystemMemory")[name], after.only("MOLTA_SystemMemory")[name]
                 if old is not None and new is not None and old != new:
@@ -232,7 +242,7 @@ def built_on(version):
     day = re.search(r"\((\d{4}-\d\d-\d\d)\)$", version) or re.search(r"(\d{4}-\d\d-\d\d) \d\d:\d\d:\d\d$", version)
     if day:
         return day.group(1)
-    date = re.search(r"(\w{3}) ([ \d]\d) \d\d:\d\d:\d\d UTC (\d{4})$", version)
+    date = re.search(r"(\w{3}) ([ \d]\d) \d\d:\d\d:\d\d \w{3} (\d{4})$", version)
     return date and f"{date.group(3)}-{MONTHS.index(date.group(1)) + 1:02}-{int(date.group(2)):02}"
 
 
@@ -262,7 +272,8 @@ QUESTIONS = {
     "incomplete-machines": (incomplete_machines, ({},),
                             ("machine", "collected_at", "superuser", "state", "reason", "classes"), GAP_COLUMNS),
     "firmware-below": (firmware_below,
-                       ({}, {"version": "2.2.0"}, {"version": "10"}, {"product": "es rack%", "version": "2.10.1"}),
+                       ({}, {"version": "2.2.0"}, {"version": "10"}, {"product": "es rack%", "version": "2.10.1"},
+                        {"version": "EXF9"}),
                        ("machine", "version", "firmware_release", "answer"), GAP_COLUMNS),
     "old-disks": (old_disks, ({}, {"day": "2026-11-01"}, {"day": "2026-11-02"}, {"day": "2027-01-01"}),
                   ("machine", "device_id", "serial_number", "size_bytes", "known_since", "answer"), GAP_COLUMNS),
