@@ -70,6 +70,13 @@ class Days:
         assert printed or not result.stdout, result.stdout
         return before
 
+    def run_at_once(self, count):
+        """Runs the service several times side by side. Returns the exit statuses."""
+        programs = [subprocess.Popen([f"{prefix}/libexec/kyr/collect-and-compare", self.state],
+                                     env={**os.environ, "PATH": f"{self.programs}:{os.environ['PATH']}",
+                                          "KYR_SYSTEM_ROOT": self.root}) for _ in range(count)]
+        return [program.wait() for program in programs]
+
     def expect(self, current, previous):
         """None: no such file; otherwise its content, or what is only not to be its content."""
         for name, (same, content) in (("current", current), ("previous", previous)):
@@ -122,6 +129,11 @@ def check_days(days):
     current, previous = days.run(3, "cannot read the collection")
     days.expect(is_not(current), is_(previous))
     days.run(0)
+
+    assert days.run_at_once(3) == [0, 0, 0]
+    files = [os.stat(days.path(name)) for name in ("current", "previous")]
+    assert files[0].st_ino != files[1].st_ino, "both files are one"
+    assert all(file.st_mode & 0o077 == 0 for file in files), "others can read the files"
 
 
 check_units()
