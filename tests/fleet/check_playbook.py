@@ -28,7 +28,7 @@ HOSTS = {
     "disk-full": ({"program": 'ulimit -f 0; "$kyr" "$@"'}, "cannot write"),
     "wrong-class": ({"kyr_classes": ["Nonsense"]}, "Nonsense"),
     "other-program": ({"program": "echo hello"}, "is it kyr"),
-    "crashing": ({"program": "kill -SEGV $$"}, "status -11"),
+    "crashing": ({"program": "kill -SEGV $$"}, "killed by signal 11"),
     # Ended half a minute after the deadline.
     "hanging": ({"program": "exec sleep 60", "kyr_deadline": -29}, "did not end within 1 seconds"),
 }

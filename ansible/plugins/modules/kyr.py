@@ -145,7 +145,8 @@ def run(module, arguments, seconds):
         module.fail_json(msg="cannot run %s: %s" % (arguments[0], error))
     output, diagnostics = (text.decode("utf-8", "replace") for text in (done.stdout, done.stderr))
     if not 0 <= done.returncode <= LAST_USABLE_STATUS:
-        told = as_many_as_fit({}, lines_of(diagnostics)) or ["no message, status %d" % done.returncode]
+        ending = "status %d" if done.returncode > 0 else "killed by signal %d"
+        told = as_many_as_fit({}, lines_of(diagnostics)) or ["no message, " + ending % abs(done.returncode)]
         module.fail_json(msg="kyr %s failed: %s" % (arguments[1], "; ".join(told)), rc=done.returncode)
     return output, lines_of(diagnostics)
 
