@@ -36,6 +36,28 @@ std::string WithoutAddresses(const std::string& text) {
     return plain;
 }
 
+// Names that firmware and drivers make may hold the serial number: "hid-4C1F22A0-battery". Shorter ones stand in other
+// texts by chance.
+constexpr const char* kIdentifiers[] = {"SerialNumber", "WWN", "AssetTag", "UUID", "MachineID"};
+constexpr size_t kShortestHidden = 6;
+
+std::vector<std::string> IdentifiersOf(const TCIMInstance& instance) {
+    std::vector<std::string> identifiers;
+    for (const char* name : kIdentifiers) {
+        const TCIMProperty* const property = instance.FindProperty(name);
+        if (property == nullptr || property->GetValue().IsNull()) continue;
+        const std::string text = DisplayText(*property);
+        if (text.size() >= kShortestHidden && !IsPlaceholder(text)) identifiers.push_back(text);
+    }
+    return identifiers;
+}
+
+std::string WithoutText(std::string text, const std::string& hidden) {
+    for (size_t at = text.find(hidden); at != std::string::npos; at = text.find(hidden, at + 1))
+        text.replace(at, hidden.size(), "*");
+    return text;
+}
+
 }  // namespace
 
 std::string TBom::Add(TBomComponent component, const TCIMInstance* instance) {
@@ -57,13 +79,18 @@ std::string TBom::RefOf(const TCIMInstance* instance) const {
 }
 
 TBomValues::TBomValues(const TCIMInstance& instance, bool identifiers)
-    : fInstance(instance), fProvenance(instance), fIdentifiers(identifiers) {}
+    : fInstance(instance),
+      fProvenance(instance),
+      fIdentifiers(identifiers),
+      fHidden(identifiers ? std::vector<std::string>() : IdentifiersOf(instance)) {}
 
 std::string TBomValues::Get(const char* name) const {
     const TCIMProperty* const property = fInstance.FindProperty(name);
     if (property == nullptr || property->GetValue().IsNull() || !fProvenance.AbsenceOf(name).empty()) return "";
-    const std::string text = DisplayText(*property);
-    return fIdentifiers ? text : WithoutAddresses(text);
+    std::string text = DisplayText(*property);
+    if (fIdentifiers) return text;
+    for (const std::string& hidden : fHidden) text = WithoutText(text, hidden);
+    return WithoutAddresses(text);
 }
 
 std::string TBomValues::GetFilled(const char* property) const {

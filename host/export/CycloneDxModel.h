@@ -71,7 +71,7 @@ private:
 /// The values of an instance as a bill of materials may tell them.
 class TBomValues {
 public:
-    /// Without identifiers, hardware addresses within the texts are hidden.
+    /// Without identifiers, those of the instance and hardware addresses are hidden within the texts.
     TBomValues(const TCIMInstance& instance, bool identifiers);
 
     /// The value as visible text. Empty if there is none, or one that only stands in for a key that could not be read.
@@ -86,6 +86,7 @@ private:
     const TCIMInstance& fInstance;
     TProvenance fProvenance;
     bool fIdentifiers;
+    std::vector<std::string> fHidden;
 };
 
 // The parts of a document. Each adds what it finds in the container.

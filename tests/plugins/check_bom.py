@@ -69,6 +69,12 @@ def make_machine(folder, packages):
         os.makedirs(f"{folder}/{directory}")
     with open(f"{folder}/etc/os-release", "w", encoding="utf-8") as file:
         file.write("ID=debian\nNAME=Debian\nVERSION_ID=12\n")
+    # Drivers name batteries after their serial numbers.
+    battery = f"{folder}/sys/class/power_supply/hid-4C1F22A0-battery"
+    os.makedirs(battery)
+    for name, text in dict(type="Battery", serial_number="4C1F22A0", model_name="Pen 4C1F22A0").items():
+        with open(f"{battery}/{name}", "w", encoding="utf-8") as file:
+            file.write(text + "\n")
     usual = dict(Architecture="amd64", Status="install ok installed", Maintainer="A Maker <maker@example.net>")
     with open(f"{folder}/var/lib/dpkg/status", "w", encoding="utf-8") as file:
         for package in packages:
