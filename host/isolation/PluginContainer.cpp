@@ -1,6 +1,8 @@
 #include "isolation/PluginContainer.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "base/CoreLog.h"
 #include "base/Text.h"
@@ -10,6 +12,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TCIMProperty.h"
+#include "kyr/TCIMPropertyDecl.h"
 #include "kyr/TCIMSchemaHelper.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TRefusedCall.h"
@@ -29,6 +32,23 @@ void Copy(const TCIMInstance& instance, const TContainer& target) {
 }
 
 }  // namespace
+
+// The core takes a class without a name and a property without a type, and neither can be collected or saved. Refused,
+// it costs its document alone.
+class TPluginClass : public TCIMClass {
+public:
+    using TCIMClass::TCIMClass;
+
+    void AddToContainer() const override {
+        const auto hasNoType = [](const TCIMPropertyDecl* declaration) {
+            return declaration->GetType() == TCIMValue::TCIMType::eCIMNone;
+        };
+        const std::vector<const TCIMPropertyDecl*> declarations = EnumeratePropertyDecls();
+        if (GetName().empty() || std::any_of(declarations.begin(), declarations.end(), hasNoType))
+            throw TKYRException(kyrStatusInvalidClass);
+        TCIMClass::AddToContainer();
+    }
+};
 
 class TPluginInstance : public TCIMInstance {
 public:
@@ -50,9 +70,8 @@ void TPluginContainer::StartStreaming(TRecordStream& stream, std::function<void(
 }
 
 TCIMClass* TPluginContainer::AllocateClass(const std::string& name, TCIMClass* superclass) const {
-    TCIMClass* const cls = TContainer::AllocateClass(name, superclass);
     if (FindClassNamed(*this, name) != nullptr) fDuplicates.push_back(name);
-    return cls;
+    return new TPluginClass(*GetRootClass()->GetContainer(), name, superclass);
 }
 
 TCIMInstance* TPluginContainer::AllocateInstance(TCIMClass* cls) const {

@@ -113,6 +113,8 @@ TEST(FailuresTest, MistakesInDocumentsAreToldWithLineAndTheNearestWord) {
     } const kCases[] = {
         {"TYPE=\"uint64\"", "TYPE=\"integer\"",
          "16: TEST_User.Uid: the type of 'Uid', 'integer', is not known; write uint32"},
+        {" TYPE=\"uint64\"", "", "16: TEST_User.Uid: the type of 'Uid' is missing; add TYPE"},
+        {" NAME=\"TEST_User\"", "", "12: CLASS has no NAME; "},
         {"\"TEST_User\"", "\"TEST_User\" SUPERCLASS=\"CIM_ManagedElemnt\"",
          "12: the superclass 'CIM_ManagedElemnt' of class TEST_User is not known; did you mean 'CIM_ManagedElement'?"},
         {"REFERENCECLASS=\"TEST_Folder\"", "REFERENCECLASS=\"TEST_Foldr\"",
