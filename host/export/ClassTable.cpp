@@ -80,7 +80,7 @@ std::string WithBlanksAsUnderscores(const std::string& words) {
 class TTableMaker {
 public:
     TTableMaker(const TCIMClass& cls, const std::string& name, const TRareColumns& rare)
-        : fClass(cls), fRare(rare), fDeclarations(cls.EnumeratePropertyDecls()) {
+        : fRare(rare), fDeclarations(cls.EnumeratePropertyDecls()) {
         fResult.table.name = name;
         fResult.table.nameWithPrefix = ShortName(SqlName(cls.GetName()));
         fResult.table.className = ValidText(cls.GetName());
@@ -166,7 +166,6 @@ private:
         fResult.sources.push_back(std::move(source));
     }
 
-    const TCIMClass& fClass;
     const TRareColumns& fRare;
     const TDeclarations fDeclarations;
     std::set<std::string> fNames;
