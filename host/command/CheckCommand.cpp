@@ -41,8 +41,8 @@ public:
         fApp.add_option("PATH", fPaths, "A document, a library, a folder with them, or a saved collection")
             ->type_name("")
             ->check(CheckNotEmpty);
-        fApp.add_option("--fail-on", fFailOn, "The least level that makes the exit status 1: error, warning or note")
-            ->type_name("LEVEL")
+        fApp.add_option("--fail-on", fFailOn, "The least level that makes the exit status 1")
+            ->type_name("error|warning|note")
             ->check(CheckLevel)
             ->capture_default_str();
         fApp.add_flag("--sarif", fSarif, "Print SARIF 2.1.0, which code hosts and editors read");

@@ -9,11 +9,12 @@
 
 #include "base/PluginFolders.h"
 #include "base/Text.h"
+#include "check/Rules.h"
 #include "command/IdentityFacts.h"
 
 namespace {
 
-enum EKind { eNothing, eFiles, ePluginFolders, eClasses, eProperties, eExpressions };
+enum EKind { eNothing, eFiles, ePluginFolders, eClasses, eTables, eProperties, eExpressions, eRules };
 
 /// What may stand in a place: the first row counts that has the command, or none, and the name of the option, or the
 /// word that the help has for its value or for the argument.
@@ -26,6 +27,8 @@ struct TPlace {
 constexpr TPlace kPlaces[] = {
     {"new-plugin", "NAME", eNothing},
     {"check", "PATH", eFiles},
+    {"check", "RULE", eRules},
+    {"export", "--csv", eTables},
     {"", "--role", eNothing},
     {"", "--result-role", eNothing},
     {"", "--columns", eProperties},
@@ -108,7 +111,11 @@ private:
     void WriteKinds(const std::set<EKind>& kinds, const std::string& start, const std::string& front) {
         if (kinds.count(eFiles) != 0) fOutput.Write(":files\n");
         if (kinds.count(ePluginFolders) != 0) WritePluginFolders(start, front);
-        if (kinds.count(eClasses) != 0) WriteClasses(start, front);
+        if (kinds.count(eClasses) + kinds.count(eTables) != 0) WriteClasses(start, front);
+        if (kinds.count(eTables) != 0)
+            for (const char* const table : {"class_state", "change"}) Offer(front + table, front + start);
+        if (kinds.count(eRules) != 0)
+            for (const TRule& rule : AllRules()) Offer(front + rule.id, front + start, rule.title);
         if (kinds.count(eProperties) != 0) WriteColumns(start, front);
         if (kinds.count(eExpressions) != 0) WriteExpressions(start);
     }

@@ -34,6 +34,11 @@ CASES = [
     ("kyr get OperatingSy", "OperatingSystem."),
     ("kyr get os.KernelRel", "os.KernelRelease"),
     ("kyr assoc --role Dep",),
+    ("kyr export --sqlite mach", "machine.xml.gz"),
+    ("kyr export --csv class_s", "class_state"),
+    ("kyr export --class=DiskD", "--class=DiskDrive"),
+    ("kyr check --fail-on wa", "warning"),
+    ("kyr check --explain S2", "S20", "S22", "S24", "S26", "S27", "S28", "S29"),
     ("kyr nosuch sh",),
 ]
 
