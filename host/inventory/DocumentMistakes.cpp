@@ -104,6 +104,6 @@ void FindDocumentMistakes(std::list<TPluginLibrary>& libraries, const std::strin
     for (TPluginLibrary& library : libraries)
         if (HasDocumentFailed(library)) {
             library.documentMistake = FindMistake(library.FullDocumentPath(), schema, LineOfStop(library.report));
-            library.documentMistake.file = library.DocumentPath();
+            library.documentMistake.file = library.FullDocumentPath();
         }
 }

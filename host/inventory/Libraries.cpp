@@ -193,7 +193,7 @@ void ReadDocuments(std::list<TPluginLibrary>& libraries, TPluginContainer& conta
         if (document.empty() || library.notLoaded.reason) continue;
         if (const auto harm = harms.find(document); harm != harms.end()) {
             library.notLoaded = {eRefused, harm->second};
-            library.notLoaded.reason.file = library.DocumentPath();
+            library.notLoaded.reason.file = library.FullDocumentPath();
             continue;
         }
         const TLogCapture capture;  // drops the lines: loading the plugin logs them again

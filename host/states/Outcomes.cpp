@@ -54,7 +54,7 @@ TReason DocumentUnreadable(const TPluginLibrary& library) {
     if (library.documentMistake) return library.documentMistake;
     const std::string error = library.report.FirstError(), failure = library.report.loadFailure;
     TReason reason = ReasonFor(EReason::eDocumentUnreadable, error.empty() ? failure : failure + ": " + error);
-    reason.file = library.DocumentPath();
+    reason.file = library.FullDocumentPath();
     if (!library.strayDocument.empty())
         reason.detail += "; rename " + library.strayDocument + ", which lies in its place";
     return reason;

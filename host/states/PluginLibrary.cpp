@@ -43,19 +43,14 @@ std::string FullPathOf(const std::string& folder, const std::string& path) {
 
 std::string TPluginLibrary::Name() const { return PluginNameOf(path); }
 
-std::string TPluginLibrary::DocumentPath() const {
-    try {
-        return TOSSpecific::BuildSpecificationPath(path);
-    } catch (const TKYRException&) {
-        return "";
-    }
-}
-
 std::string TPluginLibrary::FullPath() const { return FullPathOf(folder, path); }
 
 std::string TPluginLibrary::FullDocumentPath() const {
-    const std::string document = DocumentPath();
-    return document.empty() ? "" : FullPathOf(folder, document);
+    try {
+        return FullPathOf(folder, TOSSpecific::BuildSpecificationPath(path));
+    } catch (const TKYRException&) {
+        return "";
+    }
 }
 
 bool TPluginLibrary::Declares(const std::string& className) const {

@@ -30,10 +30,9 @@ struct TPluginLibrary {
 
     /// The name by which it is granted something: its file's, without "lib" and ".pi.so".
     std::string Name() const;
-    /// The path of its document below the plugin folder; empty if the core cannot derive it from the library's path.
-    std::string DocumentPath() const;
-    /// The same paths from the root folder on.
+    /// Its path with that of the plugin folder in front.
     std::string FullPath() const;
+    /// The same of its document; empty if the core cannot derive it from the library's path.
     std::string FullDocumentPath() const;
     /// Whether its document declares the class, and no document read before it.
     bool Declares(const std::string& className) const;
