@@ -79,7 +79,9 @@ bool ReportPlugin(const TContainer& container, const std::string& plugin, const 
         else
             others.emplace_back(name, outcome);
     }
-    const bool hasLine = IsOutcomeMissing(own) && own.HasReason();
+    // Of a call that failed for a class, the line of the class tells why.
+    const bool isToldOfClass = own.code == EReason::eDataCallFailed && sharing.empty() && !others.empty();
+    const bool hasLine = IsOutcomeMissing(own) && own.HasReason() && !isToldOfClass;
     if (hasLine) Report("plugin " + plugin + MoreText(more), own.state, own.text + NamesText(sharing));
     for (const auto& [name, outcome] : others)
         Report("plugin " + plugin + ", class " + name, outcome.state, outcome.text);
