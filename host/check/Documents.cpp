@@ -1,3 +1,8 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <list>
 #include <set>
@@ -26,6 +31,11 @@ bool ReadText(const std::string& path, std::string& text) {
     return ForEachPiece(path, [&text](std::string_view piece) {
         if (text.size() <= kMostBytes) text.append(piece);
     });
+}
+
+std::string WhyUnreadable(const std::string& path) {
+    if (access(path.c_str(), R_OK) != 0) return std::strerror(errno);
+    return "cannot be read to its end: it is damaged, or not what its name says";
 }
 
 /// A document that is read before the one that is checked.
@@ -85,12 +95,14 @@ private:
 
     // Of documents of one name, such as one in the source tree and one that is installed, the first counts.
     void Add(const std::string& path) {
-        if (fNeighbours.size() < kMostNeighbours && fNames.insert(fs::path(path).filename().string()).second)
-            fNeighbours.emplace_back(path);
+        if (fNeighbours.size() >= kMostNeighbours || fBytes > kMostBytes) return;
+        if (!fNames.insert(fs::path(path).filename().string()).second) return;
+        fBytes += fNeighbours.emplace_back(path).text.size();
     }
 
     std::set<std::string> fNames;
     std::list<TNeighbour> fNeighbours;
+    size_t fBytes = 0;  // of all of them
 };
 
 bool IsBaseDocument(const TDocumentSchema& document) {
@@ -99,8 +111,12 @@ bool IsBaseDocument(const TDocumentSchema& document) {
     return false;
 }
 
-bool IsEmpty(const TDocumentSchema& document) {
-    return document.classes.empty() && document.qualifiers.empty() && document.instances.empty();
+// A plugin is not asked for abstract classes.
+bool IsEmpty(const TDocumentSchema& document, bool isOfPlugin) {
+    const auto isAbstract = [](const TClassDeclaration& cls) { return cls.Is("Abstract"); };
+    if (!document.instances.empty() || !document.qualifiers.empty()) return false;
+    return isOfPlugin ? std::all_of(document.classes.begin(), document.classes.end(), isAbstract)
+                      : document.classes.empty();
 }
 
 size_t CountDeclarations(const TDocumentSchema& document) {
@@ -156,7 +172,7 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
         return findings.Add("D14", {path}, "its path has .gz in it, and it is not compressed: the reader refuses it",
                             "rename the file or its folder");
     std::string text;
-    if (!ReadText(path, text)) throw TCommandError(eExitNothing, path + ": cannot be read");
+    if (!ReadText(path, text)) throw TCommandError(eExitNothing, path + ": " + WhyUnreadable(path));
     // Where the text is cut, anything might look as if it was not closed.
     if (text.size() > kMostBytes)
         return findings.Add("D16", {path}, "the document has more than 32 MiB: too much to check", kSplit);
@@ -165,7 +181,8 @@ void CheckDocument(const std::string& path, const TCheckContext& context, TFindi
     CheckStructure(markup, findings);
     const TDocumentSchema document(markup);
     if (!CheckSize(path, text, document, findings)) return;
-    if (IsEmpty(document) && !findings.HasErrorIn(path))
-        findings.Add("D20", {path}, "the document declares no class", "declare the classes that the plugin reports");
+    if (IsEmpty(document, IsOfPlugin(path)) && !findings.HasErrorIn(path))
+        findings.Add("D20", {path}, "the document declares no class that can have instances",
+                     "declare the classes that the plugin reports, without the qualifier Abstract");
     CheckMeaning(markup, document, context, findings);
 }

@@ -81,8 +81,11 @@ const std::vector<TRule>& AllRules() {
          "The reader takes the text of VALUE, KEYVALUE and HOST. It passes over any other without a word, so that a "
          "value without VALUE around it is lost. Put it into a VALUE."},
         {"D20", eWarning, "Document that declares nothing",
-         "There is no class, qualifier or instance in the document, so that nobody asks its plugin for anything. "
-         "Declare the classes that the plugin reports, each in a VALUE.OBJECT."},
+         "There is no class in the document that can have instances, so that nobody asks its plugin for anything. "
+         "Declare the classes that the plugin reports, each in a VALUE.OBJECT, and not all of them abstract."},
+        {"D21", eWarning, "Attribute that is not known",
+         "The reader passes over attributes that it does not know, without a word. Most often one is misspelt: with "
+         "SUPERCLAS a class has no superclass. Mend the name, or remove the attribute."},
         {"S01", eError, "Class is declared twice",
          "Of two declarations of a class the one that is read first stands, and the other is dropped without an "
          "error. If they are in the documents of two plugins, only the first plugin is asked for the class. Remove "
@@ -211,6 +214,10 @@ const std::vector<TRule>& AllRules() {
         {"V15", eNote, "Date or time that is a text",
          "A property with Date or Time at the end of its name is a string. A datetime is compared, shown and exported "
          "as a date, whatever form the source has. Use the type datetime."},
+        {"V16", eError, "Word that kyr does not know",
+         "NEEDS has the words exec, network and rawio, and NullMeans begins with does not apply, not reported or "
+         "another reason of UnavailableValues. A need of another name is never granted, and another reason is none. "
+         "Mend the word."},
         {"L01", eWarning, "Library exports symbols of its own",
          "In a host that loads all plugins into one process they share one scope of symbols: of two functions of one "
          "name both plugins call the one that was loaded first. Build with -fvisibility=hidden, make every function "
@@ -271,8 +278,8 @@ const std::vector<TRule>& AllRules() {
          "The value is none of those that the property declares, so that no word is shown for it. A number that was "
          "cut to the size of its type looks like this, too."},
         {"R09", eNote, "Text that was not cleaned",
-         "The text has control characters, or blanks around it, as firmware and files often have. Comparisons and "
-         "look-ups fail on them. Remove them."},
+         "The text has control characters, bytes that are not UTF-8, or blanks around it, as firmware and files often "
+         "have. Comparisons and look-ups fail on them. Remove or convert them."},
         {"R10", eWarning, "Value that changes between two runs",
          "Two runs, one right after the other, gave different values for a property without the qualifier Volatile, "
          "or different keys. Then each kyr diff tells a change, and kyr collect --stable keeps it."},

@@ -261,6 +261,9 @@ private:
             const bool isControlled = std::any_of(text.begin(), text.end(), isControl);
             if (isPadded)
                 fGroups.Add("R09", instance, declaration.GetName(), "blanks stand around the text", "remove them");
+            if (ValidText(text) != text)
+                fGroups.Add("R09", instance, declaration.GetName(), "a byte of the text is not UTF-8",
+                            "convert it from the encoding of its source");
             if (isControlled)
                 fGroups.Add("R09", instance, declaration.GetName(), "the text has control characters", "remove them");
         }
@@ -304,6 +307,9 @@ constexpr const char* kBuildAnew = "build it with the headers of this kyr, or us
 
 std::string RemedyFor(const TStoredOutcome& outcome) {
     if (outcome.code == EReason::eInterfaceTooNew) return kBuildAnew;
+    if (outcome.code == EReason::eClassesTaken) return "register one plugin in a library";
+    if (outcome.code == EReason::eNoPluginRegistered)
+        return "call kyrRegisterPlugin in a function with the attribute constructor";
     const bool isSilent = outcome.code == EReason::eDataCallFailed && EndsWith(outcome.text, " logged nothing");
     return isSilent ? "say why with kyrWriteLog" : "mend what it names";
 }
@@ -343,8 +349,7 @@ private:
 // Of its document there are findings anyway, and of classes that another plugin has.
 bool IsToldOfDocument(EReason code) {
     return code == EReason::eDocumentMistake || code == EReason::eDocumentUnreadable ||
-           code == EReason::eDocumentHarmful || code == EReason::eDocumentTooLarge || code == EReason::eClassesTaken ||
-           code == EReason::eClassNameTaken;
+           code == EReason::eDocumentHarmful || code == EReason::eDocumentTooLarge || code == EReason::eClassNameTaken;
 }
 
 // What no class tells: a plugin that failed before it was asked for any, or that logged errors of its own.

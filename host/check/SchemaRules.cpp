@@ -132,7 +132,7 @@ private:
 
     void CheckClass(const TClassDeclaration& cls) {
         CheckName(*cls.element, cls.name);
-        if (!HasSchemaName(cls.name) && !CountsOnly("S16"))
+        if (IsName(cls.name) && !HasSchemaName(cls.name) && !CountsOnly("S16"))
             Add("S16", *cls.element, "the class " + Quoted(cls.name) + " has no name of a schema in front",
                 "name it after you or your product, as in EX_" + cls.name);
         CheckDeclaredOnce(cls);

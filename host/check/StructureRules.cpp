@@ -50,6 +50,21 @@ const std::map<std::string_view, TWords>& TakenBy() {
     return kTaken;
 }
 
+// The elements with attributes that the reader heeds or a schema may have.
+const std::map<std::string_view, TWords>& AttributesOf() {
+    static const std::map<std::string_view, TWords> kAttributes = {
+        {"CLASS", {"NAME", "SUPERCLASS"}},
+        {"INSTANCE", {"CLASSNAME"}},
+        {"PROPERTY", {"NAME", "TYPE", "CLASSORIGIN", "PROPAGATED", "EMBEDDEDOBJECT"}},
+        {"PROPERTY.ARRAY", {"NAME", "TYPE", "ARRAYSIZE", "CLASSORIGIN", "PROPAGATED", "EMBEDDEDOBJECT"}},
+        {"PROPERTY.REFERENCE", {"NAME", "REFERENCECLASS", "CLASSORIGIN", "PROPAGATED"}},
+        {"QUALIFIER", {"NAME", "TYPE", "PROPAGATED", "OVERRIDABLE", "TOSUBCLASS", "TOINSTANCE", "TRANSLATABLE"}},
+        {"QUALIFIER.DECLARATION",
+         {"NAME", "TYPE", "ISARRAY", "ARRAYSIZE", "OVERRIDABLE", "TOSUBCLASS", "TOINSTANCE", "TRANSLATABLE"}},
+    };
+    return kAttributes;
+}
+
 std::string UpperName(std::string_view name) {
     std::string upper(name);
     for (char& c : upper)
@@ -95,12 +110,27 @@ private:
 
     void CheckElement(const TElement& element) {
         if (element.parent != nullptr) CheckPlace(element, *element.parent);
+        CheckAttributes(element);
         if (element.Is("SCOPE")) CheckScope(element);
         if (element.Is("CLASS")) CheckOrder(element);
         if (element.Is("DECLGROUP")) CheckGroup(element);
         if (element.Is("QUALIFIER.DECLARATION")) CheckDeclaration(element);
         if (element.Is("VALUE.OBJECT")) CheckObject(element);
         CheckText(element);
+    }
+
+    // Those with a colon, such as xml:lang, belong to others than the reader.
+    void CheckAttributes(const TElement& element) {
+        const auto known = AttributesOf().find(UpperName(element.name));
+        if (known == AttributesOf().end()) return;
+        for (const TAttribute& attribute : element.attributes) {
+            const std::string name = UpperName(attribute.name);
+            if (Has(known->second, name) || name.find(':') != std::string::npos) continue;
+            const std::vector<std::string> words(known->second.begin(), known->second.end());
+            Add("D21", element,
+                "the reader does not know the attribute " + Quoted(attribute.name) + " of " + Quoted(element.name),
+                NearestOr(name, words, "remove it; it may be one of " + Join(words)));
+        }
     }
 
     void CheckText(const TElement& element) {

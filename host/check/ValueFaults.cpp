@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cfloat>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 
 #include "check/DocumentRules.h"
@@ -42,10 +44,12 @@ std::string FaultOfInteger(const TIntegerType& type, const std::string& text) {
                       : "is above " + std::to_string(type.highest);
 }
 
-bool IsReal(const std::string& text) {
+// The core takes "nan", "inf" and "0x10" as 0, and what is too large as the largest number.
+bool IsReal(const std::string& text, double highest) {
     char* end = nullptr;
-    std::strtod(text.c_str(), &end);
-    return !text.empty() && *end == '\0';
+    const double number = std::strtod(text.c_str(), &end);
+    return !text.empty() && *end == '\0' && text.find_first_not_of("+-.0123456789eE") == std::string::npos &&
+           std::abs(number) <= highest;
 }
 
 // Such as 20261121105553.025000+060, or 00000001020304.000000:000 for a length of time.
@@ -66,7 +70,8 @@ std::string FaultOfValue(const std::string& type, const std::string& text) {
     for (const TIntegerType& integer : kIntegers)
         if (type == integer.name) return FaultOfInteger(integer, value);
     if (type == "boolean" && value != "true" && value != "false") return "is neither true nor false";
-    if (type.compare(0, 4, "real") == 0 && !IsReal(value)) return "is no number";
+    if ((type == "real32" && !IsReal(value, FLT_MAX)) || (type == "real64" && !IsReal(value, DBL_MAX)))
+        return "is no number of that type";
     if (type == "datetime" && !IsDateTime(value)) return "is no date and time as in 20261121105553.025000+060";
     return "";
 }

@@ -6,6 +6,8 @@
 #include "base/Text.h"
 #include "check/DocumentRules.h"
 #include "check/Units.h"
+#include "model/Needs.h"
+#include "model/Provenance.h"
 
 namespace {
 
@@ -147,6 +149,11 @@ public:
         : fMarkup(markup), fFindings(findings), fKnowsVolatile(known.FindQualifier("Volatile") != nullptr) {}
 
     void Check(const TClassDeclaration& cls) {
+        if (const TQualifierUse* const needs = cls.Find("NEEDS"); needs != nullptr && needs->isArray)
+            for (const std::string& need : needs->values)
+                if (NeedFor(need) == 0)
+                    Add("V16", *needs->element, cls.name + " needs " + Quoted(need) + ", which kyr does not know",
+                        "the words are " + Join(NeedWords()));
         for (const TPropertyDeclaration& property : cls.properties) {
             if (property.isPropagated || property.name.empty()) continue;
             fName = cls.name + "." + property.name;
@@ -165,6 +172,7 @@ private:
         CheckDisplay(property);
         CheckVolatile(property);
         CheckIsNoDate(property);
+        CheckNullMeans(property);
     }
 
     // Words
@@ -316,6 +324,14 @@ private:
 
     static std::string FirstOf(const TQualifierUse* use) {
         return use == nullptr || use->values.empty() ? "" : use->values.front();
+    }
+
+    void CheckNullMeans(const TPropertyDeclaration& property) {
+        const TQualifierUse* const use = property.Find("NullMeans");
+        if (const std::string meaning = FirstOf(use); !meaning.empty() && CodeOfAbsence(meaning) == EReason::eNone)
+            Add("V16", *use->element,
+                "NullMeans of " + fName + ", " + Quoted(meaning) + ", does not begin with a reason",
+                "begin it with 'does not apply: ' or 'not reported: '");
     }
 
     void CheckIsNoDate(const TPropertyDeclaration& property) {

@@ -132,6 +132,16 @@ TEST_F(CheckTest, FileAllowsWhatItNamesInItsFolder) {
     EXPECT_THAT(Check("p/a.xml").out, HasSubstr("p/kyr-check.allow:2: warning: "));
 }
 
+// Of all but the first two the core makes another number without a word.
+TEST_F(CheckTest, RealNumberThatTheCoreReadsOtherwiseIsTold) {
+    for (const char* const value : {"-1.5", "1e38", "nan", "inf", "0x10", "1e39"}) {
+        Write("a.xml", Document(Class("EX_Pool", "<PROPERTY NAME=\"Load\" TYPE=\"real32\">" + std::string(kDescribed) +
+                                                     "<VALUE>" + value + "</VALUE></PROPERTY>")));
+        const bool isGood = std::string(value) == "-1.5" || std::string(value) == "1e38";
+        EXPECT_EQ(Ids("a.xml"), isGood ? "V07" : "V07 S24") << value;
+    }
+}
+
 TEST_F(CheckTest, FolderIsCheckedWithItsNeighbours) {
     Write("root/a/a.properties.xml", Document(Class("EX_Pool", "")));
     Write("root/b/b.properties.xml",
