@@ -22,6 +22,8 @@ void CheckTarget(const TTarget& target, const TCheckContext& context, TFindings&
             return CheckLibrary(target.path, findings);
         case TTarget::eFolder:
             return CheckFolder(target.path, findings);
+        case TTarget::eNoFile:
+            return CheckNoFile(target.path, findings);
         case TTarget::eCollection:
             return CheckCollection(target.path, findings);
     }

@@ -12,13 +12,14 @@
 //     TTarget::eLibrary     CheckLibrary     rules L, and then rules R of what it reports: TrialRuns.h
 //     TTarget::eCollection  CheckCollection  rules R
 //     TTarget::eFolder      CheckFolder      rules L about where libraries stand
+//     TTarget::eNoFile      CheckNoFile      what has the name of a document or library, and is none
 //
 // A folder stands for the documents and libraries in it and in its folders. A checker gets one file, adds its findings
 // (Findings.h says how), and raises TCommandError with eExitNothing only if it cannot read the file at all. To add one,
 // declare it below, call it in Check.cpp, and add its rules to Rules.cpp and docs/check.md.
 
 struct TTarget {
-    enum EKind { eDocument, eLibrary, eCollection, eFolder };
+    enum EKind { eDocument, eLibrary, eCollection, eFolder, eNoFile };
     EKind kind;
     std::string path;
 };
@@ -42,6 +43,7 @@ void CheckCollection(const std::string& path, TFindings& findings);
 void CheckLibrary(const std::string& path, TFindings& findings);
 /// Whether the libraries below the folder are found by a host (L09 and L10).
 void CheckFolder(const std::string& path, TFindings& findings);
+void CheckNoFile(const std::string& path, TFindings& findings);
 void CheckDocument(const std::string& path, const TCheckContext& context, TFindings& findings);
 
 /// Checks all of them, and applies what suppresses findings. A file that cannot be read is told on standard error; then

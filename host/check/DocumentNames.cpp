@@ -65,6 +65,13 @@ void CheckDocumentName(const std::string& path, TFindings& findings) {
                      "rename it to " + Join(missing, " or "));
 }
 
+void CheckNoFile(const std::string& path, TFindings& findings) {
+    std::error_code error;
+    findings.Add(IsLibraryName(NameOf(path)) ? "L12" : "D17", {path},
+                 fs::exists(path, error) ? "it is no file" : "it leads to a file that is not there",
+                 "put the file in its place, or remove it");
+}
+
 void CheckLibraryName(const std::string& path, TFindings& findings) {
     const TFolder folder(path);
     const std::string wanted = DocumentOf(NameOf(path));
@@ -72,6 +79,7 @@ void CheckLibraryName(const std::string& path, TFindings& findings) {
     std::vector<std::string> others;
     for (const std::string& name : folder.names)
         if (EndsWith(name, ".xml") && !HasLibrary(folder, name)) others.push_back(name);
+    const char* const otherwise = folder.Has(wanted + ".gz") ? "unpack the one that ends in .gz" : "put it there";
     findings.Add("D15", {path}, "its document " + wanted + " is not beside it",
-                 others.empty() ? "put it there" : "rename " + Join(others, " or ") + " to " + wanted);
+                 others.empty() ? otherwise : "rename " + Join(others, " or ") + " to " + wanted);
 }

@@ -62,14 +62,16 @@ public:
             return std::any_of(fFiles.begin(), fFiles.end(),
                                [=](const auto& file) { return file.depth == depth && IsPluginLibrary(file.path); });
         };
-        fTop = isIn(1) || !isIn(0) ? 1 : 0;
+        fIsPluginFolder = isIn(1);
+        fTop = fIsPluginFolder || !isIn(0) ? 1 : 0;
     }
 
     std::vector<TMisplacement> Find() const {
         std::vector<TMisplacement> found;
         for (const TPlacedFile& file : fFiles) {
             const std::string path = file.path.string();
-            if (IsPluginLibrary(file.path) && file.depth != fTop && !IsAtHome(file.path))
+            const bool mayBeAtHome = file.depth < fTop || !fIsPluginFolder;
+            if (IsPluginLibrary(file.path) && file.depth != fTop && !(mayBeAtHome && IsAtHome(file.path)))
                 found.push_back({DepthOf(file), path, RightPath(path, PluginFolder())});
             if (IsMisnamedLibrary(file.path))
                 found.push_back({EMisplacement::eOtherEnding, path,
@@ -87,7 +89,8 @@ private:
 
     fs::path fFolder;
     std::vector<TPlacedFile> fFiles;
-    int fTop;  // the depth at which plugins are found
+    bool fIsPluginFolder;  // plugins are in its folders
+    int fTop;              // the depth at which plugins are found
 };
 
 }  // namespace

@@ -18,19 +18,18 @@ namespace {
     throw TCommandError(eExitNothing, path + ": " + why);
 }
 
-// Whether it holds instances that say how a collection went.
+// Whether it holds instances that say how a collection went. One that cannot be read is told when it is checked.
 bool IsCollection(const std::string& path) {
     if (IsTakenForCompressed(path)) return false;
     const std::string mark = std::string("<INSTANCE CLASSNAME=\"") + kCollectionClass + "\"";
     std::string rest;
     bool isFound = false;
-    const bool isRead = ForEachPiece(path, [&](std::string_view piece) {
+    ForEachPiece(path, [&](std::string_view piece) {
         if (isFound) return;
         rest.append(piece);
         isFound = rest.find(mark) != std::string::npos;
         rest.erase(0, rest.size() - std::min(rest.size(), mark.size()));
     });
-    if (!isRead) RaiseUnreadable(path, "cannot be read to its end: it is damaged, or not what its name says");
     return isFound;
 }
 
@@ -47,9 +46,11 @@ bool IsOfPlugin(const std::string& name) {
 void AddTargets(const fs::path& folder, bool withFolders, std::vector<TTarget>& targets) {
     std::error_code error, ignored;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-        if (entry.is_directory(ignored) && withFolders) AddTargets(entry.path(), false, targets);
-        if (entry.is_regular_file(ignored) && IsOfPlugin(entry.path().filename().string()))
-            targets.push_back(TargetAt(entry.path()));
+        if (entry.is_directory(ignored) && withFolders)
+            AddTargets(entry.path(), false, targets);
+        else if (IsOfPlugin(entry.path().filename().string()))
+            targets.push_back(entry.is_regular_file(ignored) ? TargetAt(entry.path())
+                                                             : TTarget{TTarget::eNoFile, entry.path().string()});
     }
     if (error) RaiseUnreadable(folder.string(), "cannot be read: " + error.message());
 }
@@ -65,7 +66,8 @@ std::vector<TTarget> FindTargets(const std::string& path) {
     std::vector<TTarget> targets;
     AddTargets(path, true, targets);
     if (targets.empty() && FindMisplaced(path).empty())
-        RaiseUnreadable(path, "neither a document (NAME.properties.xml) nor a library (libNAME.pi.so) is in it");
+        RaiseUnreadable(
+            path, "neither a document (NAME.properties.xml) nor a library (libNAME.pi.so) is in it or its folders");
     targets.push_back({TTarget::eFolder, path});
     std::sort(targets.begin(), targets.end(), [](const TTarget& a, const TTarget& b) { return a.path < b.path; });
     return targets;

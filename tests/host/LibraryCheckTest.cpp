@@ -36,9 +36,21 @@ TEST(LibraryCheckTest, BuildFolderOfAPluginIsNotMisplaced) {
     EXPECT_THAT(Check(root), HasSubstr("[L09]"));
     Place(root, FIXTURE_PLUGINS "/mistaken/mistaken.properties.xml", "build/plugins/mistaken/mistaken.properties.xml");
     EXPECT_THAT(Check(root), Not(HasSubstr("[L09]")));
+    Place(root, kGood, "other/libmistaken.pi.so");  // so that the folder is a plugin folder
+    EXPECT_THAT(Check(root), HasSubstr("[L09]"));
+    fs::remove_all(root.Path() + "/other");
     fs::remove(root.Path() + "/build/plugins/mistaken/mistaken.properties.xml");
     root.Write("build/CMakeCache.txt", "");
     EXPECT_THAT(Check(root), Not(HasSubstr("[L09]")));
+}
+
+TEST(LibraryCheckTest, WhatIsNoFileIsTold) {
+    const TempFolder root;
+    fs::create_directories(root.Path() + "/users");
+    fs::create_symlink("nothing", root.Path() + "/users/libusers.pi.so");
+    ASSERT_EQ(mkfifo((root.Path() + "/users/users.properties.xml").c_str(), 0600), 0);
+    EXPECT_THAT(Check(root), AllOf(HasSubstr("users/libusers.pi.so: error: it leads to a file that is not there [L12]"),
+                                   HasSubstr("users/users.properties.xml: error: it is no file [D17]")));
 }
 
 TEST(LibraryCheckTest, SymbolsAndProtectionAreToldAndNoCodeRuns) {
