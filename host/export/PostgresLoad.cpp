@@ -34,7 +34,7 @@ ALTER TABLE kyr_run ADD COLUMN run_id integer, ADD COLUMN host_id integer, ADD C
 CREATE INDEX ON kyr_run (fingerprint);
 ALTER TABLE kyr_table ADD COLUMN target text;
 ALTER TABLE kyr_column ADD COLUMN target text;
-CREATE TEMPORARY TABLE kyr_gone (run_id integer) ON COMMIT DROP;
+CREATE TEMPORARY TABLE kyr_gone (run_id integer, host_id integer, collected_at timestamptz) ON COMMIT DROP;
 
 -- The table of that name in the schema where new tables are made; null if there is none.
 CREATE OR REPLACE FUNCTION pg_temp.kyr_find(wanted text) RETURNS regclass LANGUAGE sql AS $kyr$
@@ -174,8 +174,8 @@ DECLARE
   keep CONSTANT integer := current_setting('kyr.keep_runs');
   name text;
 BEGIN
-  INSERT INTO kyr_gone SELECT id FROM (
-    SELECT id, row_number() OVER (PARTITION BY host_id ORDER BY collected_at DESC, id DESC) AS place FROM run
+  INSERT INTO kyr_gone SELECT id, host_id, collected_at FROM (
+    SELECT id, host_id, collected_at, row_number() OVER (PARTITION BY host_id ORDER BY collected_at DESC, id DESC) AS place FROM run
       WHERE host_id IN (SELECT host_id FROM kyr_run)) AS ranked WHERE place > keep;
   UPDATE kyr_run SET is_kept = run_id NOT IN (SELECT run_id FROM kyr_gone) WHERE run_id IS NOT NULL;
   DELETE FROM run WHERE id IN (SELECT run_id FROM kyr_gone);
@@ -305,15 +305,16 @@ BEGIN
       FROM kyr_run WHERE not_compared_with IS NOT NULL;
 END $kyr$;
 
--- Changes that came with a run between two others are those of the later one. What was found between these two before,
--- is told by them.
+-- Changes that came with a run between two others are those of the later one. What was found between two runs, and another
+-- is between them, is not told: neither if that came with this text, nor if it was there, which the text could not know.
 CREATE OR REPLACE FUNCTION pg_temp.kyr_arrange_changes() RETURNS void LANGUAGE plpgsql AS $kyr$
 BEGIN
   UPDATE change c SET run_id = later.id FROM kyr_run r, run later
     WHERE c.run_id = r.run_id AND later.host_id = c.host_id AND later.collected_at = c.changed_at
       AND r.collected_at <> c.changed_at;
-  DELETE FROM change c USING kyr_run r WHERE r.host_id = c.host_id AND r.collected_at > c.previous_at
-    AND r.collected_at < c.changed_at;
+  DELETE FROM change c USING (SELECT host_id, collected_at FROM run UNION SELECT host_id, collected_at FROM kyr_gone
+      UNION SELECT host_id, collected_at FROM kyr_run) AS r
+    WHERE r.host_id = c.host_id AND r.collected_at > c.previous_at AND r.collected_at < c.changed_at;
 END $kyr$;
 
 DO $kyr$
