@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <cstring>
+
 #include "base/ExitStatus.h"
 #include "base/Text.h"
 
@@ -86,8 +88,9 @@ size_t TSqliteFile::MostColumns() const {
 void TSqliteFile::Fail() const {
     const int code = sqlite3_errcode(Handle()) & 0xFF;
     if (code == SQLITE_NOTADB) Refuse("it is no data base of SQLite; name another file");
-    if (code == SQLITE_BUSY) Refuse("another program is writing it; try again when that has ended");
-    Refuse(sqlite3_errmsg(Handle()));
+    if (code == SQLITE_BUSY) Refuse("another program is using it; try again when that has ended");
+    const int reason = code == SQLITE_CANTOPEN ? sqlite3_system_errno(Handle()) : 0;
+    Refuse(reason != 0 ? std::strerror(reason) : sqlite3_errmsg(Handle()));
 }
 
 void TSqliteFile::Refuse(const std::string& why) const {

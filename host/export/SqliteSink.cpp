@@ -17,7 +17,9 @@ constexpr int64_t kVersion = 1;
 constexpr size_t kRowsInTransaction = 50000;
 constexpr size_t kChangedAt = 0;  // index in the columns of the table change
 
-constexpr const char* kSettings = "PRAGMA cache_size = -4000";  // 4 MB, however large the file is
+// A row of 1 to 2 kB, as one of a device, would take an overflow page of its own if pages were of 4 kB: a third of the
+// file. The cache is 4 MB, however large the file is.
+constexpr const char* kSettings = "PRAGMA page_size = 8192; PRAGMA cache_size = -4000";
 
 constexpr const char* kSchema = R"(
 CREATE TABLE host (id INTEGER PRIMARY KEY AUTOINCREMENT, key TEXT NOT NULL, name TEXT, machine_id TEXT, uuid TEXT,
@@ -43,11 +45,12 @@ constexpr const char* kHostColumns =
     "host.id, key, name, coalesce(machine_id, ''), coalesce(uuid, ''), coalesce(serial, ''), "
     "coalesce((SELECT file FROM run WHERE host_id = host.id ORDER BY collected_microseconds DESC LIMIT 1), '')";
 
-/// The file, which is made if it is not there.
+/// The file, which is made if it is not there. A transaction has begun.
 class TFleetFile : public TSqliteFile {
 public:
     explicit TFleetFile(const std::string& path) : TSqliteFile(path) {
         Execute(kSettings);
+        Execute("BEGIN IMMEDIATE");
         const int64_t application = IntegerOf("PRAGMA application_id");
         const bool isNew = application == 0 && IntegerOf("SELECT count(*) FROM sqlite_schema") == 0;
         if (isNew) Make();
@@ -57,11 +60,9 @@ public:
 
 private:
     void Make() const {
-        Execute("BEGIN IMMEDIATE");
         Execute(kSchema);
         Execute("PRAGMA application_id = " + std::to_string(kApplication));
         Execute("PRAGMA user_version = " + std::to_string(kVersion));
-        Execute("COMMIT");
     }
 };
 
@@ -75,7 +76,11 @@ struct TStoredRun {
 
 class TSqliteSink : public IRunSink {
 public:
-    TSqliteSink(const std::string& path, size_t keepRuns) : fKeepRuns(keepRuns), fFile(path), fTables(fFile) {}
+    TSqliteSink(const std::string& path, size_t keepRuns)
+        : fKeepRuns(keepRuns), fFile(path), fTables(std::in_place, fFile) {
+        fDataVersion = DataVersion();
+        Commit();
+    }
 
     bool WantsDocuments() const override { return true; }
 
@@ -84,14 +89,14 @@ public:
         if (!host) return {};
         const std::vector<TStoredRun> runs = RunsOf(host->id);
         for (const TStoredRun& stored : runs)
-            if (stored.microseconds == run.collectedMicroseconds && stored.fingerprint == FingerprintOf(run))
-                return {TVerdict::eAlreadyStored};
+            if (IsSame(stored, run)) return {TVerdict::eAlreadyStored};
         return VerdictAmong(runs, run);
     }
 
     void Begin(const TRun& run) override {
-        if (!std::exchange(fIsInTransaction, true)) fFile.Execute("BEGIN IMMEDIATE");
+        if (!fIsInTransaction) Start();
         const std::optional<TKnownHost> host = FindHost(run);
+        if (host) RemoveSame(run, host->id);
         fRun = run;
         fHostIsNew = !host;
         fOwner.host = host ? host->id : AddHost(run);
@@ -100,11 +105,11 @@ public:
         fOwner.run = AddRun(run);
     }
 
-    void Table(const TTable& table) override { fTables.Ensure(table); }
+    void Table(const TTable& table) override { fTables->Ensure(table); }
 
     void Row(const TTable& table, TRow&& row) override {
         const bool isOfNewer = fNewer && &table == &ChangeTable() && row.cells[kChangedAt].text != fRun.collectedAt;
-        fTables.Insert(table, row, {isOfNewer ? fNewer->id : fOwner.run, fOwner.host});
+        fTables->Insert(table, row, {isOfNewer ? fNewer->id : fOwner.run, fOwner.host});
         ++fRows;
     }
 
@@ -123,8 +128,7 @@ public:
 
     void Abandon() override {
         RemoveRun(fOwner.run);
-        fRemoveChanges.Bind(1, fOwner.run);
-        fRemoveChanges.Run();
+        RemoveChanges(fOwner.run);
         if (!fHostIsNew) return;
         fRemoveHost.Bind(1, fOwner.host);
         fRemoveHost.Run();
@@ -135,6 +139,10 @@ public:
     }
 
 private:
+    static bool IsSame(const TStoredRun& stored, const TRun& run) {
+        return stored.microseconds == run.collectedMicroseconds && stored.fingerprint == FingerprintOf(run);
+    }
+
     static int64_t FingerprintOf(const TRun& run) { return static_cast<int64_t>(run.fingerprint); }
 
     std::optional<TKnownHost> FindHost(const TRun& run) {
@@ -222,14 +230,22 @@ private:
         fCompleteHost.Run();
     }
 
+    // Another process may have stored it since it was decided on.
+    void RemoveSame(const TRun& run, int64_t host) {
+        for (const TStoredRun& stored : RunsOf(host))
+            if (IsSame(stored, run)) {
+                RemoveRun(stored.id);
+                RemoveChanges(stored.id);
+            }
+    }
+
     // The changes from the run before it to a newer one are found anew.
     void FindNewer() {
         fNewer.reset();
         for (const TStoredRun& stored : RunsOf(fOwner.host))
             if (stored.microseconds > fRun.collectedMicroseconds) fNewer = stored;
         if (!fNewer) return;
-        fRemoveChanges.Bind(1, fNewer->id);
-        fRemoveChanges.Run();
+        RemoveChanges(fNewer->id);
     }
 
     int64_t AddRun(const TRun& run) {
@@ -249,11 +265,16 @@ private:
     }
 
     void RemoveRun(int64_t run) {
-        fTables.RemoveRun(run);
+        fTables->RemoveRun(run);
         for (TSqliteStatement* statement : {&fRemoveMissing, &fRemoveDocument, &fRemoveRun}) {
             statement->Bind(1, run);
             statement->Run();
         }
+    }
+
+    void RemoveChanges(int64_t run) {
+        fRemoveChanges.Bind(1, run);
+        fRemoveChanges.Run();
     }
 
     void NoteSeen() {
@@ -261,6 +282,16 @@ private:
         fNoteSeen.Bind(2, fOwner.host);
         fNoteSeen.Run();
     }
+
+    // Between transactions another process may have added tables and columns.
+    void Start() {
+        fFile.Execute("BEGIN IMMEDIATE");
+        fIsInTransaction = true;
+        const int64_t version = DataVersion();
+        if (std::exchange(fDataVersion, version) != version) fTables.emplace(fFile);
+    }
+
+    int64_t DataVersion() const { return fFile.IntegerOf("PRAGMA data_version"); }
 
     void Commit() {
         fFile.Execute("COMMIT");
@@ -270,7 +301,8 @@ private:
 
     const size_t fKeepRuns;
     const TFleetFile fFile;
-    TSqliteTables fTables;
+    std::optional<TSqliteTables> fTables;
+    int64_t fDataVersion = 0;  // which another process that writes the file changes
     TSqliteStatement fFindHost{fFile, std::string("SELECT ") + kHostColumns + " FROM host WHERE key = ? ORDER BY id"};
     TSqliteStatement fFindClone{fFile, std::string("SELECT ") + kHostColumns +
                                            " FROM host WHERE machine_id = ?1 OR uuid = ?2 OR serial = ?3 OR key = ?4 "

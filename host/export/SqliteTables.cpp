@@ -35,9 +35,7 @@ TSqliteTables::TSqliteTables(const TSqliteFile& file)
       fInsertInfo(file, "INSERT OR IGNORE INTO column_info VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)") {
     TSqliteStatement tables(file, "SELECT DISTINCT table_name, coalesce(class, '') FROM column_info");
     while (tables.Step()) Load(tables.Text(0), tables.Text(1));
-    file.Execute("BEGIN IMMEDIATE");
     for (const TTable* own : {&ClassStateTable(), &ChangeTable()}) Ensure(*own);
-    file.Execute("COMMIT");
 }
 
 TSqliteTables::TStored& TSqliteTables::Load(const std::string& name, const std::string& className) {

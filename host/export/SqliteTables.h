@@ -21,6 +21,7 @@ struct TOwner {
 /// dropped.
 class TSqliteTables {
 public:
+    /// Needs a transaction. What another process adds later is not seen.
     explicit TSqliteTables(const TSqliteFile& file);
 
     /// Makes sure that there is such a table.

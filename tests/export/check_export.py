@@ -319,7 +319,8 @@ def check_loads(kyr, folder):
     laptop = read(f"{folder}/laptop.xml")
     day = [write(f"{folder}/day{i}.xml", at(f"2026120{i + 1}080000.000000+060", text)) for i, text in enumerate((
         laptop, laptop, laptop.replace("S6EXNX0R000001", "OTHER"),
-        laptop.replace('<PROPERTY NAME="Rotational" TYPE="boolean">', '<PROPERTY NAME="Rotational" TYPE="string">')))]
+        laptop.replace('<PROPERTY NAME="Rotational" TYPE="boolean">', '<PROPERTY NAME="Rotational" TYPE="string">'),
+        laptop.replace('S6EXNX0R000001', 'THIRD')))]
     clone = write(f"{folder}/clone.xml", read(day[1]).replace(">tern<", ">kite<"))
     # Files, an option, what psql says, the days of the runs that are there then, and a query with its answer.
     rotational = "SELECT string_agg(concat(rotational, rotational_text), ',' ORDER BY run_id, id) FROM disk_drive"
@@ -334,7 +335,10 @@ def check_loads(kyr, folder):
              ((day[0],), ["--keep-runs=2"], "1 runs stored", "1,3", (changes, replaced)),
              ((clone,), [], f"'tern' ({day[2]}) and 'kite' ({clone})", "1,2,3", ("SELECT count(*) FROM host", "2")),
              ((day[3],), [], "1 runs stored", "2,4", (rotational, "f,t,false,true")),
-             ((day[3],), [], "1 already there", "2,4", (not_compared, "03 to 04"))]
+             ((day[3],), [], "1 already there", "2,4", (not_compared, "03 to 04")),
+             # What the text compares has a stored run in between.
+             ((day[1], day[4]), ["--keep-runs=2"], "2 runs stored", "2,4,5",
+              ("SELECT count(*) FROM change WHERE changed_at - previous_at > interval '1 day'", "0"))]
     new_database()
     for files, options, told, runs, asked in steps:
         err = psql(run(kyr, "export", "--postgres", *options, *files)[0])[1]
@@ -345,6 +349,17 @@ def check_loads(kyr, folder):
         check(one("SELECT count(*) FROM disk_drive WHERE run_id NOT IN (SELECT id FROM run)") == "0", f"{step}: rows without a run")
         answer = asked and one(asked[0])
         check(not asked or answer == asked[1], f"{step}: {answer}, not {asked and asked[1]}")
+
+
+def check_two_at_once(kyr, files, folder):
+    """Two processes that make and fill one data base."""
+    command = [kyr, "export", "--sqlite", f"{folder}/two.db", "--keep-runs", "99", *files]
+    both = [subprocess.Popen(command, stderr=subprocess.PIPE, text=True) for _ in range(2)]
+    for each in both:
+        told = each.communicate()[1]
+        check(each.returncode == 0, f"two at once: {told}")
+    runs = sqlite3.connect(f"{folder}/two.db").execute("SELECT count(*), count(DISTINCT file) FROM run").fetchone()
+    check(runs == (len(files), len(files)), f"two at once: {runs} runs of {len(files)} files")
 
 
 def check_refusals(kyr, folder):
@@ -367,6 +382,7 @@ def main(machines, kyr, *options):
         odd = odd_collection.add_odd_classes(at("20261201000000.000000-300", read(f"{folder}/laptop.xml")))
         write(f"{folder}/odd.xml", odd)
         count = check_values(kyr, [*files, f"{folder}/odd.xml"], folder)
+        check_two_at_once(kyr, files, folder)
         check_loads(kyr, folder)
         check_refusals(kyr, folder)
     print(f"{count} values in four forms, {len(faults)} faults")

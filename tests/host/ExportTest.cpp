@@ -202,7 +202,7 @@ TEST_F(ExportTest, LeavesOtherFilesAlone) {
         EXPECT_EQ(ReadFile(path), before) << path;
     }
     EXPECT_THAT(RunKyr("export --sqlite " + fFolder.Path() + "/none/x.db" + first),
-                FieldsAre(4, "", HasSubstr("unable to open database file")));
+                FieldsAre(4, "", HasSubstr("No such file or directory")));
 }
 
 TEST_F(ExportTest, LeavesASoundFileWhenItIsKilled) {
