@@ -81,16 +81,21 @@ void TCollectionList::AddNames(const std::string& names, const std::string& list
     std::istringstream lines(names);
     const char end = names.find('\0') == std::string::npos ? '\n' : '\0';
     for (std::string name; std::getline(lines, name, end);)
-        if (!name.empty()) AddFile(name);
+        if (!name.empty()) AddNamed(name);
     if (fSources.size() == before) throw TCommandError(eExitUsage, list + " names no collection");
 }
 
-// What is not there is told when it is its turn, so that the others are read.
 void TCollectionList::AddFile(const std::string& path) {
     struct stat status {};
+    if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) RefuseFolder(path);
+    AddNamed(path);
+}
+
+// What is not there, or is a folder, is told when it is its turn, so that the others are read.
+void TCollectionList::AddNamed(const std::string& path) {
+    struct stat status {};
     const bool isThere = stat(path.c_str(), &status) == 0;
-    if (isThere && S_ISDIR(status.st_mode)) RefuseFolder(path);
-    if (!isThere || S_ISREG(status.st_mode)) return fSources.push_back({path, path});
+    if (!isThere || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) return fSources.push_back({path, path});
     std::ifstream pipe = Open(path);
     Copy(ReadSome(pipe), pipe, fCopies.emplace_back());
     fSources.push_back({fCopies.back().Path(), path});

@@ -22,6 +22,7 @@ private:
     void AddList(const std::string& path);
     void AddNames(const std::string& names, const std::string& list);
     void AddFile(const std::string& path);
+    void AddNamed(const std::string& path);
 
     std::vector<TSource> fSources;
     std::list<TSpool> fCopies;  // of what can be read only once
