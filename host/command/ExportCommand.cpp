@@ -178,8 +178,9 @@ private:
         TTarget target(fOutput, output);
         const std::unique_ptr<IRunSink> sink = MakeSink(target.Output());
         const TFleetCounts counts = ExportFiles(sources, fOptions, *sink);
-        if (!fOptions.classes.empty() && counts.stored > 0 && !counts.haveClasses)
-            throw TCommandError(eExitUsage, "no collection knows the class '" + Join(fOptions.classes, "' or '") + "'");
+        if (!counts.unknownClasses.empty() && counts.unreadable < counts.files)
+            throw TCommandError(eExitUsage,
+                                "no collection knows the class '" + Join(counts.unknownClasses, "' or '") + "'");
         sink->Finish();
         target.Finish();
         return counts;

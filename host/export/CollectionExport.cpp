@@ -110,7 +110,8 @@ void ExportCollection(const TSource& source, const std::vector<std::string>& cla
     TContainer container;
     ReadCollectionWithStates(source.path, container);
     std::string bytes = ReadBytes(source.path);
-    const TRun run = RunOf(source, container, bytes);
+    TRun run = RunOf(source, container, bytes);
+    run.knownClasses = KnownClasses(container, classes);
     const TVerdict verdict = sink.Decide(run);
     if (verdict.what != TVerdict::eStore) return sink.End();
     sink.Begin(run);

@@ -127,12 +127,12 @@ public:
 
     TFleetCounts Store() {
         fCounts.files = fFiles.size();
+        fCounts.unknownClasses = fShare.options.classes;
         for (fTurn = 0; fTurn < fFiles.size(); ++fTurn) {
             fReader = fReaders[fTurn % fShare.step].get();
             StoreOne();
             fTold.erase(fTurn);
         }
-        fCounts.haveClasses = fPool.HasClasses();
         return fCounts;
     }
 
@@ -193,8 +193,15 @@ private:
         fCounts.alreadyStored += told.verdict->what == TVerdict::eAlreadyStored;
         fCounts.older += told.verdict->what == TVerdict::eOlder;
         if (!told.verdict->refusal.empty()) PrintDiagnostic(told.verdict->refusal);
+        NoteKnownClasses(*told.run);
         if (fHasBegun) fSink.Begin(*told.run);
         return true;
+    }
+
+    void NoteKnownClasses(const TRun& run) {
+        std::vector<std::string>& unknown = fCounts.unknownClasses;
+        for (const std::string& name : run.knownClasses)
+            unknown.erase(std::remove(unknown.begin(), unknown.end(), name), unknown.end());
     }
 
     bool End() {

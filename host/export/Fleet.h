@@ -21,7 +21,7 @@ struct TFleetCounts {
     size_t alreadyStored = 0;
     size_t older = 0;
     size_t unreadable = 0;
-    bool haveClasses = false;  ///< one of them at least knows a class that is wanted
+    std::vector<std::string> unknownClasses = {};  ///< those of the wanted ones that none knows
 };
 
 /// Hands the saved collections to the sink in their order, each read in one of several processes. Those that cannot be

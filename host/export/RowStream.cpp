@@ -121,6 +121,7 @@ TVerdict TRowSender::Decide(const TRun& run) {
     PutNumber(run.collectedMicroseconds);
     PutNumber(run.fingerprint);
     PutNumber<uint8_t>(!run.superuser ? 2 : *run.superuser ? 1 : 0);
+    for (const std::string& name : run.knownClasses) PutText(name);
     EndFrame();
     Flush();
     return ReceiveVerdict(fSocket);
@@ -250,6 +251,7 @@ TRun TRowReceiver::Run() const {
     run.collectedMicroseconds = reader.TakeNumber<int64_t>();
     run.fingerprint = reader.TakeNumber<uint64_t>();
     if (const auto superuser = reader.TakeNumber<uint8_t>(); superuser != 2) run.superuser = superuser != 0;
+    while (!reader.IsAtEnd()) run.knownClasses.push_back(reader.TakeText());
     return run;
 }
 

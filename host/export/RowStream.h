@@ -56,7 +56,6 @@ class TTablePool {
 public:
     /// From the bytes of a frame. Raises TRecordError.
     const TTable& Of(std::string_view bytes);
-    bool HasClasses() const { return !fTables.empty(); }
 
 private:
     // Those of classes, by their bytes.

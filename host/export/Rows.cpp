@@ -1,6 +1,7 @@
 #include "export/Rows.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 
 #include "base/Text.h"
@@ -90,11 +91,7 @@ private:
 
     std::vector<TCIMClass*> ChosenClasses() const {
         if (fOptions.classes.empty()) return SelectAllClasses(fContainer);
-        std::vector<std::string> known = fOptions.classes;
-        const auto isUnknown = [&](const std::string& name) {
-            return FindSpokenClass(fContainer, name).classes.empty();
-        };
-        known.erase(std::remove_if(known.begin(), known.end(), isUnknown), known.end());
+        const std::vector<std::string> known = KnownClasses(fContainer, fOptions.classes);
         return known.empty() ? std::vector<TCIMClass*>() : TInstanceChoice(fContainer, known, {}).Classes();
     }
 
@@ -334,6 +331,13 @@ TRun RunOf(const TContainer& container) {
     SetTime(*collections.front(), run);
     SetState(*collections.front(), run);
     return run;
+}
+
+std::vector<std::string> KnownClasses(const TContainer& container, const std::vector<std::string>& names) {
+    std::vector<std::string> known;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(known),
+                 [&](const std::string& name) { return !FindSpokenClass(container, name).classes.empty(); });
+    return known;
 }
 
 void WriteRows(const TContainer& container, const TRowOptions& options, TClassTables& tables, IRunSink& sink) {

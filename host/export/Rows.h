@@ -13,6 +13,9 @@ class TContainer;
 /// time too, if the collection has none.
 TRun RunOf(const TContainer& container);
 
+/// Those of the names, spoken or not, that are of a class of the collection.
+std::vector<std::string> KnownClasses(const TContainer& container, const std::vector<std::string>& names);
+
 /// What rows are wanted, and how.
 struct TRowOptions {
     std::vector<std::string> classes = {};  ///< these and their subclasses, also by spoken names; empty: all

@@ -50,6 +50,7 @@ struct TRun {
     std::string state, reasonCode, reason;  ///< the words
     uint64_t fingerprint = 0;               ///< of the uncompressed document
     std::string file;                       ///< its name; empty for this machine
+    std::vector<std::string> knownClasses;  ///< those of the wanted classes that the collection knows
 };
 
 /// What a sink does with a run, and what it has of the same host.

@@ -17,6 +17,7 @@ protected:
         fFolder.Write("lines", server + "\n\n" + laptop + "\n");
         fFolder.Write("nuls", server + '\0' + laptop + '\0');
         fFolder.Write("nothing", "\n");
+        fFolder.Write("mixed", fFolder.Path() + "\n" + server);
     }
 
     std::string Path(const std::string& name) const { return fFolder.Path() + "/" + name; }
@@ -68,7 +69,9 @@ TEST_F(ExportFormsTest, SayWhatIsWrong) {
         {"--jsonl @{}/none", 2, "No such file or directory"},
         {"--jsonl {}/none.xml", 3, "1 file: 0 runs stored, 1 unreadable"},
         {"--jsonl {}/none.xml {}/server.xml", 1, "2 files: 1 run stored, 1 unreadable"},
-        {"--jsonl --class MOLTA_Nothing {}/server.xml", 2, "no collection knows the class 'MOLTA_Nothing'"},
+        {"--jsonl @{}/mixed", 1, "2 files: 1 run stored, 1 unreadable"},
+        {"--jsonl --class computers --class MOLTA_Nothing {}/server.xml", 2,
+         "no collection knows the class 'MOLTA_Nothing'"},
         {"--csv MOLTA_Nothing {}/server.xml", 2, "no collection knows the class 'MOLTA_Nothing'"},
         {"--csv CIM_ManagedElement {}/server.xml", 2, "'CIM_ManagedElement' stands for several classes, among them"},
         {"--jsonl --postgres {}/server.xml", 2, "--postgres and --jsonl do not go together"},
