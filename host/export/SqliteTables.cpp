@@ -5,6 +5,7 @@
 
 #include "base/Output.h"
 #include "base/Text.h"
+#include "export/CellText.h"
 
 namespace {
 
@@ -157,9 +158,10 @@ void TSqliteTables::Insert(const TTable& table, const TRow& row, const TOwner& o
     if (target.hasRowIds) target.insert->Bind(3, row.id);
     for (const TPlace& place : target.places) {
         const TCell& cell = row.cells[place.cell];
-        const std::string fault = place.parameter == 0 && cell.kind != TCell::eNull
-                                      ? "the table has no room for the column"
-                                      : BindPlace(*target.insert, place, cell);
+        const std::string fault =
+            place.parameter == 0 && cell.kind != TCell::eNull
+                ? "the table has no room for more columns: " + TextOfCell(cell, table.columns[place.cell].kind)
+                : BindPlace(*target.insert, place, cell);
         if (!fault.empty()) InsertMissing(target, row, place.cell, fault, "", owner);
     }
     target.insert->Run();
