@@ -116,10 +116,11 @@ TEST_P(GoldenTest, SummaryIsTheSameLiveAndSaved) {
 TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
     const TRunResult run = RunKyrOn("none", "collect --json " ALL_PLUGINS);
     EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(CountIn(run.out, "\"log\": [\"error: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none\""), 9u)
+    EXPECT_EQ(CountIn(run.out, "\"log\": [\"error: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none\""),
+              NUMBER_OF_PLUGINS)
         << run.out;
     EXPECT_EQ(CountIn(run.err, "returned fail (kyrStatusFail): KYR_SYSTEM_ROOT names no folder: " MACHINES "/none ("),
-              9u);
+              NUMBER_OF_PLUGINS);
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, GoldenTest, ::testing::ValuesIn(kMachines),

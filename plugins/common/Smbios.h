@@ -1,5 +1,5 @@
-#ifndef KYR_PLUGINS_MEMORY_SMBIOS_H
-#define KYR_PLUGINS_MEMORY_SMBIOS_H
+#ifndef KYR_PLUGINS_COMMON_SMBIOS_H
+#define KYR_PLUGINS_COMMON_SMBIOS_H
 
 #include <cstdint>
 #include <optional>

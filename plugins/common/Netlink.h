@@ -1,5 +1,5 @@
-#ifndef KYR_PLUGINS_NETWORK_NETLINK_H
-#define KYR_PLUGINS_NETWORK_NETLINK_H
+#ifndef KYR_PLUGINS_COMMON_NETLINK_H
+#define KYR_PLUGINS_COMMON_NETLINK_H
 
 #include <cstdint>
 #include <cstring>
