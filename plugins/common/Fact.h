@@ -58,6 +58,12 @@ template <typename T>
 TFact<T> Otherwise(const TFact<T>& first, TFact<T> second) {
     return !second && IsUnreadable(first) ? first : second;
 }
+/// The same for two sources of which machines have one or the other: of two absences, that of the source that is there.
+template <typename T>
+TFact<T> EitherOf(const TFact<T>& first, const TFact<T>& second) {
+    const bool isSecond = !first && first.absence == EAbsence::eNotPresent && second.absence != EAbsence::eNotPresent;
+    return isSecond || (!first && second) ? second : first;
+}
 /// As ListingOf, for a source that not every machine has: only one that is there and cannot be read is missing.
 template <typename T>
 TListing UnlessUnreadable(const TFact<T>& fact) {

@@ -64,6 +64,20 @@ std::string UnescapeOctal(std::string_view text) {
     return plain;
 }
 
+std::optional<std::string> UeventValue(std::string_view text, std::string_view key) {
+    for (const std::string_view line : Lines(text))
+        if (line.size() > key.size() && line.substr(0, key.size()) == key && line[key.size()] == '=')
+            return std::string(Trim(line.substr(key.size() + 1)));
+    return std::nullopt;
+}
+
+TSwapPath ParseSwapPath(std::string_view column) {
+    constexpr std::string_view kMark = "\\040(deleted)";
+    const bool isDeleted = EndsWith(column, kMark);
+    if (isDeleted) column.remove_suffix(kMark.size());
+    return {UnescapeOctal(column), isDeleted};
+}
+
 std::optional<uint64_t> ParseKilobytes(std::string_view text) {
     constexpr uint64_t kBytes = 1024;
     const std::optional<uint64_t> kilobytes = ParseNumber<uint64_t>(text);

@@ -17,6 +17,14 @@ std::vector<std::string_view> Lines(std::string_view text);
 bool EndsWith(std::string_view text, std::string_view end);
 /// Decodes the octal escapes that the kernel writes, such as "\040" for a blank in a path.
 std::string UnescapeOctal(std::string_view text);
+/// The value of a line "key=value" in a uevent file.
+std::optional<std::string> UeventValue(std::string_view text, std::string_view key);
+/// The path of a swap area from the first column of /proc/swaps, where the kernel marks one whose name was removed.
+struct TSwapPath {
+    std::string path;
+    bool isDeleted;
+};
+TSwapPath ParseSwapPath(std::string_view column);
 /// Natural order: numbers within names are compared by value.
 bool NaturalLess(std::string_view a, std::string_view b);
 

@@ -24,8 +24,8 @@ TFact<std::string> Field(const TFact<std::string>& uevent, std::string_view key)
     return field;
 }
 
-void ReadUevent(const TSystemRoot& root, const std::string& folder, TPciFunction& function) {
-    const TFact<std::string> uevent = root.ReadFile(folder + "uevent");
+// What one read of uevent tells of most devices.
+void ReadUevent(const TFact<std::string>& uevent, TPciFunction& function) {
     const TFact<std::string> id = Field(uevent, "PCI_ID"), subsystem = Field(uevent, "PCI_SUBSYS_ID");
     function.identity.vendor = Half(id, false);
     function.identity.device = Half(id, true);
@@ -34,6 +34,32 @@ void ReadUevent(const TSystemRoot& root, const std::string& folder, TPciFunction
     function.identity.classCode =
         Field(uevent, "PCI_CLASS").Map([](const std::string& text) { return ParseNumber<uint32_t>(text, 16); });
     function.driver = Field(uevent, "DRIVER");
+}
+
+template <typename T>
+void ReadIfAbsent(const TSystemRoot& root, const std::string& path, TFact<T>& fact) {
+    if (!fact) fact = EitherOf(fact, root.ReadNumber<T>(path, 16));
+}
+
+// Old kernels have an empty uevent, or one that nobody may read, or none: then each value has a file of its own.
+void ReadSingleFiles(const TSystemRoot& root, const std::string& folder, TPciFunction& function) {
+    TPciIdentity& identity = function.identity;
+    ReadIfAbsent(root, folder + "vendor", identity.vendor);
+    ReadIfAbsent(root, folder + "device", identity.device);
+    ReadIfAbsent(root, folder + "subsystem_vendor", identity.subsystemVendor);
+    ReadIfAbsent(root, folder + "subsystem_device", identity.subsystem);
+    ReadIfAbsent(root, folder + "class", identity.classCode);
+    if (!function.driver) function.driver = EitherOf(function.driver, root.ReadLinkName(folder + "driver"));
+}
+
+// Kernels before 4.10 tell the revision only in the configuration registers.
+TFact<uint8_t> ReadRevision(const TSystemRoot& root, const std::string& folder) {
+    constexpr size_t kRegister = 8;
+    const TFact<uint8_t> revision = root.ReadNumber<uint8_t>(folder + "revision", 16);
+    if (revision || revision.absence != EAbsence::eNotPresent) return revision;
+    const TFact<std::string> registers = root.ReadFile(folder + "config", kRegister + 1);
+    if (!registers || registers->size() <= kRegister) return revision;
+    return TFact<uint8_t>::Of(static_cast<uint8_t>((*registers)[kRegister]), registers.source);
 }
 
 TFact<uint16_t> ReadWidth(const TSystemRoot& root, const std::string& path) {
@@ -46,7 +72,7 @@ std::optional<TPciLink> ReadLink(const TSystemRoot& root, const std::string& fol
     TPciLink link;
     link.maxSpeed = root.ReadText(folder + "max_link_speed").Map(ParseLinkSpeed);
     const bool isAbsent = !link.maxSpeed && link.maxSpeed.absence == EAbsence::eNotPresent;
-    if (isAbsent && root.Exists(folder + "uevent")) return std::nullopt;
+    if (isAbsent && root.Exists(folder)) return std::nullopt;
     link.currentSpeed = root.ReadText(folder + "current_link_speed").Map(ParseLinkSpeed);
     link.maxWidth = ReadWidth(root, folder + "max_link_width");
     link.currentWidth = ReadWidth(root, folder + "current_link_width");
@@ -73,8 +99,10 @@ TPciFunction ReadFunction(const TSystemRoot& root, const std::string& address,
     function.address = address;
     const std::string parent = ParentName(root.ReadLink(kDevices + address).ValueOr(""));
     if (std::binary_search(addresses.begin(), addresses.end(), parent)) function.bridge = parent;
-    ReadUevent(root, folder, function);
-    function.revision = root.ReadNumber<uint8_t>(folder + "revision", 16);
+    const TFact<std::string> uevent = root.ReadFile(folder + "uevent");
+    ReadUevent(uevent, function);
+    if (!function.identity.IsKnown()) ReadSingleFiles(root, folder, function);
+    function.revision = ReadRevision(root, folder);
     function.interrupt = ReadInterrupt(root, folder + "irq");
     function.numaNode = ReadNumaNode(root, folder + "numa_node");
     function.link = ReadLink(root, folder);
@@ -135,13 +163,6 @@ TPciFacts ReadPci(const TSystemRoot& root) {
     names.Read(root, "pci.ids");
     for (TPciFunction& function : facts.functions) FillNames(names, function.identity);
     return facts;
-}
-
-std::optional<std::string> UeventValue(std::string_view text, std::string_view key) {
-    for (const std::string_view line : Lines(text))
-        if (line.size() > key.size() && line.substr(0, key.size()) == key && line[key.size()] == '=')
-            return std::string(Trim(line.substr(key.size() + 1)));
-    return std::nullopt;
 }
 
 std::optional<uint64_t> ParseLinkSpeed(std::string_view text) {

@@ -22,6 +22,7 @@ struct TPciIdentity {
     TFact<std::string> subsystemName;
     TFact<std::string> className;  ///< of the subclass, or of the class if that has none
 
+    bool IsKnown() const { return vendor && device && subsystemVendor && subsystem && classCode; }
     /// False for most bridges.
     bool HasSubsystem() const { return !subsystemVendor || *subsystemVendor != 0; }
 };
@@ -52,8 +53,6 @@ struct TPciFacts {
 
 TPciFacts ReadPci(const TSystemRoot& root);
 
-/// The value of a line "key=value" in a uevent file.
-std::optional<std::string> UeventValue(std::string_view text, std::string_view key);
 /// "8.0 GT/s PCIe" as transfers per second.
 std::optional<uint64_t> ParseLinkSpeed(std::string_view text);
 

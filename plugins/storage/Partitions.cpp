@@ -53,16 +53,8 @@ constexpr TPartitionType kPartitionTypes[] = {
 // Without udev the name is in the uevent file, in a line such as "PARTNAME=root".
 TFact<std::string> ReadKernelName(const TSystemRoot& root, const std::string& folder) {
     const TFact<std::string> event = root.ReadText(folder + "uevent");
-    if (!event) return {};
-    for (const std::string_view line : Lines(*event))
-        if (line.substr(0, 9) == "PARTNAME=") return TFact<std::string>::Of(std::string(line.substr(9)), event.source);
-    return {};
-}
-
-// The second last component of the path, which is the disk.
-std::string ParentOf(const std::string& sysfsPath) {
-    const std::string above = sysfsPath.substr(0, std::min(sysfsPath.rfind('/'), sysfsPath.size()));
-    return above.substr(above.rfind('/') + 1);
+    const std::optional<std::string> name = UeventValue(event.ValueOr(""), "PARTNAME");
+    return name ? TFact<std::string>::Of(*name, event.source) : TFact<std::string>();
 }
 
 }  // namespace
@@ -70,7 +62,7 @@ std::string ParentOf(const std::string& sysfsPath) {
 TPartition ReadPartition(const TSystemRoot& root, TDeviceEntry& entry, TFact<uint32_t> number) {
     TPartition partition;
     ReadBlockDevice(root, entry, partition);
-    partition.parent = ParentOf(entry.sysfsPath);
+    partition.parent = ParentName(entry.sysfsPath);
     partition.number = std::move(number);
     partition.offset = ReadSectors(root, entry.folder + "start");
     partition.type = entry.udev.Find("ID_PART_ENTRY_TYPE");

@@ -25,3 +25,24 @@ TEST(PciReaderTest, LinkSpeedsAreTransfersPerSecond) {
     for (const char* text : {"Unknown", "", ".5 GT/s", "2.55 GT/s", "2. GT/s", "99999999999.0 GT/s"})
         EXPECT_EQ(ParseLinkSpeed(text), std::nullopt) << text;
 }
+
+TEST(PciReaderTest, FilesOfTheirOwnTellWhatUeventLacks) {
+    const std::string uevent = "DRIVER=e1000\nPCI_CLASS=20000\nPCI_ID=8086:100E\nPCI_SUBSYS_ID=1028:002E\n";
+    // uevent, the file of the vendor, and the vendor or why there is none.
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {uevent.c_str(), "0x1234", "8086"},
+        {"", "0x1234", "1234"},
+        {"PCI_ID=x\n", "0x1234", "1234"},
+        {"PCI_ID=x\n", "", "not supported: /sys/bus/pci/devices/0000:00:01.0/uevent"},
+        {"", "none", "not supported: /sys/bus/pci/devices/0000:00:01.0/vendor"},
+        {"", "", "not present: /sys/bus/pci/devices/0000:00:01.0/uevent"}};
+    for (const auto& [text, vendor, expected] : cases) {
+        const TempFolder machine;
+        const std::string folder = "sys/bus/pci/devices/0000:00:01.0/";
+        machine.Write(folder + "uevent", text);
+        machine.Write(folder + "vendor", vendor);
+        const TFact<uint16_t> fact = ReadPci(TSystemRoot(machine.Path())).functions.at(0).identity.vendor;
+        const std::string why = std::string(AbsenceText(fact.absence)) + ": " + fact.source;
+        EXPECT_EQ(fact ? HexText(4, *fact) : why, expected) << text << vendor;
+    }
+}
