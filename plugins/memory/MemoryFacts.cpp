@@ -27,17 +27,26 @@ constexpr TUsageLine kUsageLines[] = {
     {"Hugepagesize", &TMemoryUsage::hugePageSize},
 };
 
+using TNumbers = std::map<std::string_view, std::optional<uint64_t>>;
+
 // "MemTotal:  24684096 kB"; lines that count pages have no unit. In bytes or pages.
-std::map<std::string_view, uint64_t> ParseLines(std::string_view meminfo) {
-    std::map<std::string_view, uint64_t> numbers;
+TNumbers ParseLines(std::string_view meminfo) {
+    TNumbers numbers;
     for (const std::string_view line : Lines(meminfo)) {
         const std::vector<std::string_view> sides = Split(line, ':');
         if (sides.size() != 2) continue;
         const std::string_view number = sides[1].substr(0, sides[1].find(' '));
-        const auto parsed = EndsWith(sides[1], "kB") ? ParseKilobytes(number) : ParseNumber<uint64_t>(number);
-        if (parsed) numbers.emplace(sides[0], *parsed);
+        std::optional<uint64_t>& known = numbers[sides[0]];
+        if (!known) known = EndsWith(sides[1], "kB") ? ParseKilobytes(number) : ParseNumber<uint64_t>(number);
     }
     return numbers;
+}
+
+// Old kernels lack some lines: MemAvailable came with Linux 3.14.
+TFact<uint64_t> FindLine(const TFact<std::string>& meminfo, const TNumbers& numbers, std::string_view name) {
+    const auto found = numbers.find(name);
+    if (meminfo && found == numbers.end()) return TFact<uint64_t>::Missing(EAbsence::eNotPresent, meminfo.source);
+    return meminfo.Map([&](const std::string&) { return found->second; });
 }
 
 template <typename T>
@@ -60,6 +69,13 @@ std::vector<std::string_view> Columns(std::string_view line) {
     return columns;
 }
 
+// Of a file that was removed and made again, both are in use.
+void MakePathsUnique(std::vector<TSwapArea>& areas) {
+    std::map<std::string, unsigned> counts;
+    for (TSwapArea& area : areas)
+        if (const unsigned count = ++counts[area.path]; count > 1) area.path += "#" + std::to_string(count);
+}
+
 // A machine without DMI has no table.
 TListing SmbiosListing(const TSystemRoot& root, const TFact<std::string>& table) {
     if (table || table.absence != EAbsence::eNotPresent) return ListingOf(table);
@@ -71,12 +87,8 @@ TListing SmbiosListing(const TSystemRoot& root, const TFact<std::string>& table)
 
 TMemoryUsage ParseMeminfo(const TFact<std::string>& meminfo) {
     TMemoryUsage usage;
-    const std::map<std::string_view, uint64_t> numbers = ParseLines(meminfo ? *meminfo : std::string_view());
-    for (const TUsageLine& line : kUsageLines)
-        usage.*line.fact = meminfo.Map([&](const std::string&) {
-            const auto found = numbers.find(line.name);
-            return found == numbers.end() ? std::nullopt : std::optional(found->second);
-        });
+    const TNumbers numbers = ParseLines(meminfo ? *meminfo : std::string_view());
+    for (const TUsageLine& line : kUsageLines) usage.*line.fact = FindLine(meminfo, numbers, line.name);
     return usage;
 }
 
@@ -86,11 +98,14 @@ std::vector<TSwapArea> ParseSwaps(const TFact<std::string>& swaps) {
     for (const std::string_view line : Lines(swaps ? *swaps : std::string_view())) {
         const std::vector<std::string_view> columns = Columns(line);
         if (columns.size() != 5 || columns[0] == "Filename") continue;
-        areas.push_back({UnescapeOctal(columns[0]), TFact<uint16_t>::Of(SwapKindOf(columns[1]), swaps.source),
+        TSwapPath path = ParseSwapPath(columns[0]);
+        areas.push_back({std::move(path.path), TFact<bool>::Of(path.isDeleted, swaps.source),
+                         TFact<uint16_t>::Of(SwapKindOf(columns[1]), swaps.source),
                          FactOf(ParseKilobytes(columns[2]), swaps.source),
                          FactOf(ParseKilobytes(columns[3]), swaps.source),
                          FactOf(ParseNumber<int32_t>(columns[4]), swaps.source)});
     }
+    MakePathsUnique(areas);
     return areas;
 }
 

@@ -34,6 +34,7 @@ enum class ESwapKind : uint16_t { eUnknown, ePartition, eFile };
 /// A swap partition or file; sizes in bytes.
 struct TSwapArea {
     std::string path;
+    TFact<bool> isDeleted;
     TFact<uint16_t> kind;
     TFact<uint64_t> size;
     TFact<uint64_t> used;

@@ -68,6 +68,7 @@ kyrStatusCode ReportSwapArea(kyrIOHandle handle, const TSwapArea& area) {
     report.Add("Size", area.size);
     report.Add("UsedSize", area.used);
     report.Add("Priority", area.priority);
+    report.Add("Deleted", area.isDeleted);
     return report.Finish();
 }
 

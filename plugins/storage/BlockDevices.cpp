@@ -53,8 +53,27 @@ void Add(T device, EDeviceKind kind, std::vector<T>& list, TStorage& storage) {
     list.push_back(std::move(device));
 }
 
+// "1" of "sda1", "2" of "nvme0n1p2".
+std::string_view LastNumber(std::string_view name) {
+    return name.substr(std::min(name.find_last_not_of("0123456789") + 1, name.size()));
+}
+
+// The folder of a disk lies in one named "block", that of a partition in the folder of its disk.
+bool MayBePartition(const TDeviceEntry& entry) { return ParentName(entry.sysfsPath) != "block"; }
+
+// From the file of that name, or else, where the kernel only tells that it is a partition, from its name.
+TFact<uint32_t> ReadPartitionNumber(const TSystemRoot& root, const TDeviceEntry& entry) {
+    TFact<uint32_t> number = root.ReadNumber<uint32_t>(entry.folder + "partition");
+    if (number || !MayBePartition(entry)) return number;
+    const TFact<std::string> event = root.ReadText(entry.folder + "uevent");
+    if (UeventValue(event.ValueOr(""), "DEVTYPE") != "partition") return number;
+    const auto found =
+        ParseNumber<uint32_t>(UeventValue(*event, "PARTN").value_or(std::string(LastNumber(entry.name))));
+    return found ? TFact<uint32_t>::Of(*found, event.source) : number;
+}
+
 void ReadEntry(const TSystemRoot& root, TDeviceEntry entry, TStorage& storage) {
-    const TFact<uint32_t> partition = root.ReadNumber<uint32_t>(entry.folder + "partition");
+    const TFact<uint32_t> partition = ReadPartitionNumber(root, entry);
     if (partition)
         return Add(ReadPartition(root, entry, partition), EDeviceKind::ePartition, storage.partitions, storage);
     if (!DiskOfPath(entry.name).empty()) {

@@ -6,7 +6,7 @@ namespace {
 // Each line after the headings begins with a path.
 std::string PathIn(std::string_view line) {
     if (line.substr(0, 1) != "/") return "";
-    return UnescapeOctal(line.substr(0, line.find_first_of(" \t")));
+    return ParseSwapPath(line.substr(0, line.find_first_of(" \t"))).path;
 }
 
 }  // namespace

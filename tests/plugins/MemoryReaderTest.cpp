@@ -55,3 +55,21 @@ TEST(MemoryReaderTest, NumbersThatDoNotFitAreNotSupported) {
     EXPECT_EQ(usage.swapTotal.absence, EAbsence::eNotSupported);
     EXPECT_EQ(usage.hugePageSize.value, 2u << 20);
 }
+
+TEST(MemoryReaderTest, LinesThatAKernelLacksAreNotPresent) {
+    const TMemoryUsage usage = ParseMeminfo(TFact<std::string>::Of("MemTotal: 1 kB\nMemFree: x kB\n", "meminfo"));
+    EXPECT_EQ(usage.total.value, 1024u);
+    EXPECT_EQ(usage.free.absence, EAbsence::eNotSupported);
+    EXPECT_EQ(usage.available.absence, EAbsence::eNotPresent);
+    EXPECT_EQ(usage.available.source, "meminfo");
+}
+
+TEST(MemoryReaderTest, ARemovedSwapFileHasItsPathAndIsToldAsRemoved) {
+    std::string text;
+    for (const TSwapArea& area : ParseSwaps(TFact<std::string>::Of("Filename Type Size Used Priority\n"
+                                                                   "/my\\040swap\\040(deleted) file 8 0 -1\n"
+                                                                   "/my\\040swap file 8 0 -2\n/(deleted) file 8 0 -3\n",
+                                                                   "swaps")))
+        text += area.path + (*area.isDeleted ? " was removed\n" : "\n");
+    EXPECT_EQ(text, "/my swap was removed\n/my swap#2\n/(deleted)\n");
+}

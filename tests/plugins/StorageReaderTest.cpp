@@ -1,5 +1,7 @@
 #include <sys/statvfs.h>
 
+#include <filesystem>
+
 #include "BlockDevices.h"
 #include "FileSystemTypes.h"
 #include "Mounts.h"
@@ -79,4 +81,26 @@ TEST(StorageReaderTest, WayToADiskTellsItsBus) {
     const TUdevRecord serial(TFact<std::string>::Of("E:ID_ATA_SATA=1\n", "b8:0"));
     for (const auto& [place, type] : kCases) EXPECT_EQ(BusTypeOf(place, serial), type) << place;
     EXPECT_EQ(BusTypeOf(kCases[0].first, TUdevRecord()), EBusType::eAta);
+}
+
+TEST(StorageReaderTest, APartitionIsNotTakenForADisk) {
+    // The device, its folder, uevent, and the number of the partition, which a disk has not.
+    const std::tuple<const char*, const char*, const char*, uint32_t> cases[] = {
+        {"sda", "block/sda", "DEVTYPE=disk", 0},
+        {"sda1", "block/sda/sda1", "DEVTYPE=partition", 1},
+        {"nvme0n1p12", "nvme0n1/nvme0n1p12", "DEVTYPE=partition", 12},
+        {"cciss!c0d0p2", "block/cciss!c0d0/cciss!c0d0p2", "DEVTYPE=partition\nPARTN=3", 3},
+        {"sdb", "odd/sdb", "DEVTYPE=partition", 0},
+        {"sdc", "odd/sdc", "", 0}};
+    for (const auto& [name, folder, event, number] : cases) {
+        const TempFolder machine;
+        machine.Write("sys/devices/" + std::string(folder) + "/uevent", event);
+        std::filesystem::create_directories(machine.Path() + "/sys/class/block");
+        std::filesystem::create_symlink("../../devices/" + std::string(folder),
+                                        machine.Path() + "/sys/class/block/" + name);
+        TStorage storage;
+        ReadBlockDevices(TSystemRoot(machine.Path()), storage);
+        EXPECT_EQ(storage.partitions.empty() ? 0 : *storage.partitions[0].number, number) << name;
+        EXPECT_EQ(storage.disks.size() + storage.partitions.size(), 1u) << name;
+    }
 }
