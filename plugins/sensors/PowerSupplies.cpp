@@ -1,6 +1,7 @@
 #include "PowerSupplies.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "SystemRoot.h"
@@ -62,6 +63,21 @@ TFact<uint32_t> ReadCycles(const TSystemRoot& root, const std::string& path) {
         [](uint32_t count) { return count == 0 ? std::nullopt : std::optional(count); });
 }
 
+// A battery that holds more than what it calls full, as many do for a while, is full.
+std::optional<uint16_t> ChargePercent(double percent) {
+    constexpr double kFull = 100, kMost = 200;
+    if (!(percent >= 0 && percent <= kMost)) return std::nullopt;
+    return static_cast<uint16_t>(std::lround(std::min(percent, kFull)));
+}
+
+// Old kernels do not work out the percentage.
+TFact<uint16_t> ReadChargePercent(const TSystemRoot& root, const std::string& path, const TFact<double>& left,
+                                  const TFact<double>& full) {
+    const TFact<uint16_t> percent = root.ReadNumber<uint16_t>(path).Map(ChargePercent);
+    if (percent || percent.absence != EAbsence::eNotPresent || !left || full.ValueOr(0) <= 0) return percent;
+    return left.Map([&](double amount) { return ChargePercent(100 * amount / *full); });
+}
+
 TBattery ReadBattery(const TSystemRoot& root, const std::string& name) {
     const std::string folder = kFolder + '/' + name + '/';
     TBattery battery;
@@ -73,13 +89,15 @@ TBattery ReadBattery(const TSystemRoot& root, const std::string& name) {
     battery.scope = ReadWord(root, folder + "scope", kScopes);
     battery.chemistry = ReadWord(root, folder + "technology", kChemistries);
     battery.chargeStatus = ReadWord(root, folder + "status", kChargeStates);
-    battery.chargePercent = root.ReadNumber<uint16_t>(folder + "capacity");
     battery.cycleCount = ReadCycles(root, folder + "cycle_count");
     ReadAmounts(root, folder, kVoltages, battery);
-    if (root.Exists(folder + "charge_full"))
+    const bool hasCharge = root.Exists(folder + "charge_full");
+    if (hasCharge)
         ReadAmounts(root, folder, kCharges, battery);
     else
         ReadAmounts(root, folder, kEnergies, battery);
+    battery.chargePercent = ReadChargePercent(root, folder + "capacity", hasCharge ? battery.charge : battery.energy,
+                                              hasCharge ? battery.fullCharge : battery.fullEnergy);
     return battery;
 }
 

@@ -35,6 +35,7 @@ constexpr TLimit kLimits[] = {{"_lcrit", &TSensor::lowerCritical},
                               {"_max", &TSensor::upper},
                               {"_crit", &TSensor::upperCritical},
                               {"_emergency", &TSensor::upperFatal},
+                              {"_output", &TSensor::target},  // of applesmc
                               {"_target", &TSensor::target}};
 
 // False for the ends of a driver's range, which sysfs has where there is no reading or limit.
@@ -48,9 +49,10 @@ TFact<double> ReadScaled(const TSystemRoot& root, const std::string& path, const
     });
 }
 
-// The channel of "temp3_input" is "temp3". Some power sensors only have an average.
+// The channel of "temp3_input" is "temp3". Some power sensors only have an average, some fans only the speed that they
+// are told to have.
 std::string_view ChannelOf(std::string_view file, const TKind& kind) {
-    for (const std::string_view suffix : {"_input", "_average"}) {
+    for (const std::string_view suffix : {"_input", "_average", "_output"}) {
         if (!EndsWith(file, suffix)) continue;
         const std::string_view channel = file.substr(0, file.size() - suffix.size());
         if (channel.substr(0, kind.prefix.size()) != kind.prefix) continue;
@@ -74,33 +76,85 @@ bool RemoveNumberedDevice(std::string_view& path) {
     return true;
 }
 
+// The path below /sys/devices that a link leads to; empty if it leads elsewhere.
+std::string_view DevicesPath(std::string_view link) {
+    constexpr std::string_view kDevices = "/devices/";
+    const size_t start = link.find(kDevices);
+    return start == std::string_view::npos ? "" : link.substr(start + kDevices.size());
+}
+
+using TFiles = std::set<std::string, std::less<>>;
+
 // One device in /sys/class/hwmon.
 struct TChip {
-    std::string folder;
+    std::string folder;  ///< of its files
     std::string devicePath;
     std::string name;
-    std::set<std::string, std::less<>> files;
+    TFiles files;
+    bool isOfDevice;  ///< the files are those of the device that it belongs to
 };
+
+TFiles FilesIn(const TSystemRoot& root, const std::string& folder) {
+    TFiles files;
+    for (std::string& name : root.Names(folder)) files.insert(std::move(name));
+    return files;
+}
+
+bool HasChannel(const TFiles& files, const TKind& kind) {
+    return std::any_of(files.begin(), files.end(), [&](const auto& file) { return !ChannelOf(file, kind).empty(); });
+}
+
+bool HasChannels(const TFiles& files) {
+    return std::any_of(std::begin(kKinds), std::end(kKinds),
+                       [&](const TKind& kind) { return HasChannel(files, kind); });
+}
+
+// Old drivers, such as applesmc, put their files into the folder of the device, which the hwmon device links to.
+void FindFiles(const TSystemRoot& root, const std::string& link, TChip& chip) {
+    chip.folder = link + '/';
+    chip.files = FilesIn(root, chip.folder);
+    chip.isOfDevice = false;
+    if (HasChannels(chip.files)) return;
+    TFiles files = FilesIn(root, chip.folder + "device/");
+    if (!HasChannels(files)) return;
+    chip.folder += "device/";
+    chip.files = std::move(files);
+    chip.isOfDevice = true;
+}
+
+std::string ReadName(const TSystemRoot& root, const std::string& link, const std::string& hwmon) {
+    const TFact<std::string> name = root.ReadText(link + "/name");
+    return name ? *name : root.ReadText(link + "/device/name").ValueOr(hwmon);
+}
 
 TChip ReadChip(const TSystemRoot& root, const std::string& hwmon) {
     TChip chip;
     const std::string link = kHwmon + '/' + hwmon;
-    chip.folder = link + '/';
-    chip.name = root.ReadText(chip.folder + "name").ValueOr(hwmon);
+    FindFiles(root, link, chip);
+    chip.name = ReadName(root, link, hwmon);
     chip.devicePath = StableDevicePath(root.ReadLink(link).ValueOr(""), chip.name);
+    if (chip.devicePath.empty() && chip.isOfDevice)
+        chip.devicePath = DevicesPath(root.ReadLink(link + "/device").ValueOr(""));
     if (chip.devicePath.empty()) chip.devicePath = hwmon;
-    for (std::string& name : root.Names(chip.folder)) chip.files.insert(std::move(name));
     return chip;
 }
 
-TSensor ReadChannel(const TSystemRoot& root, const TChip& chip, const std::string& channel, const TKind& kind,
-                    const std::string& file) {
+// A broken or missing probe has a fault, and then any number as reading.
+TFact<double> ReadReading(const TSystemRoot& root, const TChip& chip, const std::string& channel, const TKind& kind) {
+    const std::string fault = channel + "_fault", input = channel + "_input", average = channel + "_average";
+    if (chip.files.count(fault) != 0 && root.ReadFlag(chip.folder + fault).ValueOr(false))
+        return TFact<double>::Missing(EAbsence::eNotPresent, chip.folder + fault);
+    const bool hasOnlyAverage = chip.files.count(input) == 0 && chip.files.count(average) != 0;
+    return ReadScaled(root, chip.folder + (hasOnlyAverage ? average : input), kind);
+}
+
+TSensor ReadChannel(const TSystemRoot& root, const TChip& chip, const std::string& channel, const TKind& kind) {
     TSensor sensor;
     sensor.kind = kind.kind;
     sensor.id = chip.devicePath + "/" + channel;
     sensor.chip = chip.name;
     sensor.label = root.ReadText(chip.folder + channel + "_label").ValueOr(channel);
-    sensor.reading = ReadScaled(root, chip.folder + file, kind);
+    sensor.reading = ReadReading(root, chip, channel, kind);
     for (const TLimit& limit : kLimits)
         if (const std::string name = channel + std::string(limit.suffix); chip.files.count(name) != 0)
             sensor.*limit.fact = ReadScaled(root, chip.folder + name, kind);
@@ -108,15 +162,20 @@ TSensor ReadChannel(const TSystemRoot& root, const TChip& chip, const std::strin
 }
 
 void AddChannels(const TSystemRoot& root, const TChip& chip, const TKind& kind, std::vector<TSensor>& sensors) {
-    std::vector<std::pair<std::string, std::string>> channels;
-    for (const std::string& file : chip.files) {
-        const std::string channel(ChannelOf(file, kind));
-        const bool isSecond = EndsWith(file, "_average") && chip.files.count(channel + "_input") != 0;
-        if (!channel.empty() && !isSecond) channels.emplace_back(channel, file);
+    std::set<std::string, bool (*)(std::string_view, std::string_view)> channels(NaturalLess);
+    for (const std::string& file : chip.files)
+        if (const std::string_view channel = ChannelOf(file, kind); !channel.empty()) channels.emplace(channel);
+    for (const std::string& channel : channels) sensors.push_back(ReadChannel(root, chip, channel, kind));
+}
+
+// Where a device has several hwmon devices, the files in its own folder are read for the first of them only.
+void AddChips(const TSystemRoot& root, const std::vector<std::string>& names, std::vector<TSensor>& sensors) {
+    std::set<std::string> devices;
+    for (const std::string& hwmon : names) {
+        const TChip chip = ReadChip(root, hwmon);
+        if (chip.isOfDevice && !devices.insert(chip.devicePath).second) continue;
+        for (const TKind& kind : kKinds) AddChannels(root, chip, kind, sensors);
     }
-    std::sort(channels.begin(), channels.end(),
-              [](const auto& a, const auto& b) { return NaturalLess(a.first, b.first); });
-    for (const auto& [channel, file] : channels) sensors.push_back(ReadChannel(root, chip, channel, kind, file));
 }
 
 // The name of the hwmon device that the kernel makes for a thermal zone of this type.
@@ -167,10 +226,7 @@ void MakeIdsUnique(std::vector<TSensor>& sensors) {
 }  // namespace
 
 std::string StableDevicePath(const std::string& link, const std::string& chip) {
-    constexpr std::string_view kDevices = "/devices/";
-    const size_t start = link.find(kDevices);
-    if (start == std::string::npos) return "";
-    std::string_view path = std::string_view(link).substr(start + kDevices.size());
+    std::string_view path = DevicesPath(link);
     if (path.substr(0, 8) == "virtual/") return "virtual/" + chip;
     if (!RemoveNumberedDevice(path)) path = WithoutLast(path);
     RemoveNumberedDevice(path);
@@ -183,10 +239,7 @@ TSensorFacts ReadSensors(const TSystemRoot& root) {
     facts.listing = root.CheckEntries(kHwmon, chips);
     const TFact<std::vector<std::string>> zones = root.ListKind(kThermal, kThermal);
     facts.zoneListing = root.CheckEntries(kThermal, zones);
-    for (const std::string& hwmon : chips.ValueOr({})) {
-        const TChip chip = ReadChip(root, hwmon);
-        for (const TKind& kind : kKinds) AddChannels(root, chip, kind, facts.sensors);
-    }
+    AddChips(root, chips.ValueOr({}), facts.sensors);
     AddZones(root, zones.ValueOr({}), facts.sensors);
     MakeIdsUnique(facts.sensors);
     return facts;
