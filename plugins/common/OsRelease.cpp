@@ -1,5 +1,7 @@
 #include "OsRelease.h"
 
+#include "OlderRelease.h"
+
 namespace {
 
 // Removes quotes and backslashes like a shell.
@@ -23,7 +25,11 @@ std::string Unquote(std::string_view value) {
 
 TFact<std::string> ReadOsReleaseFile(const TSystemRoot& root) {
     const TFact<std::string> file = NeverEmpty(root.ReadFile("/etc/os-release"));
-    return file || file.absence != EAbsence::eNotPresent ? file : NeverEmpty(root.ReadFile("/usr/lib/os-release"));
+    if (file || file.absence != EAbsence::eNotPresent) return file;
+    const TFact<std::string> other = NeverEmpty(root.ReadFile("/usr/lib/os-release"));
+    if (other || other.absence != EAbsence::eNotPresent) return other;
+    const TFact<std::string> older = ReadOlderRelease(root);
+    return older || IsUnreadable(older) ? older : other;
 }
 
 TFact<std::string> FindOsReleaseValue(const TFact<std::string>& file, const std::string& key) {

@@ -38,8 +38,8 @@ constexpr TLoss kLosses[] = {
      "MOLTA_PhysicalMemory"},
     {"proc/swaps", false, "missing source /proc/swaps: not present (classes MOLTA_SwapArea", "MOLTA_SwapArea",
      "MOLTA_SystemMemory"},
-    {"etc/os-release", false, "missing source /usr/lib: not present (classes MOLTA_InstalledOS, MOLTA_OperatingSystem)",
-     "", "MOLTA_ComputerSystem"},
+    {"etc", false, "missing source /usr/lib: not present (classes MOLTA_InstalledOS, MOLTA_OperatingSystem)", "",
+     "MOLTA_ComputerSystem"},
     {"var/lib/dpkg", false, "missing source /var/lib", "MOLTA_InstalledPackage", "MOLTA_KernelModule"},
     {".kyr/rtnetlink/route", false, "missing source rtnetlink route: not present (classes MOLTA_Route", "MOLTA_Route",
      "MOLTA_IPAddress"},
@@ -115,6 +115,20 @@ TEST(MissingSourcesTest, SoftwareOfAnotherFamilyIsNotSupported) {
         EXPECT_EQ(run.status, 1);
         for (const char* name : {"MOLTA_Package", "MOLTA_InstalledPackage"})
             EXPECT_THAT(StateOf(name, run.out), HasSubstr(state)) << osRelease;
+    }
+}
+
+// What one source does not tell, a second one may.
+TEST(MissingSourcesTest, MachineWithTheSecondOfTwoSourcesIsComplete) {
+    const TMachine machine("server");
+    const std::pair<const char*, const char*> kCases[] = {{"etc/os-release", "MOLTA_OperatingSystem"},
+                                                          {"sys/devices/system/cpu/online", "MOLTA_ProcessorCore"}};
+    for (const auto& [part, name] : kCases) {
+        machine.Remove(part);
+        const TRunResult run = machine.Collect();
+        machine.Restore(part);
+        EXPECT_THAT(run, FieldsAre(0, _, "")) << part;
+        EXPECT_THAT(StateOf(name, run.out), HasSubstr("\"state\": \"complete\"")) << part;
     }
 }
 

@@ -133,3 +133,57 @@ TEST(SystemReaderTest, HypervisorIsNamedByFirmwareOrKernel) {
         EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).hypervisor), expected) << files[0].second;
     }
 }
+
+TEST(SystemReaderTest, OlderReleasesTellInFilesOfTheirOwn) {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"centos-release", "CentOS release 6.10 (Final)\n", "CentOS|centos|6.10|CentOS release 6.10 (Final)"},
+        {"redhat-release", "Red Hat Enterprise Linux Server release 6.9 (Santiago)\n",
+         "Red Hat Enterprise Linux Server|rhel|6.9|Red Hat Enterprise Linux Server release 6.9 (Santiago)"},
+        {"redhat-release", "Fedora release 14 (Laughlin)\n", "Fedora|fedora|14|Fedora release 14 (Laughlin)"},
+        {"system-release", "Amazon Linux AMI release 2014.03\n",
+         "Amazon Linux AMI|amzn|2014.03|Amazon Linux AMI release 2014.03"},
+        {"redhat-release", "Fedora release Rawhide\n", "Fedora|fedora|-|Fedora release Rawhide"},
+        {"redhat-release", "Nobody's Linux release 1\n", "Nobody's Linux|-|1|Nobody's Linux release 1"},
+        {"redhat-release", "say nothing\n", "-|-|-|-"},
+        {"SuSE-release", "SUSE Linux Enterprise Server 11 (x86_64)\nVERSION = 11\nPATCHLEVEL = 4\n",
+         "SUSE Linux Enterprise Server|sles|11.4|SUSE Linux Enterprise Server 11 (x86_64)"},
+        {"SuSE-release", "openSUSE 13.1 (x86_64)\nVERSION = 13.1\nCODENAME = Bottle\n",
+         "openSUSE|opensuse|13.1|openSUSE 13.1 (x86_64)"},
+        {"lsb-release", "DISTRIB_ID=Ubuntu\nDISTRIB_RELEASE=10.04\nDISTRIB_DESCRIPTION=\"Ubuntu 10.04.4 LTS\"\n",
+         "Ubuntu|ubuntu|10.04|Ubuntu 10.04.4 LTS"},
+        {"openwrt_release", "DISTRIB_ID='OpenWrt'\nDISTRIB_RELEASE='14.07'\n", "OpenWrt|openwrt|14.07|OpenWrt"},
+        {"SuSE-release", "SUSE LINUX Enterprise Server 9 (i586)\nVERSION = 9\n",
+         "SUSE LINUX Enterprise Server|sles|9|SUSE LINUX Enterprise Server 9 (i586)"},
+        {"lsb-release", "LSB_VERSION=core-4.0-amd64\n", "-|-|-|-"},
+        {"debian_version", "6.0.10\n", "Debian GNU/Linux|debian|6.0.10|Debian GNU/Linux 6.0.10"},
+        {"debian_version", "squeeze/sid\n", "Debian GNU/Linux|debian|-|Debian GNU/Linux squeeze/sid"},
+        {"debian_version", "\n", "-|-|-|-"},
+        {"alpine-release", "3.4.6\n", "Alpine Linux|alpine|3.4.6|Alpine Linux 3.4.6"},
+        {"arch-release", "", "Arch Linux|arch|-|Arch Linux"},
+        {"gentoo-release", "Gentoo Base System release 2.0.3\n", "Gentoo|gentoo|2.0.3|Gentoo 2.0.3"},
+        {"slackware-version", "Slackware 13.37.0\n", "Slackware|slackware|13.37.0|Slackware 13.37.0"},
+        {"slackware-version", "Slackware\n", "Slackware|slackware|-|Slackware"},
+        {"redhat-release", "A \"quoted\" \\ release 1 (\n", "A \"quoted\" \\|-|1|A \"quoted\" \\ release 1 ("},
+    };
+    for (const auto& [file, content, expected] : cases) {
+        const TSystemFacts facts = ReadFile("etc/" + std::string(file), content);
+        std::string text = facts.osName.ValueOr("-");
+        for (const auto* const fact : {&facts.osId, &facts.osVersion, &facts.osPrettyName})
+            text += '|' + fact->ValueOr("-");
+        EXPECT_EQ(text, expected) << file;
+        EXPECT_EQ(bool(facts.osReleaseListing), bool(facts.osName)) << file;
+        EXPECT_EQ(facts.osName.source, facts.osName ? "/etc/" + std::string(file) : "/usr/lib/os-release");
+    }
+}
+
+TEST(SystemReaderTest, ADistributionIsNotTakenForTheOneThatItDerivesFrom) {
+    const TempFolder machine;
+    machine.Write("etc/debian_version", "squeeze/sid\n");
+    machine.Write("etc/lsb-release", "DISTRIB_ID=Ubuntu\n");
+    EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).osId), "ubuntu");
+    machine.Write("etc/redhat-release", "Red Hat Enterprise Linux release 8\n");
+    machine.Write("etc/oracle-release", "Oracle Linux Server release 8\n");
+    EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).osId), "ol");
+    machine.Write("usr/lib/os-release", "ID=none\n");
+    EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).osId), "none");
+}
