@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 
 #include "CpuList.h"
@@ -34,16 +35,39 @@ public:
 
 private:
     void ReadOf(const TThread& thread) {
+        if (!fEnd) fEnd = FindEnd(thread);
+        bool isFound = false;
+        TFact<uint16_t> level;
         for (uint32_t index = 0; index < kMaxIndices; ++index) {
-            if (fSeen.count({index, thread.number}) > 0) continue;
-            const std::string folder = CpuFile(thread.number, "cache/index" + std::to_string(index) + "/");
-            const TFact<uint16_t> level = fRoot.ReadNumber<uint16_t>(folder + "level");
-            if (index == 0 && !level && fFacts.cacheListing)
-                fFacts.cacheListing = ListingWithout(level, CpuFile(thread.number, "cache"));
-            if (!level) return;
-            fFacts.caches.push_back(ReadCache(thread, index, folder));
-            fFacts.caches.back().level = level;
+            const bool isSeen = fSeen.count({index, thread.number}) > 0;
+            if (!isSeen) level = AddCache(thread, index);
+            if (isSeen || level)
+                isFound = true;
+            else if (index >= *fEnd)
+                break;
         }
+        if (!isFound && fFacts.cacheListing)
+            fFacts.cacheListing = ListingWithout(level, CpuFile(thread.number, "cache"));
+    }
+
+    // Adds nothing if the level of the cache, which each has, cannot be read.
+    TFact<uint16_t> AddCache(const TThread& thread, uint32_t index) {
+        const std::string folder = CpuFile(thread.number, "cache/index" + std::to_string(index) + "/");
+        TFact<uint16_t> level = fRoot.ReadNumber<uint16_t>(folder + "level");
+        if (!level) return level;
+        fFacts.caches.push_back(ReadCache(thread, index, folder));
+        fFacts.caches.back().level = level;
+        return level;
+    }
+
+    // The number behind the last of the thread's caches. The numbers may have gaps.
+    uint32_t FindEnd(const TThread& thread) const {
+        constexpr std::string_view kIndex = "index";
+        uint32_t end = 0;
+        for (const std::string& name : fRoot.Names(CpuFile(thread.number, "cache")))
+            if (name.substr(0, kIndex.size()) == kIndex)
+                end = std::max(end, ParseNumber<uint32_t>(name.substr(kIndex.size())).value_or(0) + 1);
+        return end;
     }
 
     // Processors of virtual machines often show no caches, and then have no folder of them.
@@ -59,7 +83,7 @@ private:
         cache.size = fRoot.ReadText(folder + "size").Map(ParseSize);
         cache.lineSize = fRoot.ReadNumber<uint32_t>(folder + "coherency_line_size");
         cache.ways = fRoot.ReadNumber<uint32_t>(folder + "ways_of_associativity");
-        cache.threads = fRoot.ReadText(folder + "shared_cpu_list");
+        cache.threads = ReadCpuListText(fRoot, folder + "shared_cpu_list", folder + "shared_cpu_map");
         for (const uint32_t number : ParseCpuList(cache.threads.ValueOr("")).value_or(std::vector<uint32_t>()))
             fSeen.emplace(index, number);
         return cache;
@@ -67,6 +91,7 @@ private:
 
     const TSystemRoot& fRoot;
     TProcessorFacts& fFacts;
+    std::optional<uint32_t> fEnd;                   // how far to look for more caches where one is missing
     std::set<std::pair<uint32_t, uint32_t>> fSeen;  // index and thread of caches that were read
 };
 

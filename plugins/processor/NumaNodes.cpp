@@ -12,12 +12,17 @@ bool IsNode(std::string_view name) {
 }
 
 // "Node 0 MemTotal:       16308752 kB"
-std::optional<uint64_t> FindAmount(std::string_view text, std::string_view name) {
+std::optional<uint64_t> ParseAmount(std::string_view text, std::string_view name) {
     const size_t start = text.find(name);
-    if (start == std::string_view::npos) return {};
     const std::string_view rest = text.substr(start + name.size());
     const size_t unit = rest.find("kB");
     return unit == std::string_view::npos ? std::nullopt : ParseKilobytes(rest.substr(0, unit));
+}
+
+TFact<uint64_t> ReadAmount(const TFact<std::string>& memory, std::string_view name) {
+    if (memory && memory->find(name) == std::string::npos)
+        return TFact<uint64_t>::Missing(EAbsence::eNotPresent, memory.source);
+    return memory.Map([&](const std::string& text) { return ParseAmount(text, name); });
 }
 
 std::optional<std::vector<uint32_t>> ParseDistances(const std::string& text) {
@@ -52,9 +57,9 @@ TNumaNode ReadNode(const TSystemRoot& root, const std::string& name, TProcessorF
     const TFact<std::string> memory = root.ReadFile(folder + "meminfo");
     TNumaNode node;
     node.name = name;
-    node.threads = root.ReadText(folder + "cpulist");
-    node.memorySize = memory.Map([](const std::string& text) { return FindAmount(text, "MemTotal:"); });
-    node.freeMemory = memory.Map([](const std::string& text) { return FindAmount(text, "MemFree:"); });
+    node.threads = ReadCpuListText(root, folder + "cpulist", folder + "cpumap");
+    node.memorySize = ReadAmount(memory, "MemTotal:");
+    node.freeMemory = ReadAmount(memory, "MemFree:");
     node.distances = root.ReadText(folder + "distance").Map(ParseDistances);
     node.packages = PackagesOf(facts, node.threads);
     return node;

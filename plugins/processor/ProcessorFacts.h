@@ -18,15 +18,16 @@ struct TCore {
     std::string name;  ///< unique in the machine
     size_t package;    ///< index
     std::vector<uint32_t> threads;
-    TFact<uint32_t> id;           ///< the kernel's core_id, unique within a package or a die
-    TFact<ECoreType> type;        ///< without a source if all cores are of one type
-    TFact<uint32_t> lowestClock;  ///< in megahertz
+    TFact<uint32_t> id;            ///< the kernel's core_id, unique within a package or a die
+    TFact<std::string> modelName;  ///< without a source if all cores of the package are of one model
+    TFact<ECoreType> type;         ///< without a source if all cores are of one type
+    TFact<uint32_t> lowestClock;   ///< in megahertz
     TFact<uint32_t> highestClock;
 };
 
 /// A processor package, which sits in one socket.
 struct TPackage {
-    uint32_t id;
+    std::string name;  ///< unique in the machine
     TFact<std::string> modelName;
     TFact<std::string> manufacturer;
     TFact<std::string> family;

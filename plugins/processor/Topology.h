@@ -15,5 +15,7 @@ void ReadNumaNodes(const TSystemRoot& root, TProcessorFacts& facts);
 TThread* FindThread(TProcessorFacts& facts, uint32_t number);
 /// The sysfs path of a file of a thread.
 std::string CpuFile(uint32_t number, const std::string& name);
+/// A clock speed, in megahertz.
+TFact<uint32_t> ReadKilohertz(const TSystemRoot& root, const std::string& path);
 
 #endif

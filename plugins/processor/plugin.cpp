@@ -16,7 +16,7 @@ constexpr const char* kVulnerability = "MOLTA_ProcessorVulnerability";
 
 // Numbers of the ValueMaps in processor.properties.xml.
 constexpr uint16_t kCpuEnabled = 1;
-constexpr uint16_t kHardwareThread = 5;
+constexpr uint16_t k64Bit = 2, kHardwareThread = 5;
 constexpr uint16_t kEnabled = 2, kDisabled = 3;
 constexpr uint16_t kUnknown = 0, kNotAffected = 1, kMitigated = 2, kVulnerable = 3;
 
@@ -27,7 +27,7 @@ struct TCharacteristic {
 };
 
 constexpr TCharacteristic kCharacteristics[] = {
-    {"lm", 2}, {"vmx", 4}, {"svm", 4}, {"nx", 6}, {"ida", 8}, {"cpb", 8},
+    {"vmx", 4}, {"svm", 4}, {"nx", 6}, {"ida", 8}, {"cpb", 8},
 };
 
 /// The beginning of a file in /sys/devices/system/cpu/vulnerabilities. "KVM:" marks what concerns KVM guests only.
@@ -50,6 +50,7 @@ bool HasHardwareThreads(const TPackage& package) {
 TFact<std::vector<uint16_t>> CharacteristicsOf(const TPackage& package) {
     return package.flags.Map([&package](const std::vector<std::string>& flags) {
         std::vector<uint16_t> numbers;
+        if (package.dataWidth.ValueOr(0) == 64) numbers.push_back(k64Bit);
         for (const TCharacteristic& entry : kCharacteristics)
             if (std::find(flags.begin(), flags.end(), entry.flag) != flags.end()) numbers.push_back(entry.number);
         if (HasHardwareThreads(package)) numbers.push_back(kHardwareThread);
@@ -76,9 +77,7 @@ std::optional<uint16_t> NumberOf(E value) {
     return static_cast<uint16_t>(value);
 }
 
-TInstancePath ProcessorPath(const TPackage& package) {
-    return DevicePath(kProcessor, "socket" + std::to_string(package.id));
-}
+TInstancePath ProcessorPath(const TPackage& package) { return DevicePath(kProcessor, package.name); }
 TInstancePath CorePath(const TCore& core) { return {kCore, {{"InstanceID", core.name}}}; }
 TInstancePath ThreadPath(const TThread& thread) {
     return {kThread, {{"InstanceID", "cpu" + std::to_string(thread.number)}}};
@@ -122,6 +121,7 @@ kyrStatusCode ReportProcessor(kyrIOHandle handle, const TPackage& package) {
 kyrStatusCode ReportCore(kyrIOHandle handle, const TCore& core) {
     TInstanceReport report(handle, CorePath(core));
     report.Add("CoreNumber", core.id.Map([](uint32_t id) { return std::optional(std::to_string(id)); }));
+    report.Add("ModelName", core.modelName);
     report.Add("CoreType", core.type.Map(NumberOf<ECoreType>));
     report.Add("MinClockSpeed", core.lowestClock);
     report.Add("MaxClockSpeed", core.highestClock);
