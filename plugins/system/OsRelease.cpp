@@ -22,4 +22,5 @@ void ReadOsRelease(const TSystemRoot& root, TSystemFacts& facts) {
     if (!facts.osVersion) facts.osVersion = FindOsReleaseValue(file, "BUILD_ID");
     // Distributions that derive from Debian have the file too, and in it the release of Debian.
     if (facts.osId.ValueOr("") == "debian") facts.pointRelease = root.ReadText("/etc/debian_version").Map(CheckRelease);
+    ReadRelease(root, file, facts);
 }

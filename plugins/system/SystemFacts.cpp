@@ -6,9 +6,15 @@ TSystemFacts ReadSystem(const TSystemRoot& root) {
     ReadDmi(root, facts);
     ReadHypervisor(root, facts);
     ReadContainer(root, facts);
+    ReadContainerLimits(root, facts);
     ReadMachineId(root, facts);
     ReadBootFirmware(root, facts);
     ReadOsRelease(root, facts);
+    ReadInstallation(root, facts);
     ReadKernel(root, facts);
+    ReadKernelCommandLine(root, facts);
+    ReadHostNames(root, facts);
+    ReadSecurity(root, facts);
+    ReadTpms(root, facts);
     return facts;
 }

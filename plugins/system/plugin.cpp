@@ -15,6 +15,10 @@ constexpr const char* kBaseBoard = "MOLTA_BaseBoard";
 constexpr const char* kProduct = "MOLTA_ORQProduct";
 constexpr const char* kInstalledOs = "MOLTA_InstalledOS";
 constexpr const char* kSystemBoard = "MOLTA_SystemBaseBoard";
+constexpr const char* kSecurity = "MOLTA_SystemSecurity";
+constexpr const char* kSecurityOfSystem = "MOLTA_SecurityOfSystem";
+constexpr const char* kTpm = "MOLTA_TPM";
+constexpr const char* kSystemTpm = "MOLTA_SystemTPM";
 
 constexpr uint16_t kOSTypeLinux = 36;
 
@@ -36,6 +40,11 @@ constexpr TTextProperty kComputerTexts[] = {
     {"AssetTag", &TSystemFacts::assetTag},
     {"Hypervisor", &TSystemFacts::hypervisor},
     {"Container", &TSystemFacts::container},
+    {"StaticHostName", &TSystemFacts::staticHostName},
+    {"FullHostName", &TSystemFacts::fullHostName},
+    {"PrettyHostName", &TSystemFacts::prettyHostName},
+    {"Deployment", &TSystemFacts::deployment},
+    {"Location", &TSystemFacts::location},
 };
 
 constexpr TTextProperty kOperatingSystemTexts[] = {
@@ -44,6 +53,15 @@ constexpr TTextProperty kOperatingSystemTexts[] = {
     {"Caption", &TSystemFacts::osPrettyName},
     {"Version", &TSystemFacts::osVersion},
     {"DistributionID", &TSystemFacts::osId},
+    {"PointRelease", &TSystemFacts::pointRelease},
+    {"Codename", &TSystemFacts::codename},
+    {"Variant", &TSystemFacts::variant},
+    {"VariantID", &TSystemFacts::variantId},
+    {"TimeZone", &TSystemFacts::timeZone},
+    {"Locale", &TSystemFacts::locale},
+    {"InitSystem", &TSystemFacts::initSystem},
+    {"DefaultTarget", &TSystemFacts::defaultTarget},
+    {"KernelCommandLine", &TSystemFacts::kernelCommandLine},
     {"KernelRelease", &TSystemFacts::kernelRelease},
     {"KernelVersion", &TSystemFacts::kernelVersion},
     {"Architecture", &TSystemFacts::architecture},
@@ -75,6 +93,8 @@ TInstancePath OperatingSystemPath(const TSystemFacts& facts) {
              {"Name", facts.osName.ValueOr("Linux")}}};
 }
 
+TInstancePath SecurityPath() { return {kSecurity, {{"InstanceID", "Security"}}}; }
+TInstancePath TpmPath(const TTpm& tpm) { return DevicePath(kTpm, tpm.name); }
 TInstancePath BoardPath() { return {kBaseBoard, {{"CreationClassName", kBaseBoard}, {"Tag", "Base board"}}}; }
 
 template <size_t N>
@@ -109,6 +129,10 @@ kyrStatusCode ReportComputerSystem(kyrIOHandle handle, const TSystemFacts& facts
     report.Add("Name", facts.hostName);
     AddTexts(report, kComputerTexts, facts);
     report.Add("ChassisType", facts.chassisType);
+    report.Add("ContainerMemoryLimit", facts.limits.memory);
+    report.Add("ContainerProcessorLimit", facts.limits.processors);
+    report.Add("ContainerProcessorSet", facts.limits.processorSet);
+    report.Add("ContainerProcessLimit", facts.limits.processes);
     return report.Finish();
 }
 
@@ -116,11 +140,12 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
     if (!HasOperatingSystem(facts)) return kyrStatusOK;
     TInstanceReport report(handle, OperatingSystemPath(facts));
     AddTexts(report, kOperatingSystemTexts, facts);
-    if (!facts.pointRelease.source.empty()) report.Add("PointRelease", facts.pointRelease);
     report.Add("BootFirmware", facts.bootFirmware);
     report.Set("OSType", kOSTypeLinux);
     report.Add("SystemUpTime", facts.upTime);
     AddTimestamp(report, "LastBootUpTime", facts.bootTime);
+    AddTimestamp(report, "InstallDate", facts.installDate);
+    report.Add("CurrentTimeZone", facts.currentTimeZone);
     if (facts.isRunning) report.Set("LocalDateTime", LocalTime());
     return report.Finish();
 }
@@ -146,6 +171,36 @@ kyrStatusCode ReportBoard(kyrIOHandle handle, const TSystemFacts& facts) {
     return report.Finish();
 }
 
+kyrStatusCode ReportSecurity(kyrIOHandle handle, const TSystemFacts& facts) {
+    const TSecurityFacts& security = facts.security;
+    if (!security.listing) return kyrStatusOK;
+    TInstanceReport report(handle, SecurityPath());
+    report.Add("SecureBoot", security.secureBoot);
+    report.Add("Lockdown", security.lockdown);
+    report.Add("ActiveModules", security.modules);
+    report.Add("SELinuxMode", security.selinuxMode);
+    report.Add("SELinuxConfiguredMode", security.selinuxConfiguredMode);
+    report.Add("SELinuxPolicy", security.selinuxPolicy);
+    report.Add("AppArmorEnabled", security.isAppArmorEnabled);
+    report.Add("AppArmorProfiles", security.appArmorProfiles);
+    report.Add("AppArmorEnforcedProfiles", security.appArmorEnforced);
+    report.Add("FIPSMode", security.isFips);
+    report.Add("KernelTaint", security.taint);
+    return report.Finish();
+}
+
+kyrStatusCode ReportTpm(kyrIOHandle handle, const TTpm& tpm) {
+    TInstanceReport report(handle, TpmPath(tpm));
+    report.Set("Caption", "TPM " + tpm.version.ValueOr("") + (tpm.version ? " " : "") + "(" + tpm.name + ")");
+    report.Add("SpecificationVersion", tpm.version);
+    report.Add("Driver", tpm.driver);
+    return report.Finish();
+}
+
+kyrStatusCode ReportTpms(kyrIOHandle handle, const TSystemFacts& facts) {
+    return ReportEach(handle, facts.tpms, ReportTpm);
+}
+
 kyrStatusCode ReportProduct(kyrIOHandle handle, const TSystemFacts&) {
     return TInstanceReport(
                handle,
@@ -165,10 +220,22 @@ kyrStatusCode ReportSystemBoard(kyrIOHandle handle, const TSystemFacts& facts) {
     return ReportAssociation(handle, kSystemBoard, "GroupComponent", ComputerPath(facts), "PartComponent", BoardPath());
 }
 
+kyrStatusCode ReportSecurityOfSystem(kyrIOHandle handle, const TSystemFacts& facts) {
+    if (!facts.security.listing) return kyrStatusOK;
+    return ReportAssociation(handle, kSecurityOfSystem, "GroupComponent", ComputerPath(facts), "PartComponent",
+                             SecurityPath());
+}
+
+kyrStatusCode ReportSystemTpms(kyrIOHandle handle, const TSystemFacts& facts) {
+    return ReportSystemDevices(handle, kSystemTpm, facts.tpms, TpmPath);
+}
+
 TListing Dmi(const TSystemFacts& facts) { return facts.dmiListing; }
 TListing Bios(const TSystemFacts& facts) { return UnlessUnreadable(facts.biosVendor); }
 TListing Board(const TSystemFacts& facts) { return UnlessUnreadable(facts.boardVendor); }
 TListing OsRelease(const TSystemFacts& facts) { return facts.osReleaseListing; }
+TListing Security(const TSystemFacts& facts) { return facts.security.listing; }
+TListing Tpms(const TSystemFacts& facts) { return facts.tpmListing; }
 TListing KernelStatistics(const TSystemFacts& facts) { return facts.kernelListing; }
 
 const TDataPlugin<TSystemFacts> gPlugin("system", ReadSystem,
@@ -176,8 +243,12 @@ const TDataPlugin<TSystemFacts> gPlugin("system", ReadSystem,
                                          {kOperatingSystem, ReportOperatingSystem, {OsRelease, KernelStatistics}},
                                          {kBiosElement, ReportBios, {Dmi, Bios}},
                                          {kBaseBoard, ReportBoard, {Dmi, Board}},
+                                         {kSecurity, ReportSecurity, {Security}},
+                                         {kTpm, ReportTpms, {Tpms}},
                                          {kProduct, ReportProduct, {}},
                                          {kInstalledOs, ReportInstalledOs, {OsRelease, KernelStatistics}},
-                                         {kSystemBoard, ReportSystemBoard, {Dmi, Board}}});
+                                         {kSystemBoard, ReportSystemBoard, {Dmi, Board}},
+                                         {kSecurityOfSystem, ReportSecurityOfSystem, {Security}},
+                                         {kSystemTpm, ReportSystemTpms, {Tpms}}});
 
 }  // namespace
