@@ -1,6 +1,7 @@
 #include "render/Summary.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
 #include <utility>
 
@@ -13,6 +14,7 @@
 #include "render/SummaryMissing.h"
 #include "render/SummaryPieces.h"
 #include "render/SummaryStorage.h"
+#include "render/SummarySystem.h"
 #include "states/StateInstances.h"
 
 namespace {
@@ -27,6 +29,7 @@ constexpr size_t kMostNames = 6;
 
 constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
 constexpr const char* kDiskDrive = "MOLTA_DiskDrive";
+constexpr const char* kSecurityClass = "MOLTA_SystemSecurity";
 constexpr uint64_t kSystemMemory = 3;       // of MOLTA_MemoryArray.Use
 constexpr uint64_t kLoopback = 772;         // of MOLTA_NetworkAdapter.LinkTechnology
 constexpr uint64_t kDisplayController = 3;  // of MOLTA_PCIDevice.ClassCode
@@ -76,6 +79,8 @@ std::string AddAddresses(const TCIMInstance& adapter, const TStorageContents&) {
                                                                   : ", no address known");
 }
 
+std::string AddSecurity(const TCIMInstance& security, const TStorageContents&) { return SecurityText(security); }
+
 // Which instances have a line of their own.
 
 bool IsDisplayController(const TCIMInstance& device) {
@@ -108,7 +113,9 @@ const TSection kSections[] = {
      "MOLTA_ComputerSystem",
      {{"Name", "", "", "host name"},
       {"Hypervisor", ", on ", "", "hypervisor"},
-      {"Container", ", in container ", "", "container"}}},
+      {"Container", ", in container ", "", "container"},
+      {"ContainerMemoryLimit", " with at most ", " of memory"},
+      {"ContainerProcessorLimit", ", the time of "}}},
     {"Firmware",
      "MOLTA_SystemBIOSElement",
      {{"Manufacturer"},
@@ -124,6 +131,7 @@ const TSection kSections[] = {
     {"Running",
      "MOLTA_OperatingSystem",
      {{"SystemUpTime", "for "}, {"LastBootUpTime", ", since ", "", "time of boot"}}},
+    {"Security", kSecurityClass, {}, AddSecurity},
     {"Processor",
      "MOLTA_Processor",
      {{"ModelName", "", "", "model"},
@@ -232,6 +240,22 @@ private:
     bool fIsComplete = false;
 };
 
+// Files of earlier versions have no such classes. Nothing is said of them then, as if nobody had asked.
+bool IsNewAndUnknown(const TContainer& container, const std::string& name) {
+    const std::initializer_list<std::string> kNew = {kSecurityClass, kTpmClass, kVirtualMachineClass,
+                                                     kHostedContainerClass};
+    return std::find(kNew.begin(), kNew.end(), name) != kNew.end() && container.FindClass(name) == nullptr;
+}
+
+// Of the classes that the container can know.
+std::vector<std::string> MissingTextsOf(const TContainer& container) {
+    std::vector<std::string> names = SummaryClasses();
+    names.erase(std::remove_if(names.begin(), names.end(),
+                               [&](const std::string& name) { return IsNewAndUnknown(container, name); }),
+                names.end());
+    return MissingTexts(container, names);
+}
+
 void PrintLines(std::string label, const TTexts& lines, TOutput& output) {
     const size_t columns = output.Width() == TOutput::kUnlimited ? kWidthWithoutTerminal : TOutput::kUnlimited;
     for (const std::string& line : lines) {
@@ -247,8 +271,9 @@ std::vector<std::string> SummaryClasses() {
     std::vector<std::string> names;
     for (const TSection& section : kSections)
         if (names.empty() || names.back() != section.className) names.emplace_back(section.className);
-    for (const char* name : {kMemoryArray, "MOLTA_DiskPartition", "MOLTA_StorageVolume", "MOLTA_FileSystem",
-                             "MOLTA_Mount", "MOLTA_SwapArea", "MOLTA_IPAddress"})
+    for (const char* name :
+         {kTpmClass, kVirtualMachineClass, kHostedContainerClass, kMemoryArray, "MOLTA_DiskPartition",
+          "MOLTA_StorageVolume", "MOLTA_FileSystem", "MOLTA_Mount", "MOLTA_SwapArea", "MOLTA_IPAddress"})
         names.emplace_back(name);
     names.insert(names.end(), std::begin(kStorageAssociations), std::end(kStorageAssociations));
     return names;
@@ -257,7 +282,9 @@ std::vector<std::string> SummaryClasses() {
 void PrintSummary(const TContainer& container, TOutput& output) {
     const TStorageContents contents(container);
     for (const TSection& section : kSections)
-        PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
-    const TTexts missing = MissingTexts(container, SummaryClasses());
+        if (!IsNewAndUnknown(container, section.className))
+            PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
+    if (const std::string guests = GuestsText(container); !guests.empty()) PrintLines("Guests", {guests}, output);
+    const TTexts missing = MissingTextsOf(container);
     PrintLines("Missing", missing.empty() ? TTexts{"nothing of the above"} : missing, output);
 }
