@@ -81,11 +81,9 @@ TText ReadDefaultTarget(const TSystemRoot& root) {
 }  // namespace
 
 void ReadInstallation(const TSystemRoot& root, TSystemFacts& facts) {
-    // A recorded machine has the times of the recording, and no present time.
-    if (root.IsRunningMachine()) {
-        facts.installDate = ReadInstallDate(root);
-        facts.currentTimeZone = AskTimeZone();
-    }
+    // A recorded machine has no present time, on which its summer time depends.
+    if (root.IsRunningMachine()) facts.currentTimeZone = AskTimeZone();
+    facts.installDate = ReadInstallDate(root);
     facts.timeZone = ReadTimeZone(root);
     facts.locale = ReadLocale(root);
     facts.initSystem = ReadInitSystem(root);

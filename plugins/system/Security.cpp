@@ -104,6 +104,14 @@ void ReadAppArmorProfiles(const TSystemRoot& root, TSecurityFacts& security) {
     security.appArmorEnforced = count(" (enforce)");
 }
 
+// A kernel that was built without the mode has no such file, and mostly no such folder.
+TFact<bool> ReadFips(const TSystemRoot& root) {
+    constexpr const char *kFolder = "/proc/sys/crypto", *kFile = "/proc/sys/crypto/fips_enabled";
+    for (const char* path : {kFolder, kFile})
+        if (root.LacksKind(path)) return TFact<bool>::Of(false, path);
+    return root.ReadFlag(kFile);
+}
+
 std::optional<std::vector<uint16_t>> BitsOf(const std::string& text) {
     const std::optional<uint64_t> mask = ParseNumber<uint64_t>(text);
     if (!mask) return {};
@@ -123,7 +131,7 @@ void ReadSecurity(const TSystemRoot& root, TSystemFacts& facts) {
     ReadSELinux(root, security);
     security.isAppArmorEnabled = ReadAppArmor(root);
     if (security.isAppArmorEnabled.ValueOr(false)) ReadAppArmorProfiles(root, security);
-    security.isFips = root.ReadFlag("/proc/sys/crypto/fips_enabled");
+    security.isFips = ReadFips(root);
     security.taint = root.ReadText(kTaint).Map(BitsOf);
     security.listing = ListingOf(security.taint);
 }

@@ -164,7 +164,9 @@ def facter_system(said):
     ask = asker(said)
     yield from named("system", ask, {"host name": "networking.hostname", "kernel release": "kernelrelease",
                                     "architecture": "os.hardware", "description": "os.distro.description",
-                                    "release": "os.release.major", "distribution": lowered("os.distro.id")})
+                                    "release": "os.release.major", "distribution": lowered("os.distro.id"),
+                                    "codename": "os.distro.codename", "point release": "os.distro.release.full",
+                                    "fips": "fips_enabled"})
     yield "system", "hypervisor", next(iter(said.get("hypervisors", {})), None)
     yield from named("memory", ask, {"total": "memory.system.total_bytes", "swap": "memory.swap.total_bytes"})
 

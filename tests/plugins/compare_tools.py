@@ -96,6 +96,20 @@ def lsb_release():
                                               "description": "Description"})
 
 
+@tool("systemd-detect-virt")
+def systemd_detect_virt():
+    for what, option in (("hypervisor", "-v"), ("container", "-c")):
+        said = output_of(["systemd-detect-virt", option]).strip()
+        yield "system", what, None if said == "none" else said
+
+
+@tool("lsb_release")
+def lsb_release():
+    said = dict(line.split(":", 1) for line in lines_of("lsb_release -icr") if ":" in line)
+    yield from named("system", lambda name: said.get(name, "").strip(),
+                     {"distribution": lowered("Distributor ID"), "release": "Release", "codename": "Codename"})
+
+
 @tool("lscpu")
 def lscpu():
     said = {row["field"].rstrip(":"): row["data"] for row in json_of("lscpu -J").get("lscpu", [])}
