@@ -27,15 +27,19 @@ std::vector<TNetlinkMessage> ParseNetlinkMessages(std::string_view bytes) {
     }
 }
 
+std::optional<TNetlinkAttribute> TakeAttribute(std::string_view& bytes) {
+    std::string_view rest = bytes;
+    const auto header = TakeStruct<nlattr>(rest);
+    if (!header || header->nla_len < sizeof(nlattr) || header->nla_len > bytes.size()) return std::nullopt;
+    Skip(bytes, header->nla_len);
+    return TNetlinkAttribute{size_t(header->nla_type & NLA_TYPE_MASK),
+                             rest.substr(0, header->nla_len - sizeof(nlattr))};
+}
+
 TNetlinkAttributes::TNetlinkAttributes(std::string_view bytes) {
-    for (;;) {
-        std::string_view rest = bytes;
-        const auto header = TakeStruct<nlattr>(rest);
-        if (!header || header->nla_len < sizeof(nlattr) || header->nla_len > bytes.size()) return;
-        const size_t type = header->nla_type & NLA_TYPE_MASK;
-        if (type >= fAttributes.size()) fAttributes.resize(std::min(type, kMaxType) + 1);
-        if (type <= kMaxType) fAttributes[type] = rest.substr(0, header->nla_len - sizeof(nlattr));
-        Skip(bytes, header->nla_len);
+    while (const std::optional<TNetlinkAttribute> attribute = TakeAttribute(bytes)) {
+        if (attribute->type >= fAttributes.size()) fAttributes.resize(std::min(attribute->type, kMaxType) + 1);
+        if (attribute->type <= kMaxType) fAttributes[attribute->type] = attribute->bytes;
     }
 }
 

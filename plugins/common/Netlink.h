@@ -27,6 +27,15 @@ std::optional<T> TakeStruct(std::string_view& bytes) {
     return structure;
 }
 
+/// The type of an attribute, without its flags, and its bytes.
+struct TNetlinkAttribute {
+    size_t type;
+    std::string_view bytes;
+};
+
+/// Removes the attribute at the front of the bytes and returns it; nothing if there is no whole one.
+std::optional<TNetlinkAttribute> TakeAttribute(std::string_view& bytes);
+
 /// The attributes that follow the structure of a message, by type; of several with one type, the last.
 class TNetlinkAttributes {
 public:

@@ -1,3 +1,4 @@
+#include "NetlinkDump.h"
 #include "NetworkReport.h"
 
 namespace {
@@ -20,8 +21,37 @@ void AddAbsences(TInstanceReport& report, const char* const (&properties)[count]
         if (!fact) report.Add(property, fact);
 }
 
-constexpr const char* kTableProperties[] = {"ElementName", "Kind", "VLANID"};
-constexpr const char* kDeviceProperties[] = {"PermanentAddress", "Driver", "Bus", "BusID", "Wireless"};
+constexpr const char* kTableProperties[] = {"ElementName",
+                                            "Kind",
+                                            "OtherNames",
+                                            "InterfaceGroup",
+                                            "MinimumTransmissionUnit",
+                                            "SupportedMaximumTransmissionUnit",
+                                            "TransmitQueues",
+                                            "ReceiveQueues",
+                                            "VLANID",
+                                            "VLANProtocol",
+                                            "VXLANID",
+                                            "MACVLANMode",
+                                            "SpanningTree",
+                                            "VLANFiltering",
+                                            "BridgePortState",
+                                            "BondMode",
+                                            "TransmitHashPolicy",
+                                            "LinkMonitoringInterval",
+                                            "ActiveMember",
+                                            "BondMemberState",
+                                            "BondMemberLink"};
+constexpr const char* kDriverProperties[] = {"DriverVersion", "FirmwareVersion", "BusInfo",
+                                             "Connector",     "AutoSense",       "MaxSpeed"};
+constexpr const char* kDeviceProperties[] = {"PermanentAddress",          "Driver",          "Bus", "BusID", "Wireless",
+                                             "SupportedVirtualFunctions", "VirtualFunctions"};
+
+// What the kernel's table has, and nothing for what it lacks: the document says why that is so.
+template <typename T>
+void AddSetting(TInstanceReport& report, const char* property, const std::optional<T>& value) {
+    if (value) report.Add(property, TFact<T>::Of(*value, SourceOf(ENetlinkTable::eLinks)));
+}
 
 void AddIdentity(TInstanceReport& report, const TAdapter& adapter) {
     report.Set("Name", adapter.name);
@@ -31,14 +61,38 @@ void AddIdentity(TInstanceReport& report, const TAdapter& adapter) {
     report.Add("LinkTechnology", adapter.type);
     report.Add("Virtual", adapter.isVirtual);
     if (adapter.kind) report.Set("Kind", *adapter.kind);
-    if (adapter.vlan) report.Set("VLANID", *adapter.vlan);
+    if (!adapter.otherNames.empty()) AddSetting(report, "OtherNames", std::optional(adapter.otherNames));
+    if (adapter.group != 0u) AddSetting(report, "InterfaceGroup", adapter.group);
     AddAbsences(report, kTableProperties, adapter.linkTable);
+}
+
+void AddSettings(TInstanceReport& report, const TLinkSettings& settings) {
+    AddSetting(report, "VLANID", settings.vlan);
+    AddSetting(report, "VLANProtocol", settings.vlanProtocol);
+    AddSetting(report, "VXLANID", settings.vxlan);
+    AddSetting(report, "MACVLANMode", settings.macvlanMode);
+    AddSetting(report, "SpanningTree", settings.spanningTree);
+    AddSetting(report, "VLANFiltering", settings.vlanFiltering);
+    AddSetting(report, "BridgePortState", settings.bridgePortState);
+}
+
+void AddBond(TInstanceReport& report, const TLinkSettings& settings) {
+    AddSetting(report, "BondMode", settings.bondMode);
+    AddSetting(report, "TransmitHashPolicy", settings.transmitHashPolicy);
+    AddSetting(report, "LinkMonitoringInterval", settings.monitoringInterval);
+    if (!settings.activeMember.empty()) AddSetting(report, "ActiveMember", std::optional(settings.activeMember));
+    AddSetting(report, "BondMemberState", settings.bondMemberState);
+    AddSetting(report, "BondMemberLink", settings.bondMemberLink);
 }
 
 void AddLink(TInstanceReport& report, const TAdapter& adapter) {
     report.Add("CurrentAddress", adapter.address);
     if (!adapter.addresses || !adapter.addresses->empty()) report.Add("IPAddresses", adapter.addresses);
     report.Add("ActiveMaximumTransmissionUnit", adapter.mtu);
+    AddSetting(report, "MinimumTransmissionUnit", adapter.minimumMtu);
+    AddSetting(report, "SupportedMaximumTransmissionUnit", adapter.maximumMtu);
+    AddSetting(report, "TransmitQueues", adapter.transmitQueues);
+    AddSetting(report, "ReceiveQueues", adapter.receiveQueues);
     report.Add("Enabled", adapter.enabled);
     report.Add("Carrier", adapter.carrier);
     report.Add("LinkState", adapter.operationalState);
@@ -46,20 +100,41 @@ void AddLink(TInstanceReport& report, const TAdapter& adapter) {
     report.Add("FullDuplex", adapter.fullDuplex);
 }
 
+void AddDriver(TInstanceReport& report, const TDriverFacts& facts) {
+    report.Add("DriverVersion", facts.version);
+    report.Add("FirmwareVersion", facts.firmwareVersion);
+    report.Add("BusInfo", facts.busInfo);
+    report.Add("Connector", facts.connector);
+    report.Add("AutoSense", facts.autoSense);
+    report.Add("MaxSpeed", facts.maxSpeed);
+}
+
+// Most devices have no file that counts virtual functions.
+void AddCount(TInstanceReport& report, const char* property, const TFact<uint32_t>& count) {
+    if (count || IsUnreadable(count)) report.Add(property, count);
+}
+
 void AddDevice(TInstanceReport& report, const TAdapter& adapter) {
+    const TAdapterDevice& device = *adapter.device;
     report.Add("PermanentAddress", adapter.permanentAddress);
-    report.Add("Driver", adapter.device->driver);
-    report.Add("Bus", adapter.device->bus);
-    report.Add("BusID", adapter.device->busId);
-    report.Set("Wireless", adapter.device->wireless);
+    report.Add("Driver", device.driver);
+    report.Add("Bus", device.bus);
+    report.Add("BusID", device.busId);
+    report.Set("Wireless", device.wireless);
+    if (device.driverFacts) AddDriver(report, *device.driverFacts);
+    AddCount(report, "SupportedVirtualFunctions", device.supportedVirtualFunctions);
+    AddCount(report, "VirtualFunctions", device.virtualFunctions);
 }
 
 kyrStatusCode ReportAdapter(kyrIOHandle handle, const TAdapter& adapter) {
     TInstanceReport report(handle, AdapterPath(adapter.name));
     AddIdentity(report, adapter);
     AddLink(report, adapter);
+    AddSettings(report, adapter.settings);
+    AddBond(report, adapter.settings);
     if (adapter.device) AddDevice(report, adapter);
     AddAbsences(report, kDeviceProperties, adapter.isVirtual);
+    AddAbsences(report, kDriverProperties, adapter.isVirtual);
     for (size_t i = 0; i < eCounters; ++i) report.Add(kCounterNames[i], adapter.counters[i]);
     return report.Finish();
 }
@@ -98,6 +173,14 @@ kyrStatusCode ReportAdapterDevices(kyrIOHandle handle, const TNetworkFacts& fact
     return ReportEach(facts.adapters, [handle](const TAdapter& adapter) {
         if (!adapter.device) return kyrStatusOK;
         return ReportBusDevice(handle, "MOLTA_NetworkAdapterDevice", adapter.device->busDevice,
+                               AdapterPath(adapter.name));
+    });
+}
+
+kyrStatusCode ReportPhysicalFunctions(kyrIOHandle handle, const TNetworkFacts& facts) {
+    return ReportEach(facts.adapters, [handle](const TAdapter& adapter) {
+        if (!adapter.device) return kyrStatusOK;
+        return ReportBusDevice(handle, "MOLTA_PhysicalFunction", adapter.device->physicalFunction,
                                AdapterPath(adapter.name));
     });
 }

@@ -64,6 +64,14 @@ TFact<bool> ReadDuplex(const TSystemRoot& root, const std::string& path) {
     });
 }
 
+// The link of a virtual function leads to the PCI device of its physical function.
+void ReadFunctions(const TSystemRoot& root, const std::string& device, TAdapterDevice& facts) {
+    facts.supportedVirtualFunctions = root.ReadNumber<uint32_t>(device + "/sriov_totalvfs");
+    if (facts.supportedVirtualFunctions) facts.virtualFunctions = root.ReadNumber<uint32_t>(device + "/sriov_numvfs");
+    if (const TFact<std::string> physical = root.ReadLink(device + "/physfn"))
+        facts.physicalFunction = FindBusDevice(root, *physical + "/net");
+}
+
 void ReadDevice(const TSystemRoot& root, TAdapter& adapter) {
     const std::string path = kAdapters + adapter.name;
     adapter.speed = ReadSpeed(root, path + "/speed");
@@ -77,7 +85,9 @@ void ReadDevice(const TSystemRoot& root, TAdapter& adapter) {
     adapter.device->driver = root.ReadLinkName(path + "/device/driver");
     adapter.device->bus = root.ReadLinkName(path + "/device/subsystem");
     adapter.device->busId = root.ReadLinkName(path + "/device");
-    adapter.device->wireless = root.Exists(path + "/phy80211");
+    adapter.device->wireless = root.Exists(path + "/phy80211") || root.Exists(path + "/wireless");
+    adapter.device->driverFacts = ReadDriverFacts(root, adapter.name);
+    if (adapter.device->bus.ValueOr("") == "pci") ReadFunctions(root, path + "/device", *adapter.device);
 }
 
 }  // namespace

@@ -22,18 +22,42 @@ void FillCounters(TAdapter& adapter, const TNetlinkAttributes& attributes) {
     for (TFact<uint64_t>& counter : adapter.counters) Fill(counter, TakeStruct<uint64_t>(bytes));
 }
 
+// The adapter that a VXLAN sends through stands with its other settings.
+std::optional<uint32_t> LinkIndex(const TNetlinkAttributes& attributes, const TNetlinkAttributes& info) {
+    if (info.Text(IFLA_INFO_KIND) != "vxlan") return attributes.Number<uint32_t>(IFLA_LINK);
+    return TNetlinkAttributes(info.Find(IFLA_INFO_DATA).value_or("")).Number<uint32_t>(IFLA_VXLAN_LINK);
+}
+
+// It is no lower adapter for a veth, whose ends refer to each other, nor if it is in another network namespace.
+std::optional<uint32_t> LowerIndex(const TAdapter& adapter, const TNetlinkAttributes& attributes,
+                                   const TNetlinkAttributes& info) {
+    const std::optional<uint32_t> index = LinkIndex(attributes, info);
+    const bool isElsewhere = attributes.Find(IFLA_LINK_NETNSID) || adapter.kind == "veth";
+    return index == 0u || index == adapter.index.value || isElsewhere ? std::nullopt : index;
+}
+
+std::vector<std::string> OtherNames(const TNetlinkAttributes& attributes) {
+    std::string_view list = attributes.Find(IFLA_PROP_LIST).value_or("");
+    std::vector<std::string> names;
+    while (const std::optional<TNetlinkAttribute> property = TakeAttribute(list))
+        if (property->type == IFLA_ALT_IFNAME)
+            names.emplace_back(property->bytes.substr(0, property->bytes.find('\0')));
+    return names;
+}
+
 void FillKind(TAdapter& adapter, const TNetlinkAttributes& attributes) {
     const TNetlinkAttributes info(attributes.Find(IFLA_LINKINFO).value_or(""));
     adapter.kind = info.Text(IFLA_INFO_KIND);
-    if (adapter.kind != "vlan") return;
-    adapter.vlan = TNetlinkAttributes(info.Find(IFLA_INFO_DATA).value_or("")).Number<uint16_t>(IFLA_VLAN_ID);
+    adapter.settings = ParseLinkSettings(info);
+    adapter.lowerIndex = LowerIndex(adapter, attributes, info);
 }
 
-// IFLA_LINK is no lower adapter for a veth, whose ends refer to each other, nor if it is in another network namespace.
-std::optional<uint32_t> LowerIndex(const TAdapter& adapter, const TNetlinkAttributes& attributes) {
-    const std::optional<uint32_t> index = attributes.Number<uint32_t>(IFLA_LINK);
-    const bool isElsewhere = attributes.Find(IFLA_LINK_NETNSID) || adapter.kind == "veth";
-    return index == 0u || index == adapter.index.value || isElsewhere ? std::nullopt : index;
+void FillLimits(TAdapter& adapter, const TNetlinkAttributes& attributes) {
+    adapter.minimumMtu = attributes.Number<uint32_t>(IFLA_MIN_MTU);
+    adapter.maximumMtu = attributes.Number<uint32_t>(IFLA_MAX_MTU);
+    if (adapter.maximumMtu == 0u) adapter.maximumMtu.reset();
+    adapter.transmitQueues = attributes.Number<uint32_t>(IFLA_NUM_TX_QUEUES);
+    adapter.receiveQueues = attributes.Number<uint32_t>(IFLA_NUM_RX_QUEUES);
 }
 
 void FillAttributes(TAdapter& adapter, const TNetlinkAttributes& attributes) {
@@ -43,10 +67,12 @@ void FillAttributes(TAdapter& adapter, const TNetlinkAttributes& attributes) {
     Fill(adapter.operationalState, attributes.Number<uint8_t>(IFLA_OPERSTATE));
     Fill(adapter.carrier, attributes.Number<uint8_t>(IFLA_CARRIER));
     adapter.alias = attributes.Text(IFLA_IFALIAS);
+    adapter.otherNames = OtherNames(attributes);
+    adapter.group = attributes.Number<uint32_t>(IFLA_GROUP);
     adapter.masterIndex = attributes.Number<uint32_t>(IFLA_MASTER);
     FillCounters(adapter, attributes);
+    FillLimits(adapter, attributes);
     FillKind(adapter, attributes);
-    adapter.lowerIndex = LowerIndex(adapter, attributes);
 }
 
 std::optional<TAdapter> ParseLink(std::string_view body) {

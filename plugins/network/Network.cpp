@@ -38,6 +38,7 @@ TNetworkFacts ReadNetwork(const TSystemRoot& root) {
     for (TAdapter& adapter : facts.adapters) {
         adapter.master = NameOf(adapter.masterIndex, names);
         adapter.lower = NameOf(adapter.lowerIndex, names);
+        adapter.settings.activeMember = NameOf(adapter.settings.activeMemberIndex, names);
         HandOut(facts.addresses, addresses, adapter);
     }
     const TFact<std::string> routes = ReadNetlinkTable(root, ENetlinkTable::eRoutes);

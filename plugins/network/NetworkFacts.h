@@ -22,13 +22,47 @@ enum ECounter {
     eCounters
 };
 
+/// What the kernel's table tells of adapters of some kinds, and of those that are part of a bond or a bridge.
+struct TLinkSettings {
+    std::optional<uint16_t> vlan;
+    std::optional<uint16_t> vlanProtocol;  ///< its EtherType
+    std::optional<uint32_t> vxlan;
+    std::optional<uint16_t> macvlanMode;  ///< MACVLAN_MODE_*
+
+    std::optional<bool> spanningTree;
+    std::optional<bool> vlanFiltering;
+    std::optional<uint16_t> bridgePortState;  ///< BR_STATE_*
+
+    std::optional<uint16_t> bondMode;            ///< BOND_MODE_*
+    std::optional<uint16_t> transmitHashPolicy;  ///< BOND_XMIT_POLICY_*
+    std::optional<uint32_t> monitoringInterval;  ///< in milliseconds
+    std::optional<uint32_t> activeMemberIndex;
+    std::string activeMember;                 ///< may be empty
+    std::optional<uint16_t> bondMemberState;  ///< BOND_STATE_*
+    std::optional<uint16_t> bondMemberLink;   ///< BOND_LINK_*
+};
+
+/// What the driver of an adapter tells of it.
+struct TDriverFacts {
+    TFact<std::string> version;
+    TFact<std::string> firmwareVersion;
+    TFact<std::string> busInfo;
+    TFact<uint16_t> connector;  ///< PORT_*
+    TFact<bool> autoSense;
+    TFact<uint64_t> maxSpeed;  ///< in bits per second
+};
+
 /// The device that an adapter is driven by: its driver, its bus and its name there.
 struct TAdapterDevice {
     TFact<std::string> driver;
     TFact<std::string> bus;
     TFact<std::string> busId;
     TBusDevice busDevice;
+    TBusDevice physicalFunction;  ///< of which it is a virtual function
     bool wireless = false;
+    TFact<uint32_t> supportedVirtualFunctions;
+    TFact<uint32_t> virtualFunctions;
+    std::optional<TDriverFacts> driverFacts;  ///< none of a suspended device, which asking would wake
 };
 
 struct TAdapter {
@@ -38,14 +72,20 @@ struct TAdapter {
     TFact<std::string> address;
     TFact<std::string> permanentAddress;
     TFact<uint64_t> mtu;
+    std::optional<uint64_t> minimumMtu;
+    std::optional<uint64_t> maximumMtu;
     TFact<bool> enabled;
     TFact<bool> carrier;
     TFact<uint16_t> operationalState;  ///< ifOperStatus of RFC 2863, less one
     std::array<TFact<uint64_t>, eCounters> counters;
-    TListing linkTable;  ///< the kernel's table, which alone has alias, kind and VLAN
+    TListing linkTable;  ///< the kernel's table, which alone has these
     std::optional<std::string> alias;
     std::optional<std::string> kind;  ///< of a software device: "bridge", "vlan"
-    std::optional<uint16_t> vlan;
+    TLinkSettings settings;
+    std::vector<std::string> otherNames;
+    std::optional<uint32_t> group;
+    std::optional<uint32_t> transmitQueues;
+    std::optional<uint32_t> receiveQueues;
     std::optional<uint32_t> masterIndex;
     std::optional<uint32_t> lowerIndex;
     std::string master;  ///< the bridge or bond that it belongs to; may be empty

@@ -4,6 +4,7 @@
 #include <map>
 #include <string_view>
 
+#include "Netlink.h"
 #include "NetworkFacts.h"
 
 // The steps of ReadNetwork. The parsers take the dump of a whole kernel table, skip malformed messages, and keep the
@@ -18,6 +19,14 @@ std::string NameOf(const std::optional<uint32_t>& index, const TAdapterNames& na
 std::vector<TIPAddress> ParseAddresses(std::string_view table, const TAdapterNames& names);
 /// Without the table "local", which repeats the addresses, and without cached routes to single destinations.
 std::vector<TRoute> ParseRoutes(std::string_view table, const TAdapterNames& names);
+
+/// What the attribute IFLA_LINKINFO tells of an adapter.
+TLinkSettings ParseLinkSettings(const TNetlinkAttributes& info);
+
+/// Asks the driver of a device that is not suspended.
+std::optional<TDriverFacts> ReadDriverFacts(const TSystemRoot& root, const std::string& name);
+/// The same from the kernel's structures ethtool_drvinfo and ethtool_link_settings, the latter with its masks of modes.
+TDriverFacts ParseDriverFacts(const TFact<std::string>& information, const TFact<std::string>& settings);
 
 /// The adapters, sorted by index: from the kernel table, or from sysfs if that could not be read.
 std::vector<TAdapter> ReadAdapters(const TSystemRoot& root, const TFact<std::string>& table);

@@ -14,6 +14,7 @@ kyrStatusCode ReportSystemAdapters(kyrIOHandle handle, const TNetworkFacts& fact
 kyrStatusCode ReportAdapterMembers(kyrIOHandle handle, const TNetworkFacts& facts);
 kyrStatusCode ReportLowerAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
 kyrStatusCode ReportAdapterDevices(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportPhysicalFunctions(kyrIOHandle handle, const TNetworkFacts& facts);
 
 kyrStatusCode ReportAddresses(kyrIOHandle handle, const TNetworkFacts& facts);
 kyrStatusCode ReportAddressAdapters(kyrIOHandle handle, const TNetworkFacts& facts);

@@ -12,7 +12,8 @@ Column = collections.namedtuple("Column", "property cim_type unit kind")  # kind
 # Units, by what their numbers are multiplied and divided to be in the base unit, and the end of a column's name.
 UNITS = {"Bytes": (1, 1, "bytes"), "KiloBytes": (1024, 1, "bytes"), "Octets": (1, 1, "bytes"), "Bits": (1, 1, "bits"),
          "Bits per Second": (1, 1, "bits_per_second"), "MegaHertz": (10**6, 1, "hertz"), "Hertz": (1, 1, "hertz"),
-         "MegaTransfers per Second": (10**6, 1, "transfers_per_second"), "Seconds": (1, 1, "seconds"), "Volts": (1, 1, "volts"),
+         "MegaTransfers per Second": (10**6, 1, "transfers_per_second"), "Seconds": (1, 1, "seconds"),
+         "MilliSeconds": (1, 1000, "seconds"), "Volts": (1, 1, "volts"),
          "MilliVolts": (1, 1000, "volts"), "Amps": (1, 1, "amps"), "MilliAmperes": (1, 1000, "amps"), "Watts": (1, 1, "watts"),
          "WattHours": (1, 1, "watt_hours"), "AmpereHours": (1, 1, "ampere_hours"), "Degrees C": (1, 1, "degrees_c"),
          "Revolutions per Minute": (1, 1, "rpm"), "Percent": (1, 1, "percent"),

@@ -1,3 +1,6 @@
+#include <linux/ethtool.h>
+#include <linux/rtnetlink.h>
+
 #include "NetworkParts.h"
 #include "support/TestSupport.h"
 
@@ -7,6 +10,23 @@ const TAdapter& AdapterNamed(const TNetworkFacts& facts, const std::string& name
     for (const TAdapter& adapter : facts.adapters)
         if (adapter.name == name) return adapter;
     throw std::runtime_error("no adapter " + name);
+}
+
+template <typename T>
+std::string BytesOf(const T& structure) {
+    return {reinterpret_cast<const char*>(&structure), sizeof structure};
+}
+
+/// An attribute of netlink; bytes that fill words.
+std::string Attribute(uint16_t type, std::string bytes) {
+    const nlattr header = {uint16_t(sizeof(nlattr) + bytes.size()), type};
+    bytes.resize((bytes.size() + 3) & ~size_t(3));
+    return BytesOf(header) + bytes;
+}
+
+TLinkSettings SettingsOf(const std::string& kind, const std::string& data, uint16_t kindType = IFLA_INFO_KIND) {
+    const std::string info = Attribute(kindType, kind) + Attribute(uint16_t(kindType + 1), data);
+    return ParseLinkSettings(TNetlinkAttributes(info));
 }
 
 }  // namespace
@@ -24,7 +44,62 @@ TEST(NetworkReaderTest, ATableThatIsBrokenOffGivesWhatIsWhole) {
         EXPECT_THAT(found, ::testing::AnyOf(count, count + 1)) << length;
         count = found;
     }
-    EXPECT_EQ(count, 8u);
+    EXPECT_EQ(count, 9u);
+}
+
+TEST(NetworkReaderTest, NumbersOfAttributesMeanWhatTheirKindSays) {
+    const TLinkSettings bond =
+        SettingsOf("bond", Attribute(IFLA_BOND_MODE, "\1") + Attribute(IFLA_BOND_ACTIVE_SLAVE, BytesOf(7u)));
+    EXPECT_EQ(bond.bondMode, 1);
+    EXPECT_EQ(bond.activeMemberIndex, 7u);
+    EXPECT_FALSE(bond.vlan || bond.vxlan || bond.macvlanMode || bond.bridgePortState);
+    EXPECT_EQ(SettingsOf("bond", Attribute(IFLA_BOND_SLAVE_STATE, "\1"), IFLA_INFO_SLAVE_KIND).bondMemberState, 1);
+    EXPECT_EQ(SettingsOf("bridge", Attribute(IFLA_BRPORT_STATE, "\4"), IFLA_INFO_SLAVE_KIND).bridgePortState, 4);
+    EXPECT_EQ(SettingsOf("vxlan", Attribute(IFLA_VXLAN_ID, BytesOf(42u))).vxlan, 42u);
+    EXPECT_EQ(SettingsOf("macvtap", Attribute(IFLA_MACVLAN_MODE, BytesOf(8u))).macvlanMode, 8);
+    EXPECT_EQ(SettingsOf("vlan", Attribute(IFLA_VLAN_PROTOCOL, "\x88\xA8")).vlanProtocol, 0x88A8);
+    EXPECT_FALSE(SettingsOf("tun", Attribute(IFLA_VLAN_ID, BytesOf(42u))).vlan);
+}
+
+TEST(NetworkReaderTest, AnAdapterOfAnotherNamespaceIsNotTheLowerOne) {
+    ifinfomsg header = {};
+    header.ifi_index = 5;
+    const std::string vxlan =
+        Attribute(IFLA_LINKINFO, Attribute(IFLA_INFO_KIND, "vxlan") +
+                                     Attribute(IFLA_INFO_DATA, Attribute(IFLA_VXLAN_LINK, BytesOf(4u))));
+    const std::string elsewhere = Attribute(IFLA_LINK_NETNSID, BytesOf(0u));
+    const std::pair<std::string, std::optional<uint32_t>> cases[] = {
+        {Attribute(IFLA_LINK, BytesOf(4u)), 4},
+        {Attribute(IFLA_LINK, BytesOf(4u)) + elsewhere, {}},
+        {Attribute(IFLA_LINK, BytesOf(5u)), {}},
+        {vxlan, 4},
+        {vxlan + elsewhere, {}},
+    };
+    for (const auto& [attributes, expected] : cases) {
+        const std::string body = BytesOf(header) + Attribute(IFLA_IFNAME, "x0") + attributes;
+        nlmsghdr message = {};
+        message.nlmsg_len = uint32_t(sizeof message + body.size());
+        message.nlmsg_type = RTM_NEWLINK;
+        EXPECT_EQ(ParseLinks(BytesOf(message) + body).at(0).lowerIndex, expected);
+    }
+}
+
+TEST(NetworkReaderTest, TheHighestSpeedIsToldIfAllModesAreKnown) {
+    const std::pair<std::vector<unsigned>, uint64_t> cases[] = {{{}, 0},
+                                                                {{6, 7, 13}, 0},
+                                                                {{0, 1, 5, 6}, 1'000'000'000},
+                                                                {{5, 47, 12}, 10'000'000'000},
+                                                                {{38, 84, 5}, 200'000'000'000},
+                                                                {{5, 126}, 0}};
+    for (const auto& [modes, speed] : cases) {
+        ethtool_link_settings settings = {};
+        settings.link_mode_masks_nwords = 4;
+        uint32_t masks[12] = {};
+        for (const unsigned mode : modes) masks[mode / 32] |= 1u << mode % 32;
+        const auto link = TFact<std::string>::Of(
+            std::string(reinterpret_cast<const char*>(&settings), sizeof settings) + BytesOf(masks), "");
+        EXPECT_EQ(ParseDriverFacts({}, link).maxSpeed.ValueOr(0), speed) << modes.size();
+    }
 }
 
 TEST(NetworkReaderTest, DevicesAreKnownByTheirPaths) {

@@ -138,7 +138,8 @@ def check_document(bom, shown):
     for ref, classes in ("machine", HARDWARE), (system, {"MOLTA_Package"} | (HARDWARE if system != "os" else set())):
         bom.expect(("complete" == bom.aggregates[ref]) == shown.is_complete(classes), ref, "is", bom.aggregates[ref])
     firmware = [row for cls, name in (("Processor", "MicrocodeRevision"), ("DiskDrive", "FirmwareRevision"),
-                                      ("PhysicalMemory", "FirmwareVersion"), ("SystemBIOSElement", "Version"))
+                                      ("PhysicalMemory", "FirmwareVersion"), ("NetworkAdapter", "FirmwareVersion"),
+                                      ("SystemBIOSElement", "Version"))
                 for row in shown.values(f"MOLTA_{cls}", name) if row]
     bom.expect(sorted(firmware) == sorted(each["version"] for each in bom.packages("firmware:")), "firmware", firmware)
     disks = [properties(each)["cdx:device:location"] for each in bom.packages("disk:")]
