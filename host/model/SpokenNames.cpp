@@ -41,6 +41,7 @@ const TUsualWord kUsualWords[] = {
     {"cpu", {"CIM_Processor"}},
     {"dimm", {"CIM_PhysicalMemory"}},
     {"disk", {"CIM_DiskDrive"}},
+    {"dns", {"MOLTA_DNSSettings"}},
     {"drive", {"CIM_DiskDrive"}},
     {"firmware", {"CIM_BIOSElement"}},
     {"fs", {"CIM_FileSystem"}},

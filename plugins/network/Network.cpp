@@ -41,6 +41,8 @@ TNetworkFacts ReadNetwork(const TSystemRoot& root) {
         adapter.settings.activeMember = NameOf(adapter.settings.activeMemberIndex, names);
         HandOut(facts.addresses, addresses, adapter);
     }
+    ReadLeases(root, names, facts.addresses);
+    ReadDns(root, names, facts);
     const TFact<std::string> routes = ReadNetlinkTable(root, ENetlinkTable::eRoutes);
     if (routes) facts.routes = ParseRoutes(*routes, names);
     facts.routeListing = ListingOf(routes);

@@ -108,6 +108,25 @@ struct TIPAddress {
     std::optional<std::string> broadcast;
     std::optional<std::string> label;
     uint32_t flags;  ///< IFA_F_*
+    TFact<std::string> dhcpServer;
+    TFact<int64_t> leaseExpires;  ///< in seconds since 1970
+};
+
+/// What uses DNS settings: as MOLTA_DNSSettings.Program.
+enum class EDnsProgram : uint16_t { eCLibrary = 1, eResolved = 2, eNetworkd = 3, eNetworkManager = 4 };
+
+/// The servers that are asked for names: those of a file, or those that an adapter has been given.
+struct TDnsSettings {
+    std::string id;
+    EDnsProgram program = EDnsProgram::eCLibrary;
+    std::string adapter;  ///< may be empty
+    TFact<std::string> linkTarget;
+    TFact<std::vector<std::string>> servers;
+    std::vector<std::string> ignoredServers;
+    bool hasLocalServer = false;
+    TFact<std::string> domain;
+    TFact<std::vector<std::string>> searchDomains;
+    TFact<std::vector<std::string>> options;
 };
 
 /// One next hop of a route; a multipath route becomes several of these.
@@ -131,11 +150,13 @@ struct TNetworkFacts {
     std::vector<TAdapter> adapters;
     std::vector<TIPAddress> addresses;
     std::vector<TRoute> routes;
+    std::vector<TDnsSettings> dnsSettings;
 
     TListing adapterListing;
     TListing addressListing;
     TListing routeListing;
     TListing busListing;  ///< of the devices that drive adapters
+    TListing dnsListing;
 };
 
 TNetworkFacts ReadNetwork(const TSystemRoot& root);

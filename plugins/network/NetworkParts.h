@@ -28,6 +28,14 @@ std::optional<TDriverFacts> ReadDriverFacts(const TSystemRoot& root, const std::
 /// The same from the kernel's structures ethtool_drvinfo and ethtool_link_settings, the latter with its masks of modes.
 TDriverFacts ParseDriverFacts(const TFact<std::string>& information, const TFact<std::string>& settings);
 
+/// Sets who lent the addresses, as far as the leases of DHCP clients tell.
+void ReadLeases(const TSystemRoot& root, const TAdapterNames& names, std::vector<TIPAddress>& addresses);
+
+/// The name servers of the system and of its adapters.
+void ReadDns(const TSystemRoot& root, const TAdapterNames& names, TNetworkFacts& facts);
+/// Sets what stands in a file such as /etc/resolv.conf.
+void ParseResolverFile(std::string_view text, TDnsSettings& settings);
+
 /// The adapters, sorted by index: from the kernel table, or from sysfs if that could not be read.
 std::vector<TAdapter> ReadAdapters(const TSystemRoot& root, const TFact<std::string>& table);
 

@@ -22,4 +22,7 @@ kyrStatusCode ReportAddressAdapters(kyrIOHandle handle, const TNetworkFacts& fac
 kyrStatusCode ReportRoutes(kyrIOHandle handle, const TNetworkFacts& facts);
 kyrStatusCode ReportRouteAdapters(kyrIOHandle handle, const TNetworkFacts& facts);
 
+kyrStatusCode ReportDnsSettings(kyrIOHandle handle, const TNetworkFacts& facts);
+kyrStatusCode ReportDnsOwners(kyrIOHandle handle, const TNetworkFacts& facts);
+
 #endif

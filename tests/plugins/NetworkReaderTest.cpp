@@ -29,6 +29,23 @@ TLinkSettings SettingsOf(const std::string& kind, const std::string& data, uint1
     return ParseLinkSettings(TNetlinkAttributes(info));
 }
 
+/// "servers|ignored|search|domain|options|local"
+std::string ToldOf(const std::string& text) {
+    TDnsSettings settings;
+    settings.id = "/etc/resolv.conf";
+    ParseResolverFile(text, settings);
+    std::string told;
+    for (const auto& words : {settings.servers.ValueOr({}),
+                              settings.ignoredServers,
+                              settings.searchDomains.ValueOr({}),
+                              {settings.domain.ValueOr("")},
+                              settings.options.ValueOr({})}) {
+        for (const std::string& word : words) told += (&word == &words.front() ? "" : " ") + word;
+        told += '|';
+    }
+    return told + (settings.hasLocalServer ? "local" : "");
+}
+
 }  // namespace
 
 TEST(NetworkReaderTest, SpeedThatIsNotKnownIsNotSupported) {
@@ -100,6 +117,36 @@ TEST(NetworkReaderTest, TheHighestSpeedIsToldIfAllModesAreKnown) {
             std::string(reinterpret_cast<const char*>(&settings), sizeof settings) + BytesOf(masks), "");
         EXPECT_EQ(ParseDriverFacts({}, link).maxSpeed.ValueOr(0), speed) << modes.size();
     }
+}
+
+TEST(NetworkReaderTest, TheResolverFileIsReadAsTheCLibraryReadsIt) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "|||||"},
+        {"nameserver 192.0.2.1\nnameserver\t2001:db8::1 more\n", "192.0.2.1 2001:db8::1|||||"},
+        {" nameserver 192.0.2.1\n#nameserver 192.0.2.2\n;nameserver 192.0.2.3\nNameserver 192.0.2.4\n", "|||||"},
+        {"nameserver 1.1.1.1\nnameserver x\nnameserver 1.1.1.2\nnameserver 1.1.1.3\nnameserver fe80::1%eth0",
+         "1.1.1.1 x 1.1.1.2 1.1.1.3 fe80::1%eth0|x fe80::1%eth0||||"},
+        {"search a b\ndomain c\n", "||c|c||"},
+        {"domain c\nsearch a b\r\n", "||a b|||"},
+        {"options ndots:2\noptions rotate edns0\n", "||||ndots:2 rotate edns0|"},
+        {"nameserver 127.0.0.53\n", "127.0.0.53|||||local"},
+        {"nameserver ::1\n", "::1|||||local"},
+    };
+    for (const auto& [text, expected] : cases) EXPECT_EQ(ToldOf(text), expected) << text;
+}
+
+TEST(NetworkReaderTest, ALeaseIsOfTheAddressThatTheAdapterHasNow) {
+    const std::tuple<const char*, const char*, const char*, int64_t> cases[] = {
+        {"virtual", "10.0.2.15", "10.0.2.2", 1709445600},
+        {"laptop", "192.168.1.23", "192.168.1.1", 1720425600},
+        {"laptop", "192.168.1.40", "", 0},
+    };
+    for (const auto& [machine, address, server, expires] : cases)
+        for (const TIPAddress& found : ReadNetwork(TSystemRoot(std::string(MACHINES "/") + machine)).addresses) {
+            if (found.address != address) continue;
+            EXPECT_EQ(found.dhcpServer.ValueOr(""), server);
+            EXPECT_EQ(found.leaseExpires.ValueOr(0), expires);
+        }
 }
 
 TEST(NetworkReaderTest, DevicesAreKnownByTheirPaths) {
