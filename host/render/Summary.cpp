@@ -8,6 +8,8 @@
 #include "base/Text.h"
 #include "kyr/TCIMInstance.h"
 #include "kyr/TContainer.h"
+#include "model/Associations.h"
+#include "model/ClassNames.h"
 #include "model/Provenance.h"
 #include "model/ReadingOrder.h"
 #include "model/SpokenNames.h"
@@ -25,13 +27,16 @@ constexpr size_t kWidthWithoutTerminal = 80;
 constexpr size_t kColumn = 11;  // where the texts stand behind their labels
 constexpr size_t kMostContents = 5;
 constexpr size_t kMostAddresses = 3;
+constexpr size_t kMostServers = 3;
 constexpr size_t kMostNames = 6;
 
 constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
 constexpr const char* kDiskDrive = "MOLTA_DiskDrive";
 constexpr const char* kSecurityClass = "MOLTA_SystemSecurity";
+constexpr const char* kAdapterMember = "MOLTA_NetworkAdapterMember";
 constexpr uint64_t kSystemMemory = 3;       // of MOLTA_MemoryArray.Use
 constexpr uint64_t kLoopback = 772;         // of MOLTA_NetworkAdapter.LinkTechnology
+constexpr uint64_t kCLibrary = 1;           // of MOLTA_DNSSettings.Program
 constexpr uint64_t kDisplayController = 3;  // of MOLTA_PCIDevice.ClassCode
 
 // These add to the line of an instance what lists and other instances say.
@@ -68,15 +73,53 @@ std::string AddContents(const TCIMInstance& disk, const TStorageContents& conten
     return OtherPathText(disk) + (text.empty() ? "" : ": " + text);
 }
 
+TTexts VisibleTexts(const TCIMInstance& instance, const char* property) {
+    TTexts texts = TextsOf(instance, property);
+    for (std::string& text : texts) text = VisibleText(text);
+    return texts;
+}
+
+// " of eno1, eno2" behind the mode of a bond.
+std::string MembersOfBond(const TCIMInstance& bond) {
+    if (SummaryValue(bond, "BondMode").empty()) return "";
+    TTexts names;
+    for (const TCIMInstance* membership : InstancesOf(*bond.GetContainer(), kAdapterMember)) {
+        const TCIMInstance *group = nullptr, *part = nullptr;
+        for (const TAssociationEnd& end : EndsOf(*membership))
+            (IsSameName(end.role, "GroupComponent") ? group : part) = end.instance;
+        if (group == &bond && part != nullptr) names.push_back(SummaryValue(*part, "DeviceID"));
+    }
+    return names.empty() ? "" : " of " + FoldedTexts(names, kMostNames);
+}
+
 // The state of the link is not saved where only what stays the same is.
 std::string AddAddresses(const TCIMInstance& adapter, const TStorageContents&) {
     const bool isDisabled = SummaryValue(adapter, "LinkState").empty() && HasBoolean(adapter, "Enabled", false);
-    TTexts addresses = TextsOf(adapter, "IPAddresses");
-    for (std::string& address : addresses) address = VisibleText(address);
+    const TTexts addresses = VisibleTexts(adapter, "IPAddresses");
     const bool isKnown = TProvenance(adapter).AbsenceOf("IPAddresses").empty();
-    return (isDisabled ? ", disabled" : "") + (!addresses.empty() ? ": " + FoldedTexts(addresses, kMostAddresses)
-                                               : isKnown          ? ", no address"
-                                                                  : ", no address known");
+    return MembersOfBond(adapter) + (isDisabled ? ", disabled" : "") +
+           (!addresses.empty() ? ": " + FoldedTexts(addresses, kMostAddresses)
+            : isKnown          ? ", no address"
+                               : ", no address known");
+}
+
+// Without those that are ignored, which come after others.
+TTexts ServersAsked(const TCIMInstance& settings) {
+    TTexts servers = VisibleTexts(settings, "DNSServerAddresses");
+    for (const std::string& ignored : VisibleTexts(settings, "IgnoredServerAddresses")) {
+        const auto last = std::find(servers.rbegin(), servers.rend(), ignored);
+        if (last != servers.rend()) servers.erase(std::next(last).base());
+    }
+    return servers;
+}
+
+// The servers that the C library asks, and those that a program on this machine asks for it.
+std::string AddServers(const TCIMInstance& settings, const TStorageContents&) {
+    const TTexts servers = ServersAsked(settings), domains = VisibleTexts(settings, "DNSSuffixesToAppend");
+    std::string text = servers.empty() ? "no server known" : FoldedTexts(servers, kMostServers);
+    if (HasBoolean(settings, "LocalServer", true)) text += " on this machine";
+    if (SummaryNumber(settings, "Program") != kCLibrary) text += ", asked by " + SummaryValue(settings, "Program");
+    return domains.empty() ? text : text + "; search " + FoldedTexts(domains, kMostNames);
 }
 
 std::string AddSecurity(const TCIMInstance& security, const TStorageContents&) { return SecurityText(security); }
@@ -86,6 +129,8 @@ std::string AddSecurity(const TCIMInstance& security, const TStorageContents&) {
 bool IsDisplayController(const TCIMInstance& device) {
     return SummaryNumber(device, "ClassCode") == kDisplayController;
 }
+
+bool IsOfComputer(const TCIMInstance& settings) { return SummaryValue(settings, "InterfaceName").empty(); }
 
 bool IsAdapterOfInterest(const TCIMInstance& adapter) {
     if (SummaryNumber(adapter, "LinkTechnology") == kLoopback) return false;
@@ -162,11 +207,12 @@ const TSection kSections[] = {
      5},
     {"Network",
      "MOLTA_NetworkAdapter",
-     {{"Caption"}, {"LinkState", " "}, {"Speed", ", "}},
+     {{"Caption"}, {"LinkState", " "}, {"Speed", ", "}, {"BondMode", ", "}},
      AddAddresses,
      IsAdapterOfInterest,
      "also ",
      5},
+    {"DNS", "MOLTA_DNSSettings", {}, AddServers, IsOfComputer, nullptr, 2},
     {"Graphics",
      "MOLTA_PCIDevice",
      {{"Caption"}, {"Driver", ", driver ", "", "driver"}},
@@ -271,9 +317,9 @@ std::vector<std::string> SummaryClasses() {
     std::vector<std::string> names;
     for (const TSection& section : kSections)
         if (names.empty() || names.back() != section.className) names.emplace_back(section.className);
-    for (const char* name :
-         {kTpmClass, kVirtualMachineClass, kHostedContainerClass, kMemoryArray, "MOLTA_DiskPartition",
-          "MOLTA_StorageVolume", "MOLTA_FileSystem", "MOLTA_Mount", "MOLTA_SwapArea", "MOLTA_IPAddress"})
+    for (const char* name : {kTpmClass, kVirtualMachineClass, kHostedContainerClass, kMemoryArray,
+                             "MOLTA_DiskPartition", "MOLTA_StorageVolume", "MOLTA_FileSystem", "MOLTA_Mount",
+                             "MOLTA_SwapArea", "MOLTA_IPAddress", kAdapterMember})
         names.emplace_back(name);
     names.insert(names.end(), std::begin(kStorageAssociations), std::end(kStorageAssociations));
     return names;
