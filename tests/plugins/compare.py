@@ -23,7 +23,7 @@ SKIPPED = 77
 
 # Whose word counts alone: the others tell nothing of it, or what these have told them.
 AUTHORITIES = {"package": "dpkg-query", "module": "lsmod", "mount": "findmnt", "route": "ip", "address": "ip",
-               "interface": "ip", "pci": "lspci", "usb": "lsusb", "cache": "lscpu", "numa": "lscpu",
+               "interface": "ip", "resolver": "cat", "pci": "lspci", "usb": "lsusb", "cache": "lscpu", "numa": "lscpu",
                "partition": "lsblk", "file": "blkid", "swap": "swapon", "memory": "dmidecode", "firmware": "dmidecode",
                "board": "dmidecode", "temperature": "sensors"}
 

@@ -63,6 +63,9 @@ def lshw_network(node):
     for name in as_list(node.get("logicalname")) if node["class"] == "network" else ():
         yield from facts(f"interface {name}", mac=lower(node.get("serial")), driver=said.get("driver"),
                          link=YES_OR_NO.get(said.get("link")))
+        yield from named(f"interface {name}", said.get, {
+            "firmware": "firmware", "driver version": "driverversion", "connector": "port",
+            "autonegotiation": lambda ask: {"on": True, "off": False}.get(ask("autonegotiation"))})
 
 
 def lshw_disk(node):

@@ -11,7 +11,7 @@ def tell(command):
     for class_name, thing, names in CLASSES:
         for instance in machine.all(class_name):
             yield from named(re.sub(r"{(.*?)}", lambda part: str(instance(part[1])), thing), instance, names)
-    for extract in (processor, caches, mounts, addresses, temperatures):
+    for extract in (processor, caches, mounts, addresses, adapters, resolver, temperatures):
         yield from extract(machine)
 
 
@@ -76,7 +76,16 @@ CLASSES = [
     ("MOLTA_NetworkAdapter", "interface {DeviceID}",
      {"mtu": "ActiveMaximumTransmissionUnit", "driver": "Driver", "enabled": "Enabled", "link": "Carrier",
       "kind": "Kind", "permanent mac": "PermanentAddress", "mac": lowered("CurrentAddress"),
-      "state": lowered("LinkState/text")}),
+      "state": lowered("LinkState/text"), "smallest mtu": "MinimumTransmissionUnit",
+      "largest mtu": "SupportedMaximumTransmissionUnit", "transmit queues": "TransmitQueues",
+      "receive queues": "ReceiveQueues", "alias": "ElementName",
+      "other names": lambda ask: frozenset(ask("OtherNames") or ()) or None, "vlan": "VLANID",
+      "vlan protocol": "VLANProtocol/text", "macvlan mode": "MACVLANMode/text", "vxlan": "VXLANID",
+      "stp": "SpanningTree", "filtering": "VLANFiltering", "bridge state": "BridgePortState/text",
+      "bond mode": "BondMode/text", "monitoring": "LinkMonitoringInterval", "active": "ActiveMember",
+      "hash policy": "TransmitHashPolicy/text", "bond state": "BondMemberState/text",
+      "bond link": "BondMemberLink/text", "driver version": "DriverVersion", "firmware": "FirmwareVersion",
+      "bus info": "BusInfo", "autonegotiation": "AutoSense", "connector": "Connector/text"}),
     ("MOLTA_Package", "package {Name}:{SoftwareElementID}",
      {"version": "Version", "section": "Section", "status": "PackageStatus/text", "size": "InstalledSize"}),
     ("MOLTA_KernelModule", "module {Name}", {"size": "Size"}),
@@ -138,6 +147,21 @@ def addresses(machine):
         found[address("InterfaceName")].add(f"{address('Address')}/{address('PrefixLength')}")
     for name, held in found.items():
         yield f"address of {name}", "all", frozenset(held)
+
+
+def adapters(machine):
+    for association, upper, part, what in (("MOLTA_NetworkAdapterMember", "GroupComponent", "PartComponent", "part of"),
+                                           ("MOLTA_LowerNetworkAdapter", "Antecedent", "Dependent", "lower")):
+        for tie in machine.all(association):
+            names = [re.search(r'DeviceID="([^"]*)"', tie(end)["path"])[1] for end in (part, upper)]
+            yield f"interface {names[0]}", what, names[1]
+
+
+def resolver(machine):
+    for settings in machine.all("MOLTA_DNSSettings"):
+        if settings("InstanceID") == "/etc/resolv.conf":
+            yield "resolver", "servers", " ".join(settings("DNSServerAddresses") or ())
+            yield "resolver", "search", " ".join(settings("DNSSuffixesToAppend") or ())
 
 
 def temperatures(machine):

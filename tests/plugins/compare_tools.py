@@ -3,6 +3,7 @@
 One name and one form for a fact, whoever tells it: sizes in bytes, addresses and numbers of devices in lower case,
 sets as frozenset. None is no value.
 """
+import glob
 import ipaddress
 import json
 import re
@@ -215,11 +216,66 @@ def ip():
                          kind=link.get("linkinfo", {}).get("info_kind"))
         found = frozenset(f"{at['local']}/{at['prefixlen']}" for at in link["addr_info"])
         yield f"address of {name}", "all", found or None
+        yield from link_settings(interface, link)
     for family, default in (("-4", "0.0.0.0/0"), ("-6", "::/0")):
         for route in json_of(f"ip -j {family} route show table main"):
             destination = default if route["dst"] == "default" else str(ipaddress.ip_network(route["dst"]))
             yield from facts(f"route {destination} dev {route.get('dev')} of table main",
                              gateway=route.get("gateway"), metric=route.get("metric", 0))
+
+
+def link_settings(interface, link):
+    """What depends on the kind of the interface, and on what it is part of."""
+    info = link.get("linkinfo", {})
+    kind, said, part = info.get("info_kind"), info.get("info_data", {}), info.get("info_slave_data", {})
+    yield from named(interface, link.get, {
+        "smallest mtu": "min_mtu", "largest mtu": lambda ask: ask("max_mtu") or None,
+        "transmit queues": "num_tx_queues", "receive queues": "num_rx_queues", "other names": lambda ask: frozenset(ask("altnames") or ()) or None,
+        "part of": "master", "alias": "ifalias"})
+    if kind == "vlan":
+        yield from named(interface, said.get, {"vlan": "id", "vlan protocol": "protocol"})
+    if kind in ("macvlan", "macvtap"):
+        yield interface, "macvlan mode", said.get("mode")
+    if kind == "vxlan":
+        yield interface, "vxlan", said.get("id")
+    if kind == "bridge":
+        yield from facts(interface, stp=bool(said.get("stp_state")), filtering=bool(said.get("vlan_filtering")))
+    if kind == "bond":
+        yield from named(interface, said.get, {"bond mode": "mode", "monitoring": "miimon", "active": "active_slave",
+                                               "hash policy": "xmit_hash_policy"})
+    if info.get("info_slave_kind") == "bond":
+        yield from named(interface, part.get, {"bond state": lowered("state"), "bond link": lowered("mii_status")})
+    if info.get("info_slave_kind") == "bridge":
+        yield interface, "bridge state", part.get("state")
+    lower_name = said.get("link") if kind == "vxlan" else link.get("link")
+    if kind != "veth" and "link_netnsid" not in link:
+        yield interface, "lower", lower_name
+
+
+@tool("ethtool")
+def ethtool():
+    """Of interfaces that have a device."""
+    for path in glob.glob("/sys/class/net/*/device"):
+        name = path.split("/")[4]
+        said = dict(line.split(": ", 1) for line in lines_of(["ethtool", "-i", name]) if ": " in line)
+        yield from named(f"interface {name}", said.get, {
+            "driver": "driver", "driver version": "version", "firmware": "firmware-version", "bus info": "bus-info"})
+        link = dict(line.strip().split(": ", 1) for line in lines_of(["ethtool", name]) if ": " in line)
+        yield from named(f"interface {name}", link.get, {
+            "autonegotiation": lambda ask: {"on": True, "off": False}.get(ask("Auto-negotiation")),
+            "connector": lambda ask: CONNECTORS.get(ask("Port"), lower(ask("Port")))})
+
+
+CONNECTORS = {"Direct Attach Copper": "direct attach copper", "Twisted Pair": "twisted pair"}
+
+
+@tool("cat")
+def resolver():
+    """The file of the C library, without what it ignores."""
+    words = [line.split() for line in lines_of("cat /etc/resolv.conf") if line[:1].isalpha()]
+    searched = [rest for keyword, *rest in words if keyword in ("search", "domain")]
+    yield from facts("resolver", servers=" ".join(rest[0] for keyword, *rest in words if keyword == "nameserver"),
+                     search=" ".join(searched[-1]) if searched else None)
 
 
 def first(pattern, text):
