@@ -57,7 +57,7 @@ public:
             throw TCommandError(eExitUsage,
                                 "only whole classes can be saved: --output takes no name of an instance, "
                                 "and no word such as gpu for some instances of a class");
-        inventory.Collect(choice.ClassesToCollect());
+        inventory.Collect(choice.ClassesToCollect(), choice.ClassesNamed());
         const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), choice);
         // A file of an earlier collection is worth more than one without anything in it.
         const EExit status = inventory.Conclude();

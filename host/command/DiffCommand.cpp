@@ -28,15 +28,13 @@ constexpr const char* kExamples =
 constexpr const char* kMachineClass = "CIM_ComputerSystem";  // its name is a key of most instances
 
 // The chosen classes that the container knows, and the machine itself. Without chosen classes: all.
-std::vector<std::string> NamesToCollect(const TContainer& container, const std::vector<std::string>& chosen) {
-    if (chosen.empty()) return {};
-    std::vector<std::string> known(chosen);
-    known.emplace_back(kMachineClass);
-    known.erase(
-        std::remove_if(known.begin(), known.end(),
+TInstanceChoice ChooseKnown(const TContainer& container, std::vector<std::string> chosen) {
+    if (!chosen.empty()) chosen.emplace_back(kMachineClass);
+    chosen.erase(
+        std::remove_if(chosen.begin(), chosen.end(),
                        [&](const std::string& name) { return FindSpokenClass(container, name).classes.empty(); }),
-        known.end());
-    return known.empty() ? known : NamesOf(TInstanceChoice(container, known, {}).Classes());
+        chosen.end());
+    return {container, chosen, {}};
 }
 
 class TDiffCommand : public TCommand {
@@ -73,7 +71,7 @@ public:
         oldOptions.from = fOld;
         const TInventory before(oldOptions);
         TInventory after(fSession, before);
-        if (fSession.from.empty()) after.Collect(NamesToCollect(after.Container(), fOptions.classes));
+        if (fSession.from.empty()) Collect(after);
         const EExit collected = after.ConcludeSilently();
         if (collected > eExitPartial) return collected;
         const TDifference difference = FindDifference(before.Container(), after.Container(), fOptions);
@@ -82,6 +80,11 @@ public:
     }
 
 private:
+    void Collect(TInventory& inventory) const {
+        const TInstanceChoice choice = ChooseKnown(inventory.Container(), fOptions.classes);
+        inventory.Collect(choice.ClassesToCollect(), choice.ClassesNamed());
+    }
+
     void Print(const TDifference& difference, const TContainer& before, const TContainer& after,
                TOutput& output) const {
         if (fQuiet) return;

@@ -159,7 +159,7 @@ private:
         const std::vector<std::string> classes = WantedClasses();
         const TInstanceChoice choice = inventory.LookUp(
             [&classes](const TContainer& container) { return TInstanceChoice(container, classes, {}); });
-        inventory.Collect(choice.ClassesToCollect());
+        inventory.Collect(choice.ClassesToCollect(), choice.ClassesNamed());
         const EExit status = inventory.Conclude();
         if (status == eExitNothing) return status;
         const TSpool document;

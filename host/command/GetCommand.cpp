@@ -161,7 +161,7 @@ private:
             CheckProperties(expression, chosen);
             return chosen;
         });
-        inventory.Collect(choice.ClassesToCollect());
+        inventory.Collect(choice.ClassesToCollect(), choice.ClassesNamed());
         inventory.LookUp([&](const TContainer& container) {
             choice.FindInstances(container);
             CheckProperties(expression, choice);

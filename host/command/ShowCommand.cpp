@@ -8,6 +8,7 @@
 #include "inventory/Inventory.h"
 #include "json/Json.h"
 #include "render/InstanceText.h"
+#include "states/CollectionSummary.h"
 
 namespace {
 
@@ -29,11 +30,13 @@ EExit TShowCommand::Run(TOutput& output) {
         throw TCommandError(eExitUsage, "a tree is of classes: --tree takes no name of an instance");
     // The links of an instance lead to instances of any class, so all classes must be collected.
     const bool all = fPrint.references || fPrint.tree;
-    inventory.Collect(all ? std::vector<std::string>() : choice.ClassesToCollect());
+    inventory.Collect(all ? std::vector<std::string>() : choice.ClassesToCollect(), choice.ClassesNamed());
     inventory.LookUp([&](const TContainer& container) { choice.FindInstances(container); });
     const bool any = Print(inventory.Container(), choice, output);
     const EExit status = inventory.Conclude();
-    if (status != eExitNothing) TellOfNone(choice, any);
+    if (status == eExitNothing) return status;
+    ReportNotGranted(inventory.Container(), choice.ClassesNamed());
+    TellOfNone(choice, any);
     return status;
 }
 

@@ -89,6 +89,8 @@ TInventory::TInventory(const TSessionOptions& options, const TInventory& first)
 TInventory::~TInventory() = default;
 TContainer& TInventory::Container() const { return fBody->Container(); }
 void TInventory::LoadPlugins() { fBody->Run(TClassSelection::SchemaOnly()); }
-void TInventory::Collect(const std::vector<std::string>& classes) { fBody->Run(WithoutStates(classes, Container())); }
+void TInventory::Collect(const std::vector<std::string>& classes, const std::vector<std::string>& named) {
+    fBody->Run(WithoutStates(classes, Container()).Naming(named));
+}
 EExit TInventory::Conclude() const { return fBody->Conclude(ReportIncomplete); }
 EExit TInventory::ConcludeSilently() const { return fBody->Conclude(StatusOfCollection); }

@@ -222,7 +222,7 @@ void ClaimClasses(TPluginLibrary& library, std::list<TPluginLibrary>& libraries)
                library.duplicateClasses.end();
     };
     for (TPluginLibrary& other : libraries) {
-        if (&other == &library || other.report.IsLoaded()) continue;
+        if (&other == &library || other.report.IsLoaded() || other.IsLeftOut()) continue;
         const auto claimed =
             std::stable_partition(other.classes.begin(), other.classes.end(), std::not_fn(isDuplicate));
         library.classes.insert(library.classes.end(), claimed, other.classes.end());

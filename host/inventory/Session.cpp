@@ -170,7 +170,8 @@ void TSession::RunInProcess(const TRounds& rounds, const TClassSelection& wanted
     for (const std::vector<TPluginLibrary*>& round : rounds) {
         for (TPluginLibrary* library : round) {
             ClaimClasses(*library, fLibraries);
-            run.Load(*library);
+            library->LeaveOutUngranted(wanted);
+            if (!library->IsLeftOut()) run.Load(*library);
         }
     }
     AssignClassesToLibraries();
@@ -199,9 +200,14 @@ int TSession::RunIsolated(const TRounds& rounds, const TClassSelection& wanted) 
     for (TPluginLibrary& library : fLibraries) library.isConfined = sandbox.IsOn();
     const TPluginTask task{fContainer, wanted, fLog.IsWatched(), sandbox, fLog.Descriptor()};
     for (const std::vector<TPluginLibrary*>& round : rounds) {
-        for (TPluginLibrary* library : round) ClaimClasses(*library, fLibraries);
+        std::vector<TPluginLibrary*> started;
+        for (TPluginLibrary* library : round) {
+            ClaimClasses(*library, fLibraries);
+            library->LeaveOutUngranted(wanted);
+            if (!library->IsLeftOut()) started.push_back(library);
+        }
         AssignClassesToLibraries();
-        processes.Run(round, task);
+        processes.Run(started, task);
         CopySystemToPluginSchema(fContainer);
     }
     processes.Conclude();

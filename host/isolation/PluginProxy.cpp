@@ -39,6 +39,13 @@ TPluginInfo Describe(const IPlugin& plugin) {
             plugin.IsInitialized()};
 }
 
+std::vector<TCIMClass*> ClassesToAskFor(const TPluginLibrary& library) {
+    std::vector<TCIMClass*> classes;
+    for (TCIMClass* cls : library.classes)
+        if (!library.IsLeftOut(*cls)) classes.push_back(cls);
+    return classes;
+}
+
 std::string StatusText(int32_t status) {
     const bool isKnown = status >= 0 && status < kyrStatusEnd;
     return isKnown ? WithStatusInWords(kyrTranslateStatusCode(status)) : std::to_string(status) + " (no known status)";
@@ -82,7 +89,7 @@ boost::shared_ptr<TPluginProxy> LoadLibrary(const TPluginLibrary& library, TPlug
     const TPluginInfo* const owner = report.FindOwner();
     if (!report.IsLoaded() || owner->type != kyrPluginDataCollector || library.classes.empty()) return nullptr;
     boost::shared_ptr<IPlugin>& plugin = *std::next(first, owner - report.plugins.data());
-    const boost::shared_ptr<TPluginProxy> proxy(new TPluginProxy(plugin, library.classes));
+    const boost::shared_ptr<TPluginProxy> proxy(new TPluginProxy(plugin, ClassesToAskFor(library)));
     plugin = proxy;
     return proxy;
 }

@@ -16,16 +16,25 @@ public:
 
     /// The same with one class more.
     TClassSelection With(const std::string& name) const {
-        if (Includes(name)) return *this;
-        std::vector<std::string> names = fNames;
-        names.push_back(name);
-        return These(std::move(names));
+        TClassSelection more = *this;
+        if (Includes(name)) return more;
+        more.fNames.push_back(name);
+        more.fIndex.insert(name);
+        return more;
+    }
+    /// The same, of which the user has named these classes.
+    TClassSelection Naming(const std::vector<std::string>& names) const {
+        TClassSelection naming = *this;
+        naming.fNamed.insert(names.begin(), names.end());
+        return naming;
     }
 
     bool IsAll() const { return fCase == eAll; }
     bool IsSchemaOnly() const { return fCase == eSchemaOnly; }
     /// Whether the class is wanted. Where only the schema is wanted, it is wanted of every class.
     bool Includes(const std::string& name) const { return fCase != eThese || fIndex.count(name) != 0; }
+    /// Whether the user has named the class, and not only all classes or one above it.
+    bool IsNamed(const std::string& name) const { return fNamed.count(name) != 0; }
     /// The names in the form that the core's plugin manager takes: empty for all.
     const std::vector<std::string>& Names() const { return fNames; }
 
@@ -38,6 +47,7 @@ private:
     ECase fCase;
     std::vector<std::string> fNames;
     std::unordered_set<std::string> fIndex;  // of those names
+    std::unordered_set<std::string> fNamed;
 };
 
 #endif

@@ -56,6 +56,13 @@ std::vector<std::string> TInstanceChoice::ClassesToCollect() const {
     return fIsAll || !fNames.empty() ? std::vector<std::string>() : NamesOf(fClasses);
 }
 
+std::vector<std::string> TInstanceChoice::ClassesNamed() const {
+    std::vector<std::string> named;
+    for (const TAsked& asked : fAsked)
+        for (const TCIMClass* cls : asked.spoken.classes) named.push_back(cls->GetName());
+    return named;
+}
+
 void TInstanceChoice::FindInstances(const TContainer& container) {
     for (const std::string& name : fNames) AddInstance(GetInstanceCalled(container, name));
     for (const TSpokenClass& condition : fConditions) AddConditionally(condition);

@@ -23,6 +23,8 @@ public:
     bool IsOfClasses() const { return fNames.empty() && fConditions.empty(); }
     /// The names of the classes to collect; empty: all.
     std::vector<std::string> ClassesToCollect() const;
+    /// Those of the names that are of classes, without the classes below them.
+    std::vector<std::string> ClassesNamed() const;
 
     /// Finds the chosen instances among those that were collected. Raises TCommandError for a name that none has, or
     /// several.

@@ -84,3 +84,4 @@ bool IsCounted(const TCIMPropertyDecl& declaration) { return !UnitOf(declaration
 bool IsIdentity(const TCIMPropertyDecl& declaration) { return IsTrue(declaration, "Identity"); }
 
 bool IsDontCollect(const TCIMClass& cls) { return IsTrue(cls, "DONTCOLLECT"); }
+bool IsOptional(const TCIMClass& cls) { return IsTrue(cls, "Optional"); }

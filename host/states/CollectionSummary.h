@@ -1,6 +1,9 @@
 #ifndef KYR_HOST_STATES_COLLECTIONSUMMARY_H
 #define KYR_HOST_STATES_COLLECTIONSUMMARY_H
 
+#include <string>
+#include <vector>
+
 #include "base/ExitStatus.h"
 
 class TContainer;
@@ -9,6 +12,9 @@ class TContainer;
 /// status that follows from the state of the collection; one without states, which another program wrote, counts as
 /// complete.
 EExit ReportIncomplete(const TContainer& container);
+/// Prints on standard error which of the classes were left out because what they need was not granted. That is no part
+/// of what is missing, and of interest only to who names them.
+void ReportNotGranted(const TContainer& container, const std::vector<std::string>& classNames);
 /// That status alone. Prints only that nothing was collected, if so.
 EExit StatusOfCollection(const TContainer& container);
 

@@ -79,6 +79,7 @@ TReason ClassesTaken(const TPluginLibrary& library, const TClassSelection& wante
 TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
     const TPluginReport& report = library.report;
     if (report.end.state != eComplete) return report.end;
+    if (library.IsLeftOut()) return {};  // it was not loaded, and its classes tell why
     if (report.plugins.empty()) return {eRefused, NothingRegistered(report)};
     if (!report.loadFailure.empty()) return {eRefused, DocumentUnreadable(library)};
     const TPluginInfo* const owner = report.FindOwner();
@@ -94,10 +95,17 @@ TOutcome FindLibraryOutcome(const TPluginLibrary& library) {
     return {eRefused, taken ? taken : ReasonFor(EReason::eNoClassOfItsOwn)};
 }
 
+TReason NotGranted(const TPluginLibrary& library, const std::string& need) {
+    TReason reason = ReasonFor(EReason::eNotGranted, need);
+    reason.plugin = library.Name();
+    return reason;
+}
+
 // Of a class that no data call asked for.
 TOutcome FindNotAskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
                              bool hasInstances) {
     if (IsDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
+    if (library.IsLeftOut(cls)) return {eNotAsked, NotGranted(library, library.FindUngranted(cls))};
     const TOutcome loading = FindLibraryOutcome(library);
     if (loading.state != eComplete) return {hasInstances ? ePartial : loading.state, loading.reason};
     if (hasInstances) return {};
@@ -152,13 +160,8 @@ TReason MissingValues(const TCIMClass& cls) {
 // The first thing that the class needs and its plugin may not do, so that nobody can say whether anything is missing.
 TReason MissingGrant(const TPluginLibrary& library, const TCIMClass& cls) {
     if (!library.isConfined) return {};
-    for (const std::string& need : NeedsOf(cls)) {
-        if ((NeedFor(need) & library.granted) != 0) continue;
-        TReason reason = ReasonFor(EReason::eNotGranted, need);
-        reason.plugin = library.Name();
-        return reason;
-    }
-    return {};
+    const std::string need = library.FindUngranted(cls);
+    return need.empty() ? TReason() : NotGranted(library, need);
 }
 
 }  // namespace

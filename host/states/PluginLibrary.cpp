@@ -9,6 +9,7 @@
 #include "kyr/TCIMClass.h"
 #include "kyr/TKYRException.h"
 #include "kyr/TOSSpecific.h"
+#include "model/Qualifiers.h"
 #include "states/LibraryPlace.h"
 
 namespace {
@@ -56,6 +57,28 @@ std::string TPluginLibrary::FullDocumentPath() const {
 bool TPluginLibrary::Declares(const std::string& className) const {
     return std::any_of(classes.begin(), classes.end(),
                        [&](const TCIMClass* cls) { return cls->GetName() == className; });
+}
+
+std::string TPluginLibrary::FindUngranted(const TCIMClass& cls) const {
+    for (const std::string& need : NeedsOf(cls))
+        if ((NeedFor(need) & granted) == 0) return need;
+    return "";
+}
+
+void TPluginLibrary::LeaveOutUngranted(const TClassSelection& wanted) {
+    if (wanted.IsSchemaOnly()) return;
+    for (const TCIMClass* cls : classes)
+        if (IsOptional(*cls) && !wanted.IsNamed(cls->GetName()) && !FindUngranted(*cls).empty()) leftOut.push_back(cls);
+}
+
+bool TPluginLibrary::IsLeftOut(const TCIMClass& cls) const {
+    return std::find(leftOut.begin(), leftOut.end(), &cls) != leftOut.end();
+}
+
+bool TPluginLibrary::IsLeftOut() const {
+    return !leftOut.empty() && std::all_of(classes.begin(), classes.end(), [this](const TCIMClass* cls) {
+        return cls->IsAbstract() || IsLeftOut(*cls);
+    });
 }
 
 void TPluginLibrary::AssignMessagesToClasses() {

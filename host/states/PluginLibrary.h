@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "model/ClassSelection.h"
 #include "model/Needs.h"
 #include "states/MissingSources.h"
 #include "states/PluginReport.h"
@@ -23,6 +24,7 @@ struct TPluginLibrary {
     TOutcome notLoaded;                         ///< why it must not be loaded; complete if it may be
     TNeeds granted = 0;                         ///< what its plugins may do beyond reading
     bool isConfined = false;                    ///< what its classes need beyond that is refused
+    std::vector<const TCIMClass*> leftOut;      ///< its optional classes that are not asked for
     TPluginReport report;
     std::string strayDocument = {};  ///< the name of a document beside it that is no library's, if its own is missing
     TReason documentMistake;  ///< why the core refused its document, or took no class from it; none if nobody knows
@@ -36,6 +38,13 @@ struct TPluginLibrary {
     std::string FullDocumentPath() const;
     /// Whether its document declares the class, and no document read before it.
     bool Declares(const std::string& className) const;
+    /// The first thing that the class needs and that is not granted; empty if there is none.
+    std::string FindUngranted(const TCIMClass& cls) const;
+    /// Finds the optional classes that are not asked for: those that need what is not granted, and are not named.
+    void LeaveOutUngranted(const TClassSelection& wanted);
+    bool IsLeftOut(const TCIMClass& cls) const;
+    /// Whether that is so of all classes that can have instances, so that the library need not be loaded.
+    bool IsLeftOut() const;
     /// Finds for each message of the report the class of this library that it is about. Plugins begin a line about a
     /// class with its name and ": "; in the core's lines the name may stand anywhere.
     void AssignMessagesToClasses();
