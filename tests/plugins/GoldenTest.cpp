@@ -113,8 +113,25 @@ TEST_P(GoldenTest, SummaryIsTheSameLiveAndSaved) {
     EXPECT_THAT(RunKyr("summary " + file), FieldsAre(live.status, live.out, live.err));
 }
 
+// Disks are asked for their health only if that is granted, so that the other machines tell nothing of it.
+TEST(GrantedTest, HealthOfDisksIsToldAsExpected) {
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/collection.xml", grant = " --grant health:rawio " ALL_PLUGINS,
+                      classes = "DiskDrive DiskHealth SMARTAttribute DiskDriveHealth DiskHealthAttribute";
+    const TRunResult collected = RunKyrOn("disks", "collect " + classes + " -o " + file + grant);
+    std::string text = RunKyr("show DiskHealth --provenance " + file).out;
+    text += '\n' + RunKyr("show SMARTAttribute --table " + file).out + '\n' + TiesOf(file) + "\nExit status " +
+            std::to_string(collected.status) + '\n' + collected.err;
+    for (const std::string& options : {grant, std::string(" " ALL_PLUGINS)}) {
+        const TRunResult run = RunKyrOn("disks", "summary" + options);
+        text += '\n' + run.out + run.err;
+        EXPECT_FALSE(HasLineOver(80, run.out));
+    }
+    CompareWithGolden("disks", text);
+}
+
 TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {
-    const TRunResult run = RunKyrOn("none", "collect --json " ALL_PLUGINS);
+    const TRunResult run = RunKyrOn("none", "collect --json --grant health:rawio " ALL_PLUGINS);
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(CountIn(run.out, "\"log\": [\"error: KYR_SYSTEM_ROOT names no folder: " MACHINES "/none\""),
               NUMBER_OF_PLUGINS)
