@@ -34,10 +34,14 @@ constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
 constexpr const char* kDiskDrive = "MOLTA_DiskDrive";
 constexpr const char* kSecurityClass = "MOLTA_SystemSecurity";
 constexpr const char* kAdapterMember = "MOLTA_NetworkAdapterMember";
+constexpr const char* kDnsSettings = "MOLTA_DNSSettings";
+constexpr const char* kDiskHealth = "MOLTA_DiskHealth";
 constexpr uint64_t kSystemMemory = 3;       // of MOLTA_MemoryArray.Use
 constexpr uint64_t kLoopback = 772;         // of MOLTA_NetworkAdapter.LinkTechnology
 constexpr uint64_t kCLibrary = 1;           // of MOLTA_DNSSettings.Program
 constexpr uint64_t kDisplayController = 3;  // of MOLTA_PCIDevice.ClassCode
+constexpr uint64_t kWarning = 2;            // of MOLTA_DiskHealth.SelfAssessment
+constexpr uint64_t kFailing = 3;
 
 // These add to the line of an instance what lists and other instances say.
 
@@ -68,9 +72,24 @@ std::string OtherPathText(const TCIMInstance& disk) {
     return "";
 }
 
+// ", 3 % worn", and whether it warns; nothing of a disk that was not asked.
+std::string HealthText(const TCIMInstance& disk) {
+    for (const TCIMInstance* health : InstancesOf(*disk.GetContainer(), kDiskHealth)) {
+        if (SummaryValue(*health, "InstanceID") != SummaryValue(disk, "DeviceID")) continue;
+        const std::string worn =
+            SummaryText(*health, {{"PercentageUsed", "", " % worn", nullptr, ESummaryForm::eNumber}});
+        const uint64_t assessment = SummaryNumber(*health, "SelfAssessment");
+        const char* const state = assessment == kFailing   ? ", FAILING"
+                                  : assessment == kWarning ? ", with a warning"
+                                                           : "";
+        return (worn.empty() ? "" : ", " + worn) + state;
+    }
+    return "";
+}
+
 std::string AddContents(const TCIMInstance& disk, const TStorageContents& contents) {
     const std::string text = FoldedTexts(contents.ContentsOf(disk), kMostContents);
-    return OtherPathText(disk) + (text.empty() ? "" : ": " + text);
+    return OtherPathText(disk) + HealthText(disk) + (text.empty() ? "" : ": " + text);
 }
 
 TTexts VisibleTexts(const TCIMInstance& instance, const char* property) {
@@ -212,7 +231,7 @@ const TSection kSections[] = {
      IsAdapterOfInterest,
      "also ",
      5},
-    {"DNS", "MOLTA_DNSSettings", {}, AddServers, IsOfComputer, nullptr, 2},
+    {"DNS", kDnsSettings, {}, AddServers, IsOfComputer, nullptr, 2},
     {"Graphics",
      "MOLTA_PCIDevice",
      {{"Caption"}, {"Driver", ", driver ", "", "driver"}},
@@ -286,20 +305,16 @@ private:
     bool fIsComplete = false;
 };
 
-// Files of earlier versions have no such classes. Nothing is said of them then, as if nobody had asked.
-bool IsNewAndUnknown(const TContainer& container, const std::string& name) {
-    const std::initializer_list<std::string> kNew = {kSecurityClass, kTpmClass, kVirtualMachineClass,
-                                                     kHostedContainerClass};
-    return std::find(kNew.begin(), kNew.end(), name) != kNew.end() && container.FindClass(name) == nullptr;
-}
+// Classes that files of earlier versions lack, or that are asked for only if that was granted. Nothing is said of them
+// then.
+constexpr const char* kMayBeLeftOut[] = {kSecurityClass,        kTpmClass,   kVirtualMachineClass,
+                                         kHostedContainerClass, kDiskHealth, kDnsSettings};
 
-// Of the classes that the container can know.
-std::vector<std::string> MissingTextsOf(const TContainer& container) {
-    std::vector<std::string> names = SummaryClasses();
-    names.erase(std::remove_if(names.begin(), names.end(),
-                               [&](const std::string& name) { return IsNewAndUnknown(container, name); }),
-                names.end());
-    return MissingTexts(container, names);
+bool IsAskedFor(const TContainer& container, const std::string& name) {
+    if (std::find(std::begin(kMayBeLeftOut), std::end(kMayBeLeftOut), name) == std::end(kMayBeLeftOut)) return true;
+    for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
+        if (TextOf(*state, "Name") == name) return OutcomeOf(*state).state != eNotAsked;
+    return false;
 }
 
 void PrintLines(std::string label, const TTexts& lines, TOutput& output) {
@@ -322,15 +337,19 @@ std::vector<std::string> SummaryClasses() {
                              "MOLTA_SwapArea", "MOLTA_IPAddress", kAdapterMember})
         names.emplace_back(name);
     names.insert(names.end(), std::begin(kStorageAssociations), std::end(kStorageAssociations));
+    names.emplace_back(kDiskHealth);
     return names;
 }
 
 void PrintSummary(const TContainer& container, TOutput& output) {
     const TStorageContents contents(container);
     for (const TSection& section : kSections)
-        if (!IsNewAndUnknown(container, section.className))
+        if (IsAskedFor(container, section.className))
             PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
     if (const std::string guests = GuestsText(container); !guests.empty()) PrintLines("Guests", {guests}, output);
-    const TTexts missing = MissingTextsOf(container);
+    TTexts classes = SummaryClasses();
+    const auto isNot = [&container](const std::string& name) { return !IsAskedFor(container, name); };
+    classes.erase(std::remove_if(classes.begin(), classes.end(), isNot), classes.end());
+    const TTexts missing = MissingTexts(container, classes);
     PrintLines("Missing", missing.empty() ? TTexts{"nothing of the above"} : missing, output);
 }
