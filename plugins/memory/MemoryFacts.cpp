@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "Smbios.h"
+#include "SmbiosFields.h"
 #include "SystemRoot.h"
 
 namespace {
@@ -74,13 +74,6 @@ void MakePathsUnique(std::vector<TSwapArea>& areas) {
     std::map<std::string, unsigned> counts;
     for (TSwapArea& area : areas)
         if (const unsigned count = ++counts[area.path]; count > 1) area.path += "#" + std::to_string(count);
-}
-
-// A machine without DMI has no table.
-TListing SmbiosListing(const TSystemRoot& root, const TFact<std::string>& table) {
-    if (table || table.absence != EAbsence::eNotPresent) return ListingOf(table);
-    const TFact<std::vector<std::string>> dmi = root.ListKind("/sys/class/dmi", "/sys/class/dmi");
-    return dmi && !dmi->empty() ? ListingOf(table) : ListingOf(dmi);
 }
 
 }  // namespace
