@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "BusDevice.h"
+#include "FirmwareIds.h"
 #include "HardwareIds.h"
 #include "PciFacts.h"
 
@@ -92,6 +93,19 @@ TFact<uint32_t> ReadNumaNode(const TSystemRoot& root, const std::string& path) {
     return node.Map([](int32_t number) { return std::optional<uint32_t>(number); });
 }
 
+// Derived from registers, each of which tells its own source.
+TFact<std::vector<std::string>> FirmwareIdsOf(const TPciFunction& function) {
+    const TPciIdentity& identity = function.identity;
+    std::optional<TPciSubsystem> subsystem;
+    if (identity.subsystemVendor.ValueOr(0) != 0 && identity.subsystem)
+        subsystem = {*identity.subsystemVendor, *identity.subsystem};
+    using TIds = TFact<std::vector<std::string>>;
+    const TFact<uint16_t>& last = identity.vendor ? identity.device : identity.vendor;
+    if (!last) return TIds::Missing(last.absence, last.source);
+    return TIds::Of(
+        FirmwareIds(PciInstanceIds("PCI", *identity.vendor, *identity.device, subsystem, function.revision.value)), "");
+}
+
 TPciFunction ReadFunction(const TSystemRoot& root, const std::string& address,
                           const std::vector<std::string>& addresses) {
     const std::string folder = kDevices + address + '/';
@@ -106,6 +120,7 @@ TPciFunction ReadFunction(const TSystemRoot& root, const std::string& address,
     function.interrupt = ReadInterrupt(root, folder + "irq");
     function.numaNode = ReadNumaNode(root, folder + "numa_node");
     function.link = ReadLink(root, folder);
+    function.firmwareIds = FirmwareIdsOf(function);
     return function;
 }
 

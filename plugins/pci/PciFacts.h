@@ -43,6 +43,7 @@ struct TPciFunction {
     TFact<std::string> driver;
     TFact<uint32_t> interrupt;
     TFact<uint32_t> numaNode;
+    TFact<std::vector<std::string>> firmwareIds;
     std::optional<TPciLink> link;  ///< of PCI Express functions only
 };
 

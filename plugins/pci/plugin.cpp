@@ -57,6 +57,7 @@ kyrStatusCode ReportDevice(kyrIOHandle handle, const TPciFunction& function) {
     report.Add("Driver", function.driver);
     report.Add("Interrupt", function.interrupt);
     report.Add("NUMANode", function.numaNode);
+    report.Add("FirmwareIDs", function.firmwareIds);
     if (function.link) AddLink(report, *function.link);
     return report.Finish();
 }

@@ -21,6 +21,10 @@ void ReadBlockDevices(const TSystemRoot& root, TStorage& storage);
 /// Reads what all kinds of device have, and the udev record into the entry.
 void ReadBlockDevice(const TSystemRoot& root, TDeviceEntry& entry, TBlockDevice& device);
 TDisk ReadDisk(const TSystemRoot& root, TDeviceEntry& entry);
+/// The bay of an enclosure that the disk is in.
+TFact<std::string> ReadBay(const TSystemRoot& root, const TDeviceEntry& entry);
+/// Of an NVMe drive: after its model and controller.
+TFact<std::vector<std::string>> ReadFirmwareIds(const TSystemRoot& root, const TDisk& disk);
 TDiskPath ReadDiskPath(const TSystemRoot& root, const TDeviceEntry& entry);
 TPartition ReadPartition(const TSystemRoot& root, TDeviceEntry& entry, TFact<uint32_t> number);
 TVolume ReadVolume(const TSystemRoot& root, TDeviceEntry& entry, EVolumeType type);

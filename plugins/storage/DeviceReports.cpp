@@ -36,7 +36,9 @@ kyrStatusCode ReportDisk(kyrIOHandle handle, const TDisk& disk) {
     report.Add("Model", disk.model);
     report.Add("SerialNumber", disk.serialNumber);
     report.Add("FirmwareRevision", disk.firmware);
+    report.Add("FirmwareIDs", disk.firmwareIds);
     report.Add("WWN", disk.wwn);
+    report.Add("Bay", disk.bay);
     report.Add("State", disk.state);
     report.Add("Rotational", disk.rotational);
     report.Add("RotationRate", disk.rotationRate);

@@ -105,6 +105,8 @@ TDisk ReadDisk(const TSystemRoot& root, TDeviceEntry& entry) {
     disk.removable = root.ReadFlag(entry.folder + "removable");
     disk.rotationRate = RotationRateOf(entry.udev);
     disk.logicalBlockSize = root.ReadNumber<uint32_t>(entry.folder + "queue/logical_block_size");
+    disk.bay = ReadBay(root, entry);
+    disk.firmwareIds = ReadFirmwareIds(root, disk);
     disk.physicalBlockSize = root.ReadNumber<uint32_t>(entry.folder + "queue/physical_block_size");
     return disk;
 }

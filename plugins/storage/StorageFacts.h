@@ -65,6 +65,8 @@ struct TDisk : TBlockDevice {
     TFact<bool> rotational, removable;
     TFact<uint32_t> rotationRate;
     TFact<uint32_t> logicalBlockSize, physicalBlockSize;
+    TFact<std::string> bay;
+    TFact<std::vector<std::string>> firmwareIds;
     TBusDevice controller;
 };
 

@@ -4,6 +4,7 @@ TSystemFacts ReadSystem(const TSystemRoot& root) {
     TSystemFacts facts;
     facts.isRunning = root.IsRunningMachine();
     ReadDmi(root, facts);
+    ReadComputerIds(root, facts);
     ReadHypervisor(root, facts);
     ReadContainer(root, facts);
     ReadContainerLimits(root, facts);

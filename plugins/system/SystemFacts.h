@@ -63,6 +63,7 @@ struct TSystemFacts {
     TFact<std::string> uuid;
     TFact<std::string> assetTag;
     TFact<uint16_t> chassisType;  ///< as in SMBIOS
+    TFact<std::vector<std::string>> firmwareIds;
 
     TFact<std::string> hypervisor;  ///< of which the computer is a guest
     TFact<std::string> container;   ///< in which the collection ran
@@ -127,6 +128,8 @@ TSystemFacts ReadSystem(const TSystemRoot& root);
 
 // The parts of it.
 void ReadDmi(const TSystemRoot& root, TSystemFacts& facts);
+/// The identifiers by which firmware catalogues name computers.
+void ReadComputerIds(const TSystemRoot& root, TSystemFacts& facts);
 /// After ReadDmi: the firmware of many guests names their hypervisor.
 void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts);
 void ReadContainer(const TSystemRoot& root, TSystemFacts& facts);

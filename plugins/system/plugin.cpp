@@ -133,6 +133,7 @@ kyrStatusCode ReportComputerSystem(kyrIOHandle handle, const TSystemFacts& facts
     report.Add("ContainerProcessorLimit", facts.limits.processors);
     report.Add("ContainerProcessorSet", facts.limits.processorSet);
     report.Add("ContainerProcessLimit", facts.limits.processes);
+    report.Add("FirmwareIDs", facts.firmwareIds);
     return report.Finish();
 }
 

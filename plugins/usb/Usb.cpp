@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "BusDevice.h"
+#include "FirmwareIds.h"
 #include "HardwareIds.h"
 #include "UsbFacts.h"
 
@@ -37,6 +38,17 @@ std::string ControllerOf(const TSystemRoot& root, const std::string& rootHub) {
     return !parent.empty() && root.Exists("/sys/bus/pci/devices/" + parent) ? parent : "";
 }
 
+// "USB\VID_0A5C&PID_6412", and with the release. Derived from fields that tell their own sources.
+TFact<std::vector<std::string>> FirmwareIdsOf(const TUsbDevice& device, const TFact<uint16_t>& release) {
+    using TIds = TFact<std::vector<std::string>>;
+    const TFact<uint16_t>& last = device.vendor ? device.product : device.vendor;
+    if (!last) return TIds::Missing(last.absence, last.source);
+    const std::string plain = "USB\\VID_" + UpperHex(4, *device.vendor) + "&PID_" + UpperHex(4, *device.product);
+    std::vector<std::string> instances = {plain};
+    if (release) instances.push_back(plain + "&REV_" + UpperHex(4, *release));
+    return TIds::Of(FirmwareIds(instances), "");
+}
+
 void ReadIdentity(const TSystemRoot& root, const std::string& folder, TUsbDevice& device) {
     device.vendor = root.ReadNumber<uint16_t>(folder + "idVendor", 16);
     device.product = root.ReadNumber<uint16_t>(folder + "idProduct", 16);
@@ -45,6 +57,7 @@ void ReadIdentity(const TSystemRoot& root, const std::string& folder, TUsbDevice
     device.serialNumber = root.ReadText(folder + "serial");
     device.release = root.ReadText(folder + "bcdDevice").Map(ParseRelease);
     device.usbClass = ReadClass(root, folder + "bDevice");
+    device.firmwareIds = FirmwareIdsOf(device, root.ReadNumber<uint16_t>(folder + "bcdDevice", 16));
 }
 
 TUsbDevice ReadDevice(const TSystemRoot& root, const std::string& id, const std::vector<std::string>& names) {

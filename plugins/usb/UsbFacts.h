@@ -42,6 +42,7 @@ struct TUsbDevice {
     TFact<uint8_t> ports;
     TUsbClass usbClass;
     std::vector<TUsbInterface> interfaces;
+    TFact<std::vector<std::string>> firmwareIds;
 };
 
 struct TUsbFacts {

@@ -53,6 +53,7 @@ void AddIdentity(TInstanceReport& report, const TUsbDevice& device) {
     report.Add("Product", device.productText);
     report.Add("SerialNumber", device.serialNumber);
     report.Add("DeviceRelease", device.release);
+    report.Add("FirmwareIDs", device.firmwareIds);
 }
 
 void AddClasses(TInstanceReport& report, const TUsbDevice& device) {

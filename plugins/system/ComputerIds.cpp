@@ -1,0 +1,118 @@
+#include <cstdio>
+#include <map>
+
+#include "FirmwareIds.h"
+#include "SystemFacts.h"
+
+namespace {
+
+// 70ffd812-4c7f-4c7d-0000-000000000000
+constexpr TUuid kNamespace = {0x70, 0xFF, 0xD8, 0x12, 0x4C, 0x7F, 0x4C, 0x7D};
+
+enum EPart : unsigned {
+    eMaker = 1,
+    eFamily = 2,
+    eProduct = 4,
+    eSku = 8,
+    eBios = 16,  ///< its vendor, version, and major and minor release
+    eBoard = 32,
+    eEnclosure = 64
+};
+
+/// HardwareID-0 to HardwareID-14.
+constexpr unsigned kIds[] = {eMaker | eFamily | eProduct | eSku | eBios,
+                             eMaker | eFamily | eProduct | eBios,
+                             eMaker | eProduct | eBios,
+                             eMaker | eFamily | eProduct | eSku | eBoard,
+                             eMaker | eFamily | eProduct | eSku,
+                             eMaker | eFamily | eProduct,
+                             eMaker | eSku | eBoard,
+                             eMaker | eSku,
+                             eMaker | eProduct | eBoard,
+                             eMaker | eProduct,
+                             eMaker | eFamily | eBoard,
+                             eMaker | eFamily,
+                             eMaker | eEnclosure,
+                             eMaker | eBoard,
+                             eMaker};
+
+struct TField {
+    EPart part;
+    const char* file;
+};
+
+/// In the order in which an id has them.
+constexpr TField kFields[] = {{eMaker, "sys_vendor"},      {eFamily, "product_family"}, {eProduct, "product_name"},
+                              {eSku, "product_sku"},       {eBios, "bios_vendor"},      {eBios, "bios_version"},
+                              {eBios, "bios_release"},     {eBoard, "board_vendor"},    {eBoard, "board_name"},
+                              {eEnclosure, "chassis_type"}};
+
+using TTexts = std::map<std::string_view, std::string>;
+
+std::string LowerHex(int digits, unsigned number) {
+    char text[16];
+    std::snprintf(text, sizeof text, "%0*x", digits, number);
+    return text;
+}
+
+// "2.10" as "02&0a".
+std::string ReleaseText(const std::string& text) {
+    const size_t point = text.find('.');
+    if (point == std::string::npos) return "";
+    const auto major = ParseNumber<uint8_t>(text.substr(0, point)),
+               minor = ParseNumber<uint8_t>(text.substr(point + 1));
+    return major && minor ? LowerHex(2, *major) + '&' + LowerHex(2, *minor) : "";
+}
+
+std::string EnclosureText(const std::string& text) {
+    const auto kind = ParseNumber<uint8_t>(text);
+    return kind ? LowerHex(1, *kind) : "";
+}
+
+// Also what other properties leave out as a placeholder: the ids are made of what the firmware has.
+TTexts ReadTexts(const TSystemRoot& root) {
+    TTexts texts;
+    for (const TField& field : kFields)
+        texts[field.file] = root.ReadText(std::string("/sys/class/dmi/id/") + field.file).ValueOr("");
+    texts["bios_release"] = ReleaseText(texts["bios_release"]);
+    texts["chassis_type"] = EnclosureText(texts["chassis_type"]);
+    return texts;
+}
+
+bool IsAscii(std::string_view text) {
+    for (const char c : text)
+        if ((c & 0x80) != 0) return false;
+    return true;
+}
+
+// Empty if one of the parts is missing or is not ASCII, for which no encoding is agreed on.
+std::string Join(unsigned parts, const TTexts& texts) {
+    std::string joined;
+    for (const TField& field : kFields) {
+        if ((parts & field.part) == 0) continue;
+        const std::string& text = texts.at(field.file);
+        if (text.empty() || !IsAscii(text)) return "";
+        joined += (joined.empty() ? "" : "&") + text;
+    }
+    return joined;
+}
+
+// Of ASCII, in the order of bytes that the ids are made in.
+std::string Utf16(std::string_view text) {
+    std::string wide;
+    for (const char c : text) wide += {c, '\0'};
+    return wide;
+}
+
+}  // namespace
+
+void ReadComputerIds(const TSystemRoot& root, TSystemFacts& facts) {
+    const TTexts texts = ReadTexts(root);
+    std::vector<std::string> ids;
+    for (const unsigned parts : kIds)
+        if (const std::string text = Join(parts, texts); !text.empty())
+            ids.push_back(NameUuid(kNamespace, Utf16(text)));
+    using TIds = TFact<std::vector<std::string>>;
+    const TFact<std::string>& maker = facts.manufacturer;
+    facts.firmwareIds = ids.empty() ? TIds::Missing(maker.absence, maker.source) : TIds::Of(std::move(ids), "");
+}
