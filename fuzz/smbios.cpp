@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "ChassisFacts.h"
 #include "MemoryDevices.h"
 #include "Smbios.h"
 #include "support/FuzzSupport.h"
@@ -35,6 +36,31 @@ void CheckHardware(const std::string& table) {
     Require(!hardware.installedSize || *hardware.installedSize == sum, "capacities add up");
 }
 
+bool HasTag(const THardwareList& list, const std::string& tag) {
+    return std::any_of(list.begin(), list.end(), [&](const THardware& hardware) { return hardware.tag == tag; });
+}
+
+void CheckChassis(const std::string& table) {
+    TChassisFacts facts;
+    const TStructures structures = ParseSmbiosTable(table);
+    for (const auto parse : {ParseChassis, ParsePowerSupplies, ParseSockets, ParseSlots, ParseOnboardDevices,
+                             ParseConnectors, ParseControllers})
+        parse(structures, facts);
+    size_t count = 0;
+    for (const THardwareList* list : {&facts.chassis, &facts.powerSupplies, &facts.sockets, &facts.caches, &facts.slots,
+                                      &facts.onboardDevices, &facts.connectors, &facts.controllers}) {
+        count += list->size();
+        for (const THardware& hardware : *list) Require(!hardware.properties.empty(), "a structure has fields");
+    }
+    Require(count <= structures.size(), "no structure is told twice");
+    for (const THardware& cache : facts.caches)
+        Require(cache.owner.empty() || HasTag(facts.sockets, cache.owner), "a cache belongs to a socket that is told");
+    for (const THardware& slot : facts.slots) {
+        const std::string address = slot.Text("BusAddress");
+        Require(address.empty() || address.size() == 12, "an address has its parts");
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -44,5 +70,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (const auto length = ParseSmbiosEntryPoint(entryPoint)) table.resize(std::min(*length, table.size()));
     CheckStructures(table);
     CheckHardware(table);
+    CheckChassis(table);
     return 0;
 }

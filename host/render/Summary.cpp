@@ -167,6 +167,7 @@ struct TSection {
     const char* others =
         nullptr;  ///< what stands before the names of instances that are not wanted; null: nothing does
     size_t mostLines = 1;
+    bool isOptional = false;  ///< nothing is said if there is none
 };
 
 const TSection kSections[] = {
@@ -219,7 +220,8 @@ const TSection kSections[] = {
       {"Size", " ", "", "size"},
       {"Model", " ", "", "model"},
       {"SerialNumber", ", serial ", "", "serial number"},
-      {"BusType", ", "}},
+      {"BusType", ", "},
+      {"Bay", ", bay "}},
      AddContents,
      nullptr,
      nullptr,
@@ -239,6 +241,14 @@ const TSection kSections[] = {
      IsDisplayController,
      nullptr,
      2},
+    {"Management",
+     "MOLTA_ManagementController",
+     {{"Caption"}, {"InterfaceType", " with ", " interface"}, {"IPMIVersion", ", IPMI "}},
+     nullptr,
+     nullptr,
+     nullptr,
+     2,
+     true},
 };
 
 /// A line of a section, and how many instances have it.
@@ -264,7 +274,8 @@ public:
         if (fLeftOut != 0)
             lines.push_back("and " + std::to_string(fLeftOut) + " more; see show " + SpokenNameOf(fSection.className));
         if (!fOthers.empty()) lines.push_back(fSection.others + FoldedTexts(fOthers, kMostNames));
-        if (lines.empty()) lines.emplace_back(fIsComplete ? "none found" : "not known, as said below");
+        if (lines.empty() && !fSection.isOptional)
+            lines.emplace_back(fIsComplete ? "none found" : "not known, as said below");
         return lines;
     }
 

@@ -33,6 +33,8 @@ std::optional<std::string_view> TSmbiosStructure::FindText(size_t offset) const 
     return *number == 0 ? std::string_view() : NthText(fTexts, *number);
 }
 
+std::vector<std::string_view> TSmbiosStructure::GetTexts() const { return Split(fTexts, '\0'); }
+
 std::optional<size_t> ParseSmbiosEntryPoint(std::string_view content) {
     if (BeginsWith(content, "_SM_")) return FindLittleEndian<uint16_t>(content, 0x16);
     if (BeginsWith(content, "_SM3_")) return FindLittleEndian<uint32_t>(content, 0x0C);

@@ -37,6 +37,8 @@ public:
     /// The text whose number is in the field. Empty if the number is 0 or too great; nothing if the structure lacks the
     /// field.
     std::optional<std::string_view> FindText(size_t offset) const;
+    /// All texts, also those that no field refers to.
+    std::vector<std::string_view> GetTexts() const;
 
 private:
     std::string_view fFields;

@@ -28,7 +28,7 @@ constexpr TLoss kLosses[] = {
     {"sys/class/net", true, "missing source /sys/class/net: not present (classes ", "", "MOLTA_IPAddress"},
     {"sys/bus/pci/devices", false, "missing source /sys/bus/pci", "MOLTA_PCIBridgeDevice", "MOLTA_USBDevice"},
     {"sys/bus/usb/devices", false, "missing source /sys/bus/usb", "MOLTA_USBHubDevice", "MOLTA_PCIDevice"},
-    {"sys/firmware", false, "missing source /sys/firmware: not present (classes MOLTA_MemoryArray",
+    {"sys/firmware", false, "missing source /sys/firmware: not present (classes MOLTA_CacheChip",
      "MOLTA_PhysicalMemory", "MOLTA_SystemMemory"},
     {"sys/class/dmi/id", false, "missing source /sys/class/dmi", "MOLTA_SystemBIOSElement", "MOLTA_PhysicalMemory"},
     {"sys/devices/system", false, "missing source /sys/devices/system: not present (classes ", "MOLTA_NUMANode",

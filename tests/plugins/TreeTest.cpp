@@ -95,9 +95,11 @@ TEST(DependenciesTest, LeadFromTheWholeToWhatItIsMadeOfAndRepeatWhatIsShared) {
         "  eno1np0\n"
         "    Ethernet controller: Intel Corporation Ethernet Controller X710 for 10GbE SFP+\n"
         "      PCI bridge: Advanced Micro Devices, Inc. [AMD] Starship/Matisse GPP Bridge\n"
+        "      Onboard LAN 1\n"
         "  eno2np1\n"
         "    Ethernet controller: Intel Corporation Ethernet Controller X710 for 10GbE SFP+\n"
-        "      PCI bridge: Advanced Micro Devices, Inc. [AMD] Starship/Matisse GPP Bridge (above)\n";
+        "      PCI bridge: Advanced Micro Devices, Inc. [AMD] Starship/Matisse GPP Bridge (above)\n"
+        "      Onboard LAN 2\n";
     EXPECT_THAT(NamesIn(server.Assoc("bond0 --deep").out),
                 AllOf(StartsWith("\nbond0 (bond)\n\nIt depends on\n" + cards + "\nOn it depend\n  bond0.100 (vlan)\n"),
                       HasSubstr("\n  192.0.2.20/24 on bond0\n"), Not(ContainsRegex("On it depend.*eno"))));
@@ -105,10 +107,11 @@ TEST(DependenciesTest, LeadFromTheWholeToWhatItIsMadeOfAndRepeatWhatIsShared) {
                 AllOf(Not(ContainsRegex("It depends on.*bond0.*On it depend")),
                       ContainsRegex("On it depend\n  bond0 \\(bond\\)\n    bond0.100")));
     const char* const controller = " Serial Attached SCSI controller: [^\n]*";
-    EXPECT_THAT(NamesIn(server.Assoc("/ --deep").out), ContainsRegex(std::string("ST1200MM0009\n *") + controller +
-                                                                     " \\(IOC\\)\n *PCI bridge: [^\n]*\n"
-                                                                     " *Linux RAID\n *ST1200MM0009\n *" +
-                                                                     controller + " \\(IOC\\) \\(above\\)\n$"));
+    EXPECT_THAT(NamesIn(server.Assoc("/ --deep").out),
+                ContainsRegex(std::string("ST1200MM0009\n *Bay Slot00\n *Enclosure SAS3x28\n *") + controller +
+                              " \\(IOC\\)\n *PCI bridge: [^\n]*\n *SLOT3 PCI-E 4.0 X8\n"
+                              " *Linux RAID\n *ST1200MM0009\n *Bay Slot01\n *Enclosure SAS3x28 \\(above\\)\n *" +
+                              controller + " \\(IOC\\) \\(above\\)\n$"));
     EXPECT_THAT(NamesIn(server.Assoc("db01.example.net --deep").out), Not(HasSubstr("\n  eno1np0 (above)")))
         << "what stands below it by way of others is not repeated";
 }
