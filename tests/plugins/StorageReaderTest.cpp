@@ -55,6 +55,23 @@ TEST(StorageReaderTest, RecordedSpaceThatCannotBeIsNone) {
     EXPECT_EQ(ParseRecordedSpace("/a\\040b\t4096 4096 10 5 4 0 0").at("/a b").used, 5u * 4096);
 }
 
+TEST(StorageReaderTest, BayIsNamedByTheEnclosureOrNumberedByTheAdapter) {
+    const TempFolder machine;
+    machine.Write("sys/class/sas_device/end_device-0:1/bay_identifier", "5\n");
+    machine.Write("sys/class/block/sdc/device/enclosure_device:Slot 07/slot", "7\n");
+    // The disk, the end of the path in /sys/devices that it is at, and its bay.
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"sda", "/port-0:1/end_device-0:1/target0:0:1/0:0:1:0/block/sda", "5"},
+        {"sdb", "/port-0:2/end_device-0:2/target0:0:2/0:0:2:0/block/sdb", "-"},
+        {"sdc", "/port-0:1/end_device-0:1/target0:0:3/0:0:3:0/block/sdc", "Slot 07"},
+        {"sdd", "/ata1/host1/target1:0:0/1:0:0:0/block/sdd", "-"},
+        {"sde", "/end_device-", "-"}};
+    for (const auto& [name, path, bay] : cases) {
+        const TDeviceEntry entry = {name, std::string("/sys/class/block/") + name + "/", path, {}};
+        EXPECT_EQ(ReadBay(TSystemRoot(machine.Path()), entry).ValueOr("-"), bay) << name;
+    }
+}
+
 TEST(StorageReaderTest, WordsOfTheKernelAreRead) {
     EXPECT_EQ(UnescapeOctal("a\\040b\\011\\134\\9\\"), "a b\t\\\\9\\");
     EXPECT_EQ(DecodeUdevText("a\\x20b\\xzz\\x2"), "a b\\xzz\\x2");
