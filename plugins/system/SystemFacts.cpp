@@ -6,6 +6,8 @@ TSystemFacts ReadSystem(const TSystemRoot& root) {
     ReadDmi(root, facts);
     ReadComputerIds(root, facts);
     ReadHypervisor(root, facts);
+    ReadDeviceTree(root, facts);
+    ReadSysinfo(root, facts);
     ReadContainer(root, facts);
     ReadContainerLimits(root, facts);
     ReadMachineId(root, facts);

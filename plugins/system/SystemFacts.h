@@ -52,7 +52,7 @@ struct TTpm {
 
 /// The computer, its firmware and its operating system. Texts are as read, in any encoding.
 struct TSystemFacts {
-    // The computer; from DMI, except for the host name.
+    // The computer; from DMI, or what a board without it has instead, except for the host name.
     TFact<std::string> hostName;
     TFact<std::string> manufacturer;
     TFact<std::string> productName;
@@ -132,6 +132,10 @@ void ReadDmi(const TSystemRoot& root, TSystemFacts& facts);
 void ReadComputerIds(const TSystemRoot& root, TSystemFacts& facts);
 /// After ReadDmi: the firmware of many guests names their hypervisor.
 void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts);
+/// After ReadDmi: what describes boards without DMI. It tells who made the computer, model and serial number.
+void ReadDeviceTree(const TSystemRoot& root, TSystemFacts& facts);
+/// The same of mainframes. After ReadHypervisor.
+void ReadSysinfo(const TSystemRoot& root, TSystemFacts& facts);
 void ReadContainer(const TSystemRoot& root, TSystemFacts& facts);
 /// After ReadContainer: only a container has limits of its own.
 void ReadContainerLimits(const TSystemRoot& root, TSystemFacts& facts);

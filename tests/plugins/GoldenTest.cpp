@@ -13,8 +13,8 @@
 
 namespace {
 
-constexpr const char* kMachines[] = {"server", "laptop", "virtual", "container",  "nvme",
-                                     "old",    "power",  "hostile", "unreadable", "empty"};
+constexpr const char* kMachines[] = {"server", "laptop", "virtual", "container",  "nvme", "old",
+                                     "power",  "board",  "hostile", "unreadable", "empty"};
 
 /// With "n{4096}" for a run of so many bytes.
 std::string WithoutRuns(const std::string& text) {

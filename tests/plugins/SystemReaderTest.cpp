@@ -358,3 +358,74 @@ TEST(SystemReaderTest, TimeZoneIsTheEndOfTheLink) {
         EXPECT_EQ(Show(ReadSystem(TSystemRoot(machine.Path())).timeZone), zone) << target;
     }
 }
+
+TEST(SystemReaderTest, BoardsWithoutDmiAreDescribedByWhatTheyHave) {
+    const std::string tree = "sys/firmware/devicetree/base/", oldTree = "proc/device-tree/", end(1, '\0');
+    struct TBoard {
+        std::vector<std::pair<std::string, std::string>> files;
+        const char *manufacturer, *product, *serial, *hypervisor;
+        uint16_t chassisType;
+    };
+    const TBoard boards[] = {
+        {{{tree + "model", "Example Book" + end},
+          {tree + "compatible", "example,book-1" + end + "other,chip" + end},
+          {tree + "serial-number", "0000e5" + end},
+          {tree + "chassis-type", "laptop" + end}},
+         "example",
+         "Example Book",
+         "0000e5",
+         "-",
+         9},
+        {{{tree + "model", "IBM,9009-42A" + end}, {tree + "system-id", "IBM,0278D1234" + end}},
+         "IBM",
+         "9009-42A",
+         "0278D1234",
+         "-",
+         0},
+        {{{oldTree + "model", "PowerMac3,1" + end},
+          {oldTree + "compatible", "PowerMac3,1" + end},
+          {"proc/cpuinfo", "processor : 0\nSerial\t\t: 10000000e8a1b2c3\n"}},
+         "-",
+         "PowerMac3,1",
+         "10000000e8a1b2c3",
+         "-",
+         0},
+        {{{tree + "model", "a board" + end}, {"sys/class/dmi/id/product_name", "a computer"}},
+         "-",
+         "a computer",
+         "-",
+         "-",
+         0},
+        {{{"proc/sysinfo",
+           "Manufacturer:         IBM\nType:                 3931\nModel:                704              A01\n"
+           "Sequence Code:        00000000000A1B2C\n\nLPAR Name:            LP01\n\nVM00 Name:            GUEST\n"
+           "VM00 Control Program: KVM/Linux\n"}},
+         "IBM",
+         "3931",
+         "00000000000A1B2C",
+         "KVM",
+         0},
+        {{{"proc/sysinfo", "Manufacturer: IBM\nType: 3931\nLPAR Name: LP01\nSequence Code:\n"}},
+         "IBM",
+         "3931",
+         "-",
+         "PR/SM",
+         0},
+        {{{tree + "model", end}, {tree + "compatible", ",,"}, {tree + "chassis-type", "boat" + end}},
+         "-",
+         "-",
+         "-",
+         "-",
+         0}};
+    for (const TBoard& board : boards) {
+        const TempFolder machine;
+        for (const auto& [file, text] : board.files) machine.Write(file, text);
+        const TSystemFacts facts = ReadSystem(TSystemRoot(machine.Path()));
+        SCOPED_TRACE(board.files.front().second);
+        EXPECT_EQ(facts.manufacturer.ValueOr("-"), board.manufacturer);
+        EXPECT_EQ(facts.productName.ValueOr("-"), board.product);
+        EXPECT_EQ(facts.serialNumber.ValueOr("-"), board.serial);
+        EXPECT_EQ(facts.hypervisor.ValueOr("-"), board.hypervisor);
+        EXPECT_EQ(facts.chassisType.ValueOr(0), board.chassisType);
+    }
+}
