@@ -1,4 +1,5 @@
 // The housing of the computer, and its power supplies.
+#include "Placeholder.h"
 #include "StructureFields.h"
 
 namespace {
@@ -74,7 +75,8 @@ TFact<std::vector<std::string>> TextsOf(const TStructures& structures, uint8_t t
     std::vector<std::string> texts;
     for (const TSmbiosStructure& structure : structures)
         if (structure.GetType() == type)
-            for (const std::string_view text : structure.GetTexts()) texts.emplace_back(text);
+            for (const std::string_view text : structure.GetTexts())
+                if (std::string plain(text); !IsPlaceholder(plain)) texts.push_back(std::move(plain));
     if (texts.empty()) return SmbiosMissing<std::vector<std::string>>(EAbsence::eNotPresent);
     return SmbiosFound(std::move(texts));
 }
