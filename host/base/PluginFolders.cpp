@@ -82,13 +82,35 @@ private:
     std::set<std::string> fKnown;
 };
 
-// In a folder with the sticky bit nobody can replace what is another's.
-bool MayOthersWrite(const fs::path& path, bool isAbove) {
-    struct stat status {};
-    if (lstat(path.c_str(), &status) != 0 || S_ISLNK(status.st_mode)) return false;
-    if (isAbove && (status.st_mode & S_ISVTX) != 0) return false;
+bool CanSuperuserAloneWrite(const struct stat& status) {
     const bool mayGroup = (status.st_mode & S_IWGRP) != 0 && status.st_gid != 0;
-    return status.st_uid != 0 || mayGroup || (status.st_mode & S_IWOTH) != 0;
+    return status.st_uid == 0 && !mayGroup && (status.st_mode & S_IWOTH) == 0;
+}
+
+// Who could write the executable, or is the user of this process, gains nothing by writing here.
+bool IsAsSafeAsExecutable(const struct stat& status) {
+    struct stat executable {};
+    if (stat("/proc/self/exe", &executable) != 0) return false;
+    const bool isOwnerTrusted = status.st_uid == 0 || status.st_uid == geteuid() || status.st_uid == executable.st_uid;
+    const bool isGroupTrusted =
+        status.st_gid == 0 || (status.st_gid == executable.st_gid && (executable.st_mode & S_IWGRP) != 0);
+    return isOwnerTrusted && (isGroupTrusted || (status.st_mode & S_IWGRP) == 0) && (status.st_mode & S_IWOTH) == 0;
+}
+
+using TIsSafe = bool (*)(const struct stat& status);
+
+// In a folder with the sticky bit nobody can replace what is another's.
+bool IsSafe(const fs::path& path, bool isAbove, TIsSafe isSafe) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0 || S_ISLNK(status.st_mode)) return true;
+    return (isAbove && (status.st_mode & S_ISVTX) != 0) || isSafe(status);
+}
+
+std::string FindUnsafe(const std::string& path, TIsSafe isSafe) {
+    if (!IsSafe(path, false, isSafe)) return path;
+    for (fs::path above = fs::path(path).parent_path(); above.has_relative_path(); above = above.parent_path())
+        if (!IsSafe(above, true, isSafe)) return above.string();
+    return "";
 }
 
 }  // namespace
@@ -105,9 +127,9 @@ std::vector<TPluginFolder> FindPluginFolders(const std::vector<std::string>& giv
     return folders.Take();
 }
 
-std::string FindWritableByOthers(const std::string& path) {
-    if (MayOthersWrite(path, false)) return path;
-    for (fs::path above = fs::path(path).parent_path(); above.has_relative_path(); above = above.parent_path())
-        if (MayOthersWrite(above, true)) return above.string();
-    return "";
+std::string FindWritableByOthers(const std::string& path) { return FindUnsafe(path, CanSuperuserAloneWrite); }
+
+bool IsAsSafeAsExecutable(const std::string& path) {
+    bool (*const isSafe)(const struct stat&) = IsAsSafeAsExecutable;
+    return FindUnsafe(path, isSafe).empty();
 }

@@ -23,4 +23,8 @@ std::vector<TPluginFolder> FindPluginFolders(const std::vector<std::string>& giv
 /// What a link leads to does not count: whoever made it has chosen that.
 std::string FindWritableByOthers(const std::string& path);
 
+/// Whether nobody can write the file or folder, or put something else in its place, but the superuser, the user of this
+/// process, and who can replace this executable. Links are treated as above.
+bool IsAsSafeAsExecutable(const std::string& path);
+
 #endif

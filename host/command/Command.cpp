@@ -175,7 +175,7 @@ void TCommand::AddCollecting() {
         ->type_name("auto|require|off")
         ->check(CheckSandbox);
     fApp.add_option("--grant", fSession.grants,
-                    "Let a plugin do what its document NEEDS: exec, network or rawio; may be repeated")
+                    "Let a plugin do what its document NEEDS: exec, network, rawio or processes; may be repeated")
         ->type_name("PLUGIN:NEED")
         ->allow_extra_args(false)
         ->check(CheckGrant);

@@ -4,6 +4,7 @@
 
 #include "base/ExitStatus.h"
 #include "base/NearMatches.h"
+#include "base/PluginFolders.h"
 #include "states/PluginLibrary.h"
 
 namespace {
@@ -36,9 +37,24 @@ bool HasNeed(const TPluginLibrary& library, const std::string& need) {
     return library.notLoaded.reason || std::any_of(library.classes.begin(), library.classes.end(), needsIt);
 }
 
+// What was installed with this executable can be replaced only by who can replace the executable.
+bool IsTrusted(const TPluginLibrary& library) {
+    return library.isOwn && IsAsSafeAsExecutable(library.FullPath()) &&
+           IsAsSafeAsExecutable(library.FullDocumentPath());
+}
+
+// Looking into other processes changes nothing, so that own plugins need not be granted it.
+constexpr ENeed kOwnPluginsMay = eNeedsProcesses;
+
+void GrantToOwn(std::list<TPluginLibrary>& libraries) {
+    for (TPluginLibrary& library : libraries)
+        if (HasNeed(library, WordFor(kOwnPluginsMay)) && IsTrusted(library)) library.granted |= kOwnPluginsMay;
+}
+
 }  // namespace
 
 void ApplyGrants(const std::vector<std::string>& grants, std::list<TPluginLibrary>& libraries) {
+    GrantToOwn(libraries);
     for (const std::string& grant : grants) {
         const size_t colon = grant.rfind(':');
         const std::string need = grant.substr(colon + 1);

@@ -21,7 +21,10 @@ struct TKept {
 };
 
 // Commands to NVMe devices take CAP_SYS_ADMIN, those to disks of other kinds CAP_SYS_RAWIO.
-constexpr TKept kKept[] = {{CAP_DAC_READ_SEARCH, 0}, {CAP_SYS_RAWIO, eNeedsRawIo}, {CAP_SYS_ADMIN, eNeedsRawIo}};
+constexpr TKept kKept[] = {{CAP_DAC_READ_SEARCH, 0},
+                           {CAP_SYS_RAWIO, eNeedsRawIo},
+                           {CAP_SYS_ADMIN, eNeedsRawIo},
+                           {CAP_SYS_PTRACE, eNeedsProcesses}};
 
 bool Has(const TCapabilities& set, cap_value_t capability) {
     cap_flag_value_t value = CAP_CLEAR;

@@ -168,9 +168,31 @@ void AddTruncating(TRules& rules) {
     rules.push_back({SCMP_SYS(openat2), 0, {}, ENOSYS, kLandlock});
 }
 
+// What Landlock refuses by paths, for processes that do without it: to open files for writing, to make, move and remove
+// them, and commands to devices. A Unix socket makes a file where it is bound.
+const int kChangesOfFiles[] = {SCMP_SYS(creat),     SCMP_SYS(mkdir),    SCMP_SYS(mkdirat),  SCMP_SYS(mknod),
+                               SCMP_SYS(mknodat),   SCMP_SYS(link),     SCMP_SYS(linkat),   SCMP_SYS(symlink),
+                               SCMP_SYS(symlinkat), SCMP_SYS(rename),   SCMP_SYS(renameat), SCMP_SYS(renameat2),
+                               SCMP_SYS(unlink),    SCMP_SYS(unlinkat), SCMP_SYS(rmdir)};
+constexpr unsigned kWritingFlags[] = {O_WRONLY, O_RDWR, O_CREAT};
+
+void AddWriting(TRules& rules) {
+    const auto refuse = [&rules](int number, TNeeds unless, std::vector<scmp_arg_cmp> when) {
+        rules.push_back({number, unless, std::move(when), EPERM, 0, eNeedsProcesses});
+    };
+    for (const int number : kChangesOfFiles) refuse(number, 0, {});
+    for (const unsigned flag : kWritingFlags) {
+        refuse(SCMP_SYS(open), 0, {HasBits(1, flag, flag)});
+        refuse(SCMP_SYS(openat), 0, {HasBits(2, flag, flag)});
+    }
+    refuse(SCMP_SYS(ioctl), eNeedsRawIo, {});
+    refuse(SCMP_SYS(bind), eNeedsNetwork, {});
+}
+
 TRules MakeRules() {
     TRules rules;
-    for (const auto add : {AddGroups, AddSockets, AddNamespaces, AddPriorities, AddCommands, AddSignals, AddTruncating})
+    for (const auto add :
+         {AddGroups, AddSockets, AddNamespaces, AddPriorities, AddCommands, AddSignals, AddTruncating, AddWriting})
         add(rules);
     return rules;
 }

@@ -15,6 +15,7 @@ struct TRefusedCall {
     std::vector<scmp_arg_cmp> when = {};  ///< for which arguments: all of these comparisons hold
     int error = EPERM;
     int unlessLandlock = 0;  ///< it is let pass from this version of Landlock on; 0: from none
+    TNeeds ifGranted = 0;    ///< it is refused only if one of these was granted; 0: whatever was
 };
 
 /// Stands for the process itself in comparisons. No process has such a number.

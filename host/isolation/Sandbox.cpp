@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <system_error>
 
 #include "base/Text.h"
@@ -29,11 +30,12 @@ TSandboxResult* MapShared() {
     return new (memory) TSandboxResult;
 }
 
-// "landlock 7", or "no landlock: ENOSYS"
+// "landlock 7", "no landlock: ENOSYS", or "no landlock: processes" if it was left out for that need
 std::string TextFor(const TSandboxResult& result, int layer) {
     const std::string name = kLayerNames[layer];
     if (const int error = result.errors[layer]) return "no " + name + ": " + strerrorname_np(error);
-    return layer == TSandboxResult::eLandlock ? name + " " + std::to_string(result.landlockVersion) : name;
+    if (layer != TSandboxResult::eLandlock) return name;
+    return result.hasLandlock ? name + " " + std::to_string(result.landlockVersion) : "no " + name + ": processes";
 }
 
 int RefuseNewPrivileges() { return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 ? 0 : errno; }
@@ -45,10 +47,14 @@ TSharedSandboxResult::~TSharedSandboxResult() { Unmap(); }
 void TSharedSandboxResult::Unmap() const { munmap(fResult, sizeof *fResult); }
 void TSharedSandboxResult::HideFromChildren() const { madvise(fResult, sizeof *fResult, MADV_DONTFORK); }
 
+// Landlock keeps a process from looking into any that is not below it, whatever its capabilities are. So there is none
+// for the need of that, and the filter refuses what it would have.
 struct TSandbox::TLayers {
-    explicit TLayers(TNeeds granted) : landlock(granted), filter(granted, landlock.Version()) {}
+    explicit TLayers(TNeeds granted)
+        : landlock((granted & eNeedsProcesses) == 0 ? std::optional<TLandlock>(granted) : std::nullopt),
+          filter(granted, landlock ? landlock->Version() : 0) {}
 
-    const TLandlock landlock;
+    const std::optional<TLandlock> landlock;
     const TSystemCallFilter filter;
 };
 
@@ -61,8 +67,11 @@ TSandbox::~TSandbox() { RestoreDumpable(); }
 bool TSandbox::IsOn() const { return fMode != ESandbox::eOff && !kIsInstrumented; }
 
 void TSandbox::Prepare(TNeeds granted) {
-    std::unique_ptr<TLayers>& layers = fLayers[granted];
-    if (IsOn() && !layers) layers = std::make_unique<TLayers>(granted);
+    if (!IsOn()) return;
+    for (const TNeeds needs : {granted, granted & ~TNeeds{eNeedsProcesses}}) {
+        std::unique_ptr<TLayers>& layers = fLayers[needs];
+        if (!layers) layers = std::make_unique<TLayers>(needs);
+    }
 }
 
 void TSandbox::RestoreDumpable() const {
@@ -71,14 +80,30 @@ void TSandbox::RestoreDumpable() const {
 
 void TSandbox::Enter(TNeeds granted, TSandboxResult& result) const {
     if (IsOn()) {
-        const TLayers& layers = *fLayers.at(granted);
         const int error = RefuseNewPrivileges();
-        result.landlockVersion = layers.landlock.Version();
-        result.errors[TSandboxResult::eLandlock] = layers.landlock.Restrict();
-        result.errors[TSandboxResult::eCapabilities] = error != 0 ? error : ReduceCapabilities(granted);
-        result.errors[TSandboxResult::eFilter] = layers.filter.Load();
+        if ((granted & eNeedsProcesses) == 0 || !EnterWithoutLandlock(granted, result)) EnterWhole(granted, result);
+        if (error != 0) result.errors[TSandboxResult::eCapabilities] = error;
     }
     result.isEntered = true;
+}
+
+// False if there is no filter to take the place of Landlock: the process then does without what it needs.
+bool TSandbox::EnterWithoutLandlock(TNeeds& granted, TSandboxResult& result) const {
+    if (fLayers.at(granted)->filter.Load() != 0) {
+        granted &= ~TNeeds{eNeedsProcesses};
+        return false;
+    }
+    result.hasLandlock = false;
+    result.errors[TSandboxResult::eCapabilities] = ReduceCapabilities(granted);
+    return true;
+}
+
+void TSandbox::EnterWhole(TNeeds granted, TSandboxResult& result) const {
+    const TLayers& layers = *fLayers.at(granted);
+    result.landlockVersion = layers.landlock->Version();
+    result.errors[TSandboxResult::eLandlock] = layers.landlock->Restrict();
+    result.errors[TSandboxResult::eCapabilities] = ReduceCapabilities(granted);
+    result.errors[TSandboxResult::eFilter] = layers.filter.Load();
 }
 
 std::vector<std::string> TSandbox::Describe(const TSandboxResult& result) const {

@@ -22,6 +22,7 @@ struct TSandboxResult {
     enum ELayer { eLandlock, eFilter, eCapabilities, kLayers };
 
     bool isEntered = false;
+    bool hasLandlock = true;  ///< false: the process needs to do without it
     int landlockVersion = 0;
     int errors[kLayers] = {};  ///< an errno for each layer that does not hold
 };
@@ -67,6 +68,9 @@ public:
 
 private:
     struct TLayers;
+
+    bool EnterWithoutLandlock(TNeeds& granted, TSandboxResult& result) const;
+    void EnterWhole(TNeeds granted, TSandboxResult& result) const;
 
     const ESandbox fMode;
     const int fDumpable;

@@ -24,6 +24,7 @@ using TFilter = std::unique_ptr<std::remove_pointer_t<scmp_filter_ctx>, TRelease
 constexpr uint32_t kBinaryTree = 2;
 
 bool IsLetPass(const TRefusedCall& call, TNeeds granted, int landlockVersion) {
+    if (call.ifGranted != 0 && (call.ifGranted & granted) == 0) return true;
     return (call.unlessGranted & granted) != 0 || (call.unlessLandlock != 0 && landlockVersion >= call.unlessLandlock);
 }
 

@@ -1,6 +1,7 @@
 #include "model/Needs.h"
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "kyr/TCIMClass.h"
@@ -13,7 +14,8 @@ struct TNeedWord {
     const char* word;
 };
 
-constexpr TNeedWord kNeedWords[] = {{eNeedsExec, "exec"}, {eNeedsNetwork, "network"}, {eNeedsRawIo, "rawio"}};
+constexpr TNeedWord kNeedWords[] = {
+    {eNeedsExec, "exec"}, {eNeedsNetwork, "network"}, {eNeedsRawIo, "rawio"}, {eNeedsProcesses, "processes"}};
 
 }  // namespace
 
@@ -21,6 +23,11 @@ std::vector<std::string> NeedWords() {
     std::vector<std::string> words;
     for (const TNeedWord& known : kNeedWords) words.emplace_back(known.word);
     return words;
+}
+
+const char* WordFor(ENeed need) {
+    const auto isIt = [need](const TNeedWord& known) { return known.need == need; };
+    return std::find_if(std::begin(kNeedWords), std::end(kNeedWords), isIt)->word;
 }
 
 TNeeds NeedFor(const std::string& word) {

@@ -44,6 +44,9 @@ constexpr TAct kActs[] = {
     {"cut", "EPERM", "EPERM"},
     {"make folder", "EACCES", "done"},
     {"make link", "EACCES", "done"},
+    {"make node", "EACCES", "done"},
+    {"link", "EACCES", "done"},
+    {"rename", "EACCES", "done"},
     {"change mode", "EPERM", "EPERM"},
     {"change owner", "EPERM", "EPERM"},
     {"change times", "EPERM", "EPERM"},
@@ -55,6 +58,7 @@ constexpr TAct kActs[] = {
     {"send datagrams", "EPERM", "EPERM"},
     {"connect", "EPERM", "EPERM"},
     {"bind abstract", "EPERM", "EPERM"},
+    {"bind path", "EACCES", "done"},
     {"listen", "EPERM", "EPERM"},
     {"execute file", "EPERM", "EPERM"},
     {"execute memory", "EPERM", "EPERM"},
@@ -65,6 +69,8 @@ constexpr TAct kActs[] = {
     {"signal descriptor", "EPERM", "EPERM"},
     {"trace", "EPERM", "EPERM"},
     {"read memory", "EACCES", "EACCES"},
+    {"write memory", "EACCES", "EACCES"},
+    {"follow descriptor", "EACCES", "EACCES"},
     {"open descriptor", "EACCES", "EACCES"},
     {"set limit", "EPERM", "EPERM"},
     {"set processors", "EPERM", "EPERM"},
@@ -99,6 +105,23 @@ TLines ExpectedActs(int landlock) {
     TLines acts;
     for (const TAct& act : kActs)
         acts.push_back(std::string(act.name) + ": " + (landlock >= act.landlock ? act.outcome : act.withoutLandlock));
+    std::sort(acts.begin(), acts.end());
+    return acts;
+}
+
+// Of a process without Landlock, with the filter in its place.
+TLines ExpectedActsWithProcesses(bool isSuperuser) {
+    TLines acts;
+    for (const TAct& act : kActs) {
+        const std::string name = act.name, outcome = act.outcome;
+        const bool isLook = name == "read memory" || name == "open descriptor" || name == "follow descriptor";
+        const bool isRefused = outcome == "EACCES" && !isLook;
+        const bool isToDevice = name == "ask interfaces" || name == "command device";
+        acts.push_back(name + ": " +
+                       (isLook && isSuperuser     ? "done"
+                        : isRefused || isToDevice ? "EPERM"
+                                                  : act.withoutLandlock));
+    }
     std::sort(acts.begin(), acts.end());
     return acts;
 }
@@ -268,6 +291,24 @@ TEST_F(LandlockTest, GrantLetsPassWhatItNames) {
         for (const auto& lines : {passed, refused})
             for (const std::string& line : lines) EXPECT_THAT(acts, testing::Contains(line)) << need;
     }
+}
+
+TEST_F(LandlockTest, ProcessThatLooksIntoOthersChangesNothingEither) {
+    const std::string before = StateOf(fFolder.Path()), grant = "--grant trespassing:processes --sandbox require";
+    EXPECT_EQ(ActsIn(Try(grant).out), ExpectedActsWithProcesses(geteuid() == 0));
+    EXPECT_THAT(Run("--class MOLTA_CollectedPlugin " + grant).out,
+                HasSubstr(" no landlock: processes, seccomp, capabilities\n"));
+    if (CanBecomeNobody()) {
+        EXPECT_EQ(ActsIn(Try(grant, kNobody).out), ExpectedActsWithProcesses(false));
+    }
+    EXPECT_EQ(StateOf(fFolder.Path()), before);
+}
+
+// There is never neither.
+TEST_F(LandlockTest, ProcessWithoutAFilterDoesNotLookIntoOthers) {
+    const std::string grant = "--grant trespassing:processes", launcher = REFUSING " 38 seccomp -- ";
+    EXPECT_THAT(Run("--class MOLTA_CollectedPlugin " + grant, launcher).out, Not(HasSubstr("no landlock")));
+    EXPECT_THAT(ActsIn(Try(grant, launcher).out), testing::IsSupersetOf({"write: EACCES", "read memory: EACCES"}));
 }
 
 TEST_F(TrespassingTest, InstrumentedBuildSaysThatItHasNoSandbox) {

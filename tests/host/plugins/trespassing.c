@@ -84,6 +84,13 @@ static int BindAbstract(void) {
     return bind(socket(AF_UNIX, SOCK_STREAM, 0), (const struct sockaddr*)&address, sizeof address);
 }
 
+/* A path that is as long as an address of Netlink lets it be. */
+static int BindShortPath(int file) {
+    const struct sockaddr_un address = {AF_UNIX, "bound"};
+    return chdir(getenv("KYR_TEST_FOLDER")) < 0 ? -1 : bind(file, (const struct sockaddr*)&address, 12);
+}
+static int BindPath(void) { return InChild(BindShortPath, socket(AF_UNIX, SOCK_STREAM, 0)); }
+
 static int Listen(void) {
     const struct sockaddr_un address = {AF_UNIX, "\0kyr-test"};
     const int file = socket(AF_UNIX, SOCK_STREAM, 0);
@@ -157,6 +164,14 @@ static int ChangeMode(void) { return chmod(PathOf("kept"), 0777); }
 static int ChangeOwner(void) { return chown(PathOf("kept"), (uid_t)-1, getgid()); }
 static int ChangeTimes(void) { return utimes(PathOf("kept"), NULL); }
 static int ChangeAttribute(void) { return removexattr(PathOf("kept"), "user.none") != 0 && errno != ENODATA ? -1 : 0; }
+static int MakeNode(void) { return mknod(PathOf("node"), S_IFIFO | 0600, 0); }
+static int OnTwoPaths(int (*act)(const char*, const char*), const char* name, const char* other) {
+    char path[512];
+    strcpy(path, PathOf(name));
+    return act(path, PathOf(other));
+}
+static int Link(void) { return OnTwoPaths(link, "kept", "other"); }
+static int Rename(void) { return OnTwoPaths(rename, "kept", "kept"); }
 static int Remove(void) { return unlink(PathOf("kept")); }
 static int Speak(void) { return socket(AF_INET, SOCK_STREAM, 0); }
 static int SpeakRaw(void) { return socket(AF_PACKET, SOCK_RAW, 0); }
@@ -167,6 +182,11 @@ static int SignalThread(void) { return (int)syscall(SYS_tgkill, getppid(), getpp
 static int TraceProcess(int process) { return (int)ptrace(PTRACE_SEIZE, process, NULL, NULL); }
 static int Trace(void) { return InChild(TraceProcess, getppid()); }
 static int ReadMemory(void) { return open(HostPath("mem"), O_RDONLY); }
+static int WriteMemory(void) { return open(HostPath("mem"), O_RDWR); }
+static int FollowDescriptor(void) {
+    char target[64];
+    return (int)readlink(HostPath("fd/1"), target, sizeof target);
+}
 static int OpenDescriptor(void) { return open(HostPath("fd/1"), O_RDONLY); }
 static int SetPriority(void) { return setpriority(PRIO_PROCESS, (id_t)getppid(), getpriority(PRIO_PROCESS, 0)); }
 static int SetPriorityOfAll(void) { return setpriority(PRIO_USER, 54321, 1); }
@@ -228,6 +248,9 @@ static const struct {
     {"cut", Cut},
     {"make folder", MakeFolder},
     {"make link", MakeLink},
+    {"make node", MakeNode},
+    {"link", Link},
+    {"rename", Rename},
     {"change mode", ChangeMode},
     {"change owner", ChangeOwner},
     {"change times", ChangeTimes},
@@ -239,6 +262,7 @@ static const struct {
     {"send datagrams", SendDatagrams},
     {"connect", Connect},
     {"bind abstract", BindAbstract},
+    {"bind path", BindPath},
     {"listen", Listen},
     {"execute file", ExecuteFile},
     {"execute memory", ExecuteMemory},
@@ -249,6 +273,8 @@ static const struct {
     {"signal descriptor", SignalDescriptor},
     {"trace", Trace},
     {"read memory", ReadMemory},
+    {"write memory", WriteMemory},
+    {"follow descriptor", FollowDescriptor},
     {"open descriptor", OpenDescriptor},
     {"set limit", SetLimit},
     {"set processors", SetProcessorsOfHost},
