@@ -29,27 +29,28 @@ constexpr TTable kTables[] = {
 
 const TTable& TableOf(ENetlinkTable table) { return kTables[static_cast<size_t>(table)]; }
 
-class TRouteSocket {
+constexpr rtgenmsg kAllFamilies = {AF_UNSPEC};
+
+class TNetlinkSocket {
 public:
-    TRouteSocket() : fNumber(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)) {
+    explicit TNetlinkSocket(int protocol) : fNumber(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, protocol)) {
         if (fNumber >= 0) setsockopt(fNumber, SOL_SOCKET, SO_RCVTIMEO, &kReceiveTimeout, sizeof kReceiveTimeout);
     }
-    TRouteSocket(const TRouteSocket&) = delete;
-    TRouteSocket& operator=(const TRouteSocket&) = delete;
-    ~TRouteSocket() {
+    TNetlinkSocket(const TNetlinkSocket&) = delete;
+    TNetlinkSocket& operator=(const TNetlinkSocket&) = delete;
+    ~TNetlinkSocket() {
         if (fNumber >= 0) close(fNumber);
     }
 
-    bool RequestDump(uint16_t type) const {
-        struct {
-            nlmsghdr header;
-            rtgenmsg family;
-        } request = {};
-        request.header.nlmsg_len = NLMSG_LENGTH(sizeof(rtgenmsg));
-        request.header.nlmsg_type = type;
-        request.header.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
-        request.family.rtgen_family = AF_UNSPEC;
-        return fNumber >= 0 && send(fNumber, &request, sizeof request, 0) == sizeof request;
+    bool RequestDump(uint16_t type, std::string_view body) const {
+        nlmsghdr header = {};
+        header.nlmsg_len = static_cast<uint32_t>(NLMSG_LENGTH(body.size()));
+        header.nlmsg_type = type;
+        header.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
+        std::string request(reinterpret_cast<const char*>(&header), sizeof header);
+        request.append(body).resize(NLMSG_ALIGN(header.nlmsg_len));
+        const auto size = static_cast<ssize_t>(request.size());
+        return fNumber >= 0 && send(fNumber, request.data(), request.size(), 0) == size;
     }
 
     // Appends the next datagram. With MSG_TRUNC recv returns its full length, so that a truncated one is noticed.
@@ -77,7 +78,7 @@ std::optional<int> FindEndOfDump(std::string_view bytes) {
 }
 
 // Returns 0 or an errno.
-int ReceiveTable(const TRouteSocket& kernel, std::string& table) {
+int ReceiveTable(const TNetlinkSocket& kernel, std::string& table) {
     while (table.size() < kMaxTable) {
         const size_t start = table.size();
         if (!kernel.Receive(table)) return errno;
@@ -86,12 +87,12 @@ int ReceiveTable(const TRouteSocket& kernel, std::string& table) {
     return EFBIG;
 }
 
-TFact<std::string> DumpTable(const TTable& table) {
-    const TRouteSocket kernel;
+TFact<std::string> DumpTable(const TNetlinkRequest& request) {
+    const TNetlinkSocket kernel(request.protocol);
     std::string bytes;
-    const int error = kernel.RequestDump(table.request) ? ReceiveTable(kernel, bytes) : errno;
-    if (error != 0) return TFact<std::string>::Missing(AbsenceOf(error), table.source);
-    return TFact<std::string>::Of(std::move(bytes), table.source);
+    const int error = kernel.RequestDump(request.type, request.body) ? ReceiveTable(kernel, bytes) : errno;
+    if (error != 0) return TFact<std::string>::Missing(AbsenceOf(error), request.source);
+    return TFact<std::string>::Of(std::move(bytes), request.source);
 }
 
 }  // namespace
@@ -99,8 +100,14 @@ TFact<std::string> DumpTable(const TTable& table) {
 const char* SourceOf(ENetlinkTable table) { return TableOf(table).source; }
 
 TFact<std::string> ReadNetlinkTable(const TSystemRoot& root, ENetlinkTable table) {
-    if (root.IsRunningMachine()) return DumpTable(TableOf(table));
-    TFact<std::string> bytes = root.ReadFile(TableOf(table).file, kMaxTable);
-    bytes.source = TableOf(table).source;
+    const TTable& row = TableOf(table);
+    const std::string_view body(reinterpret_cast<const char*>(&kAllFamilies), sizeof kAllFamilies);
+    return ReadNetlinkTable(root, {row.source, row.file, NETLINK_ROUTE, row.request, body});
+}
+
+TFact<std::string> ReadNetlinkTable(const TSystemRoot& root, const TNetlinkRequest& request) {
+    if (root.IsRunningMachine()) return DumpTable(request);
+    TFact<std::string> bytes = root.ReadFile(request.file, kMaxTable);
+    bytes.source = request.source;
     return bytes;
 }

@@ -3,17 +3,11 @@
 #include <set>
 
 #include "SoftwareFacts.h"
+#include "UnitFiles.h"
 
 namespace {
 
-// The search path of systemd: a unit in an earlier folder hides one of the same name in a later folder.
-constexpr const char* kAdministratorFolder = "/etc/systemd/system";
-constexpr const char* kVendorFolder = "/usr/lib/systemd/system";
-constexpr const char* kOldVendorFolder = "/lib/systemd/system";
-constexpr const char* kUnitFolders[] = {
-    kAdministratorFolder, "/run/systemd/system", "/run/systemd/generator",     "/usr/local/lib/systemd/system",
-    kVendorFolder,        kOldVendorFolder,      "/run/systemd/generator.late"};
-constexpr const char* kEnablingFolders[] = {kAdministratorFolder, "/run/systemd/system", "/run/systemd/generator",
+constexpr const char* kEnablingFolders[] = {kAdministratorUnits, "/run/systemd/system", "/run/systemd/generator",
                                             "/run/systemd/generator.late"};
 constexpr const char* kSlice = "/sys/fs/cgroup/system.slice";
 constexpr const char* kOldSlice = "/sys/fs/cgroup/systemd/system.slice";
@@ -27,13 +21,6 @@ bool IsSystemd(const TSystemRoot& root) {
 }
 
 bool IsService(std::string_view name) { return EndsWith(name, ".service") && !EndsWith(name, "@.service"); }
-
-// The path of a unit file, which may be a dangling link; empty if there is none.
-std::string FindFile(const TSystemRoot& root, const std::string& name) {
-    for (const char* folder : kUnitFolders)
-        if (std::string path = std::string(folder) + "/" + name; root.ReadLink(path) || root.Exists(path)) return path;
-    return "";
-}
 
 // "getty@.service" for "getty@tty1.service"; the name itself if it is no instance.
 std::string TemplateOf(const std::string& name) {
@@ -69,8 +56,8 @@ std::set<std::string> FindEnabled(const TSystemRoot& root) {
 
 // The file of the unit or, for an instance without one, that of its template.
 TFact<std::string> ReadUnit(const TSystemRoot& root, const std::string& name, std::string path) {
-    if (path.empty()) path = FindFile(root, TemplateOf(name));
-    if (path.empty()) path = std::string(kVendorFolder) + "/" + TemplateOf(name);
+    if (path.empty()) path = FindUnitFile(root, TemplateOf(name));
+    if (path.empty()) path = std::string(kVendorUnits) + "/" + TemplateOf(name);
     return root.ReadFile(path, 1 << 20);
 }
 
@@ -147,7 +134,7 @@ std::vector<TService> ReadServices(const TSystemRoot& root) {
     std::vector<TService> services;
     for (const std::string& name : names) {
         if (!IsService(name)) continue;
-        const std::string path = FindFile(root, name);
+        const std::string path = FindUnitFile(root, name);
         if (RealNameOf(root, path, name).empty())
             services.push_back(MakeService(root, name, path, enabled.count(name) != 0));
     }
@@ -155,12 +142,12 @@ std::vector<TService> ReadServices(const TSystemRoot& root) {
 }
 
 TListing ReadServiceListing(const TSystemRoot& root) {
-    TFact<std::vector<std::string>> units = root.List(kVendorFolder);
-    if (!units && units.absence == EAbsence::eNotPresent) units = root.List(kOldVendorFolder);
-    if (IsSystemd(root) && units && !units->empty()) units = root.List(kAdministratorFolder);
+    TFact<std::vector<std::string>> units = root.List(kVendorUnits);
+    if (!units && units.absence == EAbsence::eNotPresent) units = root.List(kOldVendorUnits);
+    if (IsSystemd(root) && units && !units->empty()) units = root.List(kAdministratorUnits);
     if (IsSystemd(root) || units || units.absence != EAbsence::eNotPresent) return ListingOf(NeverEmpty(units));
     if (root.Exists(kInit)) return TListing::Missing(EAbsence::eNotSupported, std::string("services of ") + kInit);
     // A container often has no service manager at all.
     const bool hasNone = root.Exists("/usr/lib") || root.Exists("/usr/share");
-    return hasNone ? TListing::Of(true, kVendorFolder) : TListing::Missing(EAbsence::eNotPresent, kVendorFolder);
+    return hasNone ? TListing::Of(true, kVendorUnits) : TListing::Missing(EAbsence::eNotPresent, kVendorUnits);
 }
