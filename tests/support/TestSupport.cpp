@@ -46,7 +46,8 @@ TempFolder::~TempFolder() {
 }
 
 std::string TempFolder::Write(const std::string& name, const std::string& content) const {
-    const std::filesystem::path path = std::filesystem::path(fPath) / name;
+    // An absolute name would lead out of the folder, to a file of the machine that runs the test.
+    const std::filesystem::path path = fPath / std::filesystem::path(name).relative_path();
     std::filesystem::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
     return path.string();
