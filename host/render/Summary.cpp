@@ -15,6 +15,7 @@
 #include "model/SpokenNames.h"
 #include "render/SummaryMissing.h"
 #include "render/SummaryPieces.h"
+#include "render/SummarySockets.h"
 #include "render/SummaryStorage.h"
 #include "render/SummarySystem.h"
 #include "states/StateInstances.h"
@@ -34,6 +35,7 @@ constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
 constexpr const char* kDiskDrive = "MOLTA_DiskDrive";
 constexpr const char* kSecurityClass = "MOLTA_SystemSecurity";
 constexpr const char* kAdapterMember = "MOLTA_NetworkAdapterMember";
+constexpr const char* kManagementController = "MOLTA_ManagementController";
 constexpr const char* kDnsSettings = "MOLTA_DNSSettings";
 constexpr const char* kDiskHealth = "MOLTA_DiskHealth";
 constexpr uint64_t kSystemMemory = 3;       // of MOLTA_MemoryArray.Use
@@ -167,7 +169,8 @@ struct TSection {
     const char* others =
         nullptr;  ///< what stands before the names of instances that are not wanted; null: nothing does
     size_t mostLines = 1;
-    bool isOptional = false;  ///< nothing is said if there is none
+    bool isOptional = false;                      ///< nothing is said if there is none
+    TTexts (*tell)(const TContainer&) = nullptr;  ///< makes the lines of all instances together
 };
 
 const TSection kSections[] = {
@@ -242,13 +245,15 @@ const TSection kSections[] = {
      nullptr,
      2},
     {"Management",
-     "MOLTA_ManagementController",
+     kManagementController,
      {{"Caption"}, {"InterfaceType", " with ", " interface"}, {"IPMIVersion", ", IPMI "}},
      nullptr,
      nullptr,
      nullptr,
      2,
      true},
+    {"Listening", kListeningSocketClass, {}, nullptr, nullptr, nullptr, 1, false, ListeningTexts},
+    {"Guests", kVirtualMachineClass, {}, nullptr, nullptr, nullptr, 1, true, GuestsTexts},
 };
 
 /// A line of a section, and how many instances have it.
@@ -262,12 +267,16 @@ class TSectionText {
 public:
     TSectionText(const TSection& section, const TContainer& container, const TStorageContents& contents)
         : fSection(section), fContents(contents) {
-        for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, section.className))) Add(*instance);
+        if (section.tell != nullptr)
+            fTold = section.tell(container);
+        else
+            for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, section.className)))
+                Add(*instance);
         fIsComplete = IsComplete(container);
     }
 
     TTexts Lines() const {
-        TTexts lines;
+        TTexts lines = fTold;
         for (const TCountedLine& line : fCounted)
             lines.push_back(line.count == 1 ? line.text
                                             : std::to_string(line.count) + " x " + TextFor(*line.first, line.count));
@@ -302,15 +311,10 @@ private:
         return text.empty() ? "nothing is known of it" : text;
     }
 
-    bool IsComplete(const TContainer& container) const {
-        for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
-            if (TextOf(*state, "Name") == fSection.className) return OutcomeOf(*state).state == eComplete;
-        return false;
-    }
-
     const TSection& fSection;
     const TStorageContents& fContents;
     std::vector<TCountedLine> fCounted;
+    TTexts fTold;
     TTexts fOthers;  // the names of instances that are not wanted
     size_t fLeftOut = 0;
     bool fIsComplete = false;
@@ -318,8 +322,10 @@ private:
 
 // Classes that files of earlier versions lack, or that are asked for only if that was granted. Nothing is said of them
 // then.
-constexpr const char* kMayBeLeftOut[] = {kSecurityClass,        kTpmClass,   kVirtualMachineClass,
-                                         kHostedContainerClass, kDiskHealth, kDnsSettings};
+constexpr const char* kMayBeLeftOut[] = {kSecurityClass,        kTpmClass,
+                                         kDiskHealth,           kDnsSettings,
+                                         kManagementController, kListeningSocketClass,
+                                         kVirtualMachineClass,  kHostedContainerClass};
 
 bool IsAskedFor(const TContainer& container, const std::string& name) {
     if (std::find(std::begin(kMayBeLeftOut), std::end(kMayBeLeftOut), name) == std::end(kMayBeLeftOut)) return true;
@@ -343,9 +349,9 @@ std::vector<std::string> SummaryClasses() {
     std::vector<std::string> names;
     for (const TSection& section : kSections)
         if (names.empty() || names.back() != section.className) names.emplace_back(section.className);
-    for (const char* name : {kTpmClass, kVirtualMachineClass, kHostedContainerClass, kMemoryArray,
-                             "MOLTA_DiskPartition", "MOLTA_StorageVolume", "MOLTA_FileSystem", "MOLTA_Mount",
-                             "MOLTA_SwapArea", "MOLTA_IPAddress", kAdapterMember})
+    for (const char* name :
+         {kTpmClass, kHostedContainerClass, kMemoryArray, "MOLTA_DiskPartition", "MOLTA_StorageVolume",
+          "MOLTA_FileSystem", "MOLTA_Mount", "MOLTA_SwapArea", "MOLTA_IPAddress", kAdapterMember})
         names.emplace_back(name);
     names.insert(names.end(), std::begin(kStorageAssociations), std::end(kStorageAssociations));
     names.emplace_back(kDiskHealth);
@@ -357,7 +363,6 @@ void PrintSummary(const TContainer& container, TOutput& output) {
     for (const TSection& section : kSections)
         if (IsAskedFor(container, section.className))
             PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
-    if (const std::string guests = GuestsText(container); !guests.empty()) PrintLines("Guests", {guests}, output);
     TTexts classes = SummaryClasses();
     const auto isNot = [&container](const std::string& name) { return !IsAskedFor(container, name); };
     classes.erase(std::remove_if(classes.begin(), classes.end(), isNot), classes.end());

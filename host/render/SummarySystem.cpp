@@ -60,8 +60,11 @@ std::string SecurityText(const TCIMInstance& security) {
     return Join(texts);
 }
 
-std::string GuestsText(const TContainer& container) {
+std::vector<std::string> GuestsTexts(const TContainer& container) {
     const std::string machines = CountText(container, kVirtualMachineClass, " virtual machine", " virtual machines");
     const std::string containers = CountText(container, kHostedContainerClass, " container", " containers");
-    return machines + (machines.empty() || containers.empty() ? "" : ", ") + containers;
+    TTexts texts;
+    for (const std::string& text : {machines, containers})
+        if (!text.empty()) texts.push_back(text);
+    return texts.empty() ? texts : TTexts{Join(texts)};
 }

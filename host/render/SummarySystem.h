@@ -2,6 +2,7 @@
 #define KYR_HOST_RENDER_SUMMARYSYSTEM_H
 
 #include <string>
+#include <vector>
 
 class TCIMInstance;
 class TContainer;
@@ -14,7 +15,8 @@ constexpr const char* kHostedContainerClass = "MOLTA_HostedContainer";
 /// MOLTA_SystemSecurity and what stands beside it.
 std::string SecurityText(const TCIMInstance& security);
 
-/// How many virtual machines and containers the machine hosts, and how many of them run; empty if it hosts none.
-std::string GuestsText(const TContainer& container);
+/// How many virtual machines and containers the machine hosts, and how many of them run, in one line; none if it hosts
+/// none.
+std::vector<std::string> GuestsTexts(const TContainer& container);
 
 #endif
