@@ -57,6 +57,7 @@ std::string TextFor(std::vector<TPort> ports, size_t most) {
     std::sort(ports.begin(), ports.end());
     ports.erase(std::unique(ports.begin(), ports.end()), ports.end());
     std::vector<std::string> texts;
+    texts.reserve(ports.size());
     for (const TPort& port : ports) texts.push_back(port.text);
     const std::string more = texts.size() > most + 1 ? "; see show " + SpokenNameOf(kListeningSocketClass) : "";
     return FoldedTexts(texts, most) + more;

@@ -10,7 +10,7 @@ TEST(SummaryTest, EachCauseForWhichSomethingIsMissingIsPartOfIt) {
     const TRunResult run = RunKyrWith({"noinit"}, "summary");
     EXPECT_THAT(run, FieldsAre(1, HasSubstr("Disk       not known, as said below\n"), ""));
     EXPECT_THAT(run.out, HasSubstr("\nMissing    Processor, SystemMemory, DiskDrive, NetworkAdapter, PCIDevice,\n"
-                                   "           MemoryArray, DiskPartition, StorageVolume and 9 more: not collected\n"
+                                   "           MemoryArray, DiskPartition, StorageVolume and 10 more: not collected\n"
                                    "           plugin noinit: its init entry failed: there is no device\n"));
 }
 
