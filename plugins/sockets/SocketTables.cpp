@@ -80,17 +80,18 @@ TFact<std::string> ReadFileOf(const TSystemRoot& root, const TInetTable& table) 
 
 // The kernel has no file about sockets of DCCP, so that only its module tells whether there may be any.
 bool LacksProtocol(const TSystemRoot& root, const TInetTable& table) {
-    return root.LacksKind(table.kind) && (table.protocol != IPPROTO_DCCP || !root.Exists("/sys/module/dccp"));
+    if (table.kind == nullptr || !root.LacksKind(table.kind)) return false;
+    return table.protocol != IPPROTO_DCCP || !root.Exists("/sys/module/dccp");
 }
 
 }  // namespace
 
 const std::vector<TInetTable>& InetTables() {
     static const std::vector<TInetTable> tables = {
-        {"sock_diag tcp", IPPROTO_TCP, AF_INET, kListening, "tcp_diag", "/proc/net/tcp", "/proc/net/tcp"},
-        {"sock_diag tcp6", IPPROTO_TCP, AF_INET6, kListening, "tcp_diag", "/proc/net/tcp6", "/proc/net/tcp6"},
-        {"sock_diag udp", IPPROTO_UDP, AF_INET, kUnconnected, "udp_diag", "/proc/net/udp", "/proc/net/udp"},
-        {"sock_diag udp6", IPPROTO_UDP, AF_INET6, kUnconnected, "udp_diag", "/proc/net/udp6", "/proc/net/udp6"},
+        {"sock_diag tcp", IPPROTO_TCP, AF_INET, kListening, "tcp_diag", "/proc/net/tcp", nullptr},
+        {"sock_diag tcp6", IPPROTO_TCP, AF_INET6, kListening, "tcp_diag", "/proc/net/tcp6", "/proc/net/if_inet6"},
+        {"sock_diag udp", IPPROTO_UDP, AF_INET, kUnconnected, "udp_diag", "/proc/net/udp", nullptr},
+        {"sock_diag udp6", IPPROTO_UDP, AF_INET6, kUnconnected, "udp_diag", "/proc/net/udp6", "/proc/net/if_inet6"},
         {"sock_diag udplite", IPPROTO_UDPLITE, AF_INET, kUnconnected, "udp_diag", "/proc/net/udplite",
          "/proc/net/udplite"},
         {"sock_diag udplite6", IPPROTO_UDPLITE, AF_INET6, kUnconnected, "udp_diag", "/proc/net/udplite6",
@@ -114,11 +115,8 @@ TFact<std::vector<TInetEntry>> ReadInetTable(const TSystemRoot& root, const TIne
 }
 
 TFact<std::vector<TUnixEntry>> ReadUnixTable(const TSystemRoot& root) {
-    using TEntries = std::vector<TUnixEntry>;
     if (const TFact<std::string> dump = AskForUnix(root))
         return dump.Map([](const std::string& bytes) { return std::optional(ParseUnixDump(bytes)); });
     const TFact<std::string> text = root.ReadFile(kUnixFile, kMostText);
-    if (!text && text.absence == EAbsence::eNotPresent && root.LacksKind(kUnixFile))
-        return TFact<TEntries>::Of({}, kUnixFile);
     return text.Map([](const std::string& lines) { return std::optional(ParseUnixFile(lines)); });
 }

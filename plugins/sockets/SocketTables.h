@@ -40,7 +40,7 @@ struct TInetTable {
     int state;              ///< of those that wait for peers
     const char* diagnoser;  ///< the kernel module that answers
     const char* file;       ///< the same as text
-    const char* kind;       ///< is there if the kernel supports the protocol
+    const char* kind;       ///< is there if the kernel supports the protocol; null: every kernel does
 };
 
 // The parsers of both forms of a table. Sockets that have peers are left out.

@@ -44,6 +44,10 @@ constexpr TLoss kLosses[] = {
     {"var/lib/dpkg", false, "missing source /var/lib", "MOLTA_InstalledPackage", "MOLTA_KernelModule"},
     {".kyr/rtnetlink/route", false, "missing source rtnetlink route: not present (classes MOLTA_Route", "MOLTA_Route",
      "MOLTA_IPAddress"},
+    {".kyr/sockdiag/tcp", false, "missing source /proc/net/tcp: not present (classes MOLTA_HostedListeningSocket, ", "",
+     "MOLTA_UnixListeningSocket"},
+    {".kyr/sockdiag/unix", false, "missing source /proc/net/unix: not present (classes MOLTA_HostedListeningSocket, ",
+     "MOLTA_UnixListeningSocket", "MOLTA_ListeningSocket"},
 };
 
 /// What JSON says of a class up to its instances, which hold the same words.

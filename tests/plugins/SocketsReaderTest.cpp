@@ -104,9 +104,11 @@ TEST(SocketsReaderTest, ListIsCompleteOnlyIfAllTablesWereThere) {
         const char* source;
     } cases[] = {
         {{}, false, "/proc/net/tcp"},
-        {{"proc/net/tcp"}, true, ""},  // a kernel without IPv6 and UDP
-        {{"proc/net/tcp", "proc/net/sctp/other"}, false, "/proc/net/sctp/eps"},
-        {{"proc/net/tcp", "sys/module/dccp/refcnt"}, false, "/proc/net/dccp"},
+        {{"proc/net/tcp"}, false, "/proc/net/udp"},
+        {{"proc/net/tcp", "proc/net/udp"}, true, ""},  // a kernel without IPv6
+        {{"proc/net/tcp", "proc/net/udp", "proc/net/if_inet6"}, false, "/proc/net/tcp6"},
+        {{"proc/net/tcp", "proc/net/udp", "proc/net/sctp/other"}, false, "/proc/net/sctp/eps"},
+        {{"proc/net/tcp", "proc/net/udp", "sys/module/dccp/refcnt"}, false, "/proc/net/dccp"},
     };
     for (const auto& each : cases) {
         const TMachine machine;
@@ -125,6 +127,7 @@ TEST(SocketsReaderTest, ThoseThatListenAreFoundInFrontOfManyConnections) {
     for (int i = 0; i < 20000; ++i)
         table += " 1: 0100007F:1538 0200007F:9000 01 0:0 00:0 0 114 0 103 1 0 20 4 30 10 -1\n";
     machine.Write("proc/net/tcp", table);
+    machine.Write("proc/net/udp", kHeader);
     EXPECT_EQ(machine.Read().sockets.size(), 1u);
     EXPECT_TRUE(machine.Read().listing);
 }
