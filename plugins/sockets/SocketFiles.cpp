@@ -1,4 +1,5 @@
 // The same as text, in files of /proc/net.
+#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 
@@ -47,7 +48,8 @@ std::optional<TInetEntry> ParseSctpLine(std::string_view line, const TInetTable&
     entry.owner = ParseNumber<uint32_t>(fields[6]);
     entry.address = fields[8];
     entry.family = entry.address.find(':') == std::string::npos ? AF_INET : AF_INET6;
-    if (entry.family != table.family) return std::nullopt;
+    unsigned char bytes[sizeof(in6_addr)];
+    if (entry.family != table.family || inet_pton(entry.family, entry.address.c_str(), bytes) != 1) return std::nullopt;
     entry.port = *port;
     return entry;
 }
@@ -61,7 +63,8 @@ std::optional<TUnixEntry> ParseUnixLine(std::string_view line) {
     TUnixEntry entry;
     entry.inode = ParseNumber<uint64_t>(fields[6]).value_or(0);
     entry.type = ParseNumber<uint16_t>(fields[4], 16).value_or(0);
-    entry.name = line.substr(static_cast<size_t>(fields[7].data() - line.data()));
+    const std::string_view name = line.substr(static_cast<size_t>(fields[7].data() - line.data()));
+    entry.name = name.substr(0, name.find('\0'));
     return entry;
 }
 
