@@ -215,7 +215,8 @@ const std::vector<TRule>& AllRules() {
          "A property with Date or Time at the end of its name is a string. A datetime is compared, shown and exported "
          "as a date, whatever form the source has. Use the type datetime."},
         {"V16", eError, "Word that kyr does not know",
-         "NEEDS has the words exec, network, rawio and processes, and NullMeans begins with does not apply, not reported or "
+         "NEEDS has the words exec, network, rawio and processes, and NullMeans begins with does not apply, not "
+         "reported or "
          "another reason of UnavailableValues. A need of another name is never granted, and another reason is none. "
          "Mend the word."},
         {"L01", eWarning, "Library exports symbols of its own",
