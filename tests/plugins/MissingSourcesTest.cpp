@@ -99,10 +99,11 @@ TEST(MissingSourcesTest, NothingIsCompleteWithoutItsSource) {
 
 TEST(MissingSourcesTest, MachineWithoutAKindIsComplete) {
     const TMachine machine("server");
-    for (const char* kind : {"sys/bus/usb", "sys/class/hwmon"}) fs::remove_all(machine.Root() + '/' + kind);
+    for (const char* kind : {"sys/bus/usb", "sys/class/hwmon", "sys/class/drm"})
+        fs::remove_all(machine.Root() + '/' + kind);
     const TRunResult run = machine.Collect();
     EXPECT_THAT(run, FieldsAre(0, _, ""));
-    for (const char* name : {"MOLTA_USBDevice", "MOLTA_Fan", "MOLTA_Battery", "MOLTA_KernelModule"})
+    for (const char* name : {"MOLTA_USBDevice", "MOLTA_Fan", "MOLTA_Battery", "MOLTA_KernelModule", "MOLTA_Monitor"})
         EXPECT_THAT(StateOf(name, run.out), HasSubstr("\"state\": \"complete\""));
 }
 
