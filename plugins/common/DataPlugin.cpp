@@ -31,6 +31,8 @@ uint16_t NumberOf(EAbsence absence) { return static_cast<uint16_t>(static_cast<i
 
 }  // namespace
 
+void LogWarning(const std::string& text) { kyrWriteLog(gPlugin, kyrLogWarning, text.c_str()); }
+
 kyrStatusCode ReportMissingSource(kyrIOHandle handle, const char* className, const TListing& source) {
     if (!IsKnownClass(handle, kMissingSource)) return kyrStatusOK;
     const bool isPath = source.source.compare(0, 1, "/") == 0;

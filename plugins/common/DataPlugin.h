@@ -19,6 +19,9 @@ using TWantedClasses = std::vector<std::string_view>;
 /// static object, while the core loads it.
 void RegisterDataPlugin(const char* name, kyrStatusCode (*getData)(kyrIOHandle, const TWantedClasses&));
 
+/// Logs a warning. One that begins with the name of a class and a colon is kept beside that class.
+void LogWarning(const std::string& text);
+
 /// Reports that a source of the class is missing, as a MOLTA_MissingSource: what was not found there may exist.
 kyrStatusCode ReportMissingSource(kyrIOHandle handle, const char* className, const TListing& source);
 

@@ -25,7 +25,8 @@ SKIPPED = 77
 AUTHORITIES = {"package": "dpkg-query", "module": "lsmod", "mount": "findmnt", "route": "ip", "address": "ip",
                "interface": "ip", "resolver": "cat", "pci": "lspci", "usb": "lsusb", "cache": "lscpu", "numa": "lscpu",
                "partition": "lsblk", "file": "blkid", "swap": "swapon", "memory": "dmidecode", "firmware": "dmidecode",
-               "board": "dmidecode", "temperature": "sensors"}
+               "board": "dmidecode", "temperature": "sensors", "account": "getent", "group": "getent",
+               "password": "passwd"}
 
 # A maker's words for nothing, which ours reports as no value.
 PLACEHOLDERS = ("not specified", "to be filled by o.e.m.", "default string", "none", "unknown", "n/a",

@@ -1,7 +1,7 @@
 """What the tools for devices and firmware tell of this machine, in the form that compare_tools.py tells of."""
 import re
 
-from compare_tools import (blocks_of, first, json_of, lines_of, lowered, memory_module, named, number, numbered,
+from compare_tools import (blocks_of, facts, first, json_of, lines_of, lowered, memory_module, named, number, numbered,
                            output_of, tool)
 
 
@@ -35,6 +35,25 @@ def sensors():
         for label, readings in said.items():
             if isinstance(readings, dict) and any(re.fullmatch(r"temp\d+_input", name) for name in readings):
                 yield f"temperature of {chip.split('-')[0]}", label, True
+
+
+@tool("getent")
+def getent():
+    for line in lines_of("getent -s files passwd"):
+        name, _, user, group, comment, home, shell = line.split(":")
+        yield from facts(f"account {name}", user=int(user), group=int(group), comment=comment.split(",")[0], home=home,
+                         shell=shell)
+    for line in lines_of("getent -s files group"):
+        name, _, number_of_group, members = line.split(":")
+        yield from facts(f"group {name}", number=int(number_of_group), members=tuple(members.split(",")))
+
+
+@tool("passwd")
+def passwd():
+    states = {"P": "Usable", "L": "Locked", "NP": "No password needed"}
+    for line in lines_of("passwd -S -a"):  # nothing, unless for a superuser
+        name, state, changed, *_ = line.split()
+        yield from facts(f"password {name}", state=states[state], changed=changed.replace("-", ""))
 
 
 # The block, what it is called here, and its lines.

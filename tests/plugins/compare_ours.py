@@ -97,6 +97,12 @@ CLASSES = [
       "driver": "Driver", "numa node": "NUMANode"}),
     ("MOLTA_USBDevice", "usb {BusNumber}/{DeviceNumber}",
      {"id": lambda ask: f"{ask('VendorID'):04x}:{ask('ProductID'):04x}"}),
+    ("MOLTA_Account", "account {Name}",
+     {"user": "UserID", "group": "GroupID", "comment": "FullName", "home": "HomeDirectory", "shell": "LoginShell"}),
+    ("MOLTA_Account", "password {Name}",
+     {"state": "PasswordState/text", "changed": lambda ask: (ask("PasswordLastChanged") or "")[:8]}),
+    ("MOLTA_Group", "group {Name}",
+     {"number": "GroupID", "members": lambda ask: tuple(ask("Members") or [""])}),
     ("MOLTA_Route", "route {DestinationAddress}/{PrefixLength} dev {InterfaceName} of table {Table/text}",
      {"gateway": "NextHop", "metric": "RouteMetric"}),
 ]
