@@ -56,7 +56,7 @@ public:
         if (!choice.IsOfClasses())
             throw TCommandError(eExitUsage,
                                 "only whole classes can be saved: --output takes no name of an instance, "
-                                "and no word such as gpu for some instances of a class");
+                                "and no word such as ssd for some instances of a class");
         inventory.Collect(choice.ClassesToCollect(), choice.ClassesNamed());
         const std::vector<TCIMClass*> saved = ClassesToSave(inventory.Container(), choice);
         // A file of an earlier collection is worth more than one without anything in it.

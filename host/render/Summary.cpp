@@ -13,6 +13,7 @@
 #include "model/Provenance.h"
 #include "model/ReadingOrder.h"
 #include "model/SpokenNames.h"
+#include "render/SummaryAccounts.h"
 #include "render/SummaryMissing.h"
 #include "render/SummaryPieces.h"
 #include "render/SummarySockets.h"
@@ -35,6 +36,8 @@ constexpr const char* kMemoryArray = "MOLTA_MemoryArray";
 constexpr const char* kDiskDrive = "MOLTA_DiskDrive";
 constexpr const char* kSecurityClass = "MOLTA_SystemSecurity";
 constexpr const char* kAdapterMember = "MOLTA_NetworkAdapterMember";
+constexpr const char* kDisplayClass = "MOLTA_DisplayController";
+constexpr const char* kMonitor = "MOLTA_Monitor";
 constexpr const char* kManagementController = "MOLTA_ManagementController";
 constexpr const char* kDnsSettings = "MOLTA_DNSSettings";
 constexpr const char* kDiskHealth = "MOLTA_DiskHealth";
@@ -169,8 +172,9 @@ struct TSection {
     const char* others =
         nullptr;  ///< what stands before the names of instances that are not wanted; null: nothing does
     size_t mostLines = 1;
-    bool isOptional = false;                      ///< nothing is said if there is none
+    bool isOptional = false;                      ///< no line tells that there are none
     TTexts (*tell)(const TContainer&) = nullptr;  ///< makes the lines of all instances together
+    const char* otherwise = nullptr;              ///< a class: where it was asked for, this section is left out
 };
 
 const TSection kSections[] = {
@@ -238,12 +242,35 @@ const TSection kSections[] = {
      5},
     {"DNS", kDnsSettings, {}, AddServers, IsOfComputer, nullptr, 2},
     {"Graphics",
+     kDisplayClass,
+     {{"Caption"}, {"VideoMemory", ", "}, {"Driver", ", driver ", "", "driver"}},
+     nullptr,
+     nullptr,
+     nullptr,
+     2},
+    // Of files that earlier versions saved.
+    {"Graphics",
      "MOLTA_PCIDevice",
      {{"Caption"}, {"Driver", ", driver ", "", "driver"}},
      nullptr,
      IsDisplayController,
      nullptr,
-     2},
+     2,
+     false,
+     nullptr,
+     kDisplayClass},
+    {"Monitor",
+     kMonitor,
+     {{"Caption"},
+      {"HorizontalResolution", ", ", "", nullptr, ESummaryForm::eNumber},
+      {"VerticalResolution", " x ", "", nullptr, ESummaryForm::eNumber},
+      {"Diagonal", ", ", " in", nullptr, ESummaryForm::eNumber},
+      {"SerialNumber", ", serial "}},
+     nullptr,
+     nullptr,
+     nullptr,
+     3,
+     true},
     {"Management",
      kManagementController,
      {{"Caption"}, {"InterfaceType", " with ", " interface"}, {"IPMIVersion", ", IPMI "}},
@@ -253,6 +280,7 @@ const TSection kSections[] = {
      2,
      true},
     {"Listening", kListeningSocketClass, {}, nullptr, nullptr, nullptr, 1, false, ListeningTexts},
+    {"Accounts", kAccountClass, {}, nullptr, nullptr, nullptr, 1, false, AccountsTexts},
     {"Guests", kVirtualMachineClass, {}, nullptr, nullptr, nullptr, 1, true, GuestsTexts},
 };
 
@@ -324,14 +352,21 @@ private:
 // then.
 constexpr const char* kMayBeLeftOut[] = {kSecurityClass,        kTpmClass,
                                          kDiskHealth,           kDnsSettings,
+                                         kDisplayClass,         kMonitor,
                                          kManagementController, kListeningSocketClass,
-                                         kVirtualMachineClass,  kHostedContainerClass};
+                                         kAccountClass,         kVirtualMachineClass,
+                                         kHostedContainerClass};
 
 bool IsAskedFor(const TContainer& container, const std::string& name) {
     if (std::find(std::begin(kMayBeLeftOut), std::end(kMayBeLeftOut), name) == std::end(kMayBeLeftOut)) return true;
     for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
         if (TextOf(*state, "Name") == name) return OutcomeOf(*state).state != eNotAsked;
     return false;
+}
+
+bool IsTold(const TSection& section, const TContainer& container) {
+    if (section.otherwise != nullptr && IsAskedFor(container, section.otherwise)) return false;
+    return IsAskedFor(container, section.className);
 }
 
 void PrintLines(std::string label, const TTexts& lines, TOutput& output) {
@@ -348,7 +383,8 @@ void PrintLines(std::string label, const TTexts& lines, TOutput& output) {
 std::vector<std::string> SummaryClasses() {
     std::vector<std::string> names;
     for (const TSection& section : kSections)
-        if (names.empty() || names.back() != section.className) names.emplace_back(section.className);
+        if (section.otherwise == nullptr && (names.empty() || names.back() != section.className))
+            names.emplace_back(section.className);
     for (const char* name :
          {kTpmClass, kHostedContainerClass, kMemoryArray, "MOLTA_DiskPartition", "MOLTA_StorageVolume",
           "MOLTA_FileSystem", "MOLTA_Mount", "MOLTA_SwapArea", "MOLTA_IPAddress", kAdapterMember})
@@ -361,7 +397,7 @@ std::vector<std::string> SummaryClasses() {
 void PrintSummary(const TContainer& container, TOutput& output) {
     const TStorageContents contents(container);
     for (const TSection& section : kSections)
-        if (IsAskedFor(container, section.className))
+        if (IsTold(section, container))
             PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
     TTexts classes = SummaryClasses();
     const auto isNot = [&container](const std::string& name) { return !IsAskedFor(container, name); };

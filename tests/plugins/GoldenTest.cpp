@@ -2,6 +2,7 @@
 // KYR_RENEW_GOLDENS=1 in the environment, and read line by line what changed in tests/plugins/expected.
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include "host/KyrRun.h"
@@ -128,6 +129,15 @@ TEST(GrantedTest, HealthOfDisksIsToldAsExpected) {
         EXPECT_FALSE(HasLineOver(80, run.out));
     }
     CompareWithGolden("disks", text);
+}
+
+// Such as earlier versions saved.
+TEST(SummaryTest, GraphicsAreToldOfFilesWithoutDisplayControllers) {
+    const TempFolder folder;
+    const std::string file = folder.Path() + "/collection.xml";
+    std::filesystem::create_directory_symlink(SYSTEM_PLUGINS "/pci", folder.Path() + "/pci");
+    RunKyrOn("server", "collect --plugins " + folder.Path() + " -o " + file);
+    EXPECT_THAT(RunKyr("summary " + file).out, HasSubstr("\nGraphics   VGA compatible controller: ASPEED"));
 }
 
 TEST(SystemRootTest, RootThatNamesNoFolderIsAnErrorOfEachPlugin) {

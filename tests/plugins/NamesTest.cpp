@@ -44,7 +44,9 @@ TEST(NamesTest, ClassesAndInstancesAreCalledAsPeopleCallThem) {
         {server, "web01 containers", "MOLTA_VirtualMachine MOLTA_HostedContainer (3)"},
         {server, "security", "MOLTA_SystemSecurity MOLTA_TPM"},
         {laptop, "/dev/nvme0n1p3", "MOLTA_DiskPartition"},
-        {laptop, "gpu", "MOLTA_PCIDevice"},
+        {laptop, "gpus", "MOLTA_DisplayController (2)"},
+        {laptop, "screens", "MOLTA_Monitor (2)"},
+        {server, "users", "MOLTA_Account (11)"},
         {laptop, "BAT0", "MOLTA_Battery"},
         {laptop, "ssd", "MOLTA_DiskDrive"},
     };
@@ -69,7 +71,7 @@ TEST(NamesTest, WhatCannotBeMeantIsToldWithWhatCan) {
         EXPECT_THAT(server.Show(arguments), FieldsAre(2, "", message)) << arguments;
     EXPECT_THAT(RunKyr("assoc sdd " + server.File()), FieldsAre(2, "", StartsWith("kyr: nothing is called 'sdd'")));
     EXPECT_THAT(RunKyr("schema memory"), FieldsAre(2, "", HasSubstr("'memory' means several classes: ")));
-    EXPECT_THAT(RunKyr("collect gpu -o " + server.Path() + "/x.xml"),
+    EXPECT_THAT(RunKyr("collect ssd -o " + server.Path() + "/x.xml"),
                 FieldsAre(2, "", HasSubstr("only whole classes can be saved")));
 }
 
