@@ -27,8 +27,11 @@ struct TMany {
     const char* name;
 };
 
-constexpr TMany kMany[] = {
-    {"MOLTA_Service", "services"}, {"MOLTA_KernelModule", "modules"}, {"MOLTA_Package", "packages"}};
+constexpr TMany kMany[] = {{"MOLTA_Service", "services"},
+                           {"MOLTA_KernelModule", "modules"},
+                           {"MOLTA_Package", "packages"},
+                           {"MOLTA_LanguagePackage", "packages of languages"},
+                           {"MOLTA_PendingUpdate", "updates"}};
 
 struct TOrder {
     const char* className;

@@ -16,9 +16,11 @@
 
 namespace {
 
-bool IsRegular(int descriptor) {
+/// The size of a regular file; nothing for anything else.
+std::optional<size_t> SizeOfRegular(int descriptor) {
     struct stat status;
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return static_cast<size_t>(status.st_size);
 }
 
 bool IsFolder(const char* path) {
@@ -35,10 +37,11 @@ bool IsCovered(const char* path) {
 }
 
 constexpr size_t kPage = 4096;
+constexpr size_t kLarge = 1 << 20;
 
 // Returns 0 or an errno.
 int ReadAll(int descriptor, size_t limit, bool isValue, std::string& content) {
-    char buffer[kPage];
+    char buffer[16 * kPage];
     while (content.size() < limit) {
         const ssize_t count = read(descriptor, buffer, std::min(sizeof buffer, limit - content.size()));
         if (count < 0 && errno == EINTR) continue;
@@ -76,8 +79,12 @@ int TSystemRoot::Open(const std::string& path) const {
 TFact<std::string> TSystemRoot::Read(const std::string& path, size_t limit, bool isValue) const {
     const TDescriptor file(Open(path));
     if (file.Number() < 0) return TFact<std::string>::Missing(AbsenceOf(errno), path);
-    if (!IsRegular(file.Number())) return TFact<std::string>::Missing(EAbsence::eNotSupported, path);
+    const std::optional<size_t> size = SizeOfRegular(file.Number());
+    if (!size) return TFact<std::string>::Missing(EAbsence::eNotSupported, path);
     std::string content;
+    // Growing a large file piece by piece copies it several times. Small ones are mostly those of the kernel, whose
+    // size says nothing.
+    if (*size >= kLarge) content.reserve(std::min(*size, limit) + 1);
     const int error = ReadAll(file.Number(), limit, isValue, content);
     if (error != 0) return TFact<std::string>::Missing(AbsenceOf(error), path);
     return TFact<std::string>::Of(std::move(content), path);

@@ -2,25 +2,31 @@
 #define KYR_PLUGINS_SOFTWARE_SOFTWAREFACTS_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "SystemRoot.h"
 
-/// A package that dpkg knows, installed or not.
+/// A package of the system, installed or not.
 struct TPackage {
     std::string name;
-    std::string architecture;
+    std::string id;       ///< what sets it apart from others of its name: the architecture, see MakeUnique
+    uint16_t format = 0;  ///< EPackageFormat
     TFact<std::string> version;
     TFact<std::string> maintainer;
     TFact<std::string> section;
     TFact<std::string> source;
     TFact<std::string> summary;
     TFact<uint64_t> installedSize;  ///< in bytes
+    TFact<int64_t> installDate;     ///< in seconds since 1970
     TFact<uint16_t> status;         ///< EPackageStatus
-    bool essential = false;
+    TFact<bool> essential;
+    bool isHeld = false;  ///< not to be updated
 };
+
+enum EPackageFormat : uint16_t { eDeb = 1, eRpm, eApk, ePacman, eFlatpak, eSnap };
 
 enum EPackageStatus : uint16_t {
     eNotInstalled = 1,
@@ -31,6 +37,54 @@ enum EPackageStatus : uint16_t {
     eTriggersAwaited,
     eTriggersPending,
     eInstalled,
+};
+
+/// A package of a programming language's own package manager.
+struct TLanguagePackage {
+    std::string name;
+    std::string folder;   ///< where it is installed
+    uint16_t format = 0;  ///< ELanguageFormat
+    TFact<std::string> version;
+    TFact<std::string> author;
+    TFact<std::string> summary;
+};
+
+enum ELanguageFormat : uint16_t { ePython = 1, eNpm };
+
+/// Where a package manager takes packages from.
+struct TRepository {
+    std::string name;
+    std::string file;     ///< that configures it
+    uint16_t format = 0;  ///< EPackageFormat
+    std::string title;
+    std::vector<std::string> urls;
+    std::string distribution;
+    std::vector<std::string> components;
+    std::string signedBy;
+    bool isEnabled = true;
+    bool hasSources = false;
+    std::optional<bool> checksSignatures;
+};
+
+/// An installed package of which the package lists have a newer version.
+struct TPendingUpdate {
+    std::string name;
+    std::string architecture;
+    std::string installed;
+    std::string candidate;
+    std::string archive;  ///< the suite that has it
+    std::string source;   ///< the list
+    bool isSecurity = false;
+    bool isHeld = false;
+};
+
+struct TUpdates {
+    std::vector<TPendingUpdate> pending;
+    TListing listing;
+    bool isKnown = false;     ///< whether there were lists
+    TFact<int64_t> listDate;  ///< of the newest list, in seconds since 1970
+    TFact<bool> rebootRequired;
+    TFact<std::vector<std::string>> rebootPackages;
 };
 
 struct TKernelModule {
@@ -54,21 +108,38 @@ struct TService {
 
 enum EStartMode : uint16_t { eEnabled = 1, eDisabled, eStatic, eMasked };
 
+/// What was found, and why there may be more.
+template <typename T>
+struct TFound {
+    std::vector<T> items;
+    std::vector<TListing> missing;
+
+    /// Notes a source that is there and cannot be read. A few are enough to tell.
+    void NoteUnreadable(const TListing& source) {
+        if (IsUnreadable(source) && missing.size() < 10) missing.push_back(source);
+    }
+};
+
 struct TSoftware {
-    TFact<std::vector<TPackage>> packages;
+    TFound<TPackage> packages;
+    TFound<TLanguagePackage> languagePackages;
+    TFound<TRepository> repositories;
+    mutable std::optional<TUpdates> updates;  ///< read when they are asked for, since the lists are long
     TFact<std::vector<TKernelModule>> modules;
     std::vector<TService> services;
-    TListing packageListing;
     TListing serviceListing;
 };
 
 TSoftware ReadSoftware(const TSystemRoot& root);
 
-// The parts of it, in order of their names. The texts are the content of /var/lib/dpkg/status and /proc/modules.
-std::vector<TPackage> ParsePackages(std::string_view text, const std::string& source);
+// The parts of it, in order of their names. The text is the content of /proc/modules.
 std::vector<TKernelModule> ParseModules(std::string_view text, const std::string& source);
 std::vector<TService> ReadServices(const TSystemRoot& root);
 /// Whether the system's services are those that ReadServices finds, or could be found.
 TListing ReadServiceListing(const TSystemRoot& root);
+TFound<TPackage> ReadPackages(const TSystemRoot& root);
+TFound<TLanguagePackage> ReadLanguagePackages(const TSystemRoot& root);
+TFound<TRepository> ReadRepositories(const TSystemRoot& root);
+TUpdates ReadUpdates(const TSystemRoot& root, const std::vector<TPackage>& packages);
 
 #endif

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "DataPlugin.h"
 #include "InstanceReport.h"
 #include "SoftwareFacts.h"
@@ -5,16 +7,37 @@
 namespace {
 
 constexpr const char* kPackage = "MOLTA_Package";
+constexpr const char* kLanguagePackage = "MOLTA_LanguagePackage";
+constexpr const char* kRepository = "MOLTA_Repository";
+constexpr const char* kPendingUpdate = "MOLTA_PendingUpdate";
+constexpr const char* kUpdateState = "MOLTA_UpdateState";
+constexpr const char* kInstalledPackage = "MOLTA_InstalledPackage";
+constexpr const char* kSystemRepository = "MOLTA_SystemRepository";
 constexpr const char* kModule = "MOLTA_KernelModule";
 constexpr const char* kService = "MOLTA_Service";
 
 TInstancePath PathOf(const TPackage& package) {
-    return {kPackage, {{"Name", package.name}, {"SoftwareElementID", package.architecture}}};
+    return {kPackage, {{"Name", package.name}, {"SoftwareElementID", package.id}}};
+}
+
+// The same package can be installed in several folders.
+TInstancePath PathOf(const TLanguagePackage& package) {
+    return {kLanguagePackage, {{"Name", package.name}, {"SoftwareElementID", package.folder}}};
+}
+
+TInstancePath PathOf(const TRepository& repository) { return {kRepository, {{"Name", repository.name}}}; }
+
+TInstancePath PathOf(const TPendingUpdate& update) {
+    return {kPendingUpdate, {{"Name", update.name}, {"SoftwareElementID", update.architecture}}};
 }
 
 TInstancePath PathOf(const TKernelModule& module) { return {kModule, {{"Name", module.name}}}; }
 
 TInstancePath PathOf(const TService& service) { return ScopedPath(kService, service.name); }
+
+TFact<TTimestamp> TimestampOf(const TFact<int64_t>& seconds) {
+    return seconds.Map([](int64_t time) { return std::optional(TTimestamp{time}); });
+}
 
 void AddTo(TInstanceReport& report, const TPackage& package) {
     report.Add("Version", package.version);
@@ -24,7 +47,47 @@ void AddTo(TInstanceReport& report, const TPackage& package) {
     if (package.source) report.Add("SourcePackage", package.source);
     report.Add("InstalledSize", package.installedSize);
     report.Add("PackageStatus", package.status);
-    report.Set("Essential", package.essential);
+    report.Add("Essential", package.essential);
+    report.Set("PackageFormat", package.format);
+    report.Add("InstallDate", TimestampOf(package.installDate));
+}
+
+void AddTo(TInstanceReport& report, const TLanguagePackage& package) {
+    report.Add("Version", package.version);
+    report.Add("Manufacturer", package.author);
+    report.Add("Description", package.summary);
+    report.Set("PackageFormat", package.format);
+}
+
+void SetIfAny(TInstanceReport& report, const char* property, const std::string& value, const std::string& source) {
+    if (!value.empty()) report.Add(property, TFact<std::string>::Of(value, source));
+}
+
+void SetIfAny(TInstanceReport& report, const char* property, const std::vector<std::string>& value,
+              const std::string& source) {
+    if (!value.empty()) report.Add(property, TFact<std::vector<std::string>>::Of(value, source));
+}
+
+void AddTo(TInstanceReport& report, const TRepository& repository) {
+    SetIfAny(report, "ElementName", repository.title, repository.file);
+    report.Set("PackageFormat", repository.format);
+    SetIfAny(report, "URLs", repository.urls, repository.file);
+    SetIfAny(report, "Distribution", repository.distribution, repository.file);
+    SetIfAny(report, "Components", repository.components, repository.file);
+    report.Add("Enabled", TFact<bool>::Of(repository.isEnabled, repository.file));
+    report.Set("SourcePackages", repository.hasSources);
+    if (repository.checksSignatures)
+        report.Add("SignatureCheck", TFact<bool>::Of(*repository.checksSignatures, repository.file));
+    SetIfAny(report, "SignedBy", repository.signedBy, repository.file);
+    report.Set("ConfigurationFile", repository.file);
+}
+
+void AddTo(TInstanceReport& report, const TPendingUpdate& update) {
+    report.Set("InstalledVersion", update.installed);
+    report.Add("Version", TFact<std::string>::Of(update.candidate, update.source));
+    SetIfAny(report, "Archive", update.archive, update.source);
+    report.Add("Security", TFact<bool>::Of(update.isSecurity, update.source));
+    report.Set("Held", update.isHeld);
 }
 
 void AddTo(TInstanceReport& report, const TKernelModule& module) {
@@ -49,8 +112,52 @@ kyrStatusCode ReportAll(kyrIOHandle handle, const std::vector<T>& list) {
     });
 }
 
+kyrStatusCode ReportMissing(kyrIOHandle handle, const char* className, const std::vector<TListing>& missing) {
+    return ReportEach(missing, [&](const TListing& source) { return ReportMissingSource(handle, className, source); });
+}
+
+template <typename T>
+kyrStatusCode ReportFound(kyrIOHandle handle, const char* className, const TFound<T>& found) {
+    const kyrStatusCode status = ReportMissing(handle, className, found.missing);
+    return status == kyrStatusOK ? ReportAll(handle, found.items) : status;
+}
+
 kyrStatusCode ReportPackages(kyrIOHandle handle, const TSoftware& software) {
-    return ReportAll(handle, software.packages.ValueOr({}));
+    return ReportFound(handle, kPackage, software.packages);
+}
+
+kyrStatusCode ReportLanguagePackages(kyrIOHandle handle, const TSoftware& software) {
+    return ReportFound(handle, kLanguagePackage, software.languagePackages);
+}
+
+kyrStatusCode ReportRepositories(kyrIOHandle handle, const TSoftware& software) {
+    return ReportFound(handle, kRepository, software.repositories);
+}
+
+const TUpdates& UpdatesOf(const TSoftware& software) {
+    if (!software.updates) software.updates = ReadUpdates(TSystemRoot::FromEnvironment(), software.packages.items);
+    return *software.updates;
+}
+
+kyrStatusCode ReportPendingUpdates(kyrIOHandle handle, const TSoftware& software) {
+    return ReportAll(handle, UpdatesOf(software).pending);
+}
+
+kyrStatusCode ReportUpdateState(kyrIOHandle handle, const TSoftware& software) {
+    const TUpdates& updates = UpdatesOf(software);
+    if (!updates.isKnown) return kyrStatusOK;
+    const auto count = [&updates](bool isSecurity) {
+        return static_cast<uint32_t>(
+            std::count_if(updates.pending.begin(), updates.pending.end(),
+                          [&](const auto& each) { return !each.isHeld && (each.isSecurity || !isSecurity); }));
+    };
+    TInstanceReport report(handle, {kUpdateState, {{"Name", "apt"}}});
+    report.Set("PendingUpdates", count(false));
+    report.Set("SecurityUpdates", count(true));
+    report.Add("ListDate", TimestampOf(updates.listDate));
+    report.Add("RebootRequired", updates.rebootRequired);
+    if (updates.rebootPackages) report.Add("RebootPackages", updates.rebootPackages);
+    return report.Finish();
 }
 
 kyrStatusCode ReportModules(kyrIOHandle handle, const TSoftware& software) {
@@ -77,23 +184,47 @@ kyrStatusCode ReportHostedServices(kyrIOHandle handle, const TSoftware& software
     });
 }
 
-kyrStatusCode ReportInstalledPackages(kyrIOHandle handle, const TSoftware& software) {
-    return ReportEach(software.packages.ValueOr({}), [handle](const TPackage& package) {
-        return ReportAssociation(handle, "MOLTA_InstalledPackage", "GroupComponent", ComputerSystem(), "PartComponent",
-                                 PathOf(package));
+template <typename T>
+kyrStatusCode ReportParts(kyrIOHandle handle, const char* className, const TFound<T>& found) {
+    const kyrStatusCode status = ReportMissing(handle, className, found.missing);
+    if (status != kyrStatusOK) return status;
+    return ReportEach(found.items, [&](const T& item) {
+        return ReportAssociation(handle, className, "GroupComponent", ComputerSystem(), "PartComponent", PathOf(item));
     });
 }
 
-TListing Packages(const TSoftware& software) { return software.packageListing; }
+kyrStatusCode ReportInstalledPackages(kyrIOHandle handle, const TSoftware& software) {
+    const kyrStatusCode status = ReportParts(handle, kInstalledPackage, software.packages);
+    return status == kyrStatusOK ? ReportParts(handle, kInstalledPackage, software.languagePackages) : status;
+}
+
+kyrStatusCode ReportSystemRepositories(kyrIOHandle handle, const TSoftware& software) {
+    return ReportParts(handle, kSystemRepository, software.repositories);
+}
+
+kyrStatusCode ReportPackageUpdates(kyrIOHandle handle, const TSoftware& software) {
+    return ReportEach(UpdatesOf(software).pending, [handle](const TPendingUpdate& update) {
+        const TInstancePath package = {kPackage, {{"Name", update.name}, {"SoftwareElementID", update.architecture}}};
+        return ReportAssociation(handle, "MOLTA_PackageUpdate", "Antecedent", package, "Dependent", PathOf(update));
+    });
+}
+
+TListing Updates(const TSoftware& software) { return UpdatesOf(software).listing; }
 TListing Modules(const TSoftware& software) { return ListingOf(software.modules); }
 TListing Services(const TSoftware& software) { return software.serviceListing; }
 
 const TDataPlugin<TSoftware> gPlugin("software", ReadSoftware,
-                                     {{kPackage, ReportPackages, {Packages}},
+                                     {{kPackage, ReportPackages, {}},
+                                      {kLanguagePackage, ReportLanguagePackages, {}},
+                                      {kRepository, ReportRepositories, {}},
+                                      {kPendingUpdate, ReportPendingUpdates, {Updates}},
+                                      {kUpdateState, ReportUpdateState, {Updates}},
                                       {kModule, ReportModules, {Modules}},
                                       {kService, ReportServices, {Services}},
                                       {"MOLTA_ModuleDependency", ReportModuleDependencies, {Modules}},
                                       {"MOLTA_HostedService", ReportHostedServices, {Services}},
-                                      {"MOLTA_InstalledPackage", ReportInstalledPackages, {Packages}}});
+                                      {kInstalledPackage, ReportInstalledPackages, {}},
+                                      {kSystemRepository, ReportSystemRepositories, {}},
+                                      {"MOLTA_PackageUpdate", ReportPackageUpdates, {Updates}}});
 
 }  // namespace

@@ -41,7 +41,10 @@ constexpr TLoss kLosses[] = {
     {"etc", false, "missing source /usr/lib: not present (classes MOLTA_InstalledOS, MOLTA_OperatingSystem)",
      "MOLTA_DNSSettings", "MOLTA_ComputerSystem"},
     {"etc", true, "missing source /etc: not present (class", "MOLTA_DNSSettings", "MOLTA_NetworkAdapter"},
-    {"var/lib/dpkg", false, "missing source /var/lib", "MOLTA_InstalledPackage", "MOLTA_KernelModule"},
+    {"var/lib/dpkg", false, "missing source /var/lib/dpkg: not present (classes MOLTA_InstalledPackage, MOLTA_Package",
+     "MOLTA_Package", "MOLTA_KernelModule"},
+    {"var/lib/apt", false, "missing source /var/lib/apt: not present (classes MOLTA_PackageUpdate, MOLTA_PendingUpdate",
+     "MOLTA_PendingUpdate", "MOLTA_Package"},
     {"etc/passwd", false, "missing source /etc/passwd: not present (classes MOLTA_Account", "MOLTA_AccountOnSystem",
      "MOLTA_Group"},
     {"etc/group", false, "missing source /etc/group: not present (classes MOLTA_Group", "MOLTA_MemberOfGroup",
@@ -111,13 +114,14 @@ TEST(MissingSourcesTest, MachineWithoutAKindIsComplete) {
         EXPECT_THAT(StateOf(name, run.out), HasSubstr("\"state\": \"complete\""));
 }
 
-TEST(MissingSourcesTest, SoftwareOfAnotherFamilyIsNotSupported) {
+TEST(MissingSourcesTest, SoftwareOfAnyFamilyIsMissedWithoutItsDataBase) {
     constexpr std::pair<const char*, const char*> kFamilies[] = {
         {"ID=fedora\n", "\"state\": \"no source\""},
-        {"ID=\"almalinux\"\nID_LIKE=\"rhel centos fedora\"\n", "\"reasonCode\": \"not supported\""},
+        {"ID=\"almalinux\"\nID_LIKE=\"rhel centos fedora\"\n", "\"reasonCode\": \"source missing\""},
+        {"ID=gentoo\n", "\"reasonCode\": \"not supported\""},
         {"ID=ubuntu\nID_LIKE=debian\n", "\"reasonCode\": \"source missing\""},
         {"NAME=None\n", "\"reasonCode\": \"source missing\""}};
-    const TMachine machine("virtual");
+    const TMachine machine("nvme");
     machine.Remove("var");
     for (const auto& [osRelease, state] : kFamilies) {
         machine.Write("root/etc/os-release", osRelease);
