@@ -5,7 +5,7 @@
 #include "states/HostIdentity.h"
 
 std::vector<std::string> CycloneDxClasses() {
-    std::vector<std::string> names = {kHostClass, kOperatingSystemClass, kPackageClass};
+    std::vector<std::string> names = {kHostClass, kOperatingSystemClass, kPackageClass, kLanguagePackageClass};
     for (const std::vector<std::string>& more : {HardwareClasses(), HardwareAssociations()})
         names.insert(names.end(), more.begin(), more.end());
     return names;

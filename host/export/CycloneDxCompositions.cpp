@@ -50,10 +50,13 @@ void AddCompleteness(const TContainer& container, TBom& bom) {
     std::vector<std::string> classes = HardwareClasses();
     classes.emplace_back(kOperatingSystemClass);
     const EAggregate machine = AggregateOf(states, classes);
-    const EAggregate packages = HasPackageInPart(container) ? eNotAllThere : AggregateOf(states, {kPackageClass});
+    std::vector<std::string> software = {kPackageClass};
+    // Collections of earlier versions have none.
+    if (container.FindClass(kLanguagePackageClass) != nullptr) software.emplace_back(kLanguagePackageClass);
+    const EAggregate packages = HasPackageInPart(container) ? eNotAllThere : AggregateOf(states, software);
     const bool hasSystem = bom.HasRef(kSystemRef);
     bom.fCompositions.push_back({kAggregates[hasSystem ? machine : std::max(machine, packages)], kMachineRef});
     if (hasSystem) bom.fCompositions.push_back({kAggregates[packages], kSystemRef});
-    classes.emplace_back(kPackageClass);
+    classes.insert(classes.end(), software.begin(), software.end());
     for (const std::string& name : classes) AddState(states, name, bom);
 }

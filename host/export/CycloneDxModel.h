@@ -104,6 +104,7 @@ std::vector<std::string> HardwareClasses();
 std::vector<std::string> HardwareAssociations();
 
 constexpr const char* kPackageClass = "MOLTA_Package";
+constexpr const char* kLanguagePackageClass = "MOLTA_LanguagePackage";
 constexpr const char* kOperatingSystemClass = "MOLTA_OperatingSystem";
 /// How far a package is installed, in the numbers of PackageStatus: what is in between may have files on the machine.
 enum class EInstalled { eNo, eInPart, eYes };

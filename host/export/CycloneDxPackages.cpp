@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "export/CycloneDxModel.h"
@@ -11,6 +13,26 @@ namespace {
 
 // The numbers of MOLTA_Package.PackageStatus that decide; those between them are on the way.
 constexpr unsigned short kNotInstalled = 1, kConfigurationLeft = 2, kInstalled = 8;
+
+/// What the numbers of MOLTA_Package.PackageFormat mean here; 0 is a package of a collection that knew only dpkg.
+struct TFormat {
+    bool hasUrl;  ///< There is a type of package URLs for it.
+    EPackageUrlType type;
+    bool hasRelease;  ///< Behind the last hyphen of a version stands the release.
+    const char* sourceArchitecture;
+};
+constexpr TFormat kDeb = {true, EPackageUrlType::eDeb, true, "source"};
+constexpr TFormat kBundle = {false, EPackageUrlType::eDeb, false, ""};
+constexpr TFormat kFormats[] = {kDeb,
+                                kDeb,
+                                {true, EPackageUrlType::eRpm, true, "src"},
+                                {true, EPackageUrlType::eApk, false, "source"},
+                                {true, EPackageUrlType::eAlpm, false, "source"},
+                                kBundle,
+                                kBundle};
+/// In the order of MOLTA_LanguagePackage.PackageFormat, from 1.
+constexpr std::pair<const char*, EPackageUrlType> kLanguages[] = {{"pypi", EPackageUrlType::ePypi},
+                                                                  {"npm", EPackageUrlType::eNpm}};
 
 /// The names under which the scanner trivy looks for the source package. It reads no other.
 constexpr const char* kTrivyName = "aquasecurity:trivy:SrcName";
@@ -34,14 +56,14 @@ bool IsNumber(const std::string& text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-TVersionParts PartsOf(const std::string& text) {
+TVersionParts PartsOf(const std::string& text, bool hasRelease) {
     TVersionParts parts;
     parts.version = text;
     if (const size_t colon = text.find(':'); colon != std::string::npos && IsNumber(text.substr(0, colon))) {
         parts.epoch = text.substr(0, colon);
         parts.version = text.substr(colon + 1);
     }
-    if (const size_t hyphen = parts.version.rfind('-'); hyphen != std::string::npos) {
+    if (const size_t hyphen = parts.version.rfind('-'); hasRelease && hyphen != std::string::npos) {
         parts.release = parts.version.substr(hyphen + 1);
         parts.version.erase(hyphen);
     }
@@ -84,8 +106,8 @@ void AddSupplier(const std::string& maintainer, TBomComponent& component) {
     if (IsAddress(parts.version)) component.email = parts.version;
 }
 
-void AddSource(const TNamedVersion& source, TBomComponent& component) {
-    const TVersionParts parts = PartsOf(source.version);
+void AddSource(const TNamedVersion& source, const TFormat& format, TBomComponent& component) {
+    const TVersionParts parts = PartsOf(source.version, format.hasRelease);
     const TBomProperty properties[] = {{kTrivyName, source.name},
                                        {kTrivyVersion, parts.version},
                                        {kTrivyRelease, parts.release},
@@ -119,32 +141,61 @@ public:
 
     void Add(const TCIMInstance& instance) {
         const TBomValues values(instance, true);
+        const TFormat& format =
+            kFormats[std::min<size_t>(NumberOf(instance, "PackageFormat"), std::size(kFormats) - 1)];
         const TNamedVersion binary = {values.Get("Name"), values.Get("Version")};
-        const std::string architecture = values.Get("SoftwareElementID");
+        const std::string id = values.Get("SoftwareElementID");
         const TNamedVersion source = SourceOf(values, binary);
-        TBomComponent component = {"library", "package:" + binary.name + ':' + architecture, binary.name,
-                                   binary.version};
-        component.purl = PackageUrlOf({fDistribution.id, binary.name, binary.version, architecture,
-                                       fDistribution.release, UpstreamOf(binary, source)});
+        TBomComponent component = {"library", "package:" + binary.name + ':' + id, binary.name, binary.version};
+        // Behind a colon stands the version, where several are installed.
+        component.purl = UrlOf(format, binary, id.substr(0, id.find(':')), UpstreamOf(format, binary, source));
         AddSupplier(values.Get("Manufacturer"), component);
-        AddSource(source, component);
-        const std::string ref = fBom.Add(std::move(component), &instance);
-        fBom.AddDependency(fBom.HasRef(kSystemRef) ? kSystemRef : kMachineRef, ref);
-        if (fWithSources) fBom.AddDependency(ref, RefOfSource(source));
+        if (format.hasUrl) AddSource(source, format, component);
+        const std::string ref = AddToSystem(std::move(component), instance);
+        if (fWithSources && format.hasUrl) fBom.AddDependency(ref, RefOfSource(format, source));
+    }
+
+    void AddOfLanguage(const TCIMInstance& instance) {
+        const size_t format = NumberOf(instance, "PackageFormat");
+        if (format == 0 || format > std::size(kLanguages)) return;
+        const auto& [prefix, type] = kLanguages[format - 1];
+        const TBomValues values(instance, true);
+        const std::string name = values.Get("Name"), version = values.Get("Version");
+        TBomComponent component = {"library", std::string(prefix) + ':' + name, name, version};
+        component.purl = PackageUrlOf({"", name, version, "", "", "", type});
+        AddSupplier(values.Get("Manufacturer"), component);
+        AddToSystem(std::move(component), instance);
     }
 
 private:
-    static std::string UpstreamOf(const TNamedVersion& binary, const TNamedVersion& source) {
+    std::string AddToSystem(TBomComponent component, const TCIMInstance& instance) {
+        const std::string ref = fBom.Add(std::move(component), &instance);
+        fBom.AddDependency(fBom.HasRef(kSystemRef) ? kSystemRef : kMachineRef, ref);
+        return ref;
+    }
+
+    std::string UrlOf(const TFormat& format, const TNamedVersion& package, const std::string& architecture,
+                      const std::string& upstream) const {
+        if (!format.hasUrl) return "";
+        return PackageUrlOf({fDistribution.id, package.name, package.version, architecture, fDistribution.release,
+                             upstream, format.type});
+    }
+
+    // Of rpm, scanners know the file of the source package.
+    static std::string UpstreamOf(const TFormat& format, const TNamedVersion& binary, const TNamedVersion& source) {
         if (source.name == binary.name && source.version == binary.version) return "";
+        const TVersionParts parts = PartsOf(source.version, format.hasRelease);
+        if (format.type == EPackageUrlType::eRpm)
+            return source.name + '-' + parts.version + '-' + parts.release + ".src.rpm";
         return source.version.empty() ? source.name : source.name + '@' + source.version;
     }
 
     // Many packages are built from one source.
-    std::string RefOfSource(const TNamedVersion& source) {
+    std::string RefOfSource(const TFormat& format, const TNamedVersion& source) {
         const std::string ref = "source:" + source.name + ':' + source.version;
         if (fBom.HasRef(ref)) return ref;
         TBomComponent component = {"library", ref, source.name, source.version};
-        component.purl = PackageUrlOf({fDistribution.id, source.name, source.version, "source", fDistribution.release});
+        component.purl = UrlOf(format, source, format.sourceArchitecture, "");
         return fBom.Add(std::move(component));
     }
 
@@ -186,4 +237,6 @@ void AddSoftware(const TContainer& container, const TCycloneDxOptions& options, 
     TPackages packages(AddFirstSystem(container, bom), options.sourcePackages, bom);
     for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, kPackageClass)))
         if (HowInstalled(*instance) == EInstalled::eYes) packages.Add(*instance);
+    for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, kLanguagePackageClass)))
+        packages.AddOfLanguage(*instance);
 }

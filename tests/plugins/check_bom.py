@@ -36,6 +36,17 @@ PACKAGES = [
     (dict(Package="removed", Version="1", Status="deinstall ok config-files"), None, None, None, None),
 ]
 
+# What has to stand in the documents of machines with packages of other formats.
+PURLS = {
+    "laptop": [*(f"pkg:rpm/tumble/{name}?arch={arch}&distro=tumble-20240701{more}" for name, arch, more in [
+                   ("bash@5.2.26-11.1", "x86_64", ""), ("kernel-default@6.9.6-1.1", "x86_64", ""),
+                   ("libexample1@1.3-5.2", "x86_64", "&epoch=2&upstream=example-1.3-5.2.src.rpm"),
+                   ("timezone@2024a-1.1", "noarch", "&upstream=timezone-all-2024a-2.1.src.rpm")]),
+               "pkg:pypi/example-tool@1.4", "pkg:npm/%40example/cli@0.2.0"],
+    "container": [f"pkg:apk/alpine/{name}?arch=x86_64&distro=alpine-3.19.1{more}" for name, more in [
+                      ("busybox@1.36.1-r15", ""), ("libcrypto3@3.1.4-r5", "&upstream=openssl%403.1.4-r5")]],
+}
+
 # A document of another program, which knows no states of classes.
 FOREIGN = """<CIM CIMVERSION="2.0" DTDVERSION="2.0"><DECLARATION><DECLGROUP>
 <QUALIFIER.DECLARATION NAME="Key" TYPE="boolean"><SCOPE PROPERTY="true"/></QUALIFIER.DECLARATION>
@@ -125,17 +136,27 @@ class Shown:
         return texts - places | {text.replace(":", "") for text in texts if text.count(":") == 5}
 
 
+def id_of(component):
+    """What sets a package apart from others of its name, the number that makes a reference unique taken off."""
+    return re.sub(r"#\d+$", "", component["bom-ref"].removeprefix(f"package:{component['name']}:"))
+
+
 def check_document(bom, shown):
     installed = [row for row in zip(*(shown.values("MOLTA_Package", name) for name in
                                       ("Name", "Version", "SoftwareElementID", "PackageStatus")))
                  if row[3] == "installed"]
-    told = [(each["name"], each["version"], each["bom-ref"].rsplit(":", 1)[1]) for each in bom.packages()]
-    bom.expect(sorted(told) == sorted(row[:3] for row in installed), "packages:", told, installed)
-    refs = {each["bom-ref"] for each in bom.packages()}
+    told = [(each["name"], each.get("version", ""), id_of(each)) for each in bom.packages()]
+    bom.expect(sorted(told) == sorted((name, version or "", id) for name, version, id, _ in installed), "packages:", told, installed)
+    languages = bom.packages(("pypi:", "npm:"))
+    bom.expect(sorted((each["name"], each.get("version", ""), each["purl"].split("/")[0]) for each in languages) ==
+               sorted((name, version or "", {"Python": "pkg:pypi", "npm": "pkg:npm"}[word]) for name, version, word in
+                      zip(*(shown.values("MOLTA_LanguagePackage", name) for name in
+                            ("Name", "Version", "PackageFormat")))), "packages of languages:", languages)
+    refs = {each["bom-ref"] for each in bom.packages() + languages}
     system = "os" if "os" in bom.components else "machine"
-    told = {ref for ref in bom.dependencies.get(system, []) if ref.startswith("package:")}
+    told = {ref for ref in bom.dependencies.get(system, []) if ref.startswith(("package:", "pypi:", "npm:"))}
     bom.expect(told == refs, "the system does not depend on its packages")
-    for ref, classes in ("machine", HARDWARE), (system, {"MOLTA_Package"} | (HARDWARE if system != "os" else set())):
+    for ref, classes in ("machine", HARDWARE), (system, {"MOLTA_Package", "MOLTA_LanguagePackage"} | (HARDWARE if system != "os" else set())):
         bom.expect(("complete" == bom.aggregates[ref]) == shown.is_complete(classes), ref, "is", bom.aggregates[ref])
     firmware = [row for cls, name in (("Processor", "MicrocodeRevision"), ("DiskDrive", "FirmwareRevision"),
                                       ("PhysicalMemory", "FirmwareVersion"), ("NetworkAdapter", "FirmwareVersion"),
@@ -167,6 +188,8 @@ def check_machine(kyr, options, folder, root):
     plain.expect(live in (None, plain.document), "another document without the file")
     plain.expect("timestamp" not in plain.document["metadata"] and "timestamp" in full.document["metadata"], "time")
     plain.expect(plain.document["serialNumber"] != full.document["serialNumber"], "one serial number for two")
+    wanted = set(PURLS.get(os.path.basename(root or ""), []))
+    plain.expect(wanted <= {each.get("purl") for each in plain.components.values()}, "lacks some of", wanted)
     return plain.faults + full.faults
 
 
@@ -221,8 +244,8 @@ def check_dpkg(kyr, folder):
     bom = Bom(export(kyr, f"{folder}/machine.xml"))
     theirs = {(name, version, arch): tuple(source) for status, name, version, arch, *source in rows
               if status == "installed"}
-    ours = {(each["name"], each["version"], each["bom-ref"].rsplit(":", 1)[1]): source_of(each)
-            for each in bom.packages()}
+    ours = {(each["name"], each["version"], id_of(each)): source_of(each) for each in bom.packages()
+            if each.get("purl", "pkg:deb/").startswith("pkg:deb/")}
     bom.expect(theirs == ours, "dpkg-query tells otherwise:", sorted(theirs.items() ^ ours.items())[:10])
     return bom.faults
 
