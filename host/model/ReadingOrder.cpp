@@ -30,7 +30,7 @@ struct TMany {
 constexpr TMany kMany[] = {{"MOLTA_Service", "services"},
                            {"MOLTA_KernelModule", "modules"},
                            {"MOLTA_Package", "packages"},
-                           {"MOLTA_LanguagePackage", "packages of languages"},
+                           {"MOLTA_LanguagePackage", "language-packages"},
                            {"MOLTA_PendingUpdate", "updates"}};
 
 struct TOrder {

@@ -70,6 +70,7 @@ const TUsualWord kUsualWords[] = {
     {"system", {"CIM_ComputerSystem"}},
     {"temperature", {"MOLTA_TemperatureSensor"}},
     {"thread", {"CIM_HardwareThread"}},
+    {"update", {"MOLTA_PendingUpdate", "MOLTA_UpdateState"}},
     {"usb", {"CIM_USBDevice"}},
     {"user", {"CIM_Account"}},
     {"vm", {"MOLTA_VirtualMachine"}},
