@@ -44,11 +44,12 @@ void CheckChassis(const std::string& table) {
     TChassisFacts facts;
     const TStructures structures = ParseSmbiosTable(table);
     for (const auto parse : {ParseChassis, ParsePowerSupplies, ParseSockets, ParseSlots, ParseOnboardDevices,
-                             ParseConnectors, ParseControllers})
+                             ParseConnectors, ParseControllers, ParseHostInterfaces})
         parse(structures, facts);
     size_t count = 0;
-    for (const THardwareList* list : {&facts.chassis, &facts.powerSupplies, &facts.sockets, &facts.caches, &facts.slots,
-                                      &facts.onboardDevices, &facts.connectors, &facts.controllers}) {
+    for (const THardwareList* list :
+         {&facts.chassis, &facts.powerSupplies, &facts.sockets, &facts.caches, &facts.slots, &facts.onboardDevices,
+          &facts.connectors, &facts.controllers, &facts.hostInterfaces}) {
         count += list->size();
         for (const THardware& hardware : *list) Require(!hardware.properties.empty(), "a structure has fields");
     }

@@ -22,7 +22,7 @@ TChassisFacts ReadChassis(const TSystemRoot& root) {
     facts.smbiosListing = SmbiosListing(root, table);
     const TStructures structures = table ? ParseSmbiosTable(*table) : TStructures();
     for (const auto parse : {ParseChassis, ParsePowerSupplies, ParseSockets, ParseSlots, ParseOnboardDevices,
-                             ParseConnectors, ParseControllers})
+                             ParseConnectors, ParseControllers, ParseHostInterfaces})
         parse(structures, facts);
     for (const auto read : {ReadSocketProcessors, ReadSlots, ReadControllers, ReadEnclosures, ReadFirmwareResources})
         read(root, facts);

@@ -45,6 +45,7 @@ struct TChassisFacts {
     THardwareList enclosures;
     THardwareList bays;  ///< their owners are enclosures, their devices disks
     THardwareList controllers;
+    THardwareList hostInterfaces;
     THardwareList firmware;
 
     TListing smbiosListing, slotListing, enclosureListing, ipmiListing, firmwareListing;
@@ -62,6 +63,7 @@ void ParseSlots(const TStructures& structures, TChassisFacts& facts);
 void ParseOnboardDevices(const TStructures& structures, TChassisFacts& facts);
 void ParseConnectors(const TStructures& structures, TChassisFacts& facts);
 void ParseControllers(const TStructures& structures, TChassisFacts& facts);
+void ParseHostInterfaces(const TStructures& structures, TChassisFacts& facts);
 /// After ParseSockets.
 void ReadSocketProcessors(const TSystemRoot& root, TChassisFacts& facts);
 /// After ParseSlots and ParseOnboardDevices.

@@ -16,6 +16,7 @@ constexpr char kPowerSupply[] = "MOLTA_PowerSupplyUnit";
 constexpr char kEnclosure[] = "MOLTA_StorageEnclosure";
 constexpr char kBay[] = "MOLTA_DriveBay";
 constexpr char kController[] = "MOLTA_ManagementController";
+constexpr char kHostInterface[] = "MOLTA_RedfishHostInterface";
 constexpr char kFirmware[] = "MOLTA_FirmwareResource";
 
 constexpr char kSystemHardware[] = "MOLTA_SystemHardware";
@@ -33,6 +34,7 @@ constexpr char kDisk[] = "MOLTA_DiskDrive";
 
 TInstancePath PathOf(const char* className, const std::string& tag) {
     if (className == kController) return DevicePath(className, tag);
+    if (className == kHostInterface) return ScopedPath(className, tag);
     if (className == kFirmware) return {className, {{"InstanceID", tag}}};
     return {className, {{"CreationClassName", className}, {"Tag", tag}}};
 }
@@ -55,6 +57,7 @@ constexpr TKind kKinds[] = {
     {kEnclosure, &TChassisFacts::enclosures},
     {kBay, &TChassisFacts::bays},
     {kController, &TChassisFacts::controllers},
+    {kHostInterface, &TChassisFacts::hostInterfaces},
     {kFirmware, &TChassisFacts::firmware},
 };
 
@@ -126,6 +129,7 @@ const TDataPlugin<TChassisFacts> gPlugin(
      {kEnclosure, ReportHardware<kEnclosure, &TFacts::enclosures>, {kEnclosures}},
      {kBay, ReportHardware<kBay, &TFacts::bays>, {kEnclosures}},
      {kController, ReportHardware<kController, &TFacts::controllers>, {kSmbios, kIpmi}},
+     {kHostInterface, ReportHardware<kHostInterface, &TFacts::hostInterfaces>, {kSmbios}},
      {kFirmware, ReportHardware<kFirmware, &TFacts::firmware>, {kResources}},
      {kSystemHardware, ReportSystemHardware, {kSmbios, kSlots, kEnclosures, kIpmi, kResources}},
      {kSocketProcessor, ReportDevices<kSocketProcessor, kSocket, &TFacts::sockets, kProcessor>, {kSmbios, kProcessors}},

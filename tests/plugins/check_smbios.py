@@ -53,6 +53,13 @@ HARDWARE = {
                                    "Plugged": "PluggedIn", "Hot Replaceable": "HotReplaceable"}),
     41: ("MOLTA_OnboardDevice", {"Reference Designation": "ReferenceDesignation", "Type": "DeviceType",
                                  "Bus Address": "BusAddress"}),
+    42: ("MOLTA_RedfishHostInterface", {"Service UUID": "ServiceUUID", "Host IP Assignment Type": "HostIPAssignment",
+                                        "IPv4 Address": "HostAddress", "IPv4 Mask": "HostMask",
+                                        "Redfish Service IP Discovery Type": "ServiceIPDiscovery",
+                                        "IPv4 Redfish Service Address": "ServiceAddress",
+                                        "IPv4 Redfish Service Mask": "ServiceMask",
+                                        "Redfish Service Port": "ServicePort",
+                                        "Redfish Service Hostname": "ServiceHostName"}),
 }
 UNITS = {"bytes": 1, "kB": 1 << 10, "MB": 1 << 20, "GB": 1 << 30, "TB": 1 << 40, "MT/s": 1, "bits": 1}
 
