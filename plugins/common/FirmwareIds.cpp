@@ -11,6 +11,10 @@ namespace {
 constexpr TUuid kDnsNamespace = {0x6B, 0xA7, 0xB8, 0x10, 0x9D, 0xAD, 0x11, 0xD1,
                                  0x80, 0xB4, 0x00, 0xC0, 0x4F, 0xD4, 0x30, 0xC8};
 
+const uint8_t* BytesOf(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
+
+}  // namespace
+
 std::string UuidText(const TUuid& uuid) {
     constexpr const char* kDigits = "0123456789abcdef";
     std::string text;
@@ -20,10 +24,6 @@ std::string UuidText(const TUuid& uuid) {
     }
     return text;
 }
-
-const uint8_t* BytesOf(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
-
-}  // namespace
 
 std::string NameUuid(const TUuid& nameSpace, std::string_view name) {
     sha1_ctx context;

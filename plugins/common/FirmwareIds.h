@@ -10,6 +10,8 @@
 
 using TUuid = std::array<uint8_t, 16>;
 
+std::string UuidText(const TUuid& uuid);
+
 /// The UUID of version 5 of a name in a namespace: its SHA-1.
 std::string NameUuid(const TUuid& nameSpace, std::string_view name);
 

@@ -29,7 +29,7 @@ TEST(IdentityTest, WhatCannotBeToldHasItsReason) {
         "Machine ID              not available (not supported: /etc/machine-id)\n"
         "Operating system        Ubuntu\n"
         "Version                 24.04\n"
-        "Point release           not available (does not apply: it is not Debian)\n"
+        "Point release           not available (does not apply: the version is the whole release)\n"
         "Kernel release          6.8.0-31-generic\n"
         "Boot firmware           not available (not present: /sys/firmware/efi)\n"
         "Data source version     " KYRCORE_VERSION "\n";
