@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "base/Text.h"
@@ -284,6 +285,13 @@ const TSection kSections[] = {
     {"Guests", kVirtualMachineClass, {}, nullptr, nullptr, nullptr, 1, true, GuestsTexts},
 };
 
+// What became of a class; nothing if the collection does not know it.
+std::optional<EState> FindState(const TContainer& container, const std::string& className) {
+    for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
+        if (TextOf(*state, "Name") == className) return OutcomeOf(*state).state;
+    return std::nullopt;
+}
+
 /// A line of a section, and how many instances have it.
 struct TCountedLine {
     std::string text;
@@ -300,7 +308,7 @@ public:
         else
             for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, section.className)))
                 Add(*instance);
-        fIsComplete = IsComplete(container);
+        fIsComplete = FindState(container, section.className) == eComplete;
     }
 
     TTexts Lines() const {
@@ -359,9 +367,7 @@ constexpr const char* kMayBeLeftOut[] = {kSecurityClass,        kTpmClass,
 
 bool IsAskedFor(const TContainer& container, const std::string& name) {
     if (std::find(std::begin(kMayBeLeftOut), std::end(kMayBeLeftOut), name) == std::end(kMayBeLeftOut)) return true;
-    for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
-        if (TextOf(*state, "Name") == name) return OutcomeOf(*state).state != eNotAsked;
-    return false;
+    return FindState(container, name).value_or(eNotAsked) != eNotAsked;
 }
 
 bool IsTold(const TSection& section, const TContainer& container) {
