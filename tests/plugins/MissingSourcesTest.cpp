@@ -38,7 +38,7 @@ constexpr TLoss kLosses[] = {
      "MOLTA_PhysicalMemory"},
     {"proc/swaps", false, "missing source /proc/swaps: not present (classes MOLTA_SwapArea", "MOLTA_SwapArea",
      "MOLTA_SystemMemory"},
-    {"etc", false, "missing source /usr/lib: not present (classes MOLTA_InstalledOS, MOLTA_OperatingSystem)",
+    {"etc", false, "missing source /usr/lib/os-release: not present (classes MOLTA_InstalledOS, MOLTA_OperatingSystem)",
      "MOLTA_DNSSettings", "MOLTA_ComputerSystem"},
     {"etc", true, "missing source /etc: not present (class", "MOLTA_DNSSettings", "MOLTA_NetworkAdapter"},
     {"var/lib/dpkg", false, "missing source /var/lib/dpkg: not present (classes MOLTA_InstalledPackage, MOLTA_Package",
@@ -118,7 +118,7 @@ TEST(MissingSourcesTest, SoftwareOfAnyFamilyIsMissedWithoutItsDataBase) {
     constexpr std::pair<const char*, const char*> kFamilies[] = {
         {"ID=fedora\n", "\"state\": \"no source\""},
         {"ID=\"almalinux\"\nID_LIKE=\"rhel centos fedora\"\n", "\"reasonCode\": \"source missing\""},
-        {"ID=gentoo\n", "\"reasonCode\": \"not supported\""},
+        {"ID=gentoo\n", "\"packages of gentoo: not supported\"]"},
         {"ID=ubuntu\nID_LIKE=debian\n", "\"reasonCode\": \"source missing\""},
         {"NAME=None\n", "\"reasonCode\": \"source missing\""}};
     const TMachine machine("nvme");
