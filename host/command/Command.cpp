@@ -179,6 +179,11 @@ void TCommand::AddCollecting() {
         ->type_name("PLUGIN:NEED")
         ->allow_extra_args(false)
         ->check(CheckGrant);
+    fApp.add_option("--also", fSession.also,
+                    "Collect this class too, which is left out unless it is named, such as updates; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false)
+        ->check(CheckName);
 }
 
 void TCommand::AddPrinting(std::vector<std::string>& classes, TPrintOptions& options) {

@@ -63,7 +63,7 @@ struct TConflict {
 };
 
 const std::vector<const char*> kOfCollecting = {"--timeout", "--deadline", "--in-process", "--sandbox",
-                                                "--grant",   "--plugins",  "--schema"};
+                                                "--grant",   "--also",     "--plugins",    "--schema"};
 const std::string kNothingIsCollected = ": no plugin is asked for a saved collection";
 
 const std::vector<const char*> kNoTable = {"--json", "--null", "--references", "--provenance", "--keys", "--tree"};

@@ -35,7 +35,7 @@ EExit TShowCommand::Run(TOutput& output) {
     const bool any = Print(inventory.Container(), choice, output);
     const EExit status = inventory.Conclude();
     if (status == eExitNothing) return status;
-    ReportNotGranted(inventory.Container(), choice.ClassesNamed());
+    ReportLeftOut(inventory.Container(), choice.ClassesNamed());
     TellOfNone(choice, any);
     return status;
 }

@@ -11,6 +11,7 @@
 #include "kyr/TPluginManager.h"
 #include "model/ClassNames.h"
 #include "model/CollectionState.h"
+#include "model/InstanceChoice.h"
 #include "saved/SavedCollection.h"
 #include "states/CollectionSummary.h"
 #include "states/StateInstances.h"
@@ -43,7 +44,7 @@ void InitializePluginManager() {
 class TInventory::TBody {
 public:
     TBody(const TSessionOptions& options, std::shared_ptr<const TCoreLog> log)
-        : fLog(std::move(log)), fContainer(MakeContainer()) {
+        : fLog(std::move(log)), fContainer(MakeContainer()), fAlso(options.also) {
         InitializePluginManager();
         if (options.from.empty())
             fSession = std::make_unique<TSession>(options, *fLog, fContainer);
@@ -57,6 +58,13 @@ public:
     EExit Conclude(EExit (*report)(const TContainer&)) const {
         const EExit status = ReportStates(report);
         return fLog->Finish() ? status : eExitOutput;
+    }
+
+    TClassSelection WithAlso(TClassSelection wanted) const {
+        if (fAlso.empty()) return wanted;
+        const TInstanceChoice also(fContainer, fAlso, {});
+        for (const std::string& name : also.ClassesToCollect()) wanted = wanted.With(name);
+        return wanted.Naming(also.ClassesNamed());
     }
 
     void Run(const TClassSelection& wanted) {
@@ -77,6 +85,7 @@ private:
 
     const std::shared_ptr<const TCoreLog> fLog;
     TPluginContainer& fContainer;
+    const std::vector<std::string> fAlso;
     std::unique_ptr<TSession> fSession;
     TReason fFileChange;  // why a file is not as it was saved
     bool fRun = false;
@@ -90,7 +99,7 @@ TInventory::~TInventory() = default;
 TContainer& TInventory::Container() const { return fBody->Container(); }
 void TInventory::LoadPlugins() { fBody->Run(TClassSelection::SchemaOnly()); }
 void TInventory::Collect(const std::vector<std::string>& classes, const std::vector<std::string>& named) {
-    fBody->Run(WithoutStates(classes, Container()).Naming(named));
+    fBody->Run(fBody->WithAlso(WithoutStates(classes, Container()).Naming(named)));
 }
 EExit TInventory::Conclude() const { return fBody->Conclude(ReportIncomplete); }
 EExit TInventory::ConcludeSilently() const { return fBody->Conclude(StatusOfCollection); }

@@ -40,9 +40,9 @@ public:
     /// Loads the plugins, so that they register their names and versions, and asks them for no instances.
     void LoadPlugins();
     /// Loads the plugins and asks them for the instances of the named classes (not of subclasses), or of all classes if
-    /// there are no names. An optional class that needs what is not granted is asked for only if it is among those that
-    /// the user has named. In a saved collection, Collect and LoadPlugins change only the states, to what they would be
-    /// if it had been collected so. Only the first call of either has an effect.
+    /// there are no names. An optional class is asked for only if it is among those that the user has named, or needs
+    /// something that is granted. In a saved collection, Collect and LoadPlugins change only the states, to what they
+    /// would be if it had been collected so. Only the first call of either has an effect.
     void Collect(const std::vector<std::string>& classes, const std::vector<std::string>& named = {});
     /// Prints on standard error what is not complete, and returns the exit status that follows.
     EExit Conclude() const;

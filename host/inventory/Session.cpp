@@ -170,7 +170,7 @@ void TSession::RunInProcess(const TRounds& rounds, const TClassSelection& wanted
     for (const std::vector<TPluginLibrary*>& round : rounds) {
         for (TPluginLibrary* library : round) {
             ClaimClasses(*library, fLibraries);
-            library->LeaveOutUngranted(wanted);
+            library->LeaveOutOptional(wanted);
             if (!library->IsLeftOut()) run.Load(*library);
         }
     }
@@ -203,7 +203,7 @@ int TSession::RunIsolated(const TRounds& rounds, const TClassSelection& wanted) 
         std::vector<TPluginLibrary*> started;
         for (TPluginLibrary* library : round) {
             ClaimClasses(*library, fLibraries);
-            library->LeaveOutUngranted(wanted);
+            library->LeaveOutOptional(wanted);
             if (!library->IsLeftOut()) started.push_back(library);
         }
         AssignClassesToLibraries();

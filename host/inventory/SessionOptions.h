@@ -19,6 +19,7 @@ struct TSessionOptions {
     bool inProcess = false;  ///< run the plugins in this process, not each in its own
     ESandbox sandbox = ESandbox::eAuto;
     std::vector<std::string> grants;  ///< each "PLUGIN:NEED"
+    std::vector<std::string> also;    ///< names of classes that are collected beside what a command collects
     TRunLimits limits;
 };
 

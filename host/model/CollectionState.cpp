@@ -8,6 +8,7 @@ bool IsMissing(EState state, EReason reason) {
         case EReason::eMarkedDontCollect:
         case EReason::eNoData:
         case EReason::eSchemaOnly:
+        case EReason::eNotNamed:
         case EReason::eNotGranted:
             return false;
         default:

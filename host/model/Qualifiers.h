@@ -44,7 +44,7 @@ bool IsCounted(const TCIMPropertyDecl& declaration);
 bool IsIdentity(const TCIMPropertyDecl& declaration);
 /// Whether plugins must not be asked for instances of the class.
 bool IsDontCollect(const TCIMClass& cls);
-/// Whether they are asked for them only if what the class needs is granted, or if it is named.
+/// Whether plugins are asked for it only if it is named, or if it needs something and that is granted.
 bool IsOptional(const TCIMClass& cls);
 
 #endif

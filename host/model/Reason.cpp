@@ -20,6 +20,7 @@ constexpr TWording kWordings[] = {
     {EReason::eMarkedDontCollect, "marked DONTCOLLECT"},
     {EReason::eNoData, "its plugin has no data"},
     {EReason::eSchemaOnly, "only the schema was wanted"},
+    {EReason::eNotNamed, "it is collected only if it is named (--also {class})"},
     {EReason::eFolderUnreadable, "cannot read its folder: {detail}"},
     {EReason::eCannotOpen, "cannot be opened: {detail}"},
     {EReason::eNoPluginRegistered, "it registers no plugin"},

@@ -18,6 +18,7 @@ enum class EReason : uint16_t {
     eMarkedDontCollect = 11,
     eNoData = 12,
     eSchemaOnly = 13,
+    eNotNamed = 14,
     // A plugin's library and its document
     eFolderUnreadable = 20,
     eCannotOpen = 21,

@@ -57,7 +57,7 @@ std::string SecurityText(const TCIMInstance& security) {
     AddAccessControl(security, texts);
     if (SummaryNumber(security, "Lockdown") != kNoLockdown) AddWord(security, "Lockdown", "lockdown ", texts);
     if (HasBoolean(security, "FIPSMode", true)) texts.emplace_back("FIPS mode");
-    return Join(texts);
+    return texts.empty() ? "no Secure Boot, SELinux or AppArmor known" : Join(texts);
 }
 
 std::vector<std::string> GuestsTexts(const TContainer& container) {

@@ -141,13 +141,13 @@ EExit ReportIncomplete(const TContainer& container) {
     return StatusOfCollection(container);
 }
 
-void ReportNotGranted(const TContainer& container, const std::vector<std::string>& classNames) {
+void ReportLeftOut(const TContainer& container, const std::vector<std::string>& classNames) {
     for (const TCIMInstance* instance : StatesOf(container, kCollectedClassClass)) {
         const std::string name = TextOf(*instance, "Name");
         const TStoredOutcome outcome = OutcomeOf(*instance);
         const bool isNamed = std::find(classNames.begin(), classNames.end(), name) != classNames.end();
-        if (isNamed && outcome.state == eNotAsked && outcome.code == EReason::eNotGranted)
-            Report("class " + name, outcome.state, outcome.text);
+        const bool isOptional = outcome.code == EReason::eNotGranted || outcome.code == EReason::eNotNamed;
+        if (isNamed && isOptional && outcome.state == eNotAsked) Report("class " + name, outcome.state, outcome.text);
     }
 }
 

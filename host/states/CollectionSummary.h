@@ -12,9 +12,9 @@ class TContainer;
 /// status that follows from the state of the collection; one without states, which another program wrote, counts as
 /// complete.
 EExit ReportIncomplete(const TContainer& container);
-/// Prints on standard error which of the classes were left out because what they need was not granted. That is no part
-/// of what is missing, and of interest only to who names them.
-void ReportNotGranted(const TContainer& container, const std::vector<std::string>& classNames);
+/// Prints on standard error which of the classes are optional and were left out. That is no part of what is missing,
+/// and of interest only to who names them.
+void ReportLeftOut(const TContainer& container, const std::vector<std::string>& classNames);
 /// That status alone. Prints only that nothing was collected, if so.
 EExit StatusOfCollection(const TContainer& container);
 

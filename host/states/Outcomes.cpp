@@ -101,11 +101,18 @@ TReason NotGranted(const TPluginLibrary& library, const std::string& need) {
     return reason;
 }
 
+TReason LeftOut(const TPluginLibrary& library, const TCIMClass& cls) {
+    if (const std::string need = library.FindUngranted(cls); !need.empty()) return NotGranted(library, need);
+    TReason reason = ReasonFor(EReason::eNotNamed);
+    reason.className = cls.GetName();
+    return reason;
+}
+
 // Of a class that no data call asked for.
 TOutcome FindNotAskedOutcome(const TPluginLibrary& library, const TCIMClass& cls, const TClassSelection& wanted,
                              bool hasInstances) {
     if (IsDontCollect(cls)) return {eNotAsked, ReasonFor(EReason::eMarkedDontCollect)};
-    if (library.IsLeftOut(cls)) return {eNotAsked, NotGranted(library, library.FindUngranted(cls))};
+    if (library.IsLeftOut(cls)) return {eNotAsked, LeftOut(library, cls)};
     const TOutcome loading = FindLibraryOutcome(library);
     if (loading.state != eComplete) return {hasInstances ? ePartial : loading.state, loading.reason};
     if (hasInstances) return {};

@@ -65,10 +65,12 @@ std::string TPluginLibrary::FindUngranted(const TCIMClass& cls) const {
     return "";
 }
 
-void TPluginLibrary::LeaveOutUngranted(const TClassSelection& wanted) {
+void TPluginLibrary::LeaveOutOptional(const TClassSelection& wanted) {
     if (wanted.IsSchemaOnly()) return;
-    for (const TCIMClass* cls : classes)
-        if (IsOptional(*cls) && !wanted.IsNamed(cls->GetName()) && !FindUngranted(*cls).empty()) leftOut.push_back(cls);
+    for (const TCIMClass* cls : classes) {
+        const bool isGranted = !NeedsOf(*cls).empty() && FindUngranted(*cls).empty();
+        if (IsOptional(*cls) && !isGranted && !wanted.IsNamed(cls->GetName())) leftOut.push_back(cls);
+    }
 }
 
 bool TPluginLibrary::IsLeftOut(const TCIMClass& cls) const {

@@ -40,8 +40,8 @@ struct TPluginLibrary {
     bool Declares(const std::string& className) const;
     /// The first thing that the class needs and that is not granted; empty if there is none.
     std::string FindUngranted(const TCIMClass& cls) const;
-    /// Finds the optional classes that are not asked for: those that need what is not granted, and are not named.
-    void LeaveOutUngranted(const TClassSelection& wanted);
+    /// Finds the optional classes that are not asked for: those that are not named, unless what they need is granted.
+    void LeaveOutOptional(const TClassSelection& wanted);
     bool IsLeftOut(const TCIMClass& cls) const;
     /// Whether that is so of all classes that can have instances, so that the library need not be loaded.
     bool IsLeftOut() const;

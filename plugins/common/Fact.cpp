@@ -30,6 +30,8 @@ const char* AbsenceText(EAbsence absence) {
             return "no permission";
         case EAbsence::eNotSupported:
             return "not supported";
+        case EAbsence::eNotReported:
+            return "not reported";
         case EAbsence::eReadError:
             break;
     }

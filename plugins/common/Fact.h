@@ -5,8 +5,8 @@
 #include <string>
 #include <utility>
 
-/// Why there is no value.
-enum class EAbsence { eNotPresent, eNoPermission, eNotSupported, eReadError };
+/// Why there is no value. "Not reported" is for what nobody is told on this machine, whatever rights they have.
+enum class EAbsence { eNotPresent, eNoPermission, eNotSupported, eReadError, eNotReported };
 
 /// The absence for an errno of opening or reading a file.
 EAbsence AbsenceOf(int error);

@@ -101,6 +101,11 @@ std::vector<uint32_t> ProcessesIn(const std::vector<std::string>& names) {
     return processes;
 }
 
+// In a container some processes are closed to the superuser too, and nobody inside of it can change that.
+EAbsence AbsenceOfHolders(const TSystemRoot& root) {
+    return root.IsRunningMachine() && geteuid() == 0 ? EAbsence::eNotReported : EAbsence::eNoPermission;
+}
+
 }  // namespace
 
 TSocketHolders::TSocketHolders(const TSystemRoot& root, const std::vector<uint64_t>& inodes)
@@ -114,7 +119,7 @@ TSocketHolders::TSocketHolders(const TSystemRoot& root, const std::vector<uint64
     for (auto& [number, process] : fProcesses) Describe(root, process);
     // Where other users' processes are hidden, nobody sees the first one.
     const bool isHidden = root.IsRunningMachine() && !root.Exists("/proc/1");
-    if (found.isRefused || isHidden) fListing = TListing::Missing(EAbsence::eNoPermission, kProcessFiles);
+    if (found.isRefused || isHidden) fListing = TListing::Missing(AbsenceOfHolders(root), kProcessFiles);
     if (!names) fListing = TListing::Missing(names.absence, kProcessFiles);
 }
 

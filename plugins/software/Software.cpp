@@ -24,6 +24,7 @@ TSoftware ReadSoftware(const TSystemRoot& root) {
     software.packages = ReadPackages(root);
     software.languagePackages = ReadLanguagePackages(root);
     software.repositories = ReadRepositories(root);
+    software.updateState = ReadUpdateState(root, software.packages.items);
     software.modules = ReadModules(root);
     software.services = ReadServices(root);
     software.serviceListing = ReadServiceListing(root);

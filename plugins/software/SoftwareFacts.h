@@ -78,10 +78,13 @@ struct TPendingUpdate {
     bool isHeld = false;
 };
 
-struct TUpdates {
-    std::vector<TPendingUpdate> pending;
+struct TPendingUpdates {
+    std::vector<TPendingUpdate> updates;
     TListing listing;
-    bool isKnown = false;     ///< whether there were lists
+};
+
+/// What can be told of updates without a look into the long lists of packages.
+struct TUpdateState {
     TFact<int64_t> listDate;  ///< of the newest list, in seconds since 1970
     TFact<bool> rebootRequired;
     TFact<std::vector<std::string>> rebootPackages;
@@ -124,7 +127,8 @@ struct TSoftware {
     TFound<TPackage> packages;
     TFound<TLanguagePackage> languagePackages;
     TFound<TRepository> repositories;
-    mutable std::optional<TUpdates> updates;  ///< read when they are asked for, since the lists are long
+    mutable std::optional<TPendingUpdates> updates;  ///< read when they are asked for, since the lists are long
+    std::optional<TUpdateState> updateState;         ///< of apt, where it manages packages
     TFact<std::vector<TKernelModule>> modules;
     std::vector<TService> services;
     TListing serviceListing;
@@ -140,6 +144,8 @@ TListing ReadServiceListing(const TSystemRoot& root);
 TFound<TPackage> ReadPackages(const TSystemRoot& root);
 TFound<TLanguagePackage> ReadLanguagePackages(const TSystemRoot& root);
 TFound<TRepository> ReadRepositories(const TSystemRoot& root);
-TUpdates ReadUpdates(const TSystemRoot& root, const std::vector<TPackage>& packages);
+TPendingUpdates ReadPendingUpdates(const TSystemRoot& root, const std::vector<TPackage>& packages);
+/// Nothing where no package was installed by dpkg.
+std::optional<TUpdateState> ReadUpdateState(const TSystemRoot& root, const std::vector<TPackage>& packages);
 
 #endif

@@ -149,8 +149,8 @@ const TPackage* FindOther(const std::vector<TPackage>& packages) {
 
 }  // namespace
 
-TUpdates ReadUpdates(const TSystemRoot& root, const std::vector<TPackage>& packages) {
-    TUpdates updates;
+TPendingUpdates ReadPendingUpdates(const TSystemRoot& root, const std::vector<TPackage>& packages) {
+    TPendingUpdates updates;
     TUpdateFinder finder(packages);
     const TPackage* const other = FindOther(packages);
     const TFact<std::vector<std::string>> names = root.List(kAptLists);
@@ -162,10 +162,18 @@ TUpdates ReadUpdates(const TSystemRoot& root, const std::vector<TPackage>& packa
     if (lists.empty()) return updates;
     const TListing read = ReadLists(root, lists, finder);
     if (other == nullptr || !read) updates.listing = read;
-    updates.isKnown = true;
-    updates.pending = finder.Pending();
-    updates.listDate = NewestDate(lists);
-    updates.rebootRequired = ReadRebootRequired(root);
-    updates.rebootPackages = ReadRebootPackages(root);
+    updates.updates = finder.Pending();
     return updates;
+}
+
+std::optional<TUpdateState> ReadUpdateState(const TSystemRoot& root, const std::vector<TPackage>& packages) {
+    const auto isOfDpkg = [](const TPackage& package) { return package.format == eDeb; };
+    if (std::none_of(packages.begin(), packages.end(), isOfDpkg)) return std::nullopt;
+    const TFact<std::vector<std::string>> names = root.List(kAptLists);
+    TUpdateState state;
+    state.listDate =
+        names ? NewestDate(FindAptLists(root, *names)) : TFact<int64_t>::Missing(names.absence, names.source);
+    state.rebootRequired = ReadRebootRequired(root);
+    state.rebootPackages = ReadRebootPackages(root);
+    return state;
 }

@@ -134,29 +134,23 @@ kyrStatusCode ReportRepositories(kyrIOHandle handle, const TSoftware& software) 
     return ReportFound(handle, kRepository, software.repositories);
 }
 
-const TUpdates& UpdatesOf(const TSoftware& software) {
-    if (!software.updates) software.updates = ReadUpdates(TSystemRoot::FromEnvironment(), software.packages.items);
+const TPendingUpdates& UpdatesOf(const TSoftware& software) {
+    if (!software.updates)
+        software.updates = ReadPendingUpdates(TSystemRoot::FromEnvironment(), software.packages.items);
     return *software.updates;
 }
 
 kyrStatusCode ReportPendingUpdates(kyrIOHandle handle, const TSoftware& software) {
-    return ReportAll(handle, UpdatesOf(software).pending);
+    return ReportAll(handle, UpdatesOf(software).updates);
 }
 
 kyrStatusCode ReportUpdateState(kyrIOHandle handle, const TSoftware& software) {
-    const TUpdates& updates = UpdatesOf(software);
-    if (!updates.isKnown) return kyrStatusOK;
-    const auto count = [&updates](bool isSecurity) {
-        return static_cast<uint32_t>(
-            std::count_if(updates.pending.begin(), updates.pending.end(),
-                          [&](const auto& each) { return !each.isHeld && (each.isSecurity || !isSecurity); }));
-    };
+    if (!software.updateState) return kyrStatusOK;
+    const TUpdateState& state = *software.updateState;
     TInstanceReport report(handle, {kUpdateState, {{"Name", "apt"}}});
-    report.Set("PendingUpdates", count(false));
-    report.Set("SecurityUpdates", count(true));
-    report.Add("ListDate", TimestampOf(updates.listDate));
-    report.Add("RebootRequired", updates.rebootRequired);
-    if (updates.rebootPackages) report.Add("RebootPackages", updates.rebootPackages);
+    report.Add("ListDate", TimestampOf(state.listDate));
+    report.Add("RebootRequired", state.rebootRequired);
+    if (state.rebootPackages) report.Add("RebootPackages", state.rebootPackages);
     return report.Finish();
 }
 
@@ -202,13 +196,6 @@ kyrStatusCode ReportSystemRepositories(kyrIOHandle handle, const TSoftware& soft
     return ReportParts(handle, kSystemRepository, software.repositories);
 }
 
-kyrStatusCode ReportPackageUpdates(kyrIOHandle handle, const TSoftware& software) {
-    return ReportEach(UpdatesOf(software).pending, [handle](const TPendingUpdate& update) {
-        const TInstancePath package = {kPackage, {{"Name", update.name}, {"SoftwareElementID", update.architecture}}};
-        return ReportAssociation(handle, "MOLTA_PackageUpdate", "Antecedent", package, "Dependent", PathOf(update));
-    });
-}
-
 TListing Updates(const TSoftware& software) { return UpdatesOf(software).listing; }
 TListing Modules(const TSoftware& software) { return ListingOf(software.modules); }
 TListing Services(const TSoftware& software) { return software.serviceListing; }
@@ -218,13 +205,12 @@ const TDataPlugin<TSoftware> gPlugin("software", ReadSoftware,
                                       {kLanguagePackage, ReportLanguagePackages, {}},
                                       {kRepository, ReportRepositories, {}},
                                       {kPendingUpdate, ReportPendingUpdates, {Updates}},
-                                      {kUpdateState, ReportUpdateState, {Updates}},
+                                      {kUpdateState, ReportUpdateState, {}},
                                       {kModule, ReportModules, {Modules}},
                                       {kService, ReportServices, {Services}},
                                       {"MOLTA_ModuleDependency", ReportModuleDependencies, {Modules}},
                                       {"MOLTA_HostedService", ReportHostedServices, {Services}},
                                       {kInstalledPackage, ReportInstalledPackages, {}},
-                                      {kSystemRepository, ReportSystemRepositories, {}},
-                                      {"MOLTA_PackageUpdate", ReportPackageUpdates, {Updates}}});
+                                      {kSystemRepository, ReportSystemRepositories, {}}});
 
 }  // namespace

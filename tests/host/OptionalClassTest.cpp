@@ -1,5 +1,5 @@
 // Classes that are asked for only if what they need is granted, or if they are named: TEST_Probe, the only one of the
-// plugin "optional", and TEST_Probed, one of two of "halfoptional".
+// plugin "optional", and TEST_Probed of "halfoptional". TEST_Rare of the latter needs nothing, and must be named.
 #include "KyrRun.h"
 
 namespace {
@@ -42,6 +42,9 @@ TEST(OptionalClassTest, IsAskedForIfGrantedOrNamed) {
         EXPECT_EQ(CountIn(run.out, "TEST_Probe\n") + (run.out == "1\n" ? 1 : 0), isAsked ? 1u : 0u) << arguments;
     }
     EXPECT_THAT(RunBoth("show TEST_Kept"), FieldsAre(0, "TEST_Kept\n  Id  1\n", ""));
+    EXPECT_THAT(RunBoth("show TEST_Rare").out, "TEST_Rare\n  Id  1\n");
+    EXPECT_THAT(RunBoth("collect --also rare").out, HasSubstr("TEST_Rare\n"));
+    EXPECT_THAT(RunBoth("collect --also nothing"), FieldsAre(2, "", HasSubstr("kyr: unknown class 'nothing'\n")));
     EXPECT_THAT(RunBoth("show TEST_Kept --grant halfoptional:rawio").out, HasSubstr("TEST_Probed"));
 }
 
@@ -52,7 +55,8 @@ TEST(OptionalClassTest, StateTellsThatItIsNotGranted) {
     EXPECT_THAT(RunBoth("collect -o " + file), FieldsAre(0, "", ""));
     const std::string json = RunKyr("show --json " + file).out;
     EXPECT_THAT(json, HasSubstr("\"state\": \"complete\""));
-    EXPECT_EQ(CountIn(json, "\"state\": \"not asked\""), 3u) << json;
+    EXPECT_EQ(CountIn(json, "\"state\": \"not asked\""), 4u) << json;
+    EXPECT_EQ(CountIn(json, "\"reasonCode\": \"not named\""), 1u) << json;
     EXPECT_EQ(CountIn(json, "\"reasonCode\": \"not granted\""), 3u) << json;
     EXPECT_THAT(json, HasSubstr(kNotGranted));
     EXPECT_THAT(json, HasSubstr("\"name\": \"./optional/liboptional.pi.so\""));

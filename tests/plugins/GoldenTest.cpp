@@ -76,7 +76,7 @@ std::string WithoutOwnVersion(std::string text) {
 std::string Tell(const std::string& machine) {
     const TempFolder folder;
     const std::string file = folder.Path() + "/collection.xml";
-    const TRunResult run = RunKyrOn(machine, "collect --stable " ALL_PLUGINS " -o " + file);
+    const TRunResult run = RunKyrOn(machine, "collect --also updates --stable " ALL_PLUGINS " -o " + file);
     const std::string choice = " --class CIM_ManagedElement --stable --provenance";
     return WithoutOwnVersion(WithoutRuns(RunKyr("show " + file + choice).out + '\n' + TiesOf(file) + "\nExit status " +
                                          std::to_string(run.status) + '\n' + run.err));

@@ -43,8 +43,6 @@ constexpr TLoss kLosses[] = {
     {"etc", true, "missing source /etc: not present (class", "MOLTA_DNSSettings", "MOLTA_NetworkAdapter"},
     {"var/lib/dpkg", false, "missing source /var/lib/dpkg: not present (classes MOLTA_InstalledPackage, MOLTA_Package",
      "MOLTA_Package", "MOLTA_KernelModule"},
-    {"var/lib/apt", false, "missing source /var/lib/apt: not present (classes MOLTA_PackageUpdate, MOLTA_PendingUpdate",
-     "MOLTA_PendingUpdate", "MOLTA_Package"},
     {"etc/passwd", false, "missing source /etc/passwd: not present (classes MOLTA_Account", "MOLTA_AccountOnSystem",
      "MOLTA_Group"},
     {"etc/group", false, "missing source /etc/group: not present (classes MOLTA_Group", "MOLTA_MemberOfGroup",

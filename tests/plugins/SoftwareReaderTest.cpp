@@ -224,11 +224,11 @@ TEST(SoftwareReaderTest, UpdatesAreThoseThatAptWouldInstall) {
         paragraph("ported", "amd64", "2~bpo2") + paragraph("plain", "amd64", "7") + paragraph("dpkg", "amd64", "9"));
     root.Write(lists + "e_Release", "Suite: e\nNotAutomatic: yes\n");
     root.Write(lists + "e_main_binary-amd64_Packages", paragraph("newer", "amd64", "10"));
-    const TUpdates updates = ReadUpdates(TSystemRoot(root.Path()), packages);
+    const TPendingUpdates updates = ReadPendingUpdates(TSystemRoot(root.Path()), packages);
     EXPECT_TRUE(updates.listing);
-    EXPECT_EQ(*updates.listDate, 60);
+    EXPECT_EQ(*ReadUpdateState(TSystemRoot(root.Path()), packages)->listDate, 60);
     std::string told;
-    for (const TPendingUpdate& update : updates.pending)
+    for (const TPendingUpdate& update : updates.updates)
         told += update.name + '/' + update.architecture + ' ' + update.candidate +
                 (update.isSecurity ? " security" : "") + (update.isHeld ? " held" : "") + "; ";
     EXPECT_EQ(told, "dpkg/amd64 9; held/all 2 held; plain/amd64 1.10 security; ported/amd64 2~bpo2; ");

@@ -20,7 +20,7 @@ EXPECTED = {"MOLTA_BaseBoard": 1, "MOLTA_Processor": 4, "MOLTA_ProcessorCore": 1
             "MOLTA_IPAddress": 256, "MOLTA_Route": 256, "MOLTA_USBDevice": 64, "MOLTA_TemperatureSensor": 128,
             "MOLTA_ListeningSocket": 256, "MOLTA_HostedListeningSocket": 256,
             "MOLTA_Account": 256, "MOLTA_Group": 257, "MOLTA_MemberOfGroup": 512,
-            "MOLTA_Package": 256, "MOLTA_LanguagePackage": 256, "MOLTA_PendingUpdate": 128, "MOLTA_KernelModule": 256}
+            "MOLTA_Package": 256, "MOLTA_LanguagePackage": 256, "MOLTA_KernelModule": 256}
 
 
 def collect_timed(machine, command):
