@@ -1,4 +1,5 @@
-// What disks answer: a byte that says which kind of disk it is, and then each answer with a byte for its length in front.
+// What disks answer: a byte that says which kind of disk it is, and then each answer with a byte for its length in
+// front.
 #include <algorithm>
 #include <cstdint>
 
