@@ -36,5 +36,6 @@ void ReadSysinfo(const TSystemRoot& root, TSystemFacts& facts) {
     facts.productName = FindLine(sysinfo, "Type");
     facts.productVersion = FindLine(sysinfo, "Model");
     facts.serialNumber = FindLine(sysinfo, "Sequence Code");
-    if (!facts.hypervisor) facts.hypervisor = FindHypervisor(sysinfo);
+    if (const TFact<std::string> hypervisor = FindHypervisor(sysinfo); hypervisor && !facts.hypervisor)
+        facts.hypervisor = hypervisor;
 }
