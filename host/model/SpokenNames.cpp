@@ -21,7 +21,8 @@ namespace {
 using TClasses = std::vector<TCIMClass*>;
 using TInstances = std::vector<TCIMInstance*>;
 
-/// A usual word, in the form that SpokenForm gives, and what it means. docs/names.md has the same table.
+/// A usual word, in the form that SpokenForm gives, and what it means. Where none of the classes is known, a later row of
+/// the same word counts. docs/names.md has the same table.
 struct TUsualWord {
     const char* word;
     std::vector<const char*> classes;
@@ -46,7 +47,9 @@ const TUsualWord kUsualWords[] = {
     {"firmware", {"CIM_BIOSElement"}},
     {"fs", {"CIM_FileSystem"}},
     {"gpu", {"CIM_DisplayController"}},
+    {"gpu", {"CIM_PCIDevice"}, "ClassCode", "3"},
     {"graphic", {"CIM_DisplayController", "MOLTA_VideoConnector", "CIM_Display"}},
+    {"graphic", {"CIM_PCIDevice"}, "ClassCode", "3"},
     {"guest", {"MOLTA_VirtualMachine", "MOLTA_HostedContainer"}},
     {"hdd", {"CIM_DiskDrive"}, "Rotational", "true"},
     {"interface", {"CIM_NetworkPort"}},
@@ -123,7 +126,7 @@ TClasses UppermostOf(const TClasses& classes) {
 TSpokenClass FindUsualWord(const TContainer& schema, const std::string& form) {
     TSpokenClass found;
     for (const TUsualWord& usual : kUsualWords) {
-        if (form != WithoutPlural(usual.word)) continue;
+        if (form != WithoutPlural(usual.word) || !found.classes.empty()) continue;
         for (const char* name : usual.classes)
             if (TCIMClass* const cls = FindClassNamed(schema, name)) found.classes.push_back(cls);
         found.property = usual.property;
