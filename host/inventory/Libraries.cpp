@@ -27,6 +27,8 @@ constexpr size_t kMostClasses = 5000;
 constexpr size_t kMostBytes = size_t{32} << 20;    // in all documents
 constexpr size_t kMostParts = 4;                   // one may have a quarter of what is left of them
 constexpr size_t kMostMemory = size_t{512} << 20;  // for all documents, of which one gets at most an eighth: 64 MiB
+// The documents of the plugins that come with kyr have a quarter of it, so that others can be beside them.
+constexpr TScanLimits kPlainlyHarmless = {500, 2'000'000, size_t{128} << 20};
 
 // A document on which the reader never ends may take only a part of the time that all plugins have together.
 TProbeLimits ProbeLimits(const TRunLimits& limits) {
@@ -84,7 +86,6 @@ std::vector<std::string> FindDocuments(const std::list<TPluginLibrary>& librarie
 // Whether all of them are plainly harmless, and too small to take more memory than they may.
 bool AreHarmless(const std::vector<std::string>& documents) {
     constexpr std::uintmax_t kMostBytesScanned = 2 << 20;
-    constexpr TScanLimits kLimits = {500, 1'000'000, size_t{32} << 20};
     std::uintmax_t bytes = 0;
     TDocumentScan scan;
     for (const std::string& document : documents) {
@@ -94,7 +95,7 @@ bool AreHarmless(const std::vector<std::string>& documents) {
         if (error || bytes > kMostBytesScanned || !ForEachPiece(document, add)) return false;
         scan.EndDocument();
     }
-    return scan.IsHarmless(kLimits);
+    return scan.IsHarmless(kPlainlyHarmless);
 }
 
 // Adds those that are endless, or that a child process could not read.

@@ -17,7 +17,7 @@ namespace {
 constexpr size_t kNone = std::string_view::npos;
 constexpr size_t kPieceSize = 1 << 16;
 constexpr size_t kEndSize = 4096;
-constexpr TScanLimits kScanLimits = {2000, SIZE_MAX, size_t{64} << 20};
+constexpr TScanLimits kScanLimits = {2000, SIZE_MAX, size_t{128} << 20};
 
 using TGzipFile = std::unique_ptr<gzFile_s, int (*)(gzFile)>;
 
