@@ -67,11 +67,7 @@ TSandbox::~TSandbox() { RestoreDumpable(); }
 bool TSandbox::IsOn() const { return fMode != ESandbox::eOff && !kIsInstrumented; }
 
 void TSandbox::Prepare(TNeeds granted) {
-    if (!IsOn()) return;
-    for (const TNeeds needs : {granted, granted & ~TNeeds{eNeedsProcesses}}) {
-        std::unique_ptr<TLayers>& layers = fLayers[needs];
-        if (!layers) layers = std::make_unique<TLayers>(needs);
-    }
+    if (IsOn() && granted == 0 && !fLayers) fLayers = std::make_unique<TLayers>(granted);
 }
 
 void TSandbox::RestoreDumpable() const {
@@ -89,7 +85,7 @@ void TSandbox::Enter(TNeeds granted, TSandboxResult& result) const {
 
 // False if there is no filter to take the place of Landlock: the process then does without what it needs.
 bool TSandbox::EnterWithoutLandlock(TNeeds& granted, TSandboxResult& result) const {
-    if (fLayers.at(granted)->filter.Load() != 0) {
+    if (TLayers(granted).filter.Load() != 0) {
         granted &= ~TNeeds{eNeedsProcesses};
         return false;
     }
@@ -99,7 +95,9 @@ bool TSandbox::EnterWithoutLandlock(TNeeds& granted, TSandboxResult& result) con
 }
 
 void TSandbox::EnterWhole(TNeeds granted, TSandboxResult& result) const {
-    const TLayers& layers = *fLayers.at(granted);
+    const bool isPrepared = granted == 0 && fLayers;
+    const auto own = isPrepared ? nullptr : std::make_unique<const TLayers>(granted);
+    const TLayers& layers = own ? *own : *fLayers;
     result.landlockVersion = layers.landlock->Version();
     result.errors[TSandboxResult::eLandlock] = layers.landlock->Restrict();
     result.errors[TSandboxResult::eCapabilities] = ReduceCapabilities(granted);

@@ -1,7 +1,6 @@
 #ifndef KYR_HOST_ISOLATION_SANDBOX_H
 #define KYR_HOST_ISOLATION_SANDBOX_H
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,11 +54,12 @@ public:
     TSandbox& operator=(const TSandbox&) = delete;
 
     bool IsOn() const;
-    /// Makes, in the host, what processes need to which that was granted.
+    /// Makes, in the host, what all processes share to which nothing was granted. Others make their own, while the host
+    /// starts the next.
     void Prepare(TNeeds granted);
     /// In a plugin's process: makes it dumpable again, as the host was.
     void RestoreDumpable() const;
-    /// In a plugin's process, for good: enters the sandbox, as far as it was prepared and the kernel has it.
+    /// In a plugin's process, for good: enters the sandbox, as far as the kernel has it.
     void Enter(TNeeds granted, TSandboxResult& result) const;
     /// The lines of the property Sandbox for a process with that result: what holds, or why not.
     std::vector<std::string> Describe(const TSandboxResult& result) const;
@@ -74,7 +74,7 @@ private:
 
     const ESandbox fMode;
     const int fDumpable;
-    std::map<TNeeds, std::unique_ptr<TLayers>> fLayers;
+    std::unique_ptr<const TLayers> fLayers;
 };
 
 /// The line of the property Sandbox for plugins that run in the process of the host.
