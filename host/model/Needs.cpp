@@ -38,6 +38,7 @@ TNeeds NeedFor(const std::string& word) {
 
 // The reader of documents lets a single string pass where an array is declared.
 std::vector<std::string> NeedsOf(const TCIMClass& cls) {
+    if (cls.FindQualifier("NEEDS") == nullptr) return {};
     std::vector<std::string> needs = QualifierTexts(cls, "NEEDS");
     std::string text = QualifierText(cls, "NEEDS");
     std::replace(text.begin(), text.end(), ',', ' ');
