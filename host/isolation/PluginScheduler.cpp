@@ -22,13 +22,20 @@ constexpr int kMostPending = 100'000;
 constexpr size_t kMostHeld = size_t{512} << 20;
 constexpr size_t kSmallestStream = size_t{1} << 20;
 
+// The plugins that take longest on most machines. They start first, so that no processor waits for the last of them.
+constexpr const char* kLong[] = {"software", "storage", "pci"};
+
 }  // namespace
 
 TProcessPool::TProcessPool(double timeout, size_t schemaBytes)
     : fTimeout(timeout), fRoom(schemaBytes), fMostRunning(std::max(4u, std::thread::hardware_concurrency())) {}
 
 void TProcessPool::Enqueue(const std::vector<TPluginLibrary*>& libraries) {
-    fWaiting.insert(fWaiting.end(), libraries.begin(), libraries.end());
+    const auto isLong = [](const TPluginLibrary* library) {
+        return std::find(std::begin(kLong), std::end(kLong), library->Name()) != std::end(kLong);
+    };
+    const auto first = fWaiting.insert(fWaiting.end(), libraries.begin(), libraries.end());
+    std::stable_partition(first, fWaiting.end(), isLong);
 }
 
 void TProcessPool::StartWaiting(const TPluginTask& task) {
