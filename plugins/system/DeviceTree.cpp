@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "Placeholder.h"
 #include "SystemFacts.h"
 
 namespace {
@@ -69,10 +70,17 @@ std::optional<std::string> FindSerialLine(const std::string& text) {
     return std::nullopt;
 }
 
+// Boards without a number of their own have zeros.
+TText WithoutPlaceholder(TText text) {
+    if (text && IsPlaceholder(*text)) text.value.reset();
+    return text;
+}
+
 TText ReadSerialNumber(const TSystemRoot& root, const std::string& tree) {
-    const TText serial = FirstOf(ReadProperty(root, tree + "serial-number"), ReadProperty(root, tree + "system-id"));
-    if (serial) return serial.Map(WithoutMaker);
-    const TText line = root.ReadFile("/proc/cpuinfo").Map(FindSerialLine);
+    const TText serial = WithoutPlaceholder(
+        FirstOf(ReadProperty(root, tree + "serial-number"), ReadProperty(root, tree + "system-id")).Map(WithoutMaker));
+    if (serial) return serial;
+    const TText line = WithoutPlaceholder(root.ReadFile("/proc/cpuinfo").Map(FindSerialLine));
     return line ? line : serial;
 }
 
