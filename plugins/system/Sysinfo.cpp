@@ -19,10 +19,10 @@ TText FindLine(const TText& sysinfo, std::string_view name) {
     return TText::Missing(EAbsence::eNotPresent, sysinfo.source);
 }
 
-// A guest has lines of its own for the machine that is made for it; a part of a computer has its name alone.
+// Of one that nothing else tells. A guest has lines of its own for the machine that is made for it; a part of a
+// computer has its name alone.
 TText FindHypervisor(const TText& sysinfo) {
-    if (const TText program = FindLine(sysinfo, "VM00 Control Program"))
-        return TText::Of(program->compare(0, 3, "KVM") == 0 ? "KVM" : *program, program.source);
+    if (const TText program = FindLine(sysinfo, "VM00 Control Program")) return program;
     return FindLine(sysinfo, "LPAR Name").Map([](const std::string&) { return std::optional<std::string>("PR/SM"); });
 }
 
@@ -36,6 +36,5 @@ void ReadSysinfo(const TSystemRoot& root, TSystemFacts& facts) {
     facts.productName = FindLine(sysinfo, "Type");
     facts.productVersion = FindLine(sysinfo, "Model");
     facts.serialNumber = FindLine(sysinfo, "Sequence Code");
-    if (const TFact<std::string> hypervisor = FindHypervisor(sysinfo); hypervisor && !facts.hypervisor)
-        facts.hypervisor = hypervisor;
+    if (const TText found = FindHypervisor(sysinfo); found && !facts.hypervisor) facts.hypervisor = found;
 }
