@@ -47,12 +47,16 @@ std::vector<std::string> FirmwareIds(const std::vector<std::string>& instanceIds
 std::vector<std::string> PciInstanceIds(const std::string& bus, uint16_t vendor, uint16_t device,
                                         std::optional<TPciSubsystem> subsystem, std::optional<uint8_t> revision) {
     const std::string plain = bus + "\\VEN_" + UpperHex(4, vendor) + "&DEV_" + UpperHex(4, device);
-    std::vector<std::string> ids = {plain};
-    if (revision) ids.push_back(plain + "&REV_" + UpperHex(2, *revision));
+    std::vector<std::string> ids;
+    const auto add = [&](const std::string& id) {
+        ids.push_back(id);
+        if (revision) ids.push_back(id + "&REV_" + UpperHex(2, *revision));
+    };
+    add(plain);
     if (!subsystem) return ids;
     const std::string maker = UpperHex(4, subsystem->vendor), model = UpperHex(4, subsystem->device);
-    ids.push_back(plain + "&SUBSYS_" + model + maker);
-    if (maker != model) ids.push_back(plain + "&SUBSYS_" + maker + model);
+    add(plain + "&SUBSYS_" + model + maker);
+    if (maker != model) add(plain + "&SUBSYS_" + maker + model);
     return ids;
 }
 

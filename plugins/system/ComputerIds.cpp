@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <map>
 
@@ -36,23 +37,15 @@ constexpr unsigned kIds[] = {eMaker | eFamily | eProduct | eSku | eBios,
                              eMaker | eBoard,
                              eMaker};
 
-struct TField {
-    EPart part;
-    const char* file;
-};
-
-/// In the order in which an id has them.
-constexpr TField kFields[] = {{eMaker, "sys_vendor"},      {eFamily, "product_family"}, {eProduct, "product_name"},
-                              {eSku, "product_sku"},       {eBios, "bios_vendor"},      {eBios, "bios_version"},
-                              {eBios, "bios_release"},     {eBoard, "board_vendor"},    {eBoard, "board_name"},
-                              {eEnclosure, "chassis_type"}};
-
-using TTexts = std::map<std::string_view, std::string>;
-
 std::string LowerHex(int digits, unsigned number) {
     char text[16];
     std::snprintf(text, sizeof text, "%0*x", digits, number);
     return text;
+}
+
+// Catalogues leave out zeros in front, such as that of the SKU "0A3F".
+std::string WithoutLeadingZeros(const std::string& text) {
+    return text.substr(std::min(text.find_first_not_of('0'), text.size()));
 }
 
 // "2.10" as "02&0a".
@@ -69,13 +62,31 @@ std::string EnclosureText(const std::string& text) {
     return kind ? LowerHex(1, *kind) : "";
 }
 
+struct TField {
+    EPart part;
+    const char* file;
+    std::string (*convert)(const std::string& text);
+};
+
+/// In the order in which an id has them.
+constexpr TField kFields[] = {{eMaker, "sys_vendor", WithoutLeadingZeros},
+                              {eFamily, "product_family", WithoutLeadingZeros},
+                              {eProduct, "product_name", WithoutLeadingZeros},
+                              {eSku, "product_sku", WithoutLeadingZeros},
+                              {eBios, "bios_vendor", WithoutLeadingZeros},
+                              {eBios, "bios_version", WithoutLeadingZeros},
+                              {eBios, "bios_release", ReleaseText},
+                              {eBoard, "board_vendor", WithoutLeadingZeros},
+                              {eBoard, "board_name", WithoutLeadingZeros},
+                              {eEnclosure, "chassis_type", EnclosureText}};
+
+using TTexts = std::map<std::string_view, std::string>;
+
 // Also what other properties leave out as a placeholder: the ids are made of what the firmware has.
 TTexts ReadTexts(const TSystemRoot& root) {
     TTexts texts;
     for (const TField& field : kFields)
-        texts[field.file] = root.ReadText(std::string("/sys/class/dmi/id/") + field.file).ValueOr("");
-    texts["bios_release"] = ReleaseText(texts["bios_release"]);
-    texts["chassis_type"] = EnclosureText(texts["chassis_type"]);
+        texts[field.file] = field.convert(root.ReadText(std::string("/sys/class/dmi/id/") + field.file).ValueOr(""));
     return texts;
 }
 

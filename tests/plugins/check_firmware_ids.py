@@ -35,8 +35,10 @@ def dmi_of(machine):
         if os.path.isfile(f"{folder}/{name}"):
             with open(f"{folder}/{name}", encoding="latin-1") as file:
                 fields[name] = file.read().strip()
-    if "." in fields.get("bios_release", ""):
-        fields["major"], fields["minor"] = (f"{int(at):02x}" for at in fields["bios_release"].split("."))
+    release = fields.get("bios_release", "")
+    fields = {name: text.lstrip("0") for name, text in fields.items()}
+    if "." in release:
+        fields["major"], fields["minor"] = (f"{int(at):02x}" for at in release.split("."))
     if fields.get("chassis_type", "").isdigit():
         fields["chassis_type"] = f"{int(fields['chassis_type']):x}" if int(fields["chassis_type"]) < 256 else ""
     return fields
@@ -54,12 +56,14 @@ def pci_instances(bus, told):
     if "VendorID" not in told or "PCIDeviceID" not in told:
         return
     plain = f"{bus}\\VEN_{told['VendorID']:04X}&DEV_{told['PCIDeviceID']:04X}"
-    yield plain
-    if "RevisionID" in told:
-        yield f"{plain}&REV_{told['RevisionID']:02X}"
+    instances = [plain]
     if told.get("SubsystemVendorID") and "SubsystemID" in told:
         maker, model = f"{told['SubsystemVendorID']:04X}", f"{told['SubsystemID']:04X}"
-        yield from dict.fromkeys((f"{plain}&SUBSYS_{model}{maker}", f"{plain}&SUBSYS_{maker}{model}"))
+        instances += dict.fromkeys((f"{plain}&SUBSYS_{model}{maker}", f"{plain}&SUBSYS_{maker}{model}"))
+    for instance in instances:
+        yield instance
+        if "RevisionID" in told:
+            yield f"{instance}&REV_{told['RevisionID']:02X}"
 
 
 def usb_instances(told):
