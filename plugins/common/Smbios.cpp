@@ -25,6 +25,20 @@ std::string_view NthText(std::string_view texts, uint8_t number) {
 
 bool BeginsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
 
+// What is left of the table behind the end marker is of no concern.
+std::string_view ParseStructures(std::string_view table, std::vector<TSmbiosStructure>& structures) {
+    while (table.size() >= kHeaderSize) {
+        const size_t length = static_cast<uint8_t>(table[1]);
+        if (length < kHeaderSize || length > table.size()) break;
+        const size_t end = FindTextsEnd(table, length);
+        structures.emplace_back(table.substr(0, length), table.substr(length, end - length));
+        if (structures.back().GetType() == kEndOfTable) return "";
+        if (end == table.size()) break;
+        table.remove_prefix(end + 2);
+    }
+    return table;
+}
+
 }  // namespace
 
 std::optional<std::string_view> TSmbiosStructure::FindText(size_t offset) const {
@@ -43,15 +57,14 @@ std::optional<size_t> ParseSmbiosEntryPoint(std::string_view content) {
 
 std::vector<TSmbiosStructure> ParseSmbiosTable(std::string_view table) {
     std::vector<TSmbiosStructure> structures;
-    while (table.size() >= kHeaderSize) {
-        const size_t length = static_cast<uint8_t>(table[1]);
-        if (length < kHeaderSize || length > table.size()) break;
-        const size_t end = FindTextsEnd(table, length);
-        structures.emplace_back(table.substr(0, length), table.substr(length, end - length));
-        if (structures.back().GetType() == kEndOfTable) break;
-        table.remove_prefix(std::min(end + 2, table.size()));
-    }
+    ParseStructures(table, structures);
     return structures;
+}
+
+bool IsWholeSmbiosTable(std::string_view table) {
+    std::vector<TSmbiosStructure> structures;
+    const std::string_view rest = ParseStructures(table, structures);
+    return !structures.empty() && rest.find_first_not_of('\0') == std::string_view::npos;
 }
 
 TFact<std::string> ReadSmbiosTable(const TSystemRoot& root) {

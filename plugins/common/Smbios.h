@@ -51,6 +51,10 @@ std::optional<size_t> ParseSmbiosEntryPoint(std::string_view content);
 /// The structures up to the end marker, the end of the table, or the first malformed one.
 std::vector<TSmbiosStructure> ParseSmbiosTable(std::string_view table);
 
+/// Whether nothing is missing: the structures follow each other up to the end marker, or, in tables of the first
+/// versions, up to the end of the table.
+bool IsWholeSmbiosTable(std::string_view table);
+
 /// The table, cut to the length in the entry point if that can be read.
 TFact<std::string> ReadSmbiosTable(const TSystemRoot& root);
 

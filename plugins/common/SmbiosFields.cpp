@@ -17,6 +17,7 @@ TFact<std::string> SmbiosText(const TSmbiosStructure& structure, size_t offset) 
 std::string SmbiosTag(uint8_t type, size_t index) { return std::to_string(type) + "-" + std::to_string(index); }
 
 TListing SmbiosListing(const TSystemRoot& root, const TFact<std::string>& table) {
+    if (table && !IsWholeSmbiosTable(*table)) return TListing::Missing(EAbsence::eReadError, table.source);
     if (table || table.absence != EAbsence::eNotPresent) return ListingOf(table);
     const TFact<std::vector<std::string>> dmi = root.ListKind("/sys/class/dmi", "/sys/class/dmi");
     return dmi && !dmi->empty() ? ListingOf(table) : ListingOf(dmi);

@@ -51,7 +51,7 @@ void ForEachOfType(const std::vector<TSmbiosStructure>& structures, uint8_t type
     }
 }
 
-/// Whether the table could be read. A machine without DMI has none.
+/// Whether the table could be read, to its end. A machine without DMI has none.
 TListing SmbiosListing(const TSystemRoot& root, const TFact<std::string>& table);
 
 #endif

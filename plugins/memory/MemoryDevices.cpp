@@ -159,8 +159,9 @@ std::string SlotName(const TMemoryModule& module) {
 
 TMemoryHardware ParseMemoryHardware(const TFact<std::string>& smbiosTable) {
     TMemoryHardware hardware;
-    hardware.installedSize = SmbiosMissing<uint64_t>(smbiosTable.absence);
-    hardware.installedModules = SmbiosMissing<uint32_t>(smbiosTable.absence);
+    const EAbsence absence = smbiosTable ? EAbsence::eReadError : smbiosTable.absence;
+    hardware.installedSize = SmbiosMissing<uint64_t>(absence);
+    hardware.installedModules = SmbiosMissing<uint32_t>(absence);
     if (!smbiosTable) return hardware;
     const std::vector<TSmbiosStructure> structures = ParseSmbiosTable(*smbiosTable);
     ForEachOfType(structures, eMemoryArray, kShortestArray,
@@ -171,6 +172,6 @@ TMemoryHardware ParseMemoryHardware(const TFact<std::string>& smbiosTable) {
                   [&](const TSmbiosStructure& structure, const std::string& tag) {
                       AddDevice(hardware, ParseDevice(structure, tag), FindArray(hardware.arrays, structure));
                   });
-    SumUp(hardware);
+    if (IsWholeSmbiosTable(*smbiosTable)) SumUp(hardware);
     return hardware;
 }

@@ -40,6 +40,25 @@ TEST(MemoryReaderTest, TablesThatMayNotBeReadSaySo) {
     EXPECT_TRUE(hardware.modules.empty());
 }
 
+TEST(MemoryReaderTest, TablesWithoutTheirEndSaySo) {
+    const std::string device = DeviceOf(1, 0), end("\x7F\x04\0\xFE\0\0", 6);
+    const std::pair<std::string, bool> cases[] = {{device, true},
+                                                  {device + end, true},
+                                                  {device + end + "x", true},
+                                                  {device + std::string(8, '\0'), true},
+                                                  {"", false},
+                                                  {device.substr(0, device.size() - 1), false},
+                                                  {device + device.substr(0, 8), false},
+                                                  {device + "\x11\x02\x01" + end, false}};
+    for (const auto& [table, isWhole] : cases) {
+        const TempFolder machine;
+        machine.Write("sys/firmware/dmi/tables/DMI", table);
+        const TMemoryFacts facts = ReadMemory(TSystemRoot(machine.Path()));
+        EXPECT_EQ(facts.smbiosListing.value.has_value(), isWhole) << table.size();
+        EXPECT_EQ(facts.hardware.installedSize.value.has_value(), isWhole) << table.size();
+    }
+}
+
 TEST(MemoryReaderTest, TheEntryPointBoundsTheTable) {
     const TempFolder machine;
     machine.Write("sys/firmware/dmi/tables/DMI", DeviceOf(1, 0) + DeviceOf(2, 0));
