@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <linux/netlink.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 
@@ -76,7 +77,7 @@ const TGroup kGroups[] = {
     {0,
      {SCMP_SYS(shmget), SCMP_SYS(shmat), SCMP_SYS(shmctl), SCMP_SYS(semget), SCMP_SYS(semop), SCMP_SYS(semtimedop),
       SCMP_SYS(semctl), SCMP_SYS(msgget), SCMP_SYS(msgsnd), SCMP_SYS(msgrcv), SCMP_SYS(msgctl), SCMP_SYS(mq_open),
-      SCMP_SYS(mq_unlink)}},
+      SCMP_SYS(mq_unlink), SCMP_SYS(mq_timedsend), SCMP_SYS(mq_timedreceive), SCMP_SYS(mq_notify)}},
 };
 
 // Flags of clone that make a namespace. Those of clone3 are in memory, where no filter can see them, so that call is
@@ -123,7 +124,7 @@ void AddSockets(TRules& rules) {
         rules.push_back({SCMP_SYS(socket), eNeedsNetwork, {Is(0, AF_UNIX), HasBits(1, kTypeOfSocket, type)}});
         rules.push_back({SCMP_SYS(socketpair), eNeedsNetwork, {HasBits(1, kTypeOfSocket, type)}});
     }
-    rules.push_back({SCMP_SYS(socket), eNeedsNetwork, {Is(0, AF_NETLINK), Is(2, NETLINK_USERSOCK)}});
+    rules.push_back({SCMP_SYS(socket), eNeedsNetwork, {Is(0, AF_NETLINK), HasBits(2, kAllBits, NETLINK_USERSOCK)}});
     rules.push_back({SCMP_SYS(bind), eNeedsNetwork, {IsOther(2, sizeof(sockaddr_nl))}});
 }
 
@@ -132,7 +133,8 @@ void AddNamespaces(TRules& rules) {
     rules.push_back({SCMP_SYS(clone3), 0, {}, ENOSYS});
 }
 
-// Limits and priorities: 0 stands for the process that calls.
+// Limits and priorities: 0 stands for the process that calls. One call of prctl tells which processes may run on the
+// threads of a core together.
 void AddPriorities(TRules& rules) {
     for (const int number : {SCMP_SYS(prlimit64), SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler),
                              SCMP_SYS(sched_setparam), SCMP_SYS(sched_setattr)})
@@ -141,6 +143,7 @@ void AddPriorities(TRules& rules) {
     rules.push_back({SCMP_SYS(ioprio_set), 0, {IsOther(0, kIoPriorityOfProcess)}});
     for (const int number : {SCMP_SYS(setpriority), SCMP_SYS(ioprio_set)})
         rules.push_back({number, 0, {IsOther(1, 0)}});
+    rules.push_back({SCMP_SYS(prctl), 0, {HasBits(0, kAllBits, PR_SCHED_CORE)}});
 }
 
 // A lease holds up everybody else who opens the file.

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <ifaddrs.h>
 #include <linux/keyctl.h>
+#include <linux/netlink.h>
 #include <linux/sched.h>
 #include <pthread.h>
 #include <sched.h>
@@ -21,6 +22,7 @@
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/msg.h>
+#include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -77,6 +79,11 @@ static int Connect(void) {
     const struct sockaddr_un address = {AF_UNIX, "/run/nobody-listens"};
     const int status = connect(socket(AF_UNIX, SOCK_STREAM, 0), (const struct sockaddr*)&address, sizeof address);
     return status != 0 && errno == ENOENT ? 0 : status;
+}
+
+/* Of the kernel only the lower half of an argument counts that is an int. */
+static int SpeakToPeers(void) {
+    return (int)syscall(SYS_socket, (long)AF_NETLINK, (long)SOCK_RAW, 1L << 32 | NETLINK_USERSOCK);
 }
 
 static int BindAbstract(void) {
@@ -190,6 +197,8 @@ static int FollowDescriptor(void) {
 static int OpenDescriptor(void) { return open(HostPath("fd/1"), O_RDONLY); }
 static int SetPriority(void) { return setpriority(PRIO_PROCESS, (id_t)getppid(), getpriority(PRIO_PROCESS, 0)); }
 static int SetPriorityOfAll(void) { return setpriority(PRIO_USER, 54321, 1); }
+static int ShareCore(void) { return prctl(PR_SCHED_CORE, PR_SCHED_CORE_GET, 0, 0, 0); }
+static int ReceiveMessage(void) { return (int)syscall(SYS_mq_timedreceive, -1, NULL, 0, NULL, NULL); }
 static int Mount(void) {
     const int status = mount("none", getenv("KYR_TEST_FOLDER"), "tmpfs", 0, NULL);
     return status == 0 ? umount(getenv("KYR_TEST_FOLDER")) : status;
@@ -259,6 +268,7 @@ static const struct {
     {"command device", CommandDevice},
     {"speak", Speak},
     {"speak raw", SpeakRaw},
+    {"speak to peers", SpeakToPeers},
     {"send datagrams", SendDatagrams},
     {"connect", Connect},
     {"bind abstract", BindAbstract},
@@ -280,6 +290,8 @@ static const struct {
     {"set processors", SetProcessorsOfHost},
     {"set priority", SetPriority},
     {"set priority of all", SetPriorityOfAll},
+    {"share core", ShareCore},
+    {"receive message", ReceiveMessage},
     {"mount", Mount},
     {"unshare", Unshare},
     {"make namespace", MakeNamespace},
