@@ -39,8 +39,9 @@ std::optional<bool> IsRestarted(const std::string& text) {
     return policy == "always" || policy == "unless-stopped";
 }
 
-std::string FindDataFolder(const TSystemRoot& root) {
+std::string FindDataFolder(const TSystemRoot& root, TEngineContainers& engine) {
     const TText settings = root.ReadFile("/etc/docker/daemon.json", kFileLimit);
+    engine.MissUnreadable(settings);
     const std::string folder = settings ? FindText(ParseJson(*settings), {"data-root"}) : "";
     return folder.empty() ? "/var/lib/docker" : folder;
 }
@@ -50,7 +51,7 @@ std::string FindDataFolder(const TSystemRoot& root) {
 TEngineContainers ReadDocker(const TSystemRoot& root) {
     TEngineContainers engine;
     TUniqueNames names;
-    const std::string folder = FindDataFolder(root) + "/containers";
+    const std::string folder = FindDataFolder(root, engine) + "/containers";
     for (const std::string& id : ListGuests(root, folder, engine)) {
         const std::string own = folder + '/' + id;
         const TFact<TDockerContainer> found = root.ReadFile(own + "/config.v2.json", kFileLimit).Map(Parse);

@@ -43,7 +43,8 @@ public:
     std::optional<TDomain> Read(const std::string& document) {
         const XML_Status status =
             XML_Parse(fParser.get(), document.data(), static_cast<int>(document.size()), /*isFinal=*/1);
-        return status == XML_STATUS_OK && !fDomain.name.empty() ? std::optional(fDomain) : std::nullopt;
+        const bool isNamed = !fDomain.name.empty() && fDomain.name.find('/') == std::string::npos;
+        return status == XML_STATUS_OK && isNamed ? std::optional(fDomain) : std::nullopt;
     }
 
 private:

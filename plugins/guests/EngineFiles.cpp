@@ -4,13 +4,16 @@ std::string WithoutEnding(const std::string& name, std::string_view ending) {
     return EndsWith(name, ending) ? name.substr(0, name.size() - ending.size()) : "";
 }
 
-bool IsAlive(const TSystemRoot& root, uint32_t process) {
-    return process != 0 && root.Exists("/proc/" + std::to_string(process));
+TFact<bool> IsAlive(const TSystemRoot& root, uint32_t process, const std::string& source) {
+    const bool isThere = process != 0 && root.Exists("/proc/" + std::to_string(process));
+    if (isThere || process == 0 || root.Exists("/proc/1")) return TFact<bool>::Of(isThere, source);
+    const EAbsence absence = root.IsRunningMachine() ? EAbsence::eNoPermission : EAbsence::eNotPresent;
+    return TFact<bool>::Missing(absence, "/proc/1");
 }
 
 TFact<bool> IsProcessOf(const TSystemRoot& root, const std::string& pidFile) {
     const TFact<uint32_t> process = root.ReadNumber<uint32_t>(pidFile);
-    if (process) return TFact<bool>::Of(IsAlive(root, *process), pidFile);
+    if (process) return IsAlive(root, *process, pidFile);
     if (process.absence == EAbsence::eNotPresent && root.Exists("/run")) return TFact<bool>::Of(false, pidFile);
     return TFact<bool>::Missing(process.absence, pidFile);
 }

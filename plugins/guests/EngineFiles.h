@@ -45,8 +45,8 @@ std::string WithoutEnding(const std::string& name, std::string_view ending);
 /// Whether the process runs whose number the file holds. Without the file it does not: what runs has written it since
 /// the computer was started.
 TFact<bool> IsProcessOf(const TSystemRoot& root, const std::string& pidFile);
-/// Whether a process runs.
-bool IsAlive(const TSystemRoot& root, uint32_t process);
+/// Whether a process runs, as a file tells. Nobody knows if the processes of others are hidden.
+TFact<bool> IsAlive(const TSystemRoot& root, uint32_t process, const std::string& source);
 /// Whether a container of LXC has processes.
 TFact<bool> IsLxcRunning(const TSystemRoot& root, const std::string& name);
 

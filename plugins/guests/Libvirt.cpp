@@ -54,7 +54,7 @@ TFact<bool> NotListed(const TSystemRoot& root, const std::string& folder) {
 
 TFact<bool> IsRunning(const TSystemRoot& root, const TFact<TDomain>& domain) {
     const uint32_t process = ParseNumber<uint32_t>(domain->process).value_or(0);
-    return TFact<bool>::Of(IsAlive(root, process), domain.source);
+    return IsAlive(root, process, domain.source);
 }
 
 void ReadHypervisor(const TSystemRoot& root, const TFolders& folders, TEngineMachines& engine) {

@@ -13,18 +13,20 @@ constexpr const char *kImages = "/var/lib/machines", *kMachines = "/run/systemd/
 
 std::optional<bool> ParseFlag(const std::string& text) { return text == "1"; }
 
-// "512M"; without a unit in bytes.
+// "512M" or "512m"; without a unit in bytes.
 std::optional<uint64_t> ParseMemory(const std::string& text) {
-    constexpr std::string_view kUnits = "KMGT";
+    constexpr std::string_view kUnits = "KMGTkmgt";
     const size_t unit = kUnits.find(text.back());
-    const std::optional<uint64_t> number = ParseNumber<uint64_t>(text.substr(0, text.find_last_of("0123456789") + 1));
-    const size_t shift = unit == std::string_view::npos ? 0 : 10 * (unit + 1);
+    const bool hasUnit = unit != std::string_view::npos;
+    const std::optional<uint64_t> number = ParseNumber<uint64_t>(text.substr(0, text.size() - (hasUnit ? 1 : 0)));
+    const size_t shift = hasUnit ? 10 * (unit % 4 + 1) : 0;
     return number && *number <= UINT64_MAX >> shift ? std::optional(*number << shift) : std::nullopt;
 }
 
 THostedContainer LxcContainer(const TSystemRoot& root, const std::string& name, const TText& file) {
     THostedContainer container{"lxc", name};
-    const TText limit = FindSetting(file, "lxc.cgroup2.memory.max", '=');
+    const TText unified = FindSetting(file, "lxc.cgroup2.memory.max", '='),
+                limit = unified ? unified : FindSetting(file, "lxc.cgroup.memory.limit_in_bytes", '=');
     const TFact<bool> isStarted = FindSetting(file, "lxc.start.auto", '=').Map(ParseFlag);
     container.memory = limit.Map(ParseMemory);
     container.isAutoStarted = isStarted ? isStarted : TFact<bool>::Of(false, file.source);
@@ -40,7 +42,7 @@ TFact<bool> IsLed(const TSystemRoot& root, const std::string& name, const TText&
         return TFact<bool>::Missing(file.absence, kMachines);
     if (IsUnreadable(file)) return TFact<bool>::Missing(file.absence, file.source);
     const uint32_t leader = ParseNumber<uint32_t>(FindOsReleaseValue(file, "LEADER").ValueOr("")).value_or(0);
-    return TFact<bool>::Of(IsAlive(root, leader), std::string(kMachines) + '/' + name);
+    return IsAlive(root, leader, std::string(kMachines) + '/' + name);
 }
 
 // The folders and images that are there, and what runs from elsewhere.

@@ -32,9 +32,9 @@ TEST(GuestsReaderTest, DocumentOfAVirtualMachineIsRead) {
     EXPECT_EQ(domain->process, "12");
     EXPECT_EQ(domain->architecture, "s390x");
     EXPECT_EQ(MemoryOf(*domain), uint64_t{2} << 20);
-    for (const char* document :
-         {"", "x", "<domain>", "<domain/>", "<domain><title>x</title></domain>", "<name>x</name>",
-          "<!DOCTYPE d><domain><name>x</name></domain>", "<domain><name>x</name></domain><a/>"})
+    for (const char* document : {"", "x", "<domain>", "<domain/>", "<domain><title>x</title></domain>",
+                                 "<name>x</name>", "<!DOCTYPE d><domain><name>x</name></domain>",
+                                 "<domain><name>../x</name></domain>", "<domain><name>x</name></domain><a/>"})
         EXPECT_FALSE(ParseDomain(document)) << document;
 }
 
@@ -84,6 +84,30 @@ TEST(GuestsReaderTest, NamesAreUniqueAndTimesHaveOffsets) {
     EXPECT_EQ(guests[0].created.value, 1704067200);
     EXPECT_FALSE(guests[1].created);
     EXPECT_EQ(guests[2].created.value, 1704067200);
+}
+
+TEST(GuestsReaderTest, LimitOfAContainerIsCountedAsTheKernelDoes) {
+    const std::pair<std::string, std::optional<uint64_t>> cases[] = {
+        {"lxc.cgroup2.memory.max = 512m\n", uint64_t{512} << 20},
+        {"lxc.cgroup.memory.limit_in_bytes = 2G\n", uint64_t{2} << 30},
+        {"lxc.cgroup2.memory.max = 4096\n", 4096},
+        {"lxc.cgroup2.memory.max = 1GB\n", std::nullopt},
+        {"lxc.cgroup2.memory.max = M\n", std::nullopt},
+    };
+    for (const auto& [settings, bytes] : cases) {
+        const TGuestFacts facts = ReadFiles({{"var/lib/lxc/a/config", settings}});
+        ASSERT_EQ(facts.containers[3].guests.size(), 1u);
+        EXPECT_EQ(facts.containers[3].guests[0].memory.value, bytes) << settings;
+    }
+}
+
+// With hidepid only those of the user can be seen, and never the first one.
+TEST(GuestsReaderTest, NobodyKnowsWhatRunsIfProcessesAreHidden) {
+    const std::pair<std::string, std::string> state{"run/systemd/machines/a", "SERVICE=systemd-nspawn\nLEADER=12\n"};
+    EXPECT_EQ(ReadFiles({state}).containers[5].guests.at(0).isRunning.absence, EAbsence::eNotPresent);
+    EXPECT_FALSE(ReadFiles({state}).containers[5].guests.at(0).isRunning);
+    EXPECT_EQ(ReadFiles({state, {"proc/1/stat", ""}}).containers[5].guests.at(0).isRunning.value, false);
+    EXPECT_EQ(ReadFiles({state, {"proc/12/stat", ""}}).containers[5].guests.at(0).isRunning.value, true);
 }
 
 TEST(GuestsReaderTest, FileThatIsNotUnderstoodIsMissed) {
