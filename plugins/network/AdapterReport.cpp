@@ -1,4 +1,3 @@
-#include "NetlinkDump.h"
 #include "NetworkReport.h"
 
 namespace {
@@ -21,78 +20,75 @@ void AddAbsences(TInstanceReport& report, const char* const (&properties)[count]
         if (!fact) report.Add(property, fact);
 }
 
-constexpr const char* kTableProperties[] = {"ElementName",
-                                            "Kind",
-                                            "OtherNames",
-                                            "InterfaceGroup",
-                                            "MinimumTransmissionUnit",
-                                            "SupportedMaximumTransmissionUnit",
-                                            "TransmitQueues",
-                                            "ReceiveQueues",
-                                            "VLANID",
-                                            "VLANProtocol",
-                                            "VXLANID",
-                                            "MACVLANMode",
-                                            "SpanningTree",
-                                            "VLANFiltering",
-                                            "BridgePortState",
-                                            "BondMode",
-                                            "TransmitHashPolicy",
-                                            "LinkMonitoringInterval",
-                                            "ActiveMember",
-                                            "BondMemberState",
-                                            "BondMemberLink"};
 constexpr const char* kDriverProperties[] = {"DriverVersion", "FirmwareVersion", "BusInfo",
                                              "Connector",     "AutoSense",       "MaxSpeed"};
 constexpr const char* kDeviceProperties[] = {"PermanentAddress",          "Driver",          "Bus", "BusID", "Wireless",
                                              "SupportedVirtualFunctions", "VirtualFunctions"};
 
-// What the kernel's table has, and nothing for what it lacks: the document says why that is so.
+// What the kernel tells, and nothing for what it lacks: the document says why that is so.
 template <typename T>
-void AddSetting(TInstanceReport& report, const char* property, const std::optional<T>& value) {
-    if (value) report.Add(property, TFact<T>::Of(*value, SourceOf(ENetlinkTable::eLinks)));
+void AddSetting(TInstanceReport& report, const TAdapter& adapter, const char* property, const std::optional<T>& value,
+                const std::string& source = "") {
+    if (value)
+        report.Add(property, TFact<T>::Of(*value, source.empty() ? adapter.settings.source : source));
+    else if (!adapter.linkTable)
+        report.Add(property, adapter.linkTable);
+}
+
+template <typename T>
+std::optional<T> UnlessEmpty(const T& value) {
+    return value.empty() ? std::nullopt : std::optional(value);
+}
+
+void AddName(TInstanceReport& report, const TAdapter& adapter, const char* property,
+             const std::optional<std::string>& name) {
+    if (name)
+        report.Set(property, *name);
+    else if (!adapter.linkTable)
+        report.Add(property, adapter.linkTable);
 }
 
 void AddIdentity(TInstanceReport& report, const TAdapter& adapter) {
     report.Set("Name", adapter.name);
     report.Set("Caption", Caption(adapter));
-    if (adapter.alias) report.Set("ElementName", *adapter.alias);
+    AddName(report, adapter, "ElementName", adapter.alias);
     report.Add("InterfaceIndex", adapter.index);
     report.Add("LinkTechnology", adapter.type);
     report.Add("Virtual", adapter.isVirtual);
-    if (adapter.kind) report.Set("Kind", *adapter.kind);
-    if (!adapter.otherNames.empty()) AddSetting(report, "OtherNames", std::optional(adapter.otherNames));
-    if (adapter.group != 0u) AddSetting(report, "InterfaceGroup", adapter.group);
-    AddAbsences(report, kTableProperties, adapter.linkTable);
+    AddName(report, adapter, "Kind", adapter.kind);
+    AddSetting(report, adapter, "OtherNames", UnlessEmpty(adapter.otherNames));
+    AddSetting(report, adapter, "InterfaceGroup", adapter.group == 0u ? std::nullopt : adapter.group);
 }
 
-void AddSettings(TInstanceReport& report, const TLinkSettings& settings) {
-    AddSetting(report, "VLANID", settings.vlan);
-    AddSetting(report, "VLANProtocol", settings.vlanProtocol);
-    AddSetting(report, "VXLANID", settings.vxlan);
-    AddSetting(report, "MACVLANMode", settings.macvlanMode);
-    AddSetting(report, "SpanningTree", settings.spanningTree);
-    AddSetting(report, "VLANFiltering", settings.vlanFiltering);
-    AddSetting(report, "BridgePortState", settings.bridgePortState);
+void AddSettings(TInstanceReport& report, const TAdapter& adapter) {
+    const TLinkSettings& settings = adapter.settings;
+    AddSetting(report, adapter, "VLANID", settings.vlan, settings.vlanSource);
+    AddSetting(report, adapter, "VLANProtocol", settings.vlanProtocol);
+    AddSetting(report, adapter, "VXLANID", settings.vxlan);
+    AddSetting(report, adapter, "MACVLANMode", settings.macvlanMode);
+    AddSetting(report, adapter, "SpanningTree", settings.spanningTree);
+    AddSetting(report, adapter, "VLANFiltering", settings.vlanFiltering);
+    AddSetting(report, adapter, "BridgePortState", settings.bridgePortState);
 }
 
-void AddBond(TInstanceReport& report, const TLinkSettings& settings) {
-    AddSetting(report, "BondMode", settings.bondMode);
-    AddSetting(report, "TransmitHashPolicy", settings.transmitHashPolicy);
-    AddSetting(report, "LinkMonitoringInterval", settings.monitoringInterval);
-    if (!settings.activeMember.empty()) AddSetting(report, "ActiveMember", std::optional(settings.activeMember));
-    AddSetting(report, "BondMemberState", settings.bondMemberState);
-    AddSetting(report, "BondMemberLink", settings.bondMemberLink);
+void AddBond(TInstanceReport& report, const TAdapter& adapter) {
+    const TLinkSettings& settings = adapter.settings;
+    AddSetting(report, adapter, "BondMode", settings.bondMode);
+    AddSetting(report, adapter, "TransmitHashPolicy", settings.transmitHashPolicy);
+    AddSetting(report, adapter, "LinkMonitoringInterval", settings.monitoringInterval);
+    AddSetting(report, adapter, "ActiveMember", UnlessEmpty(settings.activeMember));
+    AddSetting(report, adapter, "BondMemberState", settings.bondMemberState);
+    AddSetting(report, adapter, "BondMemberLink", settings.bondMemberLink);
 }
 
 void AddLink(TInstanceReport& report, const TAdapter& adapter) {
     report.Add("CurrentAddress", adapter.address);
     if (!adapter.addresses || !adapter.addresses->empty()) report.Add("IPAddresses", adapter.addresses);
     report.Add("ActiveMaximumTransmissionUnit", adapter.mtu);
-    AddSetting(report, "MinimumTransmissionUnit", adapter.minimumMtu);
-    AddSetting(report, "SupportedMaximumTransmissionUnit", adapter.maximumMtu);
-    AddSetting(report, "TransmitQueues", adapter.transmitQueues);
-    AddSetting(report, "ReceiveQueues", adapter.receiveQueues);
+    AddSetting(report, adapter, "MinimumTransmissionUnit", adapter.minimumMtu);
+    AddSetting(report, adapter, "SupportedMaximumTransmissionUnit", adapter.maximumMtu);
+    AddSetting(report, adapter, "TransmitQueues", adapter.transmitQueues);
+    AddSetting(report, adapter, "ReceiveQueues", adapter.receiveQueues);
     report.Add("Enabled", adapter.enabled);
     report.Add("Carrier", adapter.carrier);
     report.Add("LinkState", adapter.operationalState);
@@ -130,8 +126,8 @@ kyrStatusCode ReportAdapter(kyrIOHandle handle, const TAdapter& adapter) {
     TInstanceReport report(handle, AdapterPath(adapter.name));
     AddIdentity(report, adapter);
     AddLink(report, adapter);
-    AddSettings(report, adapter.settings);
-    AddBond(report, adapter.settings);
+    AddSettings(report, adapter);
+    AddBond(report, adapter);
     if (adapter.device) AddDevice(report, adapter);
     AddAbsences(report, kDeviceProperties, adapter.isVirtual);
     AddAbsences(report, kDriverProperties, adapter.isVirtual);

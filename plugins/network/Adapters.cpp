@@ -39,6 +39,7 @@ TAdapter ReadLinkFiles(const TSystemRoot& root, const std::string& name) {
     adapter.operationalState = root.ReadText(folder + "operstate").Map(ParseState);
     for (size_t i = 0; i < eCounters; ++i)
         adapter.counters[i] = root.ReadNumber<uint64_t>(folder + "statistics/" + kCounterFiles[i]);
+    ReadLinkSettings(root, adapter);
     return adapter;
 }
 

@@ -2,6 +2,7 @@
 #include <linux/rtnetlink.h>
 
 #include "Netlink.h"
+#include "NetlinkDump.h"
 #include "NetworkParts.h"
 
 namespace {
@@ -66,6 +67,7 @@ void Fill(TLinkSettings& settings, const TKind (&kinds)[count], const std::optio
 
 TLinkSettings ParseLinkSettings(const TNetlinkAttributes& info) {
     TLinkSettings settings;
+    settings.source = SourceOf(ENetlinkTable::eLinks);
     Fill(settings, kKinds, info.Text(IFLA_INFO_KIND), info.Find(IFLA_INFO_DATA).value_or(""));
     Fill(settings, kMemberKinds, info.Text(IFLA_INFO_SLAVE_KIND), info.Find(IFLA_INFO_SLAVE_DATA).value_or(""));
     return settings;

@@ -10,12 +10,19 @@ TAdapterNames NamesOf(const std::vector<TAdapter>& adapters) {
     return names;
 }
 
+void NameOthers(const TAdapterNames& names, TAdapter& adapter) {
+    adapter.master = NameOf(adapter.masterIndex, names);
+    adapter.lower = NameOf(adapter.lowerIndex, names);
+    adapter.settings.activeMember = NameOf(adapter.settings.activeMemberIndex, names);
+}
+
 // Sets the addresses of each adapter, or why they are not known.
-void HandOut(const std::vector<TIPAddress>& addresses, const TFact<std::string>& table, TAdapter& adapter) {
-    adapter.addresses = table.Map([](const std::string&) { return std::optional(std::vector<std::string>()); });
-    for (const TIPAddress& address : addresses)
-        if (address.adapter == adapter.name)
-            adapter.addresses.value->push_back(address.address + '/' + std::to_string(address.prefixLength));
+void HandOut(const TFact<std::string>& table, TNetworkFacts& facts) {
+    std::map<std::string, std::vector<std::string>> addresses;
+    for (const TIPAddress& address : facts.addresses)
+        addresses[address.adapter].push_back(address.address + '/' + std::to_string(address.prefixLength));
+    for (TAdapter& adapter : facts.adapters)
+        adapter.addresses = table.Map([&](const std::string&) { return std::optional(addresses[adapter.name]); });
 }
 
 }  // namespace
@@ -35,12 +42,9 @@ TNetworkFacts ReadNetwork(const TSystemRoot& root) {
     const TFact<std::string> addresses = ReadNetlinkTable(root, ENetlinkTable::eAddresses);
     if (addresses) facts.addresses = ParseAddresses(*addresses, names);
     facts.addressListing = ListingOf(addresses);
-    for (TAdapter& adapter : facts.adapters) {
-        adapter.master = NameOf(adapter.masterIndex, names);
-        adapter.lower = NameOf(adapter.lowerIndex, names);
-        adapter.settings.activeMember = NameOf(adapter.settings.activeMemberIndex, names);
-        HandOut(facts.addresses, addresses, adapter);
-    }
+    for (TAdapter& adapter : facts.adapters)
+        if (links) NameOthers(names, adapter);
+    HandOut(addresses, facts);
     ReadLeases(root, names, facts.addresses);
     ReadDns(root, names, facts);
     const TFact<std::string> routes = ReadNetlinkTable(root, ENetlinkTable::eRoutes);

@@ -22,9 +22,11 @@ enum ECounter {
     eCounters
 };
 
-/// What the kernel's table tells of adapters of some kinds, and of those that are part of a bond or a bridge.
+/// What the kernel tells of adapters of some kinds, and of those that are part of a bond or a bridge.
 struct TLinkSettings {
+    std::string source;
     std::optional<uint16_t> vlan;
+    std::string vlanSource;                ///< empty: that of the others
     std::optional<uint16_t> vlanProtocol;  ///< its EtherType
     std::optional<uint32_t> vxlan;
     std::optional<uint16_t> macvlanMode;  ///< MACVLAN_MODE_*
@@ -78,7 +80,7 @@ struct TAdapter {
     TFact<bool> carrier;
     TFact<uint16_t> operationalState;  ///< ifOperStatus of RFC 2863, less one
     std::array<TFact<uint64_t>, eCounters> counters;
-    TListing linkTable;  ///< the kernel's table, which alone has these
+    TListing linkTable;  ///< the kernel's table, without which only files tell of the following, and of few
     std::optional<std::string> alias;
     std::optional<std::string> kind;  ///< of a software device: "bridge", "vlan"
     TLinkSettings settings;

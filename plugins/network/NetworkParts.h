@@ -36,6 +36,9 @@ void ReadDns(const TSystemRoot& root, const TAdapterNames& names, TNetworkFacts&
 /// Sets what stands in a file such as /etc/resolv.conf.
 void ParseResolverFile(std::string_view text, TDnsSettings& settings);
 
+/// Sets what files tell of the kind of an adapter, its settings and the adapters that it belongs to or runs on.
+void ReadLinkSettings(const TSystemRoot& root, TAdapter& adapter);
+
 /// The adapters, sorted by index: from the kernel table, or from sysfs if that could not be read.
 std::vector<TAdapter> ReadAdapters(const TSystemRoot& root, const TFact<std::string>& table);
 

@@ -1,6 +1,8 @@
 #include <linux/ethtool.h>
 #include <linux/rtnetlink.h>
 
+#include <filesystem>
+
 #include "NetworkParts.h"
 #include "support/TestSupport.h"
 
@@ -76,6 +78,39 @@ TEST(NetworkReaderTest, NumbersOfAttributesMeanWhatTheirKindSays) {
     EXPECT_EQ(SettingsOf("macvtap", Attribute(IFLA_MACVLAN_MODE, BytesOf(8u))).macvlanMode, 8);
     EXPECT_EQ(SettingsOf("vlan", Attribute(IFLA_VLAN_PROTOCOL, "\x88\xA8")).vlanProtocol, 0x88A8);
     EXPECT_FALSE(SettingsOf("tun", Attribute(IFLA_VLAN_ID, BytesOf(42u))).vlan);
+}
+
+TEST(NetworkReaderTest, WithoutTheTableFilesTellOfBondsAndBridgesAndVlans) {
+    const TempFolder machine;
+    const auto make = [&machine](const std::string& name, const char* kind) {
+        machine.Write("sys/devices/virtual/net/" + name + "/uevent", std::string("DEVTYPE=") + kind);
+        std::filesystem::create_directories(machine.Path() + "/sys/class/net");
+        std::filesystem::create_symlink("../../devices/virtual/net/" + name, machine.Path() + "/sys/class/net/" + name);
+    };
+    for (const char* name : {"bond0", "br0", "eth0"}) make(name, "");
+    make("bond0.10", "vlan");
+    const std::string folder = "sys/devices/virtual/net/";
+    machine.Write(folder + "bond0/bonding/mode", "802.3ad 4\n");
+    machine.Write(folder + "bond0/bonding/xmit_hash_policy", "layer3+4 1\n");
+    machine.Write(folder + "bond0/bonding/miimon", "100\n");
+    machine.Write(folder + "br0/bridge/stp_state", "1\n");
+    machine.Write(folder + "eth0/bonding_slave/mii_status", "going down\n");
+    machine.Write(folder + "bond0.10/brport/state", "3\n");
+    machine.Write("proc/net/vlan/config", "VLAN Dev name | VLAN ID\nbond0.10       | 10  | bond0\n");
+    std::filesystem::create_symlink("../bond0", machine.Path() + '/' + folder + "eth0/master");
+    std::filesystem::create_symlink("../../br0", machine.Path() + '/' + folder + "bond0.10/brport/bridge");
+    const TNetworkFacts facts = ReadNetwork(TSystemRoot(machine.Path()));
+    const TAdapter &bond = AdapterNamed(facts, "bond0"), &vlan = AdapterNamed(facts, "bond0.10"),
+                   &member = AdapterNamed(facts, "eth0");
+    EXPECT_EQ(bond.kind, "bond");
+    EXPECT_EQ(bond.settings.bondMode, 4);
+    EXPECT_EQ(bond.settings.transmitHashPolicy, 1);
+    EXPECT_EQ(bond.settings.monitoringInterval, 100u);
+    EXPECT_EQ(AdapterNamed(facts, "br0").settings.spanningTree, true);
+    EXPECT_EQ(member.master + ' ' + std::to_string(member.settings.bondMemberLink.value_or(99)), "bond0 1");
+    EXPECT_EQ(vlan.settings.vlan, 10);
+    EXPECT_EQ(vlan.lower + " in " + vlan.master, "bond0 in br0");
+    EXPECT_EQ(vlan.settings.bridgePortState, 3);
 }
 
 TEST(NetworkReaderTest, AnAdapterOfAnotherNamespaceIsNotTheLowerOne) {
