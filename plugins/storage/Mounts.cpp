@@ -84,6 +84,7 @@ std::string MergeOptions(std::string_view ofMount, std::string_view ofFileSystem
 
 std::string TUniqueNames::MakeUnique(const std::string& name) {
     std::string unique = name;
-    for (int number = 2; !fUsed.insert(unique).second; ++number) unique = name + "#" + std::to_string(number);
+    int& number = fNumbers.try_emplace(name, 1).first->second;
+    while (!fUsed.insert(unique).second) unique = name + "#" + std::to_string(++number);
     return unique;
 }

@@ -1,6 +1,7 @@
 #ifndef KYR_PLUGINS_STORAGE_MOUNTS_H
 #define KYR_PLUGINS_STORAGE_MOUNTS_H
 
+#include <map>
 #include <set>
 #include <string_view>
 
@@ -23,6 +24,7 @@ public:
 
 private:
     std::set<std::string> fUsed;
+    std::map<std::string, int> fNumbers;  ///< the last one of each name
 };
 
 #endif
