@@ -49,7 +49,11 @@ constexpr TSign kDeviceTree[] = {{"linux,kvm", "KVM"}, {"xen,xen", "Xen"}, {"vmw
 constexpr TSign kEmulators[] = {{"QEMU", "QEMU"}, {"qemu,pseries", "QEMU"}};
 
 // Where no clock tells of KVM, as on ARM.
-constexpr TSign kClouds[] = {{"Amazon EC2", "Amazon Nitro"}, {"Google Compute Engine", "Google Compute Engine"}};
+constexpr TSign kClouds[] = {{"Amazon EC2", "Amazon Nitro"},
+                             {"Google Compute Engine", "Google Compute Engine"},
+                             {"OpenStack Nova", "KVM"},
+                             {"OpenStack Compute", "KVM"},
+                             {"KubeVirt", "KVM"}};
 
 /// What hypervisors answer to the instruction CPUID.
 constexpr TSign kAnswers[] = {
@@ -115,12 +119,14 @@ TText AskProcessor() {
 TText AskProcessor() { return {}; }
 #endif
 
-// The flag "hypervisor" shows that there is one. The first entry is enough, and the whole file is long.
-TText ReadProcessorFlag(const TSystemRoot& root) {
+// The flag "hypervisor" shows that there is one. Processors of other kinds have no such flag, and only firmware that
+// would name it shows that there is none. The first entry is enough, and the whole file is long.
+TText ReadProcessorFlag(const TSystemRoot& root, bool wouldBeNamed) {
     const TText text = root.ReadFile("/proc/cpuinfo", 8192);
     if (!text) return text;
     const bool isGuest = text->find(" hypervisor") != std::string::npos;
-    return TText::Missing(isGuest ? EAbsence::eNotSupported : EAbsence::eNotPresent, text.source);
+    const bool isKnown = !isGuest && (wouldBeNamed || text->find("flags") != std::string::npos);
+    return TText::Missing(isKnown ? EAbsence::eNotPresent : EAbsence::eNotSupported, text.source);
 }
 
 }  // namespace
@@ -143,5 +149,6 @@ void ReadHypervisor(const TSystemRoot& root, TSystemFacts& facts) {
         facts.hypervisor = found;
         return;
     }
-    facts.hypervisor = ReadProcessorFlag(root);
+    const bool hasTree = tree || root.Exists("/sys/firmware/devicetree/base");
+    facts.hypervisor = ReadProcessorFlag(root, hasTree || root.Exists("/proc/sysinfo"));
 }

@@ -36,9 +36,15 @@ std::optional<std::string> ZoneName(const std::string& link) {
     return name.empty() ? std::nullopt : std::optional(name);
 }
 
+TText ReadValue(const TSystemRoot& root, const char* file, const char* key) {
+    return FindOsReleaseValue(root.ReadFile(file), key);
+}
+
+// The last file is that of Red Hat and its derivatives before release 7.
 TText ReadTimeZone(const TSystemRoot& root) {
-    const TText link = root.ReadLink("/etc/localtime").Map(ZoneName);
-    return link ? link : Otherwise(link, root.ReadText("/etc/timezone"));
+    TText zone = root.ReadLink("/etc/localtime").Map(ZoneName);
+    if (!zone) zone = Otherwise(zone, root.ReadText("/etc/timezone"));
+    return zone ? zone : Otherwise(zone, ReadValue(root, "/etc/sysconfig/clock", "ZONE"));
 }
 
 // The user's own time zone is not that of the machine.
@@ -52,8 +58,10 @@ TFact<int16_t> AskTimeZone() {
 }
 
 TText ReadLocale(const TSystemRoot& root) {
-    const TText own = FindOsReleaseValue(root.ReadFile("/etc/locale.conf"), "LANG");
-    return own ? own : Otherwise(own, FindOsReleaseValue(root.ReadFile("/etc/default/locale"), "LANG"));
+    TText locale = ReadValue(root, "/etc/locale.conf", "LANG");
+    for (const char* file : {"/etc/default/locale", "/etc/sysconfig/i18n"})
+        if (!locale) locale = Otherwise(locale, ReadValue(root, file, "LANG"));
+    return locale;
 }
 
 struct TInitSystem {

@@ -7,10 +7,10 @@ namespace {
 constexpr const char* kHidden = "(hidden)";
 
 /// Parts of the names of parameters whose value nobody else may know.
-constexpr std::string_view kSecrets[] = {"password",   "passwd",      "passphrase", "passcode",   "rootpw",
-                                         "secret",     "token",       "credential", "psk",        "wpa",
-                                         "apikey",     "api_key",     "api-key",    "access_key", "accesskey",
-                                         "privatekey", "private_key", "luks.key",   "cryptkey"};
+constexpr std::string_view kSecrets[] = {"password",  "passwd",     "passphrase",  "passcode", "rootpw",  "cifspass",
+                                         "_wep",      "authkey",    "auth_key",    "secret",   "token",   "credential",
+                                         "psk",       "wpa",        "apikey",      "api_key",  "api-key", "access_key",
+                                         "accesskey", "privatekey", "private_key", "luks.key", "cryptkey"};
 
 // Not tolower, which depends on the host's locale.
 std::string LowerCase(std::string_view text) {

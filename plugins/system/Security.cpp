@@ -9,6 +9,7 @@ using TWord = TFact<uint16_t>;
 constexpr const char* kVariables = "/sys/firmware/efi/efivars";
 constexpr const char* kGlobal = "-8be4df61-93ca-11d2-aa0d-00e098032b8c";  // of the variables that UEFI itself defines
 constexpr const char* kSELinux = "/sys/fs/selinux";
+constexpr const char* kOlderSELinux = "/selinux/enforce";  // of Linux before 3.0
 constexpr const char* kAppArmor = "/sys/module/apparmor";
 constexpr const char* kTaint = "/proc/sys/kernel/tainted";
 
@@ -29,7 +30,8 @@ TWord Find(const TName (&names)[N], const TText& text) {
 
 // Four bytes of attributes and one that is 0 or 1.
 std::optional<bool> ParseVariable(const std::string& content) {
-    return content.size() == 5 ? std::optional(content[4] == 1) : std::nullopt;
+    const bool isFlag = content.size() == 5 && (content[4] == 0 || content[4] == 1);
+    return isFlag ? std::optional(content[4] == 1) : std::nullopt;
 }
 
 TFact<bool> ReadVariable(const TSystemRoot& root, const std::string& name) {
@@ -73,8 +75,9 @@ constexpr TName kConfigured[] = {
 
 // The kernel makes the folder if SELinux was not disabled when it started.
 TWord ReadSELinuxMode(const TSystemRoot& root) {
-    if (root.LacksKind(kSELinux)) return TWord::Of(kSELinuxDisabled, kSELinux);
-    return Find(kEnforcing, root.ReadText(std::string(kSELinux) + "/enforce"));
+    if (!root.LacksKind(kSELinux)) return Find(kEnforcing, root.ReadText(std::string(kSELinux) + "/enforce"));
+    const TWord older = Find(kEnforcing, root.ReadText(kOlderSELinux));
+    return older || IsUnreadable(older) ? older : TWord::Of(kSELinuxDisabled, kSELinux);
 }
 
 void ReadSELinux(const TSystemRoot& root, TSecurityFacts& security) {

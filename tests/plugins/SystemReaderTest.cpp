@@ -176,6 +176,10 @@ TEST(SystemReaderTest, HypervisorIsNamedByFirmwareOrKernel) {
         {{{dmi + "sys_vendor", "Amazon EC2"}, {dmi + "product_name", "m6g.large"}}, "Amazon Nitro"},
         {{{dmi + "sys_vendor", "Amazon EC2"}, {dmi + "product_name", "c5.metal"}, {"proc/cpuinfo", "flags : fpu"}},
          "not present: /proc/cpuinfo"},
+        {{{dmi + "product_name", "OpenStack Nova"}, {"proc/cpuinfo", "Features : fp"}}, "KVM"},
+        {{{dmi + "sys_vendor", "Hetzner"}, {"proc/cpuinfo", "Features : fp"}}, "not supported: /proc/cpuinfo"},
+        {{{"proc/device-tree/compatible", "raspberrypi,4-model-b"}, {"proc/cpuinfo", "Features : fp"}},
+         "not present: /proc/cpuinfo"},
     };
     for (const auto& [files, expected] : cases) {
         const TempFolder machine;
@@ -271,6 +275,7 @@ TEST(SystemReaderTest, CommandLineIsToldWithoutItsSecrets) {
          "ks=http://(hidden)@192.0.2.1/ks root=(hidden)@192.0.2.1::"},
         {"-- --secret word --token=word next", "-- --secret (hidden) --token=(hidden) next"},
         {"systemd.set_credential=name:word", "systemd.set_credential=(hidden)"},
+        {"cifspass=word netcfg/wireless_wep=word pass=1", "cifspass=(hidden) netcfg/wireless_wep=(hidden) pass=1"},
     };
     for (const auto& [line, told] : cases)
         EXPECT_EQ(Show(ReadFile("proc/cmdline", line).kernelCommandLine), told) << line;
@@ -327,10 +332,23 @@ TEST(SystemReaderTest, SecureBootIsToldOnlyByTheFirmware) {
         {{{"sys/firmware/dmi/tables/DMI", ""}}, "4"},
         {{{"sys/firmware/efi/fw_platform_size", "64"}},
          "not present: /sys/firmware/efi/efivars/SecureBoot-8be4df61-93ca-11d2-aa0d-00e098032b8c"},
+        {{{folder + "SecureBoot" + kVariable, std::string("\6\0\0\0\2", 5)}},
+         "not supported: /sys/firmware/efi/efivars/SecureBoot-8be4df61-93ca-11d2-aa0d-00e098032b8c"},
         {{{"proc/stat", ""}}, "not present: /sys/firmware/efi"},
     };
     for (const auto& [files, state] : cases)
         EXPECT_EQ(Show(ReadFiles(files).security.secureBoot), state) << files[0].first;
+}
+
+TEST(SystemReaderTest, SystemsOfOldTellInOtherPlaces) {
+    const TSystemFacts facts = ReadFiles({{"sys/fs/ext4/features", ""},
+                                          {"selinux/enforce", "1\n"},
+                                          {"etc/sysconfig/clock", "ZONE=\"Europe/Vienna\"\n"},
+                                          {"etc/sysconfig/i18n", "LANG=\"de_AT.UTF-8\"\n"}});
+    EXPECT_EQ(Show(facts.security.selinuxMode), "1");
+    EXPECT_EQ(Show(facts.timeZone), "Europe/Vienna");
+    EXPECT_EQ(Show(facts.locale), "de_AT.UTF-8");
+    EXPECT_EQ(Show(ReadFiles({{"sys/fs/ext4/features", ""}}).security.selinuxMode), std::to_string(kSELinuxDisabled));
 }
 
 TEST(SystemReaderTest, TpmOfAnOldKernelIsToldByItsFiles) {
