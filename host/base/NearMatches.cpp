@@ -47,6 +47,7 @@ std::vector<std::string> FindNearMatches(const std::string& name, const std::vec
         if (IsNear(wanted, lowered, distance)) near.emplace_back(distance, candidate);
     }
     std::sort(near.begin(), near.end());
+    near.erase(std::unique(near.begin(), near.end()), near.end());  // an account and its group have one name
     std::vector<std::string> matches;
     for (size_t i = 0; i < near.size() && i < kMostMatches; ++i) matches.push_back(near[i].second);
     return matches;

@@ -27,11 +27,11 @@ struct TMany {
     const char* name;
 };
 
-constexpr TMany kMany[] = {{"MOLTA_Service", "services"},
-                           {"MOLTA_KernelModule", "modules"},
-                           {"MOLTA_Package", "packages"},
-                           {"MOLTA_LanguagePackage", "language-packages"},
-                           {"MOLTA_PendingUpdate", "updates"}};
+constexpr TMany kMany[] = {{"MOLTA_Service", "services"},        {"MOLTA_KernelModule", "modules"},
+                           {"MOLTA_Package", "packages"},        {"MOLTA_LanguagePackage", "language-packages"},
+                           {"MOLTA_Repository", "repositories"}, {"MOLTA_PendingUpdate", "updates"},
+                           {"MOLTA_ListeningSocket", "sockets"}, {"MOLTA_UnixListeningSocket", "sockets"},
+                           {"MOLTA_Account", "accounts"},        {"MOLTA_Group", "groups"}};
 
 struct TOrder {
     const char* className;
