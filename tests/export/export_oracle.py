@@ -17,6 +17,7 @@ UNITS = {"Bytes": (1, 1, "bytes"), "KiloBytes": (1024, 1, "bytes"), "Octets": (1
          "MilliVolts": (1, 1000, "volts"), "Amps": (1, 1, "amps"), "MilliAmperes": (1, 1000, "amps"), "Watts": (1, 1, "watts"),
          "WattHours": (1, 1, "watt_hours"), "AmpereHours": (1, 1, "ampere_hours"), "Degrees C": (1, 1, "degrees_c"),
          "Revolutions per Minute": (1, 1, "rpm"), "Percent": (1, 1, "percent"),
+         "MilliMeters": (1, 1000, "meters"), "Inches": (1, 1, "inches"), "Pixels": (1, 1, "pixels"), "Hours": (1, 1, "hours"),
          "Million Loops per Second": (1, 1, "million_loops_per_second")}
 SCOPE = {"CreationClassName", "SystemCreationClassName", "SystemName", "CSCreationClassName", "CSName",
          "OSCreationClassName", "OSName"}
