@@ -25,9 +25,11 @@ constexpr TDeviceClass kDevices[] = {
     {"MOLTA_Processor", "processor:", "DeviceID", "processor", "microcode of "},
     {"MOLTA_PhysicalMemory", "memory:", "Tag", "memory module", "firmware of "},
     {"MOLTA_DiskDrive", "disk:", "DeviceID", "disk drive", "firmware of "},
+    {"MOLTA_StorageEnclosure", "enclosure:", "Tag", "storage enclosure", "firmware of "},
     {"MOLTA_NetworkAdapter", "network:", "DeviceID", "network adapter", "firmware of "},
     {"MOLTA_PCIDevice", "pci:", "DeviceID", "PCI device", "firmware of "},
     {"MOLTA_USBDevice", "usb:", "DeviceID", "USB device", "firmware of "},
+    {"MOLTA_Monitor", "monitor:", "DeviceID", "monitor", "firmware of "},
     {"MOLTA_Battery", "battery:", "DeviceID", "battery", "firmware of "},
     {"MOLTA_PowerSupply", "power:", "DeviceID", "power supply", "firmware of "},
 };
