@@ -86,6 +86,10 @@ TInstancePath ScopedPath(const std::string& className, const std::string& name) 
     return path;
 }
 
+TFact<TTimestamp> TimestampOf(const TFact<int64_t>& seconds) {
+    return seconds.Map([](int64_t time) { return std::optional(TTimestamp{time}); });
+}
+
 bool IsKnownClass(kyrIOHandle handle, const char* className) {
     return TReference(handle, TInstancePath{className, {}}).IsGood();
 }

@@ -32,6 +32,7 @@ struct TTimestamp {
     int64_t seconds;
     int32_t offsetMinutes = 0;
 };
+TFact<TTimestamp> TimestampOf(const TFact<int64_t>& seconds);
 
 /// Builds one instance in the core. Properties must have the type that the document declares. The status of the first
 /// call that fails is kept, nothing is set after it, and Finish returns it.

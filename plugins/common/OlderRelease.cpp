@@ -36,8 +36,6 @@ constexpr TDistribution kRedHatFamily[] = {
     {"ROSA", "rosa"},
 };
 
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
-
 std::string IdIn(std::string_view name) {
     for (const TDistribution& entry : kRedHatFamily)
         if (StartsWith(name, entry.start)) return entry.id;

@@ -23,8 +23,6 @@ std::string_view NthText(std::string_view texts, uint8_t number) {
     return texts.substr(0, texts.find('\0'));
 }
 
-bool BeginsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
-
 // What is left of the table behind the end marker is of no concern.
 std::string_view ParseStructures(std::string_view table, std::vector<TSmbiosStructure>& structures) {
     while (table.size() >= kHeaderSize) {
@@ -50,8 +48,8 @@ std::optional<std::string_view> TSmbiosStructure::FindText(size_t offset) const 
 std::vector<std::string_view> TSmbiosStructure::GetTexts() const { return Split(fTexts, '\0'); }
 
 std::optional<size_t> ParseSmbiosEntryPoint(std::string_view content) {
-    if (BeginsWith(content, "_SM_")) return FindLittleEndian<uint16_t>(content, 0x16);
-    if (BeginsWith(content, "_SM3_")) return FindLittleEndian<uint32_t>(content, 0x0C);
+    if (StartsWith(content, "_SM_")) return FindLittleEndian<uint16_t>(content, 0x16);
+    if (StartsWith(content, "_SM3_")) return FindLittleEndian<uint32_t>(content, 0x0C);
     return std::nullopt;
 }
 

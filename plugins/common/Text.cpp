@@ -39,6 +39,16 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
+std::vector<std::string_view> Words(std::string_view text) {
+    std::vector<std::string_view> words;
+    for (size_t at = text.find_first_not_of(kBlanks); at < text.size(); at = text.find_first_not_of(kBlanks, at)) {
+        const size_t end = std::min(text.find_first_of(kBlanks, at), text.size());
+        words.push_back(text.substr(at, end - at));
+        at = end;
+    }
+    return words;
+}
+
 std::vector<std::string_view> Lines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
@@ -49,8 +59,17 @@ std::vector<std::string_view> Lines(std::string_view text) {
     return lines;
 }
 
+bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+
 bool EndsWith(std::string_view text, std::string_view end) {
     return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+std::string LowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c += 'a' - 'A';
+    return lower;
 }
 
 std::string UnescapeOctal(std::string_view text) {

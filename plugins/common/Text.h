@@ -12,9 +12,14 @@
 std::string_view Trim(std::string_view text);
 /// The parts between separators, trimmed; empty ones are left out.
 std::vector<std::string_view> Split(std::string_view text, char separator);
+/// The words between blanks and line ends.
+std::vector<std::string_view> Words(std::string_view text);
 /// The lines without line ends, including empty ones.
 std::vector<std::string_view> Lines(std::string_view text);
+bool StartsWith(std::string_view text, std::string_view start);
 bool EndsWith(std::string_view text, std::string_view end);
+/// In small letters those of ASCII, whatever the locale.
+std::string LowerCase(std::string_view text);
 /// Decodes the octal escapes that the kernel writes, such as "\040" for a blank in a path.
 std::string UnescapeOctal(std::string_view text);
 /// The value of a line "key=value" in a uevent file.

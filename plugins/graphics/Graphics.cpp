@@ -35,10 +35,8 @@ TFact<uint16_t> ReadWord(const TSystemRoot& root, const std::string& path, const
 
 // Not present if the file lacks the key.
 TFact<std::string> Field(const TFact<std::string>& uevent, std::string_view key) {
-    TFact<std::string> field = TFact<std::string>::Missing(uevent.absence, uevent.source);
-    for (const std::string_view line : Lines(uevent ? std::string_view(*uevent) : ""))
-        if (line.size() > key.size() && line.substr(0, key.size()) == key && line[key.size()] == '=')
-            field.value = std::string(Trim(line.substr(key.size() + 1)));
+    TFact<std::string> field = uevent.Map([key](const std::string& text) { return UeventValue(text, key); });
+    if (uevent && !field) field.absence = EAbsence::eNotPresent;
     return field;
 }
 

@@ -33,8 +33,7 @@ kyrStatusCode Report(kyrIOHandle handle, const THostedContainer& container) {
     report.Add("ContainerID", container.id);
     report.Add("Image", container.image);
     report.Add("Pod", container.pod);
-    report.Add("CreationDate",
-               container.created.Map([](int64_t seconds) { return std::optional<TTimestamp>({seconds}); }));
+    report.Add("CreationDate", TimestampOf(container.created));
     report.Add("MemoryLimit", container.memory);
     report.Add("AutoStart", container.isAutoStarted);
     report.Add("Running", container.isRunning);

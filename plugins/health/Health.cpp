@@ -9,8 +9,6 @@ namespace {
 
 const std::string kFolder = "/sys/class/block";
 
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
-
 EAssessment NvmeAssessment(uint8_t criticalWarning) {
     if (criticalWarning == 0) return EAssessment::ePassed;
     return IsNvmeFailing(criticalWarning) ? EAssessment::eFailing : EAssessment::eWarning;

@@ -65,11 +65,6 @@ void AddText(TInstanceReport& report, const char* property, const std::optional<
     if (text) Add(report, property, *text);
 }
 
-void AddExpiry(TInstanceReport& report, const TFact<int64_t>& expires) {
-    if (!expires) return;
-    report.Add("DHCPLeaseExpires", expires.Map([](int64_t seconds) { return std::optional(TTimestamp{seconds}); }));
-}
-
 kyrStatusCode ReportAddress(kyrIOHandle handle, const TIPAddress& address) {
     const bool isIPv4 = address.family == AF_INET;
     TInstanceReport report(handle, AddressPath(address));
@@ -85,7 +80,7 @@ kyrStatusCode ReportAddress(kyrIOHandle handle, const TIPAddress& address) {
     report.Set("InterfaceName", address.adapter);
     Add(report, "Dynamic", (address.flags & IFA_F_PERMANENT) == 0);
     if (address.dhcpServer || IsUnreadable(address.dhcpServer)) report.Add("DHCPServer", address.dhcpServer);
-    AddExpiry(report, address.leaseExpires);
+    if (address.leaseExpires) report.Add("DHCPLeaseExpires", TimestampOf(address.leaseExpires));
     if (std::vector<std::string> flags = FlagWords(address); !flags.empty()) Add(report, "Flags", std::move(flags));
     return report.Finish();
 }

@@ -36,12 +36,8 @@ bool AsksResolved(const TDnsSettings& settings) {
 }
 
 TTexts WordsOf(std::string_view text) {
-    TTexts words;
-    while (text = Trim(text), !text.empty()) {
-        words.emplace_back(text.substr(0, text.find_first_of(" \t\r")));
-        text.remove_prefix(words.back().size());
-    }
-    return words;
+    const std::vector<std::string_view> words = Words(text);
+    return {words.begin(), words.end()};
 }
 
 /// What the lines of a file such as /etc/resolv.conf say.

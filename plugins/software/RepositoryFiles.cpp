@@ -85,17 +85,6 @@ std::optional<bool> ParseFlag(std::string_view text) {
     return std::nullopt;
 }
 
-std::vector<std::string_view> Words(std::string_view text) {
-    constexpr const char* kBlanks = " \t\r\n";
-    std::vector<std::string_view> words;
-    for (size_t at = text.find_first_not_of(kBlanks); at < text.size(); at = text.find_first_not_of(kBlanks, at)) {
-        const size_t end = std::min(text.find_first_of(kBlanks, at), text.size());
-        words.push_back(text.substr(at, end - at));
-        at = end;
-    }
-    return words;
-}
-
 TRepository MakeRepository(EPackageFormat format, const std::string& name, const std::string& file) {
     TRepository repository;
     repository.format = format;

@@ -30,11 +30,8 @@ TRepositories ParsePacmanRepositories(std::string_view text, const std::string& 
 
 // What the readers of these files have in common.
 
-std::string LowerCase(std::string_view text);
 /// Yes or no in one of the words that package managers take for it.
 std::optional<bool> ParseFlag(std::string_view text);
-/// The words between blanks and line ends.
-std::vector<std::string_view> Words(std::string_view text);
 TRepository MakeRepository(EPackageFormat format, const std::string& name, const std::string& file);
 /// The address without what lets somebody in: user and password, and parameters such as "token=".
 std::string WithoutSecrets(std::string_view url);

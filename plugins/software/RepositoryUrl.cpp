@@ -38,13 +38,6 @@ std::string PublicParameters(std::string_view parameters) {
 
 }  // namespace
 
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c += 'a' - 'A';
-    return lower;
-}
-
 std::string WithoutSecrets(std::string_view url) {
     const size_t scheme = url.find("://"), start = scheme == std::string_view::npos ? 0 : scheme + 3;
     std::string kept = std::string(url.substr(0, start)) + std::string(url.substr(FindHost(url)));

@@ -35,10 +35,6 @@ TInstancePath PathOf(const TKernelModule& module) { return {kModule, {{"Name", m
 
 TInstancePath PathOf(const TService& service) { return ScopedPath(kService, service.name); }
 
-TFact<TTimestamp> TimestampOf(const TFact<int64_t>& seconds) {
-    return seconds.Map([](int64_t time) { return std::optional(TTimestamp{time}); });
-}
-
 void AddTo(TInstanceReport& report, const TPackage& package) {
     report.Add("Version", package.version);
     report.Add("Manufacturer", package.maintainer);

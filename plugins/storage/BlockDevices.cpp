@@ -4,8 +4,6 @@
 
 namespace {
 
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
-
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 struct TNamePrefix {

@@ -1,8 +1,8 @@
 #include <algorithm>
-#include <cstdio>
 #include <map>
 
 #include "FirmwareIds.h"
+#include "HardwareIds.h"
 #include "SystemFacts.h"
 
 namespace {
@@ -37,12 +37,6 @@ constexpr unsigned kIds[] = {eMaker | eFamily | eProduct | eSku | eBios,
                              eMaker | eBoard,
                              eMaker};
 
-std::string LowerHex(int digits, unsigned number) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%0*x", digits, number);
-    return text;
-}
-
 // Catalogues leave out zeros in front, such as that of the SKU "0A3F".
 std::string WithoutLeadingZeros(const std::string& text) {
     return text.substr(std::min(text.find_first_not_of('0'), text.size()));
@@ -54,12 +48,12 @@ std::string ReleaseText(const std::string& text) {
     if (point == std::string::npos) return "";
     const auto major = ParseNumber<uint8_t>(text.substr(0, point)),
                minor = ParseNumber<uint8_t>(text.substr(point + 1));
-    return major && minor ? LowerHex(2, *major) + '&' + LowerHex(2, *minor) : "";
+    return major && minor ? HexText(2, *major) + '&' + HexText(2, *minor) : "";
 }
 
 std::string EnclosureText(const std::string& text) {
     const auto kind = ParseNumber<uint8_t>(text);
-    return kind ? LowerHex(1, *kind) : "";
+    return kind ? HexText(1, *kind) : "";
 }
 
 struct TField {

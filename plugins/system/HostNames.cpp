@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "OsRelease.h"
 #include "SystemFacts.h"
 
@@ -10,18 +8,16 @@ using TText = TFact<std::string>;
 constexpr size_t kHostsLimit = 1 << 20;
 
 // The names of a line behind its address.
-std::vector<std::string_view> NamesOf(std::string& line) {
-    std::replace(line.begin(), line.end(), '\t', ' ');
-    std::vector<std::string_view> names = Split(std::string_view(line).substr(0, line.find('#')), ' ');
+std::vector<std::string_view> NamesOf(std::string_view line) {
+    std::vector<std::string_view> names = Words(line.substr(0, line.find('#')));
     if (!names.empty()) names.erase(names.begin());
     return names;
 }
 
 // The first name of an address is its own, and the others are short for it.
 std::optional<std::string> FindFullName(const std::string& hosts, const std::string& host) {
-    for (const std::string_view text : Lines(hosts)) {
-        if (text.find(host) == std::string_view::npos) continue;
-        std::string line(text);
+    for (const std::string_view line : Lines(hosts)) {
+        if (line.find(host) == std::string_view::npos) continue;
         const std::vector<std::string_view> names = NamesOf(line);
         if (!names.empty() && names[0].substr(0, host.size() + 1) == host + '.') return std::string(names[0]);
     }

@@ -6,6 +6,7 @@
 
 #include "OsRelease.h"
 #include "SystemFacts.h"
+#include "UnitFiles.h"
 
 namespace {
 
@@ -81,7 +82,7 @@ TText ReadInitSystem(const TSystemRoot& root) {
 
 TText ReadDefaultTarget(const TSystemRoot& root) {
     TText target;
-    for (const char* folder : {"/etc/systemd/system", "/usr/lib/systemd/system", "/lib/systemd/system"})
+    for (const char* folder : kUnitFolders)
         if (!target) target = Otherwise(target, root.ReadLinkName(std::string(folder) + "/default.target"));
     return target;
 }

@@ -12,16 +12,8 @@ constexpr std::string_view kSecrets[] = {"password",  "passwd",     "passphrase"
                                          "psk",       "wpa",        "apikey",      "api_key",  "api-key", "access_key",
                                          "accesskey", "privatekey", "private_key", "luks.key", "cryptkey"};
 
-// Not tolower, which depends on the host's locale.
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return lower;
-}
-
-// The words of the line, of which quotes hold some together.
-std::vector<std::string_view> Words(std::string_view line) {
+// The words of the line. Quotes hold some together.
+std::vector<std::string_view> ParametersIn(std::string_view line) {
     std::vector<std::string_view> words;
     bool isQuoted = false;
     size_t start = 0;
@@ -77,7 +69,7 @@ private:
 std::optional<std::string> WithoutSecrets(const std::string& line) {
     TFilter filter;
     std::string text;
-    for (const std::string_view word : Words(line)) text += (text.empty() ? "" : " ") + filter.Pass(word);
+    for (const std::string_view word : ParametersIn(line)) text += (text.empty() ? "" : " ") + filter.Pass(word);
     return text;
 }
 

@@ -5,8 +5,6 @@ namespace {
 
 using TText = TFact<std::string>;
 
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
-
 std::string FirstWord(std::string_view text) { return std::string(text.substr(0, text.find(' '))); }
 
 // "CentOS Linux release 7.9.2009 (Core)"

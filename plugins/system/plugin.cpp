@@ -113,10 +113,6 @@ void AddTexts(TInstanceReport& report, const TTextProperty (&properties)[N], con
     for (const TTextProperty& property : properties) report.Add(property.name, facts.*property.fact);
 }
 
-void AddTimestamp(TInstanceReport& report, const char* property, const TFact<int64_t>& seconds) {
-    report.Add(property, seconds.Map([](int64_t value) { return std::optional<TTimestamp>({value}); }));
-}
-
 TTimestamp LocalTime() {
     const time_t now = time(nullptr);
     struct tm local {};
@@ -144,8 +140,8 @@ kyrStatusCode ReportOperatingSystem(kyrIOHandle handle, const TSystemFacts& fact
     report.Add("BootFirmware", facts.bootFirmware);
     report.Set("OSType", kOSTypeLinux);
     report.Add("SystemUpTime", facts.upTime);
-    AddTimestamp(report, "LastBootUpTime", facts.bootTime);
-    AddTimestamp(report, "InstallDate", facts.installDate);
+    report.Add("LastBootUpTime", TimestampOf(facts.bootTime));
+    report.Add("InstallDate", TimestampOf(facts.installDate));
     report.Add("CurrentTimeZone", facts.currentTimeZone);
     if (facts.isRunning) report.Set("LocalDateTime", LocalTime());
     return report.Finish();
@@ -155,7 +151,7 @@ kyrStatusCode ReportBios(kyrIOHandle handle, const TSystemFacts& facts) {
     if (!HasBios(facts)) return kyrStatusOK;
     TInstanceReport report(handle, {kBiosElement, {{"Name", "System firmware"}, {"SoftwareElementID", "0"}}});
     AddTexts(report, kBiosTexts, facts);
-    AddTimestamp(report, "ReleaseDate", facts.biosDate);
+    report.Add("ReleaseDate", TimestampOf(facts.biosDate));
     return report.Finish();
 }
 
