@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <memory>
 #include <new>
 
@@ -19,8 +20,21 @@ constexpr size_t kChangeCounterEnd = 28;
 constexpr uint32_t kLogMagic = 0x377f0682;  // the lowest bit tells that its checksums are made of big-endian numbers
 constexpr size_t kLogHeader = 32, kFrameHeader = 24;
 
-/// How many steps of SQLite's machine a query may take, and after how many of them it is asked.
-constexpr int kStepsBetween = 10'000, kMostCalls = 5'000;
+/// How many steps of SQLite's machine a query may take, and after how many of them it is asked. Time has a limit too,
+/// since one step can make a value of the largest size.
+constexpr int kStepsBetween = 100, kMostCalls = 500'000;
+constexpr auto kMostTime = std::chrono::seconds(10);
+
+/// What is left of both.
+struct TBudget {
+    std::chrono::steady_clock::time_point end = std::chrono::steady_clock::now() + kMostTime;
+    int calls = kMostCalls;
+};
+
+int IsSpent(void* data) {
+    TBudget& budget = *static_cast<TBudget*>(data);
+    return --budget.calls < 0 || std::chrono::steady_clock::now() > budget.end ? 1 : 0;
+}
 
 uint32_t BigEndian(std::string_view bytes, size_t at) {
     uint32_t number = 0;
@@ -164,9 +178,8 @@ std::optional<EAbsence> QueryApplied(std::string& image, const char* query, cons
     image[kWriteVersion] = image[kReadVersion] = '\1';
     const TDataBase base = OpenImage(image);
     if (!base) return EAbsence::eReadError;
-    int calls = 0;
-    sqlite3_progress_handler(
-        base.get(), kStepsBetween, [](void* count) { return int{++*static_cast<int*>(count) > kMostCalls}; }, &calls);
+    TBudget budget;
+    sqlite3_progress_handler(base.get(), kStepsBetween, IsSpent, &budget);
     return AbsenceOfResult(RunTrusted(base.get(), query, take));
 }
 
