@@ -247,6 +247,13 @@ private:
         if (edid) fFacts.monitors.push_back({connector.id, TFact<TEdid>::Of(std::move(*edid), bytes.source), {}});
     }
 
+    // A card can belong to a device on top of the function, such as "virtio0".
+    bool IsCovered(std::string_view address) const {
+        return std::any_of(
+            fFacts.controllers.begin(), fFacts.controllers.end(),
+            [address](const TDisplayController& controller) { return controller.busDevice.pciAddress == address; });
+    }
+
     // Those that have no DRM driver.
     void AddFunctions() {
         const TFact<std::vector<std::string>> addresses = fRoot.ListKind("/sys/bus/pci/devices", "/sys/bus/pci");
@@ -256,7 +263,7 @@ private:
         for (const std::string& address : addresses.ValueOr({})) {
             const TPciFunction function(fRoot, address);
             if (const auto code = function.ClassCode(); IsUnreadable(code)) fFacts.pciListing = ListingOf(code);
-            if (!function.IsDisplay() || FindController(address) != nullptr) continue;
+            if (!function.IsDisplay() || IsCovered(address) || FindController(address) != nullptr) continue;
             TDisplayController controller;
             controller.id = controller.busDevice.pciAddress = address;
             ReadPciDevice(fRoot, controller);
@@ -266,15 +273,13 @@ private:
 
     void NameFunctions() {
         THardwareIds names;
-        const auto isFunction = [](const TDisplayController& controller) {
-            return !controller.id.empty() && controller.busDevice.pciAddress == controller.id;
-        };
         for (const TDisplayController& controller : fFacts.controllers)
-            if (isFunction(controller)) TPciFunction(fRoot, controller.id).Want(names);
+            if (const std::string& address = controller.busDevice.pciAddress; !address.empty())
+                TPciFunction(fRoot, address).Want(names);
         names.Read(fRoot, "pci.ids");
         for (TDisplayController& controller : fFacts.controllers) {
-            if (!isFunction(controller)) continue;
-            controller.names = TPciFunction(fRoot, controller.id).NamesIn(names);
+            if (controller.busDevice.pciAddress.empty()) continue;
+            controller.names = TPciFunction(fRoot, controller.busDevice.pciAddress).NamesIn(names);
             controller.model = First(controller.model, controller.names.device);
         }
     }

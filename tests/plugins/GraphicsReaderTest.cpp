@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "GraphicsFacts.h"
+#include "support/TestSupport.h"
 
 // Whole EDIDs are compared with edid-decode, and stand in the fixtures.
 TEST(GraphicsReaderTest, FilesOfTheKernelAreUnderstoodOrRefused) {
@@ -15,6 +18,21 @@ TEST(GraphicsReaderTest, FilesOfTheKernelAreUnderstoodOrRefused) {
     EXPECT_EQ(MakerName("XMPX\tno\nXMP\tExMon\nXMP\tlate\n", "XMP"), "ExMon");
     EXPECT_EQ(MakerName("XMP", "XMP"), std::nullopt);
     EXPECT_EQ(MakerName("\tno\n", ""), std::nullopt);
+}
+
+TEST(GraphicsReaderTest, CardOnTopOfAFunctionIsNoSecondController) {
+    const TempFolder root;
+    const std::string function = "devices/pci0000:00/0000:00:09.0", card = function + "/virtio0/drm/card0";
+    root.Write("sys/" + function + "/uevent", "DRIVER=virtio-pci\nPCI_CLASS=30000\nPCI_ID=1AF4:1050\n");
+    root.Write("sys/" + card + "/uevent", "DEVNAME=dri/card0\n");
+    root.Write("sys/bus/pci/devices/none", "");
+    root.Write("sys/class/drm/version", "drm\n");
+    std::filesystem::create_symlink("../../../" + function, root.Path() + "/sys/bus/pci/devices/0000:00:09.0");
+    std::filesystem::create_symlink("../../" + card, root.Path() + "/sys/class/drm/card0");
+    const TGraphicsFacts facts = ReadGraphics(TSystemRoot(root.Path()));
+    ASSERT_EQ(facts.controllers.size(), 1u);
+    EXPECT_EQ(facts.controllers[0].id, "virtio0");
+    EXPECT_EQ(facts.controllers[0].busDevice.pciAddress, "0000:00:09.0");
 }
 
 TEST(GraphicsReaderTest, OnlyWhatFitsIsTakenAsASize) {
