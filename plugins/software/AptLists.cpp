@@ -44,8 +44,10 @@ std::optional<int64_t> ParseDate(std::string_view text) {
 
 bool IsList(std::string_view name) {
     const size_t at = name.rfind("_Packages");
+    // "_Packages.diff_Index" lists differences to earlier versions of the list.
     return at != std::string_view::npos && (at + 9 == name.size() || name[at + 9] == '.') &&
-           !EndsWith(name, ".FAILED") && !EndsWith(name, ".reverify");
+           !EndsWith(name, ".FAILED") && !EndsWith(name, ".reverify") &&
+           name.find(".diff_Index", at) == std::string_view::npos;
 }
 
 /// Gives the packages of a text that comes in pieces.

@@ -51,15 +51,25 @@ void TakeOptions(std::string_view options, TEntry& entry) {
     }
 }
 
-// The value of a field with the lines that continue it.
+// The value of a field with the lines that continue it. The case of its name does not matter.
 std::string_view Whole(std::string_view paragraph, const TFields& fields, std::string_view name) {
-    const auto found = fields.find(name);
+    const auto found = std::find_if(fields.begin(), fields.end(), [&](const auto& field) {
+        return field.first.size() == name.size() && LowerCase(field.first) == LowerCase(name);
+    });
     if (found == fields.end()) return {};
     const auto start = static_cast<size_t>(found->second.data() - paragraph.data());
     size_t end = std::min(paragraph.find('\n', start), paragraph.size());
     while (end + 1 < paragraph.size() && (paragraph[end + 1] == ' ' || paragraph[end + 1] == '\t'))
         end = std::min(paragraph.find('\n', end + 1), paragraph.size());
     return Trim(paragraph.substr(start, end - start));
+}
+
+// A comment may stand between the lines of a field.
+std::string WithoutComments(std::string_view text) {
+    std::string plain;
+    for (const std::string_view line : Lines(text))
+        if (line.empty() || line[0] != '#') plain.append(line).append("\n");
+    return plain;
 }
 
 void AddParagraph(std::string_view paragraph, const std::string& file, TRepositories& repositories) {
@@ -103,6 +113,7 @@ TRepositories ParseAptLines(std::string_view text, const std::string& file) {
 
 TRepositories ParseAptParagraphs(std::string_view text, const std::string& file) {
     TRepositories repositories;
-    while (!text.empty()) AddParagraph(TakeParagraph(text), file, repositories);
+    const std::string plain = WithoutComments(text);
+    for (text = plain; !text.empty();) AddParagraph(TakeParagraph(text), file, repositories);
     return repositories;
 }

@@ -75,12 +75,21 @@ std::string ParseArchitecture(std::string_view text) {
     return std::string(text.substr(0, text.find_first_of(" \n,]")));
 }
 
+// A text may stand in quotes of either kind; an apostrophe within single ones is doubled.
+std::string Unquoted(const std::string& text) {
+    const bool isQuoted = text.size() >= 2 && text.front() == text.back() && (text[0] == '\'' || text[0] == '"');
+    std::string plain = isQuoted ? text.substr(1, text.size() - 2) : text;
+    if (isQuoted && text[0] == '\'')
+        for (size_t at = plain.find("''"); at != std::string::npos; at = plain.find("''", at + 1)) plain.erase(at, 1);
+    return plain;
+}
+
 TPackage ParseSnap(const TFact<std::string>& file, const std::string& name) {
     const std::string text = file.ValueOr("");
     const TFields fields = ParseFields(text);
     const auto field = [&](const char* key) {
         TFact<std::string> fact = file ? FieldOf(fields, key, file.source) : file;
-        if (fact) fact.value->erase(std::remove(fact.value->begin(), fact.value->end(), '\''), fact.value->end());
+        if (fact) fact.value = Unquoted(*fact);
         return fact;
     };
     TPackage package = MakeBundle(eSnap, name, ParseArchitecture(text), file.source);
@@ -117,12 +126,14 @@ TPackageSource ReadFlatpak(const TSystemRoot& root) {
 
 TPackageSource ReadSnap(const TSystemRoot& root) {
     TPackageSource found;
-    for (const std::string folder : kMounted)
+    for (const std::string folder : kMounted) {
+        if (root.ReadLink(folder)) continue;  // to the other one
         for (const std::string& name : root.Names(folder)) {
             if (!root.ReadLink(folder + '/' + name + "/current")) continue;
             const TFact<std::string> text = root.ReadFile(folder + '/' + name + "/current/meta/snap.yaml");
             found.packages.push_back(ParseSnap(text, name));
         }
+    }
     const TFact<std::vector<std::string>> files = root.List(kSnapFiles);
     if (found.packages.empty()) AddUnmounted(root, found.packages);
     if (found.packages.empty() && IsUnreadable(files)) found.listing = ListingOf(files);

@@ -63,12 +63,12 @@ void AddPython(const TSystemRoot& root, const std::string& folder, TPackages& pa
     }
 }
 
-// A library folder that is a link leads to another of them.
+// A folder that is a link leads to another of them.
 void AddPythons(const TSystemRoot& root, TPackages& packages) {
     for (const std::string library : kLibraries) {
         if (root.ReadLink(library)) continue;
         for (const std::string& name : root.Names(library))
-            if (name.rfind("python", 0) == 0)
+            if (name.rfind("python", 0) == 0 && !root.ReadLink(library + '/' + name))
                 for (const char* folder : kPythonFolders) AddPython(root, library + '/' + name + folder, packages);
     }
 }

@@ -114,11 +114,7 @@ void MakeUnique(std::vector<TPackage>& packages) {
         first = last;
     }
     std::stable_sort(packages.begin(), packages.end(), IsBefore);
-    packages.erase(std::unique(packages.begin(), packages.end(),
-                               [](const TPackage& a, const TPackage& b) {
-                                   return HasSameKeys(a, b) && a.format == b.format && a.format != eDeb;
-                               }),
-                   packages.end());
+    packages.erase(std::unique(packages.begin(), packages.end(), HasSameKeys), packages.end());
 }
 
 }  // namespace

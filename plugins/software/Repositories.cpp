@@ -1,4 +1,5 @@
 #include <map>
+#include <set>
 
 #include "RepositoryFiles.h"
 
@@ -16,6 +17,7 @@ constexpr const char* kApkFile = "/etc/apk/repositories";
 constexpr const char* kPacmanFile = "/etc/pacman.conf";
 constexpr TFolder kFolders[] = {{"/etc/apt/sources.list.d", ".list", ParseAptLines},
                                 {"/etc/apt/sources.list.d", ".sources", ParseAptParagraphs},
+                                {"/etc/apk/repositories.d", ".list", ParseApkRepositories},
                                 {"/etc/yum.repos.d", ".repo", ParseYumRepositories},
                                 {"/etc/zypp/repos.d", ".repo", ParseYumRepositories}};
 
@@ -67,8 +69,12 @@ private:
 // Nothing keeps two files from configuring one repository.
 void MakeUnique(TRepositories& repositories) {
     std::map<std::string, int> counts;
-    for (TRepository& repository : repositories)
-        if (const int count = ++counts[repository.name]; count > 1) repository.name += " #" + std::to_string(count);
+    std::set<std::string> names;
+    for (TRepository& repository : repositories) {
+        const std::string name = repository.name;
+        while (!names.insert(repository.name).second)
+            repository.name = name + " #" + std::to_string(++counts[name] + 1);
+    }
 }
 
 }  // namespace

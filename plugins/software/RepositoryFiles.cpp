@@ -50,10 +50,19 @@ std::string Replaced(std::string text, std::string_view variable, std::string_vi
     return text;
 }
 
-// pacman checks signatures unless it is told never to.
+// pacman checks signatures of packages unless it is told never to. "DatabaseNever" is about the list of packages.
 std::optional<bool> ChecksSignatures(std::string_view level) {
     if (level.empty()) return std::nullopt;
-    return level.find("Never") == std::string_view::npos;
+    const std::vector<std::string_view> words = Words(level);
+    return std::none_of(words.begin(), words.end(),
+                        [](std::string_view word) { return word == "Never" || word == "PackageNever"; });
+}
+
+// dnf config-manager makes both of the address that it is given, user and password included.
+std::string NameOf(const TSection& section) { return std::string(section.name.substr(section.name.rfind('@') + 1)); }
+std::string TitleOf(const TSection& section) {
+    const std::string_view title = section.Find("name");
+    return title.find("://") == std::string_view::npos ? std::string(title) : WithoutSecrets(title);
 }
 
 /// The servers of a section, its own and those of the files that it includes.
@@ -97,8 +106,8 @@ TRepositories ParseYumRepositories(std::string_view text, const std::string& fil
     TRepositories repositories;
     for (const TSection& section : ParseSections(text)) {
         if (section.name.empty() || section.name == "main") continue;
-        TRepository repository = MakeRepository(eRpm, std::string(section.name), file);
-        repository.title = section.Find("name");
+        TRepository repository = MakeRepository(eRpm, NameOf(section), file);
+        repository.title = TitleOf(section);
         for (const char* setting : {"baseurl", "mirrorlist", "metalink"})
             for (const std::string_view url : Words(section.Find(setting)))
                 if (const size_t end = url.find_last_not_of(','); end != std::string_view::npos)

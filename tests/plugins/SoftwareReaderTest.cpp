@@ -134,9 +134,12 @@ TEST(SoftwareReaderTest, ListingIsCompleteWithThePackagesOfTheDistribution) {
 
 TEST(SoftwareReaderTest, EachPackageHasKeysOfItsOwn) {
     const TempFolder root;
-    root.Write(kDpkgStatus, "Package: a\nArchitecture: all\nVersion: 1\n\nPackage: b\nArchitecture: all\n");
+    root.Write(kDpkgStatus,
+               "Package: a\nArchitecture: all\nVersion: 1\n\nPackage: b\nArchitecture: all\n\nPackage: "
+               "b\nArchitecture: all\n");
     root.Write("lib/apk/db/installed",
                "P:a\nA:all\nV:2\n\nP:a\nA:all\nV:2\n\nP:c\nA:all\n\nP:d\nA:x\nV:1\n\nP:d\nA:x\nV:2\n");
+    root.Write("var/lib/pacman/local/d-1/desc", "%NAME%\nd\n\n%ARCH%\nx\n\n%VERSION%\n1\n");
     std::string told;
     for (const TPackage& package : ReadPackages(TSystemRoot(root.Path())).items)
         told += package.name + '/' + package.id + ' ';
@@ -168,7 +171,13 @@ TEST(SoftwareReaderTest, VersionsOfDebianAreOrdered) {
 TEST(SoftwareReaderTest, SecretsAreTakenOutOfAddresses) {
     const std::pair<const char*, const char*> cases[] = {
         {"https://deb.example.org/debian", "https://deb.example.org/debian"},
-        {"https://user:pa@ss@host:80/a@b", "https://host:80/a@b"},
+        {"https://user:pa@ss@host:80/a", "https://host:80/a"},
+        {"https://user:p@s/s@host/x", "https://host/x"},
+        {"https:/user:pass@host/x", "https:/host/x"},
+        {"//user:pass@host/x", "//host/x"},
+        {"http://h/x?a=1;token=x&b=2", "http://h/x?b=2"},
+        {"http://h/x#token=x", "http://h/x"},
+        {"https://updates.example.org/product/?AbCd0123", "https://updates.example.org/product/"},
         {"https://user:p/a?s#s@host/x", "https://host/x"},
         {"https://token@host", "https://host"},
         {"http://host:8080/@scope/x", "http://host:8080/@scope/x"},
@@ -182,12 +191,25 @@ TEST(SoftwareReaderTest, SecretsAreTakenOutOfAddresses) {
     for (const auto& [url, told] : cases) EXPECT_EQ(WithoutSecrets(url), told);
 }
 
+TEST(SoftwareReaderTest, RepositoriesHaveNamesOfTheirOwnWithoutSecrets) {
+    const TempFolder root;
+    root.Write("etc/yum.repos.d/x.repo",
+               "[SECRET@h_x]\nname=created from https://u:SECRET@h/x\n[a]\nname=A #1\n[a]\nname=A\n[a #2]\n[a]\n");
+    root.Write("etc/apt/sources.list.d/x.sources",
+               "Types: deb\nUris: http://u:SECRET@h/\nSuites: s\nComponents: a\n# note\n b\nenabled: no\n");
+    std::string told;
+    for (const TRepository& each : ReadRepositories(TSystemRoot(root.Path())).items)
+        told += each.name + '|' + each.title + '|' + std::to_string(each.components.size()) +
+                (each.isEnabled ? "; " : " off; ");
+    EXPECT_EQ(told, "http://h/ s||2 off; h_x|created from https://h/x|0; a|A #1|0; a #2|A|0; a #2 #2||0; a #3||0; ");
+}
+
 TEST(SoftwareReaderTest, PacmanTakesServersOfIncludedFiles) {
     const auto include = [](const std::string& path) {
         return path == "/list" ? "# a mirror\nServer = https://m.example.org/$repo/os/$arch\nInclude = /list\n" : "";
     };
     const TRepositories repositories = ParsePacmanRepositories(
-        "[options]\nSigLevel = Required\nServer = x\n[core]\nInclude = /list\n[own]\nSigLevel = "
+        "[options]\nSigLevel = Required DatabaseNever\nServer = x\n[core]\nInclude = /list\n[own]\nSigLevel = "
         "Never\nServer=file:///srv\n",
         "pacman.conf", include);
     ASSERT_EQ(repositories.size(), 2u);
@@ -215,6 +237,7 @@ TEST(SoftwareReaderTest, UpdatesAreThoseThatAptWouldInstall) {
                paragraph("plain", "amd64", "1.10") + paragraph("plain", "amd64", "1.2") +
                    paragraph("held", "amd64", "2") + paragraph("ported", "amd64", "1") +
                    paragraph("gone", "amd64", "2") + paragraph("newer", "amd64", "8"));
+    root.Write(lists + "s_main_binary-amd64_Packages.diff_Index", "SHA256-Current: x\n");
     root.Write(lists + "s_main_binary-i386_Packages", paragraph("held", "i386", "3"));
     root.Write(lists + "s-security_InRelease", "Suite: s-security\nDate: Thu, 01 Jan 1970 00:01:00 UTC\n");
     root.Write(lists + "s-security_main_binary-amd64_Packages", paragraph("plain", "amd64", "1.9.1"));
