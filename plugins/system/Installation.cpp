@@ -82,7 +82,7 @@ TText ReadInitSystem(const TSystemRoot& root) {
 
 TText ReadDefaultTarget(const TSystemRoot& root) {
     TText target;
-    for (const char* folder : kUnitFolders)
+    for (const char* folder : {kAdministratorUnits, kVendorUnits, kOldVendorUnits})
         if (!target) target = Otherwise(target, root.ReadLinkName(std::string(folder) + "/default.target"));
     return target;
 }
