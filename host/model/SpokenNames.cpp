@@ -21,8 +21,8 @@ namespace {
 using TClasses = std::vector<TCIMClass*>;
 using TInstances = std::vector<TCIMInstance*>;
 
-/// A usual word, in the form that SpokenForm gives, and what it means. Where none of the classes is known, a later row of
-/// the same word counts. docs/names.md has the same table.
+/// A usual word, in the form that SpokenForm gives, and what it means. Where none of the classes is known, a later row
+/// of the same word counts. docs/names.md has the same table.
 struct TUsualWord {
     const char* word;
     std::vector<const char*> classes;

@@ -57,8 +57,8 @@ using TEngineContainers = TEngineGuests<THostedContainer>;
 struct TGuestFacts {
     /// In the order of libvirt, Proxmox.
     std::array<TEngineMachines, 2> machines;
-    /// In the order of Docker, Podman, containerd, LXC, Proxmox, systemd-nspawn.
-    std::array<TEngineContainers, 6> containers;
+    /// In the order of Docker, Podman, containerd, LXC, Proxmox, systemd-nspawn, others.
+    std::array<TEngineContainers, 7> containers;
     /// Whether the folders can be seen at all in which the engines have theirs.
     TListing settings;
     TListing states;

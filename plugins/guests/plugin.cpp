@@ -86,8 +86,8 @@ TListing Containers(const TGuestFacts& facts) {
 
 using TSources = std::vector<TListing (*)(const TGuestFacts&)>;
 const TSources kMachineSources = {Settings, Machines<0>, Machines<1>};
-const TSources kContainerSources = {Settings,      States,        Containers<0>, Containers<1>,
-                                    Containers<2>, Containers<3>, Containers<4>, Containers<5>};
+const TSources kContainerSources = {Settings,      States,        Containers<0>, Containers<1>, Containers<2>,
+                                    Containers<3>, Containers<4>, Containers<5>, Containers<6>};
 
 const TDataPlugin<TGuestFacts> gPlugin("guests", ReadGuests,
                                        {{kMachine, ReportMachines, kMachineSources},

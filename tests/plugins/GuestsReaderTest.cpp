@@ -128,3 +128,10 @@ TEST(GuestsReaderTest, FileThatIsNotUnderstoodIsMissed) {
         EXPECT_EQ(missed, 1u) << path;
     }
 }
+
+TEST(GuestsReaderTest, ContainersOfOtherEnginesAreMissed) {
+    const TGuestFacts facts = ReadFiles({{"var/lib/incus/containers/web/metadata.yaml", ""}});
+    EXPECT_FALSE(facts.containers.back().listing);
+    EXPECT_EQ(facts.containers.back().listing.source, "/var/lib/incus/containers");
+    EXPECT_TRUE(ReadFiles({{"var/lib/incus/containers.txt", ""}}).containers.back().listing);
+}
