@@ -19,7 +19,7 @@ BROKEN_PLUGINS = 95
 # are lines of shell, where $kyr is the real one.
 HOSTS = {
     "server": ({}, "complete"),
-    "laptop": ({"machine": "laptop"}, "partial"),
+    "laptop": ({"machine": "laptop"}, "complete"),
     "bare": ({"machine": "empty"}, "partial"),
     "many-missing": ({"machine": "virtual", "plugins": "{folder}/broken"}, "partial"),
     "not-installed": ({"kyr_executable": "{folder}/nothing"}, "install the package kyr"),

@@ -37,7 +37,7 @@ TEST(MannersTest, WrongUseIsToldWithTheNearestRightWord) {
         {"collect --class", "kyr: --class: 1 required NAME missing (try 'kyr collect --help')\n"},
         {"schema CIM_Sistem", "kyr: unknown class 'CIM_Sistem'; did you mean 'CIM_System'?\n"},
         {"collect --class computersistem", "kyr: unknown class 'computersistem'; did you mean 'ComputerSystem'?\n"},
-        {"collect --class 4bad", "kyr: unknown class '4bad'\n"},
+        {"collect --class 4qqqq", "kyr: unknown class '4qqqq'\n"},
     };
     for (const auto& [arguments, message] : cases)
         EXPECT_THAT(RunKyr(arguments), FieldsAre(2, "", message)) << arguments;

@@ -160,7 +160,7 @@ def check_document(bom, shown):
         bom.expect(("complete" == bom.aggregates[ref]) == shown.is_complete(classes), ref, "is", bom.aggregates[ref])
     firmware = [row for cls, name in (("Processor", "MicrocodeRevision"), ("DiskDrive", "FirmwareRevision"),
                                       ("PhysicalMemory", "FirmwareVersion"), ("NetworkAdapter", "FirmwareVersion"),
-                                      ("SystemBIOSElement", "Version"))
+                                      ("StorageEnclosure", "FirmwareRevision"), ("SystemBIOSElement", "Version"))
                 for row in shown.values(f"MOLTA_{cls}", name) if row]
     bom.expect(sorted(firmware) == sorted(each["version"] for each in bom.packages("firmware:")), "firmware", firmware)
     disks = [properties(each)["cdx:device:location"] for each in bom.packages("disk:")]
