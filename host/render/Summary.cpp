@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <iterator>
-#include <optional>
+#include <unordered_map>
 #include <utility>
 
 #include "base/Text.h"
@@ -285,11 +285,19 @@ const TSection kSections[] = {
     {"Guests", kVirtualMachineClass, {}, nullptr, nullptr, nullptr, 1, true, GuestsTexts},
 };
 
-// What became of a class; nothing if the collection does not know it.
-std::optional<EState> FindState(const TContainer& container, const std::string& className) {
+using TClassStates = std::unordered_map<std::string, EState>;
+
+// What became of the classes that the collection knows.
+TClassStates ClassStatesOf(const TContainer& container) {
+    TClassStates states;
     for (const TCIMInstance* state : StatesOf(container, kCollectedClassClass))
-        if (TextOf(*state, "Name") == className) return OutcomeOf(*state).state;
-    return std::nullopt;
+        states.emplace(TextOf(*state, "Name"), OutcomeOf(*state).state);
+    return states;
+}
+
+EState StateOf(const TClassStates& states, const std::string& className) {
+    const auto found = states.find(className);
+    return found == states.end() ? eNotAsked : found->second;
 }
 
 /// A line of a section, and how many instances have it.
@@ -301,14 +309,15 @@ struct TCountedLine {
 
 class TSectionText {
 public:
-    TSectionText(const TSection& section, const TContainer& container, const TStorageContents& contents)
+    TSectionText(const TSection& section, const TContainer& container, const TStorageContents& contents,
+                 const TClassStates& states)
         : fSection(section), fContents(contents) {
         if (section.tell != nullptr)
             fTold = section.tell(container);
         else
             for (const TCIMInstance* instance : InNaturalOrder(InstancesOf(container, section.className)))
                 Add(*instance);
-        fIsComplete = FindState(container, section.className) == eComplete;
+        fIsComplete = StateOf(states, section.className) == eComplete;
     }
 
     TTexts Lines() const {
@@ -365,14 +374,14 @@ constexpr const char* kMayBeLeftOut[] = {kSecurityClass,        kTpmClass,
                                          kAccountClass,         kVirtualMachineClass,
                                          kHostedContainerClass};
 
-bool IsAskedFor(const TContainer& container, const std::string& name) {
+bool IsAskedFor(const TClassStates& states, const std::string& name) {
     if (std::find(std::begin(kMayBeLeftOut), std::end(kMayBeLeftOut), name) == std::end(kMayBeLeftOut)) return true;
-    return FindState(container, name).value_or(eNotAsked) != eNotAsked;
+    return StateOf(states, name) != eNotAsked;
 }
 
-bool IsTold(const TSection& section, const TContainer& container) {
-    if (section.otherwise != nullptr && IsAskedFor(container, section.otherwise)) return false;
-    return IsAskedFor(container, section.className);
+bool IsTold(const TSection& section, const TClassStates& states) {
+    if (section.otherwise != nullptr && IsAskedFor(states, section.otherwise)) return false;
+    return IsAskedFor(states, section.className);
 }
 
 void PrintLines(std::string label, const TTexts& lines, TOutput& output) {
@@ -402,11 +411,12 @@ std::vector<std::string> SummaryClasses() {
 
 void PrintSummary(const TContainer& container, TOutput& output) {
     const TStorageContents contents(container);
+    const TClassStates states = ClassStatesOf(container);
     for (const TSection& section : kSections)
-        if (IsTold(section, container))
-            PrintLines(section.label, TSectionText(section, container, contents).Lines(), output);
+        if (IsTold(section, states))
+            PrintLines(section.label, TSectionText(section, container, contents, states).Lines(), output);
     TTexts classes = SummaryClasses();
-    const auto isNot = [&container](const std::string& name) { return !IsAskedFor(container, name); };
+    const auto isNot = [&states](const std::string& name) { return !IsAskedFor(states, name); };
     classes.erase(std::remove_if(classes.begin(), classes.end(), isNot), classes.end());
     const TTexts missing = MissingTexts(container, classes);
     PrintLines("Missing", missing.empty() ? TTexts{"nothing of the above"} : missing, output);
